@@ -1,0 +1,219 @@
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "../platform/raw_file.h"
+#include "../support/by_hand.h"
+#include "work.h"
+
+namespace bench {
+namespace {
+
+using platform::eRawFile;
+
+/// 32 KiB in front of a file that is written.
+class eWrittenBlock {
+public:
+    explicit eWrittenBlock(const std::string& name) : file(name.c_str(), eRawFile::Writing) {}
+    unsigned char* Begin() { return block.data(); }
+    unsigned char* End() { return block.data() + block.size(); }
+    [[gnu::noinline]] unsigned char* Grow(unsigned char* next, size_t) {
+        file.Write(block.data(), static_cast<size_t>(next - block.data()));
+        return block.data();
+    }
+
+private:
+    eRawFile file;
+    std::array<unsigned char, blockSize> block;
+};
+
+/// 32 KiB in front of a file that is read.
+class eReadBlock {
+public:
+    explicit eReadBlock(const std::string& name) : file(name.c_str(), eRawFile::Reading) {}
+    const unsigned char* Begin() const { return block.data(); }
+    const unsigned char* End() const { return block.data() + held; }
+    [[gnu::noinline]] const unsigned char* Refill(const unsigned char* next) {
+        const size_t rest = static_cast<size_t>(End() - next);
+        std::memmove(block.data(), next, rest);
+        held = rest + file.Read(block.data() + rest, block.size() - rest);
+        return block.data();
+    }
+
+private:
+    eRawFile file;
+    std::array<unsigned char, blockSize> block;
+    size_t held = 0;
+};
+
+size_t PutAll(const std::string& name, size_t sets) {
+    eWrittenBlock block(name);
+    eHandWriter<eWrittenBlock> out(block);
+    PutSets(sets, [&](const eTypedValues& set) {
+        out.Put(set.integer);
+        out.Put(set.byte);
+        out.Put(set.real);
+        out.Put(set.precise);
+        out.Put(set.large);
+        out.Put(set.name);
+    });
+    block.Grow(out.Next(), 0);
+    return sets;
+}
+
+std::uint64_t GetAll(const std::string& name, size_t sets) {
+    eReadBlock block(name);
+    eHandReader<eReadBlock> in(block);
+    return GetSets(sets, [&](eTypedValues& set) {
+        in.Get(set.integer);
+        in.Get(set.byte);
+        in.Get(set.real);
+        in.Get(set.precise);
+        in.Get(set.large);
+        in.Get(set.name);
+    });
+}
+
+/// Pieces gathered in 32 KiB and written when these are full.
+size_t WritePieces(const std::string& name, size_t pieces) {
+    const eRawFile file(name.c_str(), eRawFile::Writing);
+    std::array<unsigned char, blockSize> block;
+    size_t used = 0;
+    for (size_t i = 0; i < pieces; ++i) {
+        std::memcpy(block.data() + used, Pieces()[i % 8].data(), pieceSize);
+        used += pieceSize;
+        if (used == blockSize)
+            file.Write(block.data(), std::exchange(used, 0));
+    }
+    file.Write(block.data(), used);
+    return pieces;
+}
+
+/// 32 KiB read at once, and pieces copied out of them.
+std::uint64_t ReadPieces(const std::string& name) {
+    const eRawFile file(name.c_str(), eRawFile::Reading);
+    std::array<unsigned char, blockSize> block;
+    std::array<unsigned char, pieceSize> piece;
+    eChecksum sum;
+    while (const size_t got = file.Read(block.data(), blockSize))
+        for (size_t at = 0; at < got; at += pieceSize) {
+            std::memcpy(piece.data(), block.data() + at, pieceSize);
+            AddPiece(sum, piece.data());
+        }
+    return sum.Value();
+}
+
+/// The same bytes in blocks that nobody cuts into pieces.
+size_t WriteBlocks(const std::string& name, size_t pieces) {
+    const eRawFile file(name.c_str(), eRawFile::Writing);
+    std::array<unsigned char, blockSize> block;
+    for (size_t i = 0; i < 8; ++i)
+        std::memcpy(block.data() + i * pieceSize, Pieces()[i].data(), pieceSize);
+    for (size_t left = pieces * pieceSize; left > 0; left -= std::min(left, blockSize))
+        file.Write(block.data(), std::min(left, blockSize));
+    return pieces;
+}
+
+std::uint64_t ReadBlocks(const std::string& name) {
+    const eRawFile file(name.c_str(), eRawFile::Reading);
+    std::array<unsigned char, blockSize> block;
+    eChecksum sum;
+    while (const size_t got = file.Read(block.data(), blockSize))
+        for (size_t at = 0; at < got; at += pieceSize)
+            AddPiece(sum, block.data() + at);
+    return sum.Value();
+}
+
+size_t Copy(const std::string& from, const std::string& to) {
+    const eRawFile source(from.c_str(), eRawFile::Reading);
+    const eRawFile target(to.c_str(), eRawFile::Writing);
+    std::array<unsigned char, blockSize> block;
+    size_t copied = 0;
+    while (const size_t got = source.Read(block.data(), blockSize)) {
+        target.Write(block.data(), got);
+        copied += got;
+    }
+    return copied;
+}
+
+void AddTyped(eSuite& suite, unsigned kilobytes) {
+    const size_t sets = Sets(kilobytes);
+    const std::string out = WorkFile("limit_typed.bin");
+    suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),
+              {"memcpy into 32 KiB and raw calls",
+               eKind::Limit,
+               1.15,
+               TypedBytes(kilobytes),
+               {},
+               [=] { return PutAll(out, sets); },
+               [=] {
+                   PutAll(out, sets);
+                   return SumOfBytes(ReadWhole(out));
+               }});
+    const std::string in = TypedFile(kilobytes);
+    suite.Add(TypedInWork(kilobytes), TypedCount(kilobytes),
+              {"memcpy from 32 KiB and raw calls",
+               eKind::Limit,
+               1.15,
+               TypedBytes(kilobytes),
+               {},
+               [=] { return GetAll(in, sets); },
+               {}});
+}
+
+const eContender contender(2, [](eSuite& suite) {
+    const eOptions& options = suite.Options();
+    for (const unsigned kilobytes : options.kilobytes)
+        AddTyped(suite, kilobytes);
+    const size_t pieces = BulkPieces(options);
+    const size_t bytes = pieces * pieceSize;
+    const auto count = static_cast<double>(pieces);
+    const std::string bulk = BulkFile(options);
+    const std::string copy = WorkFile("limit_copy.bin");
+    suite.Add(BulkReadWork(options), count,
+              {"raw calls with 32 KiB, pieces copied out",
+               eKind::Limit,
+               1.05,
+               bytes,
+               {},
+               [=] { return ReadPieces(bulk); },
+               {}});
+    suite.Add(BulkReadWork(options), count,
+              {"raw calls with 32 KiB, no pieces", eKind::Note, 0, bytes, {}, [=] { return ReadBlocks(bulk); }, {}});
+    suite.Add(BulkWriteWork(options), count,
+              {"pieces copied into 32 KiB, raw calls",
+               eKind::Limit,
+               1.05,
+               bytes,
+               {},
+               [=] { return WritePieces(copy, pieces); },
+               [=] {
+                   WritePieces(copy, pieces);
+                   return SumOfFile(copy);
+               }});
+    suite.Add(BulkWriteWork(options), count,
+              {"raw calls with 32 KiB, no pieces",
+               eKind::Note,
+               0,
+               bytes,
+               {},
+               [=] { return WriteBlocks(copy, pieces); },
+               [=] {
+                   WriteBlocks(copy, pieces);
+                   return SumOfFile(copy);
+               }});
+    suite.Add(CopyWork(options), count,
+              {"read and write of 32 KiB",
+               eKind::Limit,
+               1.05,
+               bytes,
+               {},
+               [=] { return Copy(bulk, copy); },
+               [=] {
+                   Copy(bulk, copy);
+                   return SumOfFile(copy);
+               }});
+});
+
+} // namespace
+} // namespace bench

@@ -1,0 +1,107 @@
+#include <qzl_io/streams.h>
+
+#include <memory>
+
+#include "../support/stream_values.h"
+#include "work.h"
+
+namespace bench {
+namespace {
+
+constexpr int toRead = IO::StreamMode::Read;
+constexpr int toWrite = IO::StreamMode::Write | IO::StreamMode::Create | IO::StreamMode::Errors;
+
+std::unique_ptr<IO::eStream> Open(const std::string& file, int mode) {
+    return std::unique_ptr<IO::eStream>(IO::GetStream(eFileName(file), mode));
+}
+
+std::uint64_t ReadPieces(const std::string& file) {
+    const auto stream = Open(file, toRead);
+    std::array<unsigned char, pieceSize> piece;
+    eChecksum sum;
+    while (!stream->Eos()) {
+        stream->Read(piece.data(), pieceSize);
+        AddPiece(sum, piece.data());
+    }
+    return sum.Value();
+}
+
+size_t WritePieces(const std::string& file, size_t pieces) {
+    const auto stream = Open(file, toWrite);
+    for (size_t i = 0; i < pieces; ++i)
+        stream->Write(Pieces()[i % 8].data(), pieceSize);
+    return pieces;
+}
+
+size_t Copy(const std::string& from, const std::string& to) {
+    const auto source = Open(from, toRead);
+    const auto target = Open(to, toWrite);
+    source->CopyTo(*target, 0);
+    return source->Size();
+}
+
+size_t PutAll(const std::string& file, size_t sets) {
+    const auto stream = Open(file, toWrite);
+    PutOnStream(*stream, sets);
+    return stream->Position();
+}
+
+std::uint64_t GetAll(const std::string& file, size_t sets) {
+    const auto stream = Open(file, toRead);
+    return GetFromStream(*stream, sets);
+}
+
+const eContender contender(0, [](eSuite& suite) {
+    const eOptions& options = suite.Options();
+    for (const unsigned kilobytes : options.kilobytes) {
+        const size_t sets = Sets(kilobytes);
+        const std::string out = WorkFile("ours_typed.bin");
+        suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),
+                  {"eFileStream <<",
+                   eKind::Ours,
+                   0,
+                   TypedBytes(kilobytes),
+                   {},
+                   [=] { return PutAll(out, sets); },
+                   [=] {
+                       PutAll(out, sets);
+                       return SumOfBytes(ReadWhole(out));
+                   }});
+        const std::string in = TypedFile(kilobytes);
+        suite.Add(TypedInWork(kilobytes), TypedCount(kilobytes),
+                  {"eFileStream >>", eKind::Ours, 0, TypedBytes(kilobytes), {}, [=] { return GetAll(in, sets); }, {}});
+    }
+    const size_t pieces = BulkPieces(options);
+    const std::string bulk = BulkFile(options);
+    const std::string copy = WorkFile("ours_copy.bin");
+    suite.Add(BulkReadWork(options), static_cast<double>(pieces),
+              {"eFileStream::Read", eKind::Ours, 0, pieces * pieceSize, {}, [=] { return ReadPieces(bulk); }, {}},
+              "piece");
+    suite.Add(BulkWriteWork(options), static_cast<double>(pieces),
+              {"eFileStream::Write",
+               eKind::Ours,
+               0,
+               pieces * pieceSize,
+               {},
+               [=] { return WritePieces(copy, pieces); },
+               [=] {
+                   WritePieces(copy, pieces);
+                   return SumOfFile(copy);
+               }},
+              "piece");
+    suite.Add(CopyWork(options), static_cast<double>(pieces),
+              {"eFileStream::CopyTo",
+               eKind::Ours,
+               0,
+               pieces * pieceSize,
+               {},
+               [=] { return Copy(bulk, copy); },
+               [=] {
+                   Copy(bulk, copy);
+                   return SumOfFile(copy);
+               }},
+              "piece");
+});
+
+} // namespace
+} // namespace bench

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "../support/suite.h"
+#include "../support/work_folder.h"
+#include "../typed_values/values.h"
+
+namespace bench {
+
+inline constexpr size_t pieceSize = 4096;
+inline constexpr size_t blockSize = 32768;
+
+/// The pieces that a bulk write hands over in turn.
+inline const std::array<std::vector<unsigned char>, 8>& Pieces() {
+    static const auto made = [] {
+        std::array<std::vector<unsigned char>, 8> pieces;
+        unsigned state = 1;
+        for (auto& piece : pieces)
+            for (size_t i = 0; i < pieceSize; ++i)
+                piece.push_back(static_cast<unsigned char>((state = state * 1664525 + 1013904223) >> 24));
+        return pieces;
+    }();
+    return made;
+}
+
+/// What is told of a piece that was read.
+inline void AddPiece(eChecksum& sum, const unsigned char* piece) {
+    sum.Text({reinterpret_cast<const char*>(piece), 16});
+}
+
+/// How many megabytes the bulk works move.
+inline unsigned BulkMegabytes(const eOptions& options) {
+    return options.small ? 1 : options.full ? 1000 : 128;
+}
+
+inline size_t BulkPieces(const eOptions& options) {
+    return size_t{BulkMegabytes(options)} * 1'000'000 / pieceSize;
+}
+
+/// The file that bulk reads and copies start from.
+inline std::string BulkFile(const eOptions& options) {
+    static const std::string name = [&] {
+        const std::string file = WorkFile("bulk.bin");
+        std::string bytes;
+        for (size_t i = 0; i < BulkPieces(options); ++i)
+            bytes.append(reinterpret_cast<const char*>(Pieces()[i % 8].data()), pieceSize);
+        WriteWhole(file, bytes);
+        return file;
+    }();
+    return name;
+}
+
+/// The checksum of what a bulk read of that file would tell, so that written and copied files can be compared.
+inline std::uint64_t SumOfFile(const std::string& file) {
+    const std::string bytes = ReadWhole(file);
+    eChecksum sum;
+    sum.Integer(static_cast<long long>(bytes.size()));
+    for (size_t at = 0; at + 16 <= bytes.size(); at += 512)
+        sum.Text(std::string_view(bytes).substr(at, 16));
+    return sum.Value();
+}
+
+inline std::string Size(const eOptions& options) {
+    return SizeName(BulkMegabytes(options) * 1000);
+}
+inline std::string BulkReadWork(const eOptions& options) {
+    return "bulk Read of " + Size(options) + " in pieces of 4 KiB";
+}
+inline std::string BulkWriteWork(const eOptions& options) {
+    return "bulk Write of " + Size(options) + " in pieces of 4 KiB";
+}
+inline std::string CopyWork(const eOptions& options) {
+    return "CopyTo of " + Size(options) + " between files";
+}
+
+/// The file of typed values that every contender reads.
+inline std::string TypedFile(unsigned kilobytes) {
+    const std::string file = WorkFile("typed" + std::to_string(kilobytes) + ".bin");
+    WriteWhole(file, EncodedSets(Sets(kilobytes)));
+    return file;
+}
+inline std::string TypedOutWork(unsigned kilobytes) {
+    return "typed values to a file, " + SizeName(kilobytes);
+}
+inline std::string TypedInWork(unsigned kilobytes) {
+    return "typed values from a file, " + SizeName(kilobytes);
+}
+
+inline double TypedCount(unsigned kilobytes) {
+    return static_cast<double>(Sets(kilobytes)) * valuesInSet;
+}
+inline size_t TypedBytes(unsigned kilobytes) {
+    return Sets(kilobytes) * bytesOfSet;
+}
+
+} // namespace bench

@@ -1,0 +1,70 @@
+#include <qzl_io/sdl.h>
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <new>
+
+#include "../support/suite.h"
+#include "names.h"
+
+namespace bench {
+namespace {
+
+/// A table of `entries` keywords in storage that starts out zero, as static objects do.
+template <int entries>
+const eSDLKeyword* Table() {
+    alignas(eSDLKeyword) static std::array<std::byte, sizeof(eSDLKeyword) * entries> storage;
+    static const eSDLKeyword* const head = [] {
+        eSDLKeyword* first = nullptr;
+        for (int i = 0; i < entries; ++i)
+            new (storage.data() + sizeof(eSDLKeyword) * static_cast<size_t>(i))
+                eSDLKeyword(first, TableNames(entries)[static_cast<size_t>(i)].c_str(), i + 1);
+        return first;
+    }();
+    return head;
+}
+
+std::uint64_t FindAll(const eSDLKeyword* table, const std::vector<std::string>& words) {
+    std::uint64_t sum = 0;
+    for (const std::string& word : words)
+        sum += static_cast<unsigned>(table->Find(word.c_str()));
+    return sum;
+}
+
+std::uint64_t CountFound(const eSDLKeyword* table, const std::vector<std::string>& words) {
+    std::uint64_t found = 0;
+    for (const std::string& word : words)
+        found += table->Find(word.c_str()) != 0;
+    return found;
+}
+
+/// The same cost for 1000 entries as for 10, but for what a table costs that the first cache does not hold.
+constexpr double growthAllowed = 2;
+
+template <int entries>
+void Add(eSuite& suite) {
+    const eSDLKeyword* table = Table<entries>();
+    const std::vector<std::string>& words = LookedUp(entries);
+    const auto pass = [table, &words] { return FindAll(table, words); };
+    suite.Add(LookUpWork(entries), lookUps, {"eSDLKeyword::Find", eKind::Ours, 0, 0, {}, pass, {}}, "look-up");
+    suite.Add("keyword look-up, cost as the table grows", lookUps,
+              {"eSDLKeyword::Find, table of " + std::to_string(entries),
+               eKind::Ours,
+               entries == tableSizes.front() ? 0 : growthAllowed,
+               0,
+               {},
+               pass,
+               [table, &words] { return CountFound(table, words); },
+               false},
+              "look-up");
+}
+
+const eContender contender(0, [](eSuite& suite) {
+    Add<10>(suite);
+    Add<100>(suite);
+    Add<1000>(suite);
+});
+
+} // namespace
+} // namespace bench

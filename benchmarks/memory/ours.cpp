@@ -1,0 +1,148 @@
+#include <qzl_io/sdl.h>
+#include <qzl_io/streams.h>
+
+#include <map>
+#include <stdexcept>
+
+#include "../support/keywords.h"
+#include "../support/read_bare.h"
+#include "../support/suite.h"
+#include "../support/sum_scene.h"
+#include "../support/work_folder.h"
+#include "../support/write_record.h"
+
+namespace bench {
+namespace {
+
+constexpr double mebibyte = 1048576;
+
+/// Linear growth, but for what data beyond the processor's caches cost.
+constexpr double growthAllowed = 1.5;
+
+constexpr unsigned bytesOfRecord = 112;
+constexpr int repetitions = 3;
+
+/// A tree of 1 GB of JSON would not fit into every machine's memory.
+constexpr unsigned largestTree = 100;
+
+size_t Count(unsigned megabytes) {
+    return size_t{megabytes} * 1'000'000 / bytesOfRecord;
+}
+
+/// The decades to measure.
+std::vector<unsigned> Decades(const eOptions& options) {
+    return options.small  ? std::vector<unsigned>{}
+           : options.full ? std::vector<unsigned>{1, 10, 100, 1000}
+                          : std::vector<unsigned>{1, 10, 100};
+}
+
+/// A document of so many records on disk, and the checksum of its values.
+struct eFileOnDisk {
+    std::string name;
+    size_t bytes;
+    std::uint64_t sum;
+};
+
+const eFileOnDisk& Document(unsigned megabytes) {
+    static std::map<unsigned, eFileOnDisk> made;
+    const auto [entry, isNew] = made.try_emplace(megabytes);
+    if (isNew) {
+        const std::string text = TextOf(eDocument::Records, Count(megabytes), eFormat::Sdl);
+        entry->second = {WorkFile("grown" + std::to_string(megabytes) + ".sdl"), text.size(), ReadBare(text.c_str())};
+        WriteWhole(entry->second.name, text);
+    }
+    return entry->second;
+}
+
+std::uint64_t ReadFile(const std::string& file) {
+    eSDLReader reader(eFileName(file), "scene", nullptr);
+    reader.PushKeywords(SceneKeywords());
+    return SumScene(eDocument::Records, reader);
+}
+
+std::uint64_t WriteFile(const std::string& file, size_t count) {
+    eSDLWriter writer(eFileName(file), nullptr);
+    writer.PushKeywords(SceneKeywords());
+    writer << block{wordScene} << endl;
+    for (size_t i = 0; i < count; ++i)
+        WriteRecord(writer, Record(i));
+    writer << endb << endl;
+    writer.Close();
+    return count;
+}
+
+std::uint64_t Convert(const std::string& from, const std::string& to) {
+    if (!JsonToSdl(eFileName(from), eFileName(to)))
+        throw std::runtime_error("cannot convert " + from);
+    return 1;
+}
+
+/// 1 when the sums are equal; a growth row measured on wrong values would mean nothing.
+std::uint64_t Equal(std::uint64_t one, std::uint64_t other) {
+    if (one != other)
+        throw std::runtime_error("the values differ from those of the bare tokenizer");
+    return 1;
+}
+
+eRow Grown(unsigned megabytes, const char* what) {
+    eRow row;
+    row.contender = std::string(what) + ", " + std::to_string(megabytes) + " MB";
+    row.target = megabytes == 1 ? 0 : growthAllowed;
+    row.counted = false;
+    row.values = ValuesOf(eDocument::Records, Count(megabytes));
+    row.repetitions = repetitions;
+    return row;
+}
+
+void AddReading(eSuite& suite, unsigned megabytes) {
+    const eFileOnDisk file = Document(megabytes);
+    eRow row = Grown(megabytes, "eSDLReader(eFileName)");
+    row.bytes = file.bytes;
+    row.pass = [file] { return ReadFile(file.name); };
+    row.check = [file] { return Equal(ReadFile(file.name), file.sum); };
+    row.peakAllowed = [file] { return static_cast<double>(file.bytes) + mebibyte; };
+    suite.Add("reading a file value by value, 9 values a record", row.values, row);
+}
+
+void AddWriting(eSuite& suite, unsigned megabytes) {
+    const eFileOnDisk file = Document(megabytes);
+    const size_t count = Count(megabytes);
+    const std::string out = WorkFile("grown_written" + std::to_string(megabytes) + ".sdl");
+    eRow row = Grown(megabytes, "eSDLWriter(eFileName)");
+    row.bytes = file.bytes;
+    row.pass = [=] { return WriteFile(out, count); };
+    row.check = [=] {
+        WriteFile(out, count);
+        return Equal(ReadFile(out), file.sum);
+    };
+    row.peakAllowed = [file] { return 2 * static_cast<double>(file.bytes); };
+    suite.Add("writing a file, the records made up on the way", row.values, row);
+}
+
+void AddConverting(eSuite& suite, unsigned megabytes) {
+    const std::string in = WorkFile("grown" + std::to_string(megabytes) + ".json");
+    const std::string out = WorkFile("grown_converted" + std::to_string(megabytes) + ".sdl");
+    const std::string json = TextOf(eDocument::Records, Count(megabytes), eFormat::Json);
+    WriteWhole(in, json);
+    eRow row = Grown(megabytes, "JsonToSdl");
+    row.bytes = json.size();
+    row.pass = [=] { return Convert(in, out); };
+    row.check = [=, sum = Document(megabytes).sum] {
+        Convert(in, out);
+        const std::string text = ReadWhole(out);
+        return Equal(ReadBare(text.c_str()), sum);
+    };
+    suite.Add("converting JSON, file to file", row.values, row);
+}
+
+const eContender contender(0, [](eSuite& suite) {
+    for (const unsigned megabytes : Decades(suite.Options())) {
+        AddReading(suite, megabytes);
+        AddWriting(suite, megabytes);
+        if (megabytes <= largestTree)
+            AddConverting(suite, megabytes);
+    }
+});
+
+} // namespace
+} // namespace bench

@@ -1,0 +1,404 @@
+#include "documents.h"
+
+#include <array>
+#include <charconv>
+#include <map>
+#include <string_view>
+#include <tuple>
+
+namespace bench {
+namespace {
+
+/// The marks of one format around the same content.
+struct eSyntax {
+    std::string_view rootOpen, rootClose;
+    std::string_view between; ///< between items
+    std::string_view comment; ///< begins a comment line; empty where the format has none
+    std::string_view recordOpen, count, position, positionClose, tag, tagClose, ids, idsClose, recordClose;
+    std::string_view value; ///< between the values of a block
+    std::string_view texts, text, textsClose;
+    std::string_view row, rowClose;
+    std::string_view node, nodeInner, nodeLast, nodeClose;
+    bool indented;
+};
+
+constexpr eSyntax sdl{"{scene",
+                      "\r\n}\r\n",
+                      "",
+                      "\r\n\t; ",
+                      "\r\n\t{item ",
+                      " ",
+                      "\r\n\t\t{pos ",
+                      "}",
+                      "\r\n\t\t{tag ",
+                      "}",
+                      "\r\n\t\t{ids ",
+                      "}",
+                      "\r\n\t}",
+                      " ",
+                      "\r\n\t{text",
+                      "\r\n\t\t",
+                      "\r\n\t}",
+                      "\r\n\t{row ",
+                      "}",
+                      "{node ",
+                      "",
+                      "",
+                      "}",
+                      true};
+constexpr eSyntax json{"{\"scene\": [",
+                       "\r\n]}\r\n",
+                       ",",
+                       "\r\n\t// ",
+                       "\r\n\t{\"item\": ",
+                       ", \"count\": ",
+                       ",\r\n\t\t\"pos\": [",
+                       "]",
+                       ",\r\n\t\t\"tag\": \"",
+                       "\"",
+                       ",\r\n\t\t\"ids\": [",
+                       "]",
+                       "\r\n\t}",
+                       ", ",
+                       "\r\n\t{\"text\": [",
+                       "\r\n\t\t",
+                       "\r\n\t]}",
+                       "\r\n\t{\"row\": [",
+                       "]}",
+                       "{\"node\": [",
+                       ",",
+                       "",
+                       "]}",
+                       true};
+constexpr eSyntax jsonTight{
+    "{\"scene\":[", "]}",          ",", "",  "{\"item\":", ",\"count\":", ",\"pos\":[", "]",  ",\"tag\":\"",
+    "\"",           ",\"ids\":[",  "]", "}", ",",          "{\"text\":[", "",           "]}", "{\"row\":[",
+    "]}",           "{\"node\":[", ",", "",  "]}",         false};
+constexpr eSyntax config{"scene = (",
+                         "\r\n);\r\n",
+                         ",",
+                         "\r\n\t# ",
+                         "\r\n\t{ item = ",
+                         "; count = ",
+                         ";\r\n\t\tpos = [",
+                         "]",
+                         ";\r\n\t\ttag = \"",
+                         "\"",
+                         ";\r\n\t\tids = [",
+                         "]",
+                         ";\r\n\t}",
+                         ", ",
+                         "\r\n\t{ text = (",
+                         "\r\n\t\t",
+                         "\r\n\t); }",
+                         "\r\n\t{ row = (",
+                         "); }",
+                         "{ node = (",
+                         ",",
+                         "",
+                         "); }",
+                         true};
+constexpr eSyntax toml{"scene = [",
+                       "\r\n]\r\n",
+                       ",",
+                       "\r\n\t# ",
+                       "\r\n\t{ item = ",
+                       ", count = ",
+                       ", pos = [",
+                       "]",
+                       ", tag = \"",
+                       "\"",
+                       ", ids = [",
+                       "]",
+                       " }",
+                       ", ",
+                       "\r\n\t{ text = [",
+                       "\r\n\t\t",
+                       "\r\n\t] }",
+                       "\r\n\t{ row = [",
+                       "] }",
+                       "{ node = [",
+                       ",",
+                       "",
+                       "] }",
+                       true};
+
+const eSyntax& Syntax(eFormat format) {
+    static constexpr std::array<const eSyntax*, 5> all{&sdl, &json, &jsonTight, &config, &toml};
+    return *all[static_cast<size_t>(format)];
+}
+
+/// A stream of numbers that depends on its seed alone.
+class eRandom {
+public:
+    explicit eRandom(std::uint64_t seed) : state(seed * 0x9E3779B97F4A7C15u + 1) {}
+    std::uint64_t Next() {
+        std::uint64_t z = state += 0x9E3779B97F4A7C15u;
+        z = (z ^ z >> 30) * 0xBF58476D1CE4E5B9u;
+        z = (z ^ z >> 27) * 0x94D049BB133111EBu;
+        return z ^ z >> 31;
+    }
+    unsigned Below(unsigned limit) { return static_cast<unsigned>(Next() % limit); }
+
+private:
+    std::uint64_t state;
+};
+
+constexpr std::array<std::string_view, 16> words{"lamp",   "column", "river", "engine", "copper",  "window",
+                                                 "violet", "north",  "stone", "signal", "harbour", "wheel",
+                                                 "amber",  "field",  "tower", "glass"};
+constexpr std::array<const char*, 6> tags{"metal", "wood", "glass", "stone", "water", "cloth"};
+
+/// Ints of one to nine digits, either sign.
+int AnyInt(eRandom& random) {
+    static constexpr std::array<unsigned, 9> limits{10,        100,        1'000,       10'000,       100'000,
+                                                    1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
+    const int value = static_cast<int>(random.Below(limits[random.Below(9)]));
+    return random.Below(4) == 0 ? -value : value;
+}
+
+/// Two-thousandths of a coordinate as scenes hold them: odd, so that every format's text shows a fraction.
+int Coordinate(eRandom& random) {
+    const int odd = static_cast<int>(random.Below(1'000'000)) * 2 + 1;
+    return random.Below(2) == 0 ? -odd : odd;
+}
+
+/// Floats with all their digits, from 0.0001 to 100000.
+float AnyFloat(eRandom& random) {
+    static constexpr std::array<float, 5> scales{0.0001f, 0.01f, 1.0f, 100.0f, 10000.0f};
+    return (static_cast<float>(random.Below(1u << 24)) + 0.5f) / 16777216.0f * scales[random.Below(5)];
+}
+
+void AppendInt(std::string& to, int value) {
+    std::array<char, 16> digits;
+    to.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+}
+
+void AppendFloat(std::string& to, float value) {
+    std::array<char, 32> digits;
+    const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    const std::string_view text(digits.data(), static_cast<size_t>(end - digits.data()));
+    to += text;
+    if (text.find_first_of(".e") == std::string_view::npos)
+        to += ".0";
+}
+
+void AppendQuoted(std::string& to, std::string_view text) {
+    to += '"';
+    to += text;
+    to += '"';
+}
+
+void AppendRecord(std::string& to, const eSyntax& syntax, std::uint64_t index) {
+    const eRecord record = Record(index);
+    to += syntax.recordOpen;
+    AppendQuoted(to, record.name);
+    to += syntax.count;
+    AppendInt(to, record.count);
+    to += syntax.position;
+    for (int i = 0; i < 3; ++i) {
+        to += i == 0 ? std::string_view() : syntax.value;
+        AppendFloat(to, record.position[i]);
+    }
+    to += syntax.positionClose;
+    to += syntax.tag;
+    to += record.tag;
+    to += syntax.tagClose;
+    to += syntax.ids;
+    for (int i = 0; i < 3; ++i) {
+        to += i == 0 ? std::string_view() : syntax.value;
+        AppendInt(to, record.ids[i]);
+    }
+    to += syntax.idsClose;
+    to += syntax.recordClose;
+}
+
+std::string Sentence(eRandom& random, size_t length, bool escapes) {
+    std::string text;
+    while (text.size() < length) {
+        text += words[random.Below(16)];
+        text += ' ';
+    }
+    if (escapes)
+        text += "said \\\"so\\\"\\nand went";
+    return text;
+}
+
+void AppendStrings(std::string& to, const eSyntax& syntax, std::uint64_t index) {
+    eRandom random(index);
+    to += syntax.texts;
+    for (int i = 0; i < stringsInBlock; ++i) {
+        if (i != 0 && syntax.value != " ")
+            to += ",";
+        to += syntax.text;
+        AppendQuoted(to, Sentence(random, 20 + random.Below(160), i == 7));
+    }
+    to += syntax.textsClose;
+}
+
+void AppendNumbers(std::string& to, const eSyntax& syntax, std::uint64_t index) {
+    eRandom random(index);
+    to += syntax.row;
+    for (int i = 0; i < numbersOfEachKind; ++i) {
+        to += i == 0 ? std::string_view() : syntax.value;
+        AppendInt(to, AnyInt(random));
+        to += syntax.value;
+        AppendFloat(to, AnyFloat(random));
+    }
+    to += syntax.rowClose;
+}
+
+void AppendLine(std::string& to, const eSyntax& syntax, int depth) {
+    if (!syntax.indented)
+        return;
+    to += "\r\n";
+    to.append(static_cast<size_t>(depth), '\t');
+}
+
+void AppendChain(std::string& to, const eSyntax& syntax, std::uint64_t index) {
+    eRandom random(index);
+    for (int depth = 1; depth <= chainDepth; ++depth) {
+        AppendLine(to, syntax, depth);
+        to += syntax.node;
+        AppendInt(to, AnyInt(random));
+        to += syntax.value;
+        AppendQuoted(to, words[random.Below(16)]);
+        to += depth == chainDepth ? syntax.nodeLast : syntax.nodeInner;
+    }
+    to += syntax.nodeClose;
+    for (int depth = chainDepth - 1; depth >= 1; --depth) {
+        AppendLine(to, syntax, depth);
+        to += syntax.nodeClose;
+    }
+}
+
+void AppendCommented(std::string& to, const eSyntax& syntax, std::uint64_t index) {
+    eRandom random(index + 1'000'000'007u);
+    for (int line = 0; line < 3 && !syntax.comment.empty(); ++line) {
+        to += syntax.comment;
+        to += Sentence(random, 50 + random.Below(50), false);
+    }
+    AppendRecord(to, syntax, index);
+}
+
+using eAppend = void (*)(std::string&, const eSyntax&, std::uint64_t);
+
+struct eShape {
+    const char* name;
+    eAppend append;
+    double valuesInItem;
+};
+
+const eShape& Shape(eDocument document) {
+    static constexpr std::array<eShape, 5> shapes{{{"records", AppendRecord, 9},
+                                                   {"strings", AppendStrings, stringsInBlock},
+                                                   {"numbers", AppendNumbers, 2 * numbersOfEachKind},
+                                                   {"nested", AppendChain, 2 * chainDepth},
+                                                   {"comments", AppendCommented, 9}}};
+    return shapes[static_cast<size_t>(document)];
+}
+
+struct eMade {
+    std::string text;
+    std::uint64_t items = 0;
+};
+
+eMade MakeSdl(eDocument document, unsigned kilobytes) {
+    eMade made;
+    const size_t wanted = size_t{kilobytes} * 1000;
+    made.text.reserve(wanted + 8192);
+    made.text += sdl.rootOpen;
+    for (; made.text.size() < wanted; ++made.items)
+        Shape(document).append(made.text, sdl, made.items);
+    made.text += sdl.rootClose;
+    return made;
+}
+
+eMade Make(eDocument document, std::uint64_t items, eFormat format) {
+    eMade made;
+    const eSyntax& syntax = Syntax(format);
+    made.items = items;
+    made.text += syntax.rootOpen;
+    for (std::uint64_t index = 0; index < items; ++index) {
+        if (index != 0)
+            made.text += syntax.between;
+        Shape(document).append(made.text, syntax, index);
+    }
+    made.text += syntax.rootClose;
+    return made;
+}
+
+using eKey = std::tuple<eDocument, unsigned, eFormat>;
+
+std::map<eKey, eMade>& Cache() {
+    static std::map<eKey, eMade> cache;
+    return cache;
+}
+
+std::map<std::pair<eDocument, unsigned>, std::uint64_t>& Counts() {
+    static std::map<std::pair<eDocument, unsigned>, std::uint64_t> counts;
+    return counts;
+}
+
+} // namespace
+
+eRecord Record(std::uint64_t index) {
+    eRandom random(index);
+    eRecord record;
+    record.name = words[random.Below(16)];
+    record.name += ' ';
+    AppendInt(record.name, static_cast<int>(random.Below(100'000)));
+    record.count = AnyInt(random);
+    for (int i = 0; i < 3; ++i) {
+        const int odd = Coordinate(random);
+        record.position[i] = static_cast<float>(odd) / 2000.0f;
+        record.decimals[i] = odd / 2000.0;
+    }
+    record.tag = tags[random.Below(tags.size())];
+    for (int& each : record.ids)
+        each = AnyInt(random);
+    return record;
+}
+
+const std::string& Text(eDocument document, unsigned kilobytes, eFormat format) {
+    const auto [entry, isNew] = Cache().try_emplace({document, kilobytes, format});
+    if (isNew) {
+        entry->second =
+            format == eFormat::Sdl ? MakeSdl(document, kilobytes) : Make(document, Items(document, kilobytes), format);
+        entry->second.text.shrink_to_fit();
+    }
+    return entry->second.text;
+}
+
+std::uint64_t Items(eDocument document, unsigned kilobytes) {
+    const auto [entry, isNew] = Counts().try_emplace({document, kilobytes});
+    if (isNew)
+        entry->second = MakeSdl(document, kilobytes).items;
+    return entry->second;
+}
+
+std::string TextOf(eDocument document, std::uint64_t items, eFormat format) {
+    return Make(document, items, format).text;
+}
+
+double Values(eDocument document, unsigned kilobytes) {
+    return ValuesOf(document, Items(document, kilobytes));
+}
+
+double ValuesOf(eDocument document, std::uint64_t items) {
+    return static_cast<double>(items) * Shape(document).valuesInItem;
+}
+
+void ReleaseTexts() {
+    Cache().clear();
+}
+
+const char* Name(eDocument document) {
+    return Shape(document).name;
+}
+
+std::string SizeName(unsigned kilobytes) {
+    return kilobytes < 1000 ? std::to_string(kilobytes) + " KB" : std::to_string(kilobytes / 1000) + " MB";
+}
+
+} // namespace bench

@@ -1,0 +1,250 @@
+#include <benchmark/benchmark.h>
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+
+#include "../platform/process.h"
+#include "documents.h"
+#include "suite.h"
+#include "tables.h"
+#include "work_folder.h"
+
+namespace bench {
+
+/// The one function inside which instructions are counted; found by its name.
+[[gnu::noinline]] std::uint64_t MeasuredPass(const eRow& row) {
+    return row.pass();
+}
+
+namespace {
+
+struct eArguments {
+    eOptions options;
+    std::string row;   ///< the row to run once, in place of all
+    bool list = false; ///< print the names of the rows whose instructions are counted
+    bool peaks = true;
+    bool isPeak = false; ///< the one row is run for its peak of memory
+    unsigned passes = 1; ///< of the one row
+    std::vector<std::string> sizes;
+};
+
+std::string RowName(const eWork& work, const eRow& row) {
+    return work.name + "/" + row.contender;
+}
+
+bool TakeOwn(std::string_view argument, eArguments& taken) {
+    const auto value = argument.substr(std::min(argument.find('=') + 1, argument.size()));
+    if (argument == "--full")
+        taken.options.full = true;
+    else if (argument == "--small")
+        taken.options.small = true;
+    else if (argument == "--list-counted")
+        taken.list = true;
+    else if (argument == "--no-peaks")
+        taken.peaks = false;
+    else if (argument == "--peak")
+        taken.isPeak = true;
+    else if (argument.starts_with("--row="))
+        taken.row = value;
+    else if (argument.starts_with("--passes="))
+        std::from_chars(value.data(), value.data() + value.size(), taken.passes);
+    else
+        return false;
+    if (!argument.starts_with("--row=") && !argument.starts_with("--passes="))
+        taken.sizes.emplace_back(argument);
+    return true;
+}
+
+eArguments TakeArguments(int& count, char** arguments) {
+    eArguments taken;
+    int kept = 1;
+    for (int i = 1; i < count; ++i)
+        if (!TakeOwn(arguments[i], taken))
+            arguments[kept++] = arguments[i];
+    count = kept;
+    if (taken.options.full)
+        taken.options.kilobytes.push_back(128'000);
+    if (taken.options.small)
+        taken.options.kilobytes = {100};
+    return taken;
+}
+
+/// Runs one row the given number of times and prints the peak of memory and the checksum.
+int RunOneRow(eSuite& suite, const eArguments& arguments) {
+    for (const auto& work : suite.Works())
+        for (const eRow& row : work->rows)
+            if (RowName(*work, row) == arguments.row) {
+                std::uint64_t checksum = 0;
+                long long peak = -1;
+                for (unsigned i = 0; i < arguments.passes; ++i) {
+                    if (row.before)
+                        row.before();
+                    const bool isTold = platform::ResetPeak();
+                    const size_t held = platform::Resident();
+                    checksum = MeasuredPass(row);
+                    if (isTold)
+                        peak = static_cast<long long>(platform::Peak()) - static_cast<long long>(held);
+                }
+                std::printf("%lld %016llx\n", peak, static_cast<unsigned long long>(checksum));
+                return EXIT_SUCCESS;
+            }
+    std::fprintf(stderr, "no such row: %s\n", arguments.row.c_str());
+    return EXIT_FAILURE;
+}
+
+/// Keeps the checksum that the first contender of each work reached, and says whether later ones agree.
+class eAgreement {
+public:
+    bool Agrees(const eWork& work, std::uint64_t checksum) {
+        const auto [entry, isFirst] = checksums.try_emplace(&work, checksum);
+        return isFirst || entry->second == checksum;
+    }
+    const std::map<const eWork*, std::uint64_t>& Checksums() const { return checksums; }
+
+private:
+    std::map<const eWork*, std::uint64_t> checksums;
+};
+
+/// Collects the repetitions of every row; the tables are printed when all are in.
+class eCollector : public benchmark::BenchmarkReporter {
+public:
+    eCollector(const std::map<std::string, const eRow*>& known, eMeasurements& taken) : rows(known), measured(taken) {}
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs)
+            Take(run);
+    }
+
+private:
+    void Take(const Run& run) {
+        const auto found = rows.find(run.run_name.function_name);
+        if (found == rows.end())
+            return;
+        eMeasured& taken = measured[found->second];
+        if (run.error_occurred)
+            taken.failure = run.error_message;
+        else if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+            taken.seconds.push_back(run.cpu_accumulated_time / static_cast<double>(run.iterations));
+    }
+
+    const std::map<std::string, const eRow*>& rows;
+    eMeasurements& measured;
+};
+
+void Measure(benchmark::State& state, const eWork& work, const eRow& row, eAgreement& agreement) {
+    std::uint64_t checksum = 0;
+    for (auto _ : state) {
+        if (row.before) {
+            state.PauseTiming();
+            row.before();
+            state.ResumeTiming();
+        }
+        checksum = MeasuredPass(row);
+        benchmark::DoNotOptimize(checksum);
+    }
+    if (row.check)
+        checksum = row.check();
+    if (!agreement.Agrees(work, checksum))
+        state.SkipWithError("reads other values than the first contender");
+}
+
+void MeasurePeaks(eSuite& suite, const eArguments& arguments, eMeasurements& measured) {
+    for (const auto& work : suite.Works())
+        for (const eRow& row : work->rows) {
+            std::vector<std::string> call = arguments.sizes;
+            call.push_back("--peak");
+            call.push_back("--row=" + RowName(*work, row));
+            const std::string told = platform::RunSelf(call);
+            if (const size_t end = told.find(' '); end != std::string::npos)
+                std::from_chars(told.data(), told.data() + end, measured[&row].peak);
+        }
+}
+
+std::string ProgramName(const char* path) {
+    std::string name = path;
+    name = name.substr(name.find_last_of('/') + 1);
+    return name.starts_with("bench_") ? name.substr(6) : name;
+}
+
+/// Google Benchmark's arguments: ours first, so that the caller's own ones win.
+std::vector<std::string> BenchmarkArguments(int count, char** arguments) {
+    std::vector<std::string> all{arguments[0], "--benchmark_repetitions=9", "--benchmark_min_time=0.02",
+                                 "--benchmark_enable_random_interleaving=true"};
+    all.insert(all.end(), arguments + 1, arguments + count);
+    return all;
+}
+
+int RunAll(eSuite& suite, const eArguments& arguments, int count, char** given) {
+    std::vector<std::string> texts = BenchmarkArguments(count, given);
+    std::vector<char*> pointers;
+    for (std::string& each : texts)
+        pointers.push_back(each.data());
+    int number = static_cast<int>(pointers.size());
+    benchmark::Initialize(&number, pointers.data());
+    if (benchmark::ReportUnrecognizedArguments(number, pointers.data()))
+        return EXIT_FAILURE;
+
+    eAgreement agreement;
+    eMeasurements measured;
+    std::map<std::string, const eRow*> rows;
+    for (const auto& work : suite.Works())
+        for (const eRow& row : work->rows) {
+            measured[&row];
+            rows[RowName(*work, row)] = &row;
+            auto* registered = benchmark::RegisterBenchmark(
+                RowName(*work, row).c_str(), [&](benchmark::State& state) { Measure(state, *work, row, agreement); });
+            if (row.repetitions > 0)
+                registered->Repetitions(row.repetitions);
+        }
+    std::cout << Heading(ProgramName(given[0]), WorkFolder()) << std::flush;
+    if (arguments.peaks)
+        MeasurePeaks(suite, arguments, measured);
+    eCollector collector(rows, measured);
+    benchmark::RunSpecifiedBenchmarks(&collector);
+    benchmark::Shutdown();
+
+    std::cout << Tables(suite.Works(), measured);
+    bool isEqual = true;
+    for (const auto& [row, each] : measured)
+        isEqual = isEqual && each.failure.empty();
+    std::cout << "\nchecksums, equal for all contenders of a work:" << (isEqual ? "" : " NOT SO") << "\n";
+    for (const auto& work : suite.Works())
+        if (const auto found = agreement.Checksums().find(work.get()); found != agreement.Checksums().end())
+            std::printf("  %016llx %s\n", static_cast<unsigned long long>(found->second), work->name.c_str());
+    return isEqual ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int Main(int count, char** given) {
+    const eArguments arguments = TakeArguments(count, given);
+    if (arguments.isPeak)
+        platform::ReturnLargeBlocks();
+    eSuite suite(arguments.options, arguments.row);
+    eContender::AddAll(suite);
+    if (!arguments.row.empty())
+        return RunOneRow(suite, arguments);
+    if (arguments.list) {
+        for (const auto& work : suite.Works())
+            for (const eRow& row : work->rows)
+                if (row.kind == eKind::Ours && row.counted)
+                    std::cout << RowName(*work, row) << "\n";
+        return EXIT_SUCCESS;
+    }
+    return RunAll(suite, arguments, count, given);
+}
+
+} // namespace
+} // namespace bench
+
+int main(int count, char** arguments) {
+    try {
+        return bench::Main(count, arguments);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <qzl_io/streams.h>
+
+#include "../typed_values/values.h"
+
+namespace bench {
+
+/// The sets through the operators of any stream.
+inline void PutOnStream(IO::eStream& out, size_t sets) {
+    PutSets(sets, [&](const eTypedValues& set) {
+        out << set.integer << set.byte << set.real << set.precise << set.large << set.name;
+    });
+}
+
+inline std::uint64_t GetFromStream(IO::eStream& in, size_t sets) {
+    return GetSets(sets, [&](eTypedValues& set) {
+        in >> set.integer >> set.byte >> set.real >> set.precise >> set.large >> set.name;
+    });
+}
+
+} // namespace bench

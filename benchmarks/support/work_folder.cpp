@@ -1,0 +1,52 @@
+#include "work_folder.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "../platform/process.h"
+
+namespace bench {
+namespace {
+
+constexpr size_t roomWanted = size_t{3} << 30;
+
+class eFolder {
+public:
+    eFolder() {
+        const char* chosen = std::getenv("QZL_BENCH_FOLDER");
+        const std::string place = chosen ? chosen : platform::FastFolder(roomWanted);
+        name = place + "/qzl_bench_" + std::to_string(platform::ProcessNumber()) + "/";
+        std::filesystem::create_directories(name);
+    }
+    ~eFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(name, ignored);
+    }
+    eFolder(const eFolder&) = delete;
+    eFolder& operator=(const eFolder&) = delete;
+
+    std::string name;
+};
+
+} // namespace
+
+const std::string& WorkFolder() {
+    static const eFolder folder;
+    return folder.name;
+}
+
+void WriteWhole(const std::string& file, const std::string& bytes) {
+    std::ofstream out(file, std::ios::binary);
+    if (!out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())).flush())
+        throw std::runtime_error("cannot write " + file);
+}
+
+std::string ReadWhole(const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+} // namespace bench

@@ -1,0 +1,48 @@
+#include <sstream>
+
+#include "values.h"
+
+namespace bench {
+namespace {
+
+template <class T>
+void Put(std::stringbuf& out, const T& value) {
+    out.sputn(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+void PutAll(std::stringbuf& out, size_t sets) {
+    PutSets(sets, [&](const eTypedValues& set) {
+        Put(out, set.integer);
+        Put(out, set.byte);
+        Put(out, set.real);
+        Put(out, set.precise);
+        Put(out, set.large);
+        Put(out, static_cast<unsigned char>(set.name.size()));
+        out.sputn(set.name.data(), static_cast<std::streamsize>(set.name.size()));
+    });
+}
+
+const eContender contender(1, [](eSuite& suite) {
+    for (const unsigned kilobytes : suite.Options().kilobytes) {
+        const size_t sets = Sets(kilobytes);
+        suite.Add(GrowingWork(kilobytes), static_cast<double>(sets) * valuesInSet,
+                  {"std::stringbuf::sputn",
+                   eKind::Peer,
+                   0.8,
+                   sets * bytesOfSet,
+                   {},
+                   [sets] {
+                       std::stringbuf out;
+                       PutAll(out, sets);
+                       return out.view().size();
+                   },
+                   [sets] {
+                       std::stringbuf out;
+                       PutAll(out, sets);
+                       return SumOfBytes(out.view());
+                   }});
+    }
+});
+
+} // namespace
+} // namespace bench

@@ -1,0 +1,10 @@
+# cpprestsdk_json: the JSON facility of cpprestsdk, for the sources of qzl_io alone.
+if(WIN32)
+    include(QzlCpprestMingw)
+else()
+    find_path(QZL_CPPREST_INCLUDE cpprest/json.h REQUIRED)
+    find_library(QZL_CPPREST_LIBRARY cpprest REQUIRED)
+    add_library(cpprestsdk_json INTERFACE)
+    target_include_directories(cpprestsdk_json SYSTEM INTERFACE ${QZL_CPPREST_INCLUDE})
+    target_link_libraries(cpprestsdk_json INTERFACE ${QZL_CPPREST_LIBRARY})
+endif()

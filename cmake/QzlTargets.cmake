@@ -1,0 +1,60 @@
+# Helpers with which the folders declare their targets.
+set(QZL_WARNINGS
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-align
+    -Woverloaded-virtual -Wformat=2 -Wundef -Wimplicit-fallthrough -Wextra-semi
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>) # GCC 12 takes the library's own std::string sums for overlapping copies
+
+# qzl_own_target(target): a target compiled from our own sources, held to our own warnings.
+function(qzl_own_target target)
+    target_compile_options(${target} PRIVATE
+        $<$<COMPILE_LANGUAGE:CXX>:${QZL_WARNINGS}>
+        $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:-Werror>)
+endfunction()
+
+# qzl_add_library(name): the shared library of the calling folder, with <name/export.h> and every source of
+# the folder and of the platform's own folder below it.
+function(qzl_add_library name)
+    file(GLOB sources CONFIGURE_DEPENDS *.cpp platform/*.cpp platform/${QZL_PLATFORM}/*.cpp)
+    add_library(${name} SHARED ${sources})
+    qzl_own_target(${name})
+    target_compile_features(${name} PUBLIC cxx_std_20)
+    target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-semantic-interposition>)
+    target_include_directories(${name} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        INSTALL_RPATH "$ORIGIN")
+    if(QZL_PLATFORM STREQUAL posix)
+        target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions)
+    else()
+        set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib")
+        configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/version.rc @ONLY)
+        target_sources(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
+    endif()
+    string(TOUPPER ${name} upper)
+    generate_export_header(${name}
+        BASE_NAME ${upper}
+        EXPORT_MACRO_NAME ${upper}_API
+        EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/include/${name}/export.h)
+endfunction()
+
+# qzl_add_optional_folder(folder option): the folder's targets, where the option is on and the folder has any.
+function(qzl_add_optional_folder folder option)
+    if(${option} AND EXISTS ${PROJECT_SOURCE_DIR}/${folder}/CMakeLists.txt)
+        add_subdirectory(${folder})
+    endif()
+endfunction()
+
+# qzl_examples_definition(target): gives the target's sources the folders of JSON documents as QZL_EXAMPLES_DIR (the
+# tree's own examples) and QZL_DOCUMENTS_DIR (real documents, which need not be there).
+set(QZL_DOCUMENTS_DIR ${PROJECT_SOURCE_DIR}/../shared/data CACHE PATH "Folder with further JSON documents to test with")
+function(qzl_examples_definition target)
+    file(REAL_PATH ${QZL_DOCUMENTS_DIR} documents)
+    set(root)
+    if(WIN32 AND CMAKE_CROSSCOMPILING)
+        set(root "Z:")
+    endif()
+    target_compile_definitions(${target} PRIVATE
+        QZL_EXAMPLES_DIR="${root}${PROJECT_SOURCE_DIR}/examples" QZL_DOCUMENTS_DIR="${root}${documents}")
+endfunction()

@@ -1,0 +1,52 @@
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+
+#include <qzl_base/error.h>
+#include <qzl_io/sdl.h>
+
+// Any bytes given to JsonToSdl as a document: it fails with a warning or makes a file, and whatever it makes can be
+// read to its end or to a syntax error (member names stand bare, so not every document reads back).
+
+namespace {
+
+// Reads tokens of any kind, up to a character that begins none.
+class eTokens : public eSDLReader {
+public:
+    using eSDLReader::eSDLReader;
+
+    void ReadAll() {
+        while (Get() && Token().type != sdlError) {
+        }
+    }
+};
+
+struct eFiles {
+    eFiles() : folder(std::filesystem::temp_directory_path() / "qzl_json_to_sdl_fuzz") {
+        std::filesystem::create_directories(folder);
+        xError::SetWarningHandler([](const xError::eReport&) {});
+    }
+
+    eFileName Name(const char* name) const { return (folder / name).generic_string(); }
+
+    std::filesystem::path folder;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const eFiles files;
+    const eFileName json = files.Name("in.json");
+    const eFileName sdl = files.Name("out.sdl");
+    std::ofstream(json.str(), std::ios::binary)
+        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    if (!JsonToSdl(json, sdl))
+        return 0;
+    try {
+        eTokens(sdl, nullptr).ReadAll();
+    } catch (const xError::eException&) {
+        return 0;
+    }
+    return 0;
+}

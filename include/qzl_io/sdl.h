@@ -1,0 +1,10 @@
+#pragma once
+
+// SDL, the structured text format: reading, writing, keyword tables and the conversion from JSON.
+
+#include <qzl_io/sdl/cipher.h>
+#include <qzl_io/sdl/json_to_sdl.h>
+#include <qzl_io/sdl/keyword.h>
+#include <qzl_io/sdl/parser.h>
+#include <qzl_io/sdl/reader.h>
+#include <qzl_io/sdl/writer.h>

@@ -1,0 +1,263 @@
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <qzl_base/strings.h>
+#include <qzl_io/export.h>
+#include <qzl_io/file_name.h>
+#include <qzl_io/sdl/cipher.h>
+#include <qzl_io/sdl/ids.h>
+#include <qzl_io/sdl/keyword.h>
+#include <qzl_io/sdl/parser.h>
+#include <qzl_io/streams.h>
+
+// Opens a block headed by the keyword `id` of the writer's current table.
+struct block {
+    int id;
+};
+
+// The name of the keyword `id`, written bare.
+struct keyword {
+    int id;
+};
+
+// A word written bare and unchanged.
+struct ident {
+    const char* name;
+};
+
+// Writes SDL text: nested blocks, words, quoted strings, integers and floats, with tab indentation and CR LF line
+// ends. The whole text is collected in memory and reaches the target once, when the writer is closed, through the
+// cipher if there is one. What is written here, eSDLReader reads back.
+//
+// Texts are 8-bit and end at their first NUL; wide texts become UTF-8. A null text is empty.
+//
+// Copies share one document: they write into the same text, each with a keyword stack of its own. The last of them
+// to be destroyed closes the document. `Close` on any of them closes it for all; the others are then not open.
+//
+// A closed writer takes no items: writing through one reports "SDLWriter: Not open!" and throws.
+//
+// A target that takes only a part (a disk that fills) is not reported here: a file stream's failing write sets its
+// `Bad` flag, so an application that must know opens the stream itself, hands it in, closes the writer, flushes the
+// stream and asks it.
+class QZL_IO_API eSDLWriter {
+public:
+    // Receives the items and turns them into text.
+    class QZL_IO_API eWriteStream {
+    public:
+        eWriteStream() = default;
+        eWriteStream(const eWriteStream&) = delete;
+        eWriteStream& operator=(const eWriteStream&) = delete;
+
+        virtual ~eWriteStream();
+
+        virtual void WriteString(const char* text) = 0;
+        // A NaN or an infinity is written as 0 after the warning "Saving invalid floating number %1%. It was
+        // truncated to 0".
+        virtual void WriteFloat(float value) = 0;
+        // Here it only clears `formatFlag`.
+        virtual void WriteInt(int value);
+        // The character of a token type: sdlBlockStart, sdlBlockEnd, sdlOpen or sdlClose; any other writes nothing.
+        virtual void WriteControl(int code) = 0;
+        // `id` is the keyword's, or -1 where there is none.
+        virtual void WriteIdent(const char* name, int id) = 0;
+        // "#" and the text: right behind a block's opening, the block's mark. An empty text writes nothing.
+        virtual void WriteHashed(const char* text) = 0;
+        // Hands the text to `target`, through `cipher` if there is one, and empties it.
+        virtual void Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> cipher) = 0;
+        // Called right behind a block's header: the block leaves no trace if nothing else is written before it
+        // closes. Here it does nothing.
+        virtual void MarkEmpty();
+
+        // The next integer is written in hexadecimal; each integer clears it.
+        bool formatFlag = false;
+        // The next item starts on a new line.
+        bool newlinePending = false;
+    };
+
+    // Not open.
+    eSDLWriter();
+    explicit eSDLWriter(std::shared_ptr<eSDLCipher> cipher);
+
+    // Creates or empties the file. One that cannot be opened is not reported: `Opened` is then false, and what is
+    // written is dropped when the writer closes.
+    explicit eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
+    explicit eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
+
+    // Writes to a stream that stays the caller's and must live until the writer is closed.
+    explicit eSDLWriter(IO::eStream* stream, std::shared_ptr<eSDLCipher> cipher = nullptr);
+
+    eSDLWriter(const eSDLWriter& other);
+    // Lets go of its own document first, and closes that if no copy is left.
+    eSDLWriter& operator=(const eSDLWriter& other);
+
+    // Closes the document if no copy is left, and may throw what that reports. While another exception is under way
+    // it reports nothing.
+    virtual ~eSDLWriter() noexcept(false);
+
+    // Closes first, and so writes out, a document that is open. The cipher and the keyword tables stay.
+    void Open(IO::eStream* stream);
+    // False when the file cannot be opened.
+    bool Open(const eFileName& path);
+    bool Open(const eFileNameW& path);
+
+    // True while there is a target.
+    bool Opened() const { return document->target != nullptr; }
+
+    // Hands the text to the target; deletes a target that was opened here by name. May be called again.
+    void Close();
+
+    eWriteStream& Stream() { return *document->text; }
+
+    // Makes `table` the current one; it must live as long as it is used.
+    void PushKeywords(eSDLKeyword* table);
+    // Returns to the table before.
+    void PopKeywords();
+
+    // An id that the current table lacks is reported as "SDLWriter: Unknown keyword ID!", and then thrown if the
+    // report returned; the block's "{" is written by then.
+    eSDLWriter& operator<<(const block& value);
+    eSDLWriter& operator<<(const keyword& value);
+    eSDLWriter& operator<<(const ident& value);
+
+    inline eSDLWriter& operator<<(const char* text);
+    eSDLWriter& operator<<(const std::string& text) { return *this << text.c_str(); }
+    eSDLWriter& operator<<(const std::wstring& text);
+    // Each string on a line of its own.
+    eSDLWriter& operator<<(const eStrings& texts);
+    eSDLWriter& operator<<(const eStringsW& texts);
+
+    // A character is written as its number.
+    eSDLWriter& operator<<(char value) { return *this << int{static_cast<signed char>(value)}; }
+    eSDLWriter& operator<<(unsigned char value) { return *this << int{value}; }
+    eSDLWriter& operator<<(bool value) { return *this << int{value}; }
+    eSDLWriter& operator<<(short value) { return *this << int{value}; }
+    eSDLWriter& operator<<(unsigned short value) { return *this << int{value}; }
+    inline eSDLWriter& operator<<(int value);
+    // Above 2147483647 the negative number with the same bits.
+    eSDLWriter& operator<<(unsigned int value) { return *this << static_cast<int>(value); }
+    inline eSDLWriter& operator<<(float value);
+
+    eSDLWriter& operator<<(eSDLWriter& (*manipulator)(eSDLWriter&)) { return manipulator(*this); }
+
+    // Any other pointer would silently be written as a bool.
+    eSDLWriter& operator<<(const void*) = delete;
+
+protected:
+    // Forgets the document without writing it to the target.
+    void Init();
+
+private:
+    struct eTargetRelease {
+        eTargetRelease() : owns(false) {}
+        explicit eTargetRelease(bool ownsTarget) : owns(ownsTarget) {}
+        void operator()(IO::eStream* stream) const;
+
+        bool owns;
+    };
+    using eTarget = std::unique_ptr<IO::eStream, eTargetRelease>;
+
+    // What copies share. `text` is never null: a closed document has one that refuses every item.
+    struct eDocument {
+        eDocument();
+
+        eTarget target;
+        std::unique_ptr<eWriteStream> text;
+    };
+
+    template <class eName>
+    static eTarget OpenTarget(const eName& path);
+
+    void Start(eTarget target);
+    void Release();
+    void CloseQuietly();
+    const char* KeywordName(int id) const;
+
+    std::shared_ptr<eDocument> document;
+    std::vector<eSDLKeyword*> keywords;
+    std::shared_ptr<eSDLCipher> cipher;
+    int exceptionsAtStart = std::uncaught_exceptions();
+};
+
+QZL_IO_API eSDLWriter& operator<<(eSDLWriter& writer, const eFileName& path);
+
+// The text behind a writer: every item passes one separator step, which places a pending line break with its
+// indentation, or a pending blank.
+class QZL_IO_API eSDLTextStream : public eSDLWriter::eWriteStream {
+public:
+    eSDLTextStream();
+    ~eSDLTextStream() override;
+
+    void WriteString(const char* text) override;
+    void WriteFloat(float value) override;
+    void WriteInt(int value) override;
+    void WriteControl(int code) override;
+    void WriteIdent(const char* name, int id) override;
+    void WriteHashed(const char* text) override;
+    void Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> cipher) override;
+    void MarkEmpty() override;
+
+private:
+    struct eFree {
+        void operator()(char* block) const;
+    };
+
+    unsigned long long Size() const { return static_cast<unsigned long long>(end - text.get()); }
+    unsigned long long Room() const { return static_cast<unsigned long long>(roomEnd - end); }
+    unsigned long long Indentation() const { return newlinePending ? layout & depthMask : 0; }
+    void ChangeDepth(unsigned by) { layout = (layout & ~depthMask) | ((layout + by) & depthMask); }
+
+    char* Separate(unsigned long long room);
+    char* BreakLine(char* to);
+    char* MakeRoom(unsigned long long room);
+    void Resize(unsigned long long capacity);
+    char* PutEscapedAt(char* to, std::string_view characters);
+    void PutStructure(char character);
+    void OpenBlock();
+    void CloseBlock();
+    bool RemoveEmptyBlock();
+
+    static constexpr unsigned depthMask = 0xFFFF;
+    static constexpr unsigned spacePending = 0x10000;
+
+    // For each open block the position at which it began; below zero, minus the position of an empty-block mark.
+    eIds positions;
+    // Nesting depth and spacePending.
+    unsigned layout = 0;
+    // The text so far. Its memory doubles like that of an IO::eMemoryStream, but it is not cleared, and moved only
+    // where the system cannot extend it.
+    std::unique_ptr<char, eFree> text;
+    char* end = nullptr;     // of the text
+    char* roomEnd = nullptr; // of its memory
+};
+
+// Closes a block.
+inline eSDLWriter& endb(eSDLWriter& writer) {
+    writer.Stream().WriteControl(sdlBlockEnd);
+    return writer;
+}
+
+// The next item starts on a new line.
+inline eSDLWriter& endl(eSDLWriter& writer) {
+    writer.Stream().newlinePending = true;
+    return writer;
+}
+
+inline eSDLWriter& eSDLWriter::operator<<(const char* text) {
+    Stream().WriteString(text);
+    return *this;
+}
+
+inline eSDLWriter& eSDLWriter::operator<<(int value) {
+    Stream().WriteInt(value);
+    return *this;
+}
+
+inline eSDLWriter& eSDLWriter::operator<<(float value) {
+    Stream().WriteFloat(value);
+    return *this;
+}

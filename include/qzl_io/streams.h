@@ -1,0 +1,6 @@
+#pragma once
+
+#include <qzl_io/streams/stream.h>
+#include <qzl_io/streams/stream_file.h>
+#include <qzl_io/streams/stream_memory.h>
+#include <qzl_io/streams/stream_text.h>

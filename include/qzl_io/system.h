@@ -1,0 +1,8 @@
+#pragma once
+
+// File-system and system services: single files, folder trees, folder search, the program's folders, the machine.
+#include <qzl_io/system/file.h>
+#include <qzl_io/system/path.h>
+#include <qzl_io/system/search.h>
+#include <qzl_io/system/system_info.h>
+#include <qzl_io/system/working_paths.h>

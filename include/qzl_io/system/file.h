@@ -1,0 +1,63 @@
+#pragma once
+
+#include <qzl_io/export.h>
+#include <qzl_io/file_name.h>
+
+// Single files. Names go to the system as they stand, with forward slashes; on Linux wide names are UTF-8 on disk.
+// Nothing here throws or reports: every failure is a false or zero result. No state is kept, so any thread may call.
+
+namespace IO::System::File {
+
+/// What Access asks for.
+enum eAccessMode : int {
+    Exist = 0,
+    Write = 2,
+    Read = 4,
+    ReadWrite = 6,
+};
+
+/// True when the file or folder exists and, for the other modes, this process may use it in that way.
+QZL_IO_API bool Access(const eFileName& name, eAccessMode mode);
+
+/// Copies a file, replacing an existing target; the target gets the source's permissions.
+/// The result tells only whether `from` exists: a copy that fails afterwards (the target's folder is missing, the disk
+/// is full, the target is locked) still gives true. Callers that must know look at the target. No half-written target
+/// stays behind. Copying a file onto itself leaves it as it is.
+QZL_IO_API bool Copy(const eFileName& from, const eFileName& to);
+
+/// Copy that another thread can stop: the copy ends at its next look at `*cancel` after that byte became non-zero.
+/// It looks before the first byte and again at least once for each 4 MiB; on Windows whenever the system reports
+/// progress. A stopped copy leaves no partial target. `cancel` must stay valid during the call and must not be null.
+/// The result is that of Copy, whether stopped or not.
+QZL_IO_API bool CopyEx(const eFileName& from, const eFileName& to, bool* cancel);
+
+/// True when the file has been removed. A folder is not; of a link, the link itself is removed.
+QZL_IO_API bool Delete(const eFileName& name);
+
+/// Renames or moves within one volume by the C run-time's `rename`; true when that succeeded. An existing target makes
+/// it fail on Windows and is replaced on Linux.
+QZL_IO_API bool Rename(const eFileName& from, const eFileName& to);
+
+/// The file's length in bytes. 0 when it is missing, may not be read, or is a folder or a device.
+QZL_IO_API unsigned long long Size(const eFileName& name);
+
+} // namespace IO::System::File
+
+/// The same over wide names; there is no wide Rename.
+namespace IO::System::FileW {
+
+/// What Access asks for.
+enum eAccessMode : int {
+    Exist = 0,
+    Write = 2,
+    Read = 4,
+    ReadWrite = 6,
+};
+
+QZL_IO_API bool Access(const eFileNameW& name, eAccessMode mode);
+QZL_IO_API bool Copy(const eFileNameW& from, const eFileNameW& to);
+QZL_IO_API bool CopyEx(const eFileNameW& from, const eFileNameW& to, bool* cancel);
+QZL_IO_API bool Delete(const eFileNameW& name);
+QZL_IO_API unsigned long long Size(const eFileNameW& name);
+
+} // namespace IO::System::FileW

@@ -1,0 +1,149 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <qzl_io/export.h>
+#include <qzl_io/file_name.h>
+#include <qzl_io/system/file_time.h>
+
+namespace IO {
+
+/// What a search knows of its current entry. All zero and empty: no entry.
+template <class Char>
+struct eSearchRecord {
+    static constexpr unsigned int Directory = 0x10;
+    static constexpr unsigned int ReparsePoint = 0x400;
+
+    unsigned int attributes = 0;
+    bool kindPending = false;    ///< the attributes are still to be asked for
+    bool detailsPending = false; ///< the size and the time are still to be asked for
+    unsigned long long size = 0;
+    eFileTime modified;
+    std::basic_string<Char> name;
+};
+
+/// The system's open listing; shared by the copies of a search and released by the last of them.
+class eSearchHandle;
+
+namespace SearchSteps {
+QZL_IO_API std::shared_ptr<eSearchHandle> First(const char* pattern, eSearchRecord<char>* record);
+QZL_IO_API std::shared_ptr<eSearchHandle> First(const wchar_t* pattern, eSearchRecord<wchar_t>* record);
+QZL_IO_API bool Next(eSearchHandle* handle, eSearchRecord<char>* record);
+QZL_IO_API bool Next(eSearchHandle* handle, eSearchRecord<wchar_t>* record);
+QZL_IO_API void AskKind(eSearchHandle* handle, eSearchRecord<char>* record);
+QZL_IO_API void AskKind(eSearchHandle* handle, eSearchRecord<wchar_t>* record);
+QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<char>* record);
+QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<wchar_t>* record);
+} // namespace SearchSteps
+
+/// A cursor over the entries of one folder that match a mask:
+///
+///     for (IO::eSearch search("c:/data/", "*.*"); search.Valid(); search.Next())
+///         if (search.IsFile()) Use(search.Name(), search.Size());
+///
+/// The pattern is the folder's text and the mask's, joined as they stand, so the folder ends in "/": "dir" with "*.*"
+/// is the pattern "dir*.*" and finds the neighbours whose names begin with "dir". Only the last component may hold wild
+/// cards. The order is the system's; "." and ".." come like any other entry. No operation reports an error: a folder
+/// that is missing or may not be read has no entries.
+///
+/// A mask means the same on both systems; ASCII letter case is ignored, on Windows all letter case. A "?" stands for
+/// one character, a code point on Linux.
+///
+/// | mask    | matches                                                                        |
+/// |---------|--------------------------------------------------------------------------------|
+/// | "*.*"   | every name, "*" likewise; so "a*.*" is every name that begins with "a"          |
+/// | "*.txt" | names whose last extension is ".txt"                                           |
+/// | "a.*"   | "a" and every name that begins with "a."                                       |
+/// | "*."    | names without a dot                                                            |
+/// | "?"     | one character other than a dot; none before a dot or the end: "a??.c" has "a.c" |
+/// | ""      | nothing                                                                        |
+///
+/// A link to a folder is a subfolder, as Windows lists it, any other link a file; size and time are the link's own.
+/// Sizes of anything but files are 0. On Linux, size and time are asked for when first wanted: 0 for an entry that has
+/// vanished since it was listed.
+///
+/// Copies have the same state and share the listing, so Next on one of them moves on for all. It is released once, by
+/// its last owner. A search is used by one thread at a time, and so are its copies taken together.
+template <class Char, class FileName>
+class eSearchOf {
+public:
+    eSearchOf(const FileName& folder, const FileName& mask) { Begin(folder, mask); }
+
+    /// Starts anew; what an earlier search held is released.
+    void Begin(const FileName& folder, const FileName& mask) {
+        record = {};
+        handle = SearchSteps::First(folder.GetAdd(mask).c_str(), &record);
+        valid = handle != nullptr;
+    }
+
+    /// Moves on; Valid tells whether there was another entry. Without one the last entry's record stays.
+    void Next() { valid = SearchSteps::Next(handle.get(), &record); }
+
+    /// Releases the listing and clears the record, but leaves Valid as it was: end a search after Valid has become
+    /// false, or do not ask it afterwards.
+    void End() {
+        handle.reset();
+        record = {};
+    }
+
+    /// Whether there is a current entry.
+    bool Valid() const { return valid; }
+
+    bool IsFile() const { return valid && (Attributes() & Record::Directory) == 0; }
+
+    /// True for a folder other than "." and "..".
+    bool IsSubfolder() const { return valid && (Attributes() & Record::Directory) != 0 && !IsDots(); }
+
+    /// True for an entry that leads elsewhere: a symbolic link, on Windows any reparse point. It is a file or a subfolder
+    /// besides; a walk that goes down into subfolders leaves the tree, or never ends, where it goes down into links.
+    bool IsLink() const { return valid && (Attributes() & Record::ReparsePoint) != 0; }
+
+    /// The entry's name alone; empty without an entry. Valid until the search moves on.
+    const Char* Name() const { return record.name.c_str(); }
+
+    /// The file's length in bytes.
+    unsigned long long Size() const { return Details().size; }
+
+    /// When the entry was last written to.
+    eFileTime ModifyTime() const { return Details().modified; }
+
+private:
+    using Record = eSearchRecord<Char>;
+
+    bool IsDots() const {
+        const auto& name = record.name;
+        return name.size() <= 2 && name.find_first_not_of(Char('.')) == name.npos;
+    }
+
+    unsigned int Attributes() const {
+        if (record.kindPending)
+            SearchSteps::AskKind(handle.get(), &record);
+        return record.attributes;
+    }
+
+    const Record& Details() const {
+        if (record.detailsPending)
+            SearchSteps::AskDetails(handle.get(), &record);
+        return record;
+    }
+
+    std::shared_ptr<eSearchHandle> handle;
+    mutable Record record;
+    bool valid = false;
+};
+
+/// Search over narrow names.
+class eSearch : public eSearchOf<char, eFileName> {
+public:
+    using eSearchOf::eSearchOf;
+};
+
+/// Search over wide names. On Linux a byte of a name that is not UTF-8 appears as U+DC00 plus its value and turns back
+/// into that byte wherever such a name is used.
+class eSearchW : public eSearchOf<wchar_t, eFileNameW> {
+public:
+    using eSearchOf::eSearchOf;
+};
+
+} // namespace IO

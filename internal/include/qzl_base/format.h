@@ -1,0 +1,70 @@
+#pragma once
+
+#include <concepts>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <qzl_base/export.h>
+
+// A text with places for arguments:
+//     std::string text = format("%1% - open error!") % name;
+//
+// "%1%" to "%9%" stand for the first to the ninth argument, as often as they occur and in any order. A place whose
+// argument is missing, an argument without a place, and every other use of "%" ("%%", "%0%", "100%") change nothing.
+// Arguments are inserted as they are: what looks like a place inside one is not replaced.
+class QZL_BASE_API format {
+public:
+    explicit format(const char* pattern); // null is empty
+    explicit format(std::string pattern);
+
+    // Gives the next argument. Numbers become decimal texts (floats the shortest text that keeps their value), wide
+    // texts UTF-8, a null text nothing, a bool 1 or 0; whatever has c_str() counts as its text.
+    friend format operator%(format text, const std::string& argument) { return std::move(text.Add(argument)); }
+    friend format operator%(format text, std::string_view argument) {
+        return std::move(text.Add(std::string(argument)));
+    }
+    friend format operator%(format text, const char* argument) {
+        return std::move(text.Add(argument ? std::string(argument) : std::string()));
+    }
+    friend format operator%(format text, const std::wstring& argument) { return std::move(text.AddWide(argument)); }
+    friend format operator%(format text, const wchar_t* argument) {
+        return std::move(text.AddWide(argument ? std::wstring_view(argument) : std::wstring_view()));
+    }
+    friend format operator%(format text, char argument) { return std::move(text.Add(std::string(1, argument))); }
+    template <std::integral T>
+    friend format operator%(format text, T argument) {
+        if constexpr (std::signed_integral<T>)
+            return std::move(text.AddSigned(argument));
+        else
+            return std::move(text.AddUnsigned(argument));
+    }
+    friend format operator%(format text, float argument) { return std::move(text.AddFloat(argument)); }
+    friend format operator%(format text, double argument) { return std::move(text.AddDouble(argument)); }
+    template <class T>
+    requires requires(const T& value) {
+        { value.c_str() } -> std::same_as<const char*>;
+    }
+    friend format operator%(format text, const T& argument) { return std::move(text.Add(argument.c_str())); }
+    template <class T>
+    requires requires(const T& value) {
+        { value.c_str() } -> std::same_as<const wchar_t*>;
+    }
+    friend format operator%(format text, const T& argument) { return std::move(text.AddWide(argument.c_str())); }
+
+    // The text with the arguments given so far in their places.
+    std::string str() const;
+    operator std::string() const { return str(); }
+
+private:
+    format& Add(std::string argument);
+    format& AddWide(std::wstring_view argument);
+    format& AddSigned(long long argument);
+    format& AddUnsigned(unsigned long long argument);
+    format& AddFloat(float argument);
+    format& AddDouble(double argument);
+
+    std::string pattern;
+    std::vector<std::string> arguments;
+};

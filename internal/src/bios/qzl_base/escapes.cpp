@@ -1,0 +1,210 @@
+#include <qzl_base/convert.h>
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+constexpr std::string_view kHexDigits = "0123456789abcdef";
+constexpr std::size_t kLongestEscape = 4; // "\xHH"
+
+// For each byte the letter of its short escape sequence, 'x' for a hexadecimal one, 0 when it stands for itself.
+constexpr std::array<char, 256> kEscapes = [] {
+    std::array<char, 256> escapes{};
+    for (std::size_t c = 0; c < ' '; ++c)
+        escapes[c] = 'x';
+    escapes[0x7f] = 'x';
+    escapes['\n'] = 'n';
+    escapes['\r'] = 'r';
+    escapes['\t'] = 't';
+    escapes['"'] = '"';
+    escapes['\\'] = '\\';
+    return escapes;
+}();
+
+char EscapeOf(char c) {
+    return kEscapes[static_cast<unsigned char>(c)];
+}
+
+constexpr std::uint64_t EachByte(unsigned char byte) {
+    return 0x0101010101010101u * byte;
+}
+
+// The top bit of each byte that is below the limit (at most 128). Bytes above a marked one may be marked wrongly.
+constexpr std::uint64_t BytesBelow(std::uint64_t bytes, unsigned char limit) {
+    return (bytes - EachByte(limit)) & ~bytes & EachByte(0x80);
+}
+
+constexpr std::uint64_t BytesEqual(std::uint64_t bytes, char c) {
+    return BytesBelow(bytes ^ EachByte(static_cast<unsigned char>(c)), 1);
+}
+
+// Number of the eight bytes at the beginning of a text that stand for themselves.
+std::size_t PlainRunOfWord(const char* text) {
+    std::uint64_t bytes;
+    std::memcpy(&bytes, text, sizeof bytes);
+    const std::uint64_t found =
+        BytesBelow(bytes, ' ') | BytesEqual(bytes, '"') | BytesEqual(bytes, '\\') | BytesEqual(bytes, 0x7f);
+    return static_cast<std::size_t>(std::countr_zero(found)) / 8;
+}
+
+// Number of bytes at the beginning that stand for themselves.
+std::size_t PlainRun(const char* text, std::size_t size) {
+    constexpr std::size_t kWord = sizeof(std::uint64_t);
+    std::size_t run = 0;
+    for (; size - run >= kWord; run += kWord)
+        if (const std::size_t plain = PlainRunOfWord(text + run); plain != kWord)
+            return run + plain;
+    // What is left of a long text is the end of its last word, whose beginning is known to be plain.
+    if (run != 0)
+        return run == size ? size : size - kWord + PlainRunOfWord(text + size - kWord);
+    while (run < size && EscapeOf(text[run]) == 0)
+        ++run;
+    return run;
+}
+
+std::size_t EscapeSize(char c) {
+    return EscapeOf(c) == 'x' ? kLongestEscape : 2;
+}
+
+char* PutEscape(char* out, char c) {
+    const char escape = EscapeOf(c);
+    *out++ = '\\';
+    *out++ = escape;
+    if (escape != 'x')
+        return out;
+    *out++ = kHexDigits[static_cast<unsigned char>(c) >> 4];
+    *out++ = kHexDigits[static_cast<unsigned char>(c) & 15];
+    return out;
+}
+
+// The value of a hexadecimal digit, 16 for any other character.
+unsigned HexValue(char c) {
+    if (c >= 'A' && c <= 'F')
+        c = static_cast<char>(c - 'A' + 'a');
+    const std::size_t value = kHexDigits.find(c);
+    return value == std::string_view::npos ? 16 : static_cast<unsigned>(value);
+}
+
+// Puts the character that a hexadecimal escape stands for. False when the text does not begin with one.
+bool PutHexadecimal(char* out, std::string_view escape) {
+    if (escape.size() < kLongestEscape)
+        return false;
+    const unsigned high = HexValue(escape[2]);
+    const unsigned low = HexValue(escape[3]);
+    if (high > 15 || low > 15)
+        return false;
+    *out = static_cast<char>(high << 4 | low);
+    return true;
+}
+
+// Puts the character that the escape at the beginning of the text stands for and returns the escape's size, 0 when it
+// is none.
+std::size_t PutUnescaped(char* out, std::string_view escape) {
+    if (escape.size() < 2)
+        return 0;
+    switch (escape[1]) {
+    case 'n':
+        *out = '\n';
+        return 2;
+    case 'r':
+        *out = '\r';
+        return 2;
+    case 't':
+        *out = '\t';
+        return 2;
+    case '"':
+        *out = '"';
+        return 2;
+    case '\\':
+        *out = '\\';
+        return 2;
+    case 'x':
+        return PutHexadecimal(out, escape) ? kLongestEscape : 0;
+    default:
+        return 0;
+    }
+}
+
+void Escape(std::string* text) {
+    const std::size_t size = text->size();
+    const std::size_t escaped = EscapedSize(*text);
+    if (escaped == size)
+        return;
+    // The text moves to the end of the room, from where it is read ahead of the place that is written to.
+    text->resize(escaped);
+    char* const begin = text->data();
+    char* const source = begin + (escaped - size);
+    std::memmove(source, begin, size);
+    PutEscaped(begin, {source, size});
+}
+
+// Moves the characters up to the next backslash, or to the end, and returns how many those are.
+std::size_t MoveRun(char* out, const char* at, const char* end) {
+    const auto left = static_cast<std::size_t>(end - at);
+    const void* const backslash = std::memchr(at, '\\', left);
+    const std::size_t run = backslash ? static_cast<std::size_t>(static_cast<const char*>(backslash) - at) : left;
+    std::memmove(out, at, run);
+    return run;
+}
+
+void Unescape(std::string* text) {
+    const std::size_t first = text->find('\\');
+    if (first == std::string::npos)
+        return;
+    const char* const end = text->data() + text->size();
+    const char* at = text->data() + first;
+    char* out = text->data() + first;
+    while (at != end) {
+        const std::size_t escape = PutUnescaped(out, {at, static_cast<std::size_t>(end - at)});
+        if (escape == 0)
+            *out = *at;
+        at += escape == 0 ? 1 : escape;
+        const std::size_t run = MoveRun(++out, at, end);
+        out += run;
+        at += run;
+    }
+    text->resize(static_cast<std::size_t>(out - text->data()));
+}
+
+} // namespace
+
+void ConvertEscSequence(std::string* text, bool escape) {
+    if (escape)
+        Escape(text);
+    else
+        Unescape(text);
+}
+
+std::size_t EscapedSize(std::string_view text) {
+    std::size_t size = text.size();
+    for (std::size_t at = PlainRun(text.data(), text.size()); at < text.size();) {
+        size += EscapeSize(text[at]) - 1;
+        ++at;
+        at += PlainRun(text.data() + at, text.size() - at);
+    }
+    return size;
+}
+
+char* PutEscaped(char* out, std::string_view text) {
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (;;) {
+        const std::size_t run = PlainRun(at, static_cast<std::size_t>(end - at));
+        if (run != 0)
+            std::memmove(out, at, run);
+        out += run;
+        at += run;
+        if (at == end)
+            return out;
+        out = PutEscape(out, *at++);
+    }
+}
+
+void AppendEscaped(std::string* target, std::string_view text) {
+    const std::size_t size = target->size();
+    target->resize(size + EscapedSize(text));
+    PutEscaped(target->data() + size, text);
+}

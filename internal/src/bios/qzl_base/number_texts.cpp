@@ -1,0 +1,256 @@
+#include <qzl_base/convert.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <emmintrin.h>
+
+namespace {
+
+constexpr std::size_t kLongTextRoom = 20;          // of 2^64 - 1 in decimal
+constexpr std::size_t kMostDigits = 9;             // that tell any two floats apart
+constexpr float kIntegersEnd = 2147483648.0f;      // the first float beyond the 32-bit integers
+constexpr float kExactIntegersEnd = 16777216.0f;   // below it the float nearest to any integer is that integer
+constexpr std::ptrdiff_t kShortenedByExponent = 3; // trailing zeros that "e" and a digit undercut
+
+char* PutView(char* out, std::string_view text) {
+    return std::copy(text.begin(), text.end(), out);
+}
+
+template <class T>
+char* PutInteger(char* out, T value, int base) {
+    return std::to_chars(out, out + kLongTextRoom, value, base).ptr;
+}
+
+constexpr std::uint32_t kEightDigitsEnd = 100'000'000;
+
+// The eight decimal digits of a number below kEightDigitsEnd as values, the first one in the lowest byte: the number is
+// split into halves of four digits, these into pairs, these into digits, all pieces of a step at once.
+std::uint64_t EightDigits(std::uint32_t value) {
+    const std::uint64_t fours = value / 10000 | std::uint64_t{value % 10000} << 32;
+    const std::uint64_t hundreds = (fours * 10486 >> 20) & 0x0000007F0000007Fu;
+    const std::uint64_t pairs = hundreds | (fours - 100 * hundreds) << 16;
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000Fu;
+    return tens | (pairs - 10 * tens) << 8;
+}
+
+// Put eight characters, of which those from the returned end on do not count.
+char* PutDigits(char* out, std::uint64_t digits, int count) {
+    digits |= 0x3030303030303030u;
+    std::memcpy(out, &digits, sizeof digits);
+    return out + count;
+}
+
+// A number below kEightDigitsEnd.
+char* PutShortInteger(char* out, std::uint32_t value) {
+    const std::uint64_t digits = EightDigits(value);
+    const int zeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;
+    return PutDigits(out, digits >> (8 * zeros), 8 - zeros);
+}
+
+// As many digits as `count`, leading zeros among them, of a number that has no more than these; up to eight.
+char* PutPlaces(char* out, std::uint32_t value, int count) {
+    return PutDigits(out, EightDigits(value) >> (8 * (8 - count)), count);
+}
+
+template <class T>
+std::string HexadecimalText(T bits) {
+    std::array<char, kLongTextRoom> text{'0', 'x'};
+    return {text.data(), PutInteger(text.data() + 2, bits, 16)};
+}
+
+// A finite positive float as digits * 10^exponent with as few digits as tell it from every other float.
+struct eDecimal {
+    std::array<char, kMostDigits> digits;
+    int count = 0;
+    int exponent = 0;
+
+    std::string_view Digits(int from, int to) const {
+        return {digits.data() + from, static_cast<std::size_t>(to - from)};
+    }
+};
+
+eDecimal ShortestDecimal(float value) {
+    // "d.dddddddde-dd": one digit before the point, if any, and two in the exponent.
+    std::array<char, 24> text{};
+    const char* const end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
+    const int mantissaSize = static_cast<int>(end - text.data()) - 4;
+    eDecimal decimal;
+    decimal.digits[0] = text[0];
+    std::copy_n(text.data() + 2, kMostDigits - 1, decimal.digits.data() + 1);
+    decimal.count = std::max(mantissaSize - 1, 1);
+    const int magnitude = (end[-2] - '0') * 10 + (end[-1] - '0');
+    decimal.exponent = (end[-3] == '-' ? -magnitude : magnitude) - (decimal.count - 1);
+    return decimal;
+}
+
+// Half the distances from a positive normal float to its neighbours: what is nearer than these reads as that float.
+struct eHalfGaps {
+    double below;
+    double above;
+};
+
+eHalfGaps HalfGapsOf(float value) {
+    const auto bits = std::bit_cast<std::uint32_t>(value);
+    const std::uint64_t exponent = (bits >> 23) + (1023 - 127) - 24;
+    const auto above = std::bit_cast<double>(exponent << 52);
+    const bool powerOfTwo = (bits & 0x7fffffu) == 0;
+    return {powerOfTwo ? above / 2 : above, above};
+}
+
+// From here on an exponent never makes the text of a fraction shorter.
+constexpr float kFewPlacesFrom = 0.01f;
+
+// The fewest places behind the point that tell a float below kExactIntegersEnd, and the decimal without its point.
+struct eFewPlaces {
+    int places = 0; // 0: more than eight
+    std::uint64_t decimal = 0;
+};
+
+// Tries one to eight places at once, for a loop over them would end unpredictably. The products are exact: a float's 24
+// bits and 5^8 fit into a double. Adding 2^52 and taking it away rounds to an integer, a half to the even one.
+eFewPlaces FewestPlaces(float value) {
+    static constexpr int kPairs = 4;
+    alignas(16) static constexpr double kPowers[2 * kPairs] = {1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+    alignas(16) double decimals[2 * kPairs];
+    const eHalfGaps gaps = HalfGapsOf(value);
+    const __m128d rounder = _mm_set1_pd(0x1p52);
+    unsigned found = 0;
+    for (int pair = 0; pair < kPairs; ++pair) {
+        const __m128d power = _mm_load_pd(kPowers + 2 * pair);
+        const __m128d scaled = _mm_mul_pd(_mm_set1_pd(double{value}), power);
+        const __m128d nearest = _mm_sub_pd(_mm_add_pd(scaled, rounder), rounder);
+        const __m128d difference = _mm_sub_pd(nearest, scaled);
+        const __m128d reads = _mm_and_pd(_mm_cmplt_pd(difference, _mm_mul_pd(_mm_set1_pd(gaps.above), power)),
+                                         _mm_cmpgt_pd(difference, _mm_mul_pd(_mm_set1_pd(-gaps.below), power)));
+        found |= static_cast<unsigned>(_mm_movemask_pd(reads)) << (2 * pair);
+        _mm_store_pd(decimals + 2 * pair, nearest);
+    }
+    if (found == 0)
+        return {};
+    const int least = std::countr_zero(found);
+    return {least + 1, static_cast<std::uint64_t>(decimals[least])};
+}
+
+char* PutWithExponent(char* out, const eDecimal& decimal) {
+    out = PutView(out, decimal.Digits(0, decimal.count));
+    *out++ = 'e';
+    return PutInteger(out, decimal.exponent, 10);
+}
+
+int LengthWithExponent(const eDecimal& decimal) {
+    const int magnitude = std::abs(decimal.exponent);
+    return decimal.count + 1 + (decimal.exponent < 0 ? 1 : 0) + (magnitude < 10 ? 1 : 2);
+}
+
+char* PutFraction(char* out, const eDecimal& decimal) {
+    const int whole = decimal.count + decimal.exponent;
+    if (whole > 0) {
+        out = PutView(out, decimal.Digits(0, whole));
+        *out++ = '.';
+        return PutView(out, decimal.Digits(whole, decimal.count));
+    }
+    if (LengthWithExponent(decimal) < 2 - decimal.exponent)
+        return PutWithExponent(out, decimal);
+    out = PutView(out, "0.");
+    out = std::fill_n(out, -whole, '0');
+    return PutView(out, decimal.Digits(0, decimal.count));
+}
+
+// An integer below kExactIntegersEnd.
+char* PutSmallInteger(char* out, int magnitude) {
+    char* const end = PutInteger(out, magnitude, 10);
+    char* digitsEnd = end;
+    while (digitsEnd - 1 > out && digitsEnd[-1] == '0')
+        --digitsEnd;
+    const std::ptrdiff_t zeros = end - digitsEnd;
+    if (zeros < kShortenedByExponent)
+        return end;
+    *digitsEnd++ = 'e';
+    *digitsEnd++ = static_cast<char>('0' + zeros);
+    return digitsEnd;
+}
+
+char* PutLargeInteger(char* out, const eDecimal& decimal, float magnitude, bool negative) {
+    const bool fitsInt = magnitude < kIntegersEnd || (negative && magnitude == kIntegersEnd);
+    if (!fitsInt)
+        return PutWithExponent(out, decimal);
+    char* const end = PutInteger(out, static_cast<unsigned>(magnitude), 10);
+    return end - out <= LengthWithExponent(decimal) ? end : PutWithExponent(out, decimal);
+}
+
+// The decimal lies between the same integers as the value, for these are floats too.
+char* PutFewPlaces(char* out, std::uint32_t whole, const eFewPlaces& few) {
+    static constexpr std::uint32_t kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+    out = PutShortInteger(out, whole);
+    *out++ = '.';
+    const std::uint64_t fraction = few.decimal - std::uint64_t{whole} * kPowers[few.places];
+    return PutPlaces(out, static_cast<std::uint32_t>(fraction), few.places);
+}
+
+char* PutMagnitude(char* out, float magnitude, bool negative) {
+    if (magnitude >= kExactIntegersEnd)
+        return PutLargeInteger(out, ShortestDecimal(magnitude), magnitude, negative);
+    const int whole = static_cast<int>(magnitude);
+    if (static_cast<float>(whole) == magnitude)
+        return PutSmallInteger(out, whole);
+    if (magnitude >= kFewPlacesFrom)
+        if (const eFewPlaces few = FewestPlaces(magnitude); few.places > 0)
+            return PutFewPlaces(out, static_cast<std::uint32_t>(whole), few);
+    return PutFraction(out, ShortestDecimal(magnitude));
+}
+
+char* PutDecimal(char* out, int value) {
+    auto magnitude = static_cast<std::uint32_t>(value);
+    if (value < 0) {
+        *out++ = '-';
+        magnitude = 0u - magnitude;
+    }
+    if (magnitude < kEightDigitsEnd)
+        return PutShortInteger(out, magnitude);
+    out = PutShortInteger(out, magnitude / kEightDigitsEnd);
+    return PutPlaces(out, magnitude % kEightDigitsEnd, 8);
+}
+
+} // namespace
+
+std::string ToString(int value, bool hexadecimal) {
+    std::array<char, kNumberTextRoom> text;
+    return {text.data(), PutInt(text.data(), value, hexadecimal)};
+}
+
+std::string ToString(unsigned long long value, bool hexadecimal) {
+    if (hexadecimal)
+        return HexadecimalText(value);
+    std::array<char, kLongTextRoom> text;
+    return {text.data(), PutInteger(text.data(), value, 10)};
+}
+
+std::string ToString(float value) {
+    std::array<char, kNumberTextRoom> text;
+    return {text.data(), PutFloat(text.data(), value)};
+}
+
+char* PutInt(char* out, int value, bool hexadecimal) {
+    if (!hexadecimal)
+        return PutDecimal(out, value);
+    return PutInteger(PutView(out, "0x"), static_cast<unsigned>(value), 16);
+}
+
+char* PutFloat(char* out, float value) {
+    if (std::isnan(value))
+        return PutView(out, "nan");
+    const bool negative = std::signbit(value);
+    if (negative)
+        *out++ = '-';
+    if (std::isinf(value))
+        return PutView(out, "inf");
+    if (value == 0)
+        return PutView(out, negative ? "0." : "0");
+    return PutMagnitude(out, std::fabs(value), negative);
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+// The operating system's own code pages.
+namespace platform {
+
+class eCodePage {
+public:
+    virtual ~eCodePage() = default;
+
+    // Appends the text in the other form. False, with nothing appended, when a part of it is ill-formed or has no
+    // counterpart, or when the text is longer than the system converts at once.
+    virtual bool Widen(std::string_view text, std::wstring* out) = 0;
+    virtual bool Narrow(std::wstring_view text, std::string* out) = 0;
+};
+
+// Null when the system does not know the number.
+std::unique_ptr<eCodePage> OpenCodePage(int number);
+
+} // namespace platform

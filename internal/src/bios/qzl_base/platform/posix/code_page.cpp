@@ -1,0 +1,113 @@
+#include "platform/code_page.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include <iconv.h>
+
+namespace platform {
+
+namespace {
+
+// wchar_t holds one character here, in the byte order of the machine.
+constexpr const char* kWide = "WCHAR_T";
+
+class eConverter {
+public:
+    eConverter(const char* to, const char* from) : descriptor(iconv_open(to, from)) {}
+    ~eConverter() {
+        if (IsOpen())
+            iconv_close(descriptor);
+    }
+    eConverter(const eConverter&) = delete;
+    eConverter& operator=(const eConverter&) = delete;
+
+    bool IsOpen() const { return descriptor != reinterpret_cast<iconv_t>(-1); }
+
+    // Appends the converted bytes; false, with a part of them appended, when the text cannot be converted wholly.
+    bool Convert(std::string_view bytes, std::string* out) {
+        iconv(descriptor, nullptr, nullptr, nullptr, nullptr);
+        char* at = const_cast<char*>(bytes.data());
+        std::size_t left = bytes.size();
+        return Run(&at, &left, out) && Run(nullptr, nullptr, out);
+    }
+
+private:
+    // Converts until nothing is left; without a text, ends what the converter still holds back.
+    bool Run(char** at, std::size_t* left, std::string* out) {
+        std::array<char, 4096> room;
+        for (;;) {
+            char* end = room.data();
+            std::size_t free = room.size();
+            const std::size_t replaced = iconv(descriptor, at, left, &end, &free);
+            const bool full = replaced == static_cast<std::size_t>(-1) && errno == E2BIG;
+            out->append(room.data(), end);
+            if (!full)
+                return replaced == 0;
+        }
+    }
+
+    iconv_t descriptor;
+};
+
+std::string_view BytesOf(std::wstring_view text) {
+    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
+}
+
+class eIconvCodePage : public eCodePage {
+public:
+    explicit eIconvCodePage(const std::string& name) : widener(kWide, name.c_str()), narrower(name.c_str(), kWide) {}
+
+    bool IsOpen() const { return widener.IsOpen() && narrower.IsOpen(); }
+
+    bool Widen(std::string_view text, std::wstring* out) override {
+        std::string bytes;
+        if (!widener.Convert(text, &bytes))
+            return false;
+        const std::size_t size = out->size();
+        out->resize(size + bytes.size() / sizeof(wchar_t));
+        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(out->data() + size));
+        return true;
+    }
+
+    bool Narrow(std::wstring_view text, std::string* out) override {
+        std::string bytes;
+        if (!narrower.Convert(BytesOf(text), &bytes))
+            return false;
+        out->append(bytes);
+        return true;
+    }
+
+private:
+    eConverter widener;
+    eConverter narrower;
+};
+
+// The code pages whose converter is not called after their number.
+constexpr std::array kNames = {
+    std::pair{0, "UTF-8"},           std::pair{1, "UTF-8"},           std::pair{2, "MACINTOSH"},
+    std::pair{3, "UTF-8"},           std::pair{10000, "MACINTOSH"},   std::pair{20127, "ASCII"},
+    std::pair{20866, "KOI8-R"},      std::pair{20932, "EUC-JP"},      std::pair{21866, "KOI8-U"},
+    std::pair{50220, "ISO-2022-JP"}, std::pair{50225, "ISO-2022-KR"}, std::pair{51932, "EUC-JP"},
+    std::pair{51936, "EUC-CN"},      std::pair{51949, "EUC-KR"},      std::pair{54936, "GB18030"},
+    std::pair{65000, "UTF-7"}};
+
+std::string NameOf(int number) {
+    const auto known = std::find_if(kNames.begin(), kNames.end(), [number](auto name) { return name.first == number; });
+    if (known != kNames.end())
+        return known->second;
+    if (number > 28590 && number <= 28606)
+        return "ISO-8859-" + std::to_string(number - 28590);
+    return "CP" + std::to_string(number);
+}
+
+} // namespace
+
+std::unique_ptr<eCodePage> OpenCodePage(int number) {
+    auto page = std::make_unique<eIconvCodePage>(NameOf(number));
+    return page->IsOpen() ? std::move(page) : nullptr;
+}
+
+} // namespace platform

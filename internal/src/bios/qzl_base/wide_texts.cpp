@@ -1,0 +1,110 @@
+#include <qzl_base/convert.h>
+
+#include <algorithm>
+
+#include "platform/code_page.h"
+#include "unicode.h"
+#include "windows_1252.h"
+
+namespace {
+
+constexpr int kUtf8 = 65001;
+constexpr int kWindows1252 = 1252;
+constexpr std::size_t kLongestSequence = 4; // bytes of one character in any code page of a system
+
+// Bytes of the character at the beginning of the text, which is appended; 0 when there is none.
+std::size_t WidenFirst(platform::eCodePage& page, std::string_view text, std::wstring* wide) {
+    for (std::size_t size = 1; size <= std::min(text.size(), kLongestSequence); ++size)
+        if (page.Widen(text.substr(0, size), wide))
+            return size;
+    return 0;
+}
+
+std::wstring WidenPiecewise(platform::eCodePage& page, std::string_view text) {
+    std::wstring wide;
+    while (!text.empty()) {
+        const std::size_t size = WidenFirst(page, text, &wide);
+        if (size == 0)
+            wide += static_cast<wchar_t>(unicode::kReplacement);
+        text.remove_prefix(std::max<std::size_t>(size, 1));
+    }
+    return wide;
+}
+
+std::string NarrowPiecewise(platform::eCodePage& page, std::wstring_view text) {
+    std::string narrow;
+    while (!text.empty()) {
+        const std::size_t units = unicode::FirstOf(text).units;
+        if (!page.Narrow(text.substr(0, units), &narrow))
+            narrow += '?';
+        text.remove_prefix(units);
+    }
+    return narrow;
+}
+
+std::wstring WidenAscii(std::string_view text) {
+    std::wstring wide;
+    wide.reserve(text.size());
+    for (const char c : text)
+        wide += static_cast<wchar_t>(static_cast<unsigned char>(c) < 0x80 ? static_cast<unsigned char>(c)
+                                                                          : unicode::kReplacement);
+    return wide;
+}
+
+std::string NarrowAscii(std::wstring_view text) {
+    std::string narrow;
+    while (!text.empty()) {
+        const auto [code, units] = unicode::FirstOf(text);
+        narrow += code < 0x80 ? static_cast<char>(code) : '?';
+        text.remove_prefix(units);
+    }
+    return narrow;
+}
+
+std::wstring WidenBySystem(std::string_view text, int codePage) {
+    const auto page = platform::OpenCodePage(codePage);
+    if (!page)
+        return WidenAscii(text);
+    std::wstring wide;
+    return page->Widen(text, &wide) ? wide : WidenPiecewise(*page, text);
+}
+
+std::string NarrowBySystem(std::wstring_view text, int codePage) {
+    const auto page = platform::OpenCodePage(codePage);
+    if (!page)
+        return NarrowAscii(text);
+    std::string narrow;
+    return page->Narrow(text, &narrow) ? narrow : NarrowPiecewise(*page, text);
+}
+
+} // namespace
+
+std::wstring StringToWideChar(const std::string& text, int codePage) {
+    switch (codePage) {
+    case kUtf8:
+        return unicode::Widen(text);
+    case kWindows1252:
+        return windows_1252::Widen(text);
+    default:
+        return WidenBySystem(text, codePage);
+    }
+}
+
+std::string WideCharToString(const std::wstring& text, int codePage) {
+    switch (codePage) {
+    case kUtf8:
+        return unicode::Narrow(text);
+    case kWindows1252:
+        return windows_1252::Narrow(text);
+    default:
+        return NarrowBySystem(text, codePage);
+    }
+}
+
+std::wstring ToStringW(const std::string& text) {
+    return unicode::Widen(text);
+}
+
+std::string ToString(const std::wstring& text) {
+    return unicode::Narrow(text);
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <utility>
+
+namespace IO::System {
+
+/// A text found out once. Invariant: once `filled` is set, the text is not empty and never changes.
+template <class Char>
+class eCachedText {
+public:
+    /// The text; `ask` is called while it is empty, without a lock held, by several threads at once if they come
+    /// together: the first result that is not empty stays. An empty answer gives a text of its own, which stays empty.
+    template <class Ask>
+    const std::basic_string<Char>& Get(Ask ask) {
+        static const std::basic_string<Char> none;
+        if (!filled.load(std::memory_order_acquire))
+            Keep(ask());
+        return filled.load(std::memory_order_acquire) ? text : none;
+    }
+
+private:
+    void Keep(std::basic_string<Char> answer) {
+        const std::lock_guard lock(filling);
+        if (answer.empty() || !text.empty())
+            return;
+        text = std::move(answer);
+        filled.store(true, std::memory_order_release);
+    }
+
+    std::mutex filling;
+    std::atomic<bool> filled = false;
+    std::basic_string<Char> text;
+};
+
+} // namespace IO::System

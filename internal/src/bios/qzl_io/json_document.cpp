@@ -1,0 +1,60 @@
+#include "json_document.h"
+
+#include "json_text.h"
+
+#include <mutex>
+#include <stdexcept>
+#include <type_traits>
+
+#include <qzl_base/convert.h>
+
+namespace {
+
+// The parser's setting is one for the process: it is put back as soon as a text is parsed, and parsing takes turns.
+class eDocumentOrder {
+public:
+    eDocumentOrder() : turn(Turns()), previous(web::json::details::g_keep_json_object_unsorted) {
+        web::json::keep_object_element_order(true);
+    }
+    ~eDocumentOrder() { web::json::keep_object_element_order(previous); }
+    eDocumentOrder(const eDocumentOrder&) = delete;
+    eDocumentOrder& operator=(const eDocumentOrder&) = delete;
+
+private:
+    static std::mutex& Turns() {
+        static std::mutex turns;
+        return turns;
+    }
+
+    std::lock_guard<std::mutex> turn;
+    bool previous;
+};
+
+void DropByteOrderMark(std::string* text) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (std::string_view(*text).starts_with(mark))
+        text->erase(0, mark.size());
+}
+
+template <class T>
+T ParserText(std::string text) {
+    if constexpr (std::is_same_v<T, std::wstring>)
+        return ToStringW(text);
+    else
+        return json_text::IsUtf8(text) ? std::move(text) : ToString(ToStringW(text));
+}
+
+} // namespace
+
+web::json::value ParseJson(std::string text) {
+    DropByteOrderMark(&text);
+    if (json_text::HasLoneSurrogate(text))
+        throw std::range_error("Json text has an escaped surrogate without its other half.");
+    const utility::string_t parserText = ParserText<utility::string_t>(std::move(text));
+    const eDocumentOrder documentOrder;
+    return web::json::value::parse(parserText);
+}
+
+std::string JsonTextToUtf8(const std::wstring& text) {
+    return ToString(text);
+}

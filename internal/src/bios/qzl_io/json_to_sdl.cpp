@@ -1,0 +1,214 @@
+#include <qzl_io/sdl/json_to_sdl.h>
+
+#include <exception>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <qzl_base/error.h>
+#include <qzl_base/format.h>
+#include <qzl_base/stack_entry.h>
+#include <qzl_io/sdl/parser.h>
+#include <qzl_io/sdl/writer.h>
+#include <qzl_io/streams.h>
+
+#include "json_document.h"
+
+namespace {
+
+constexpr const char* sourceFile = "internal/src/bios/qzl_io/json_to_sdl";
+
+constexpr int numberLine = 20;
+constexpr int valueTypeLine = 40;
+constexpr int readingLine = 60;
+constexpr int walkingLine = 80;
+constexpr int writingLine = 100;
+
+constexpr int noKeyword = -1;
+
+using web::json::value;
+
+// The member or element that a walk is in; the steps from the root to it are a list.
+class eJsonStep {
+public:
+    eJsonStep(const eJsonStep** current, const utility::string_t* memberName, std::size_t elementIndex)
+        : place(*current), outer(*current), name(memberName), index(elementIndex) {
+        place = this;
+    }
+    ~eJsonStep() { place = outer; }
+    eJsonStep(const eJsonStep&) = delete;
+    eJsonStep& operator=(const eJsonStep&) = delete;
+
+    // As in "/items/3/name".
+    std::string Path() const {
+        const std::string last = name ? JsonTextToUtf8(*name) : std::to_string(index);
+        return (outer ? outer->Path() : std::string()) + '/' + last;
+    }
+
+private:
+    const eJsonStep*& place;
+    const eJsonStep* outer;
+    const utility::string_t* name; // null for an element
+    std::size_t index;
+};
+
+// Names a file, and the place in it where the walk is, to the reports that are made meanwhile.
+class eFileAtWork : public xDebug::eStackEntry {
+public:
+    explicit eFileAtWork(const eFileName& path) : name(path.str()) {}
+    ~eFileAtWork() override { LeaveStack(); }
+    eFileAtWork(const eFileAtWork&) = delete;
+    eFileAtWork& operator=(const eFileAtWork&) = delete;
+
+    std::string DSE_Title() const override { return '"' + name + '"'; }
+    std::string DSE_Brief() const override { return place ? ", " + place->Path() : std::string(); }
+
+    const eJsonStep* place = nullptr;
+
+private:
+    std::string name;
+};
+
+// --- Files ---
+
+std::unique_ptr<IO::eStream> OpenFile(const eFileName& path, int mode) {
+    std::unique_ptr<IO::eStream> stream(IO::GetStream(path, mode));
+    if (!stream || !stream->IsOpen())
+        throw std::runtime_error((format("%1% - open error!") % path).str());
+    return stream;
+}
+
+std::string ReadFile(const eFileName& path) {
+    const std::unique_ptr<IO::eStream> stream = OpenFile(path, IO::StreamMode::Read);
+    std::string text(stream->Size() - stream->Position(), '\0');
+    stream->Read(text.data(), text.size());
+    if (stream->Enabled(IO::StreamMode::Bad))
+        throw std::runtime_error((format("%1% - read error!") % path).str());
+    return text;
+}
+
+void WriteFile(const eFileName& path, eSDLWriter::eWriteStream& text) {
+    const std::unique_ptr<IO::eStream> stream = OpenFile(path, IO::StreamMode::Write | IO::StreamMode::Create);
+    text.Flush(stream.get(), nullptr);
+    stream->Flush();
+    if (stream->Enabled(IO::StreamMode::Bad))
+        throw std::runtime_error((format("%1% - write error!") % path).str());
+}
+
+// --- The walk ---
+
+class eJsonWalk {
+public:
+    eJsonWalk(eSDLWriter* target, const eJsonStep** currentPlace) : writer(*target), place(currentPlace) {}
+
+    void WriteJsonValue(const value& json);
+
+private:
+    static bool IsContainer(const value& json) { return json.is_object() || json.is_array(); }
+
+    void WriteJsonNumber(const web::json::number& number);
+    void WriteJsonObject(const web::json::object& object);
+    void WriteJsonArray(const web::json::array& array);
+
+    eSDLWriter& writer;
+    const eJsonStep** place;
+};
+
+void eJsonWalk::WriteJsonNumber(const web::json::number& number) {
+    if (number.is_int32()) {
+        writer << number.to_int32();
+    } else if (number.is_uint32()) {
+        writer << number.to_uint32();
+    } else if (!number.is_integral()) {
+        writer << static_cast<float>(number.to_double());
+    } else {
+        xError::Warning(sourceFile, numberLine, "Json number not parsed correctly.", 0);
+        writer << 0;
+    }
+}
+
+void eJsonWalk::WriteJsonObject(const web::json::object& object) {
+    for (const auto& [name, member] : object) {
+        const eJsonStep step(place, &name, 0);
+        writer.Stream().WriteControl(sdlBlockStart);
+        writer.Stream().WriteIdent(JsonTextToUtf8(name).c_str(), noKeyword);
+        if (IsContainer(member)) {
+            writer << endl;
+            WriteJsonValue(member);
+            writer << endl;
+        } else {
+            WriteJsonValue(member);
+        }
+        writer << endb << endl;
+    }
+}
+
+void eJsonWalk::WriteJsonArray(const web::json::array& array) {
+    std::size_t index = 0;
+    for (const value& element : array) {
+        const eJsonStep step(place, nullptr, index++);
+        if (IsContainer(element)) {
+            writer.Stream().WriteControl(sdlBlockStart);
+            writer << endl;
+            WriteJsonValue(element);
+            writer << endl << endb << endl;
+        } else {
+            WriteJsonValue(element);
+            writer << endl;
+        }
+    }
+}
+
+void eJsonWalk::WriteJsonValue(const value& json) {
+    switch (json.type()) {
+    case value::Number:
+        WriteJsonNumber(json.as_number());
+        return;
+    case value::Boolean:
+        writer << json.as_bool();
+        return;
+    case value::String:
+        writer << JsonTextToUtf8(json.as_string());
+        return;
+    case value::Object:
+        WriteJsonObject(json.as_object());
+        return;
+    case value::Array:
+        WriteJsonArray(json.as_array());
+        return;
+    case value::Null:
+        return;
+    }
+    xError::Fatal(sourceFile, valueTypeLine, "Json parsing failed due to unknown json value type.");
+}
+
+// Runs one step of a conversion; what it throws becomes one warning and false.
+template <class eStep>
+bool Succeeds(int line, const eStep& step) {
+    try {
+        step();
+        return true;
+    } catch (const std::exception& failure) {
+        xError::Warning(sourceFile, line, failure.what(), 0);
+    } catch (...) {
+        xError::Warning(sourceFile, line, "Json conversion failed.", 0);
+    }
+    return false;
+}
+
+} // namespace
+
+bool JsonToSdl(const eFileName& input, const eFileName& output) {
+    eFileAtWork reading(input);
+    value json;
+    if (!Succeeds(readingLine, [&] { json = ParseJson(ReadFile(input)); }))
+        return false;
+    // Without a target: the output is opened when its text is complete, so that a failure on the way leaves it alone.
+    eSDLWriter writer;
+    writer.Open(static_cast<IO::eStream*>(nullptr));
+    if (!Succeeds(walkingLine, [&] { eJsonWalk(&writer, &reading.place).WriteJsonValue(json); }))
+        return false;
+    const eFileAtWork writing(output);
+    return Succeeds(writingLine, [&] { WriteFile(output, writer.Stream()); });
+}

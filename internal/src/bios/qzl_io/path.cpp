@@ -1,0 +1,153 @@
+#include <qzl_io/system/path.h>
+
+#include <qzl_io/system/file.h>
+#include <qzl_io/system/search.h>
+
+#include "path_text.h"
+#include "platform/files.h"
+#include "platform/folder.h"
+#include "platform/machine.h"
+#include "tree.h"
+
+namespace IO::System {
+
+namespace {
+
+using Platform::eNamedLink;
+using Platform::OpenFolder;
+
+/// Names of 2-byte characters belong to the system that has drives.
+constexpr eNameRoot nameRoot = sizeof(wchar_t) == 2 ? eNameRoot::Drive : eNameRoot::Slash;
+
+template <class Name>
+bool NamesNothing(const Name& folder) {
+    return *folder.c_str() == 0;
+}
+
+template <class Char>
+bool CreateFolder(const std::basic_string<Char>& folder) {
+    if (folder.empty() || Platform::MayAccess(folder.c_str(), File::Exist))
+        return true;
+    const auto makeFolder = [](const std::basic_string<Char>& part) {
+        return Platform::MakeFolder(part.c_str()) != Platform::eMadeFolder::Refused;
+    };
+    return MakeParts(folder, FirstPart(std::basic_string_view<Char>(folder), nameRoot), makeFolder);
+}
+
+template <class Name>
+void DeleteFolder(const Name& folder, bool recursive) {
+    if (NamesNothing(folder))
+        return;
+    const Name path = Name(folder).GetPath();
+    if (recursive)
+        if (const auto opened = OpenFolder(path.c_str(), eNamedLink::Refuse))
+            DeleteContents(*opened);
+    if (!Platform::RemoveFolder(path.c_str()))
+        Platform::RemoveFolderLink(path.c_str());
+}
+
+template <class Name>
+void CopyFolder(const Name& from, const Name& to) {
+    if (NamesNothing(from) || NamesNothing(to))
+        return;
+    const Name source = Name(from).GetPath();
+    const Name target = Name(to).GetPath();
+    DeleteFolder(target, true);
+    CreateFolder(target.str());
+    const auto openedSource = OpenFolder(source.c_str(), eNamedLink::Follow);
+    const auto openedTarget = OpenFolder(target.c_str(), eNamedLink::Refuse);
+    if (openedSource && openedTarget)
+        CopyContents(*openedSource, *openedTarget);
+}
+
+template <class Search, class Name, class Char>
+void PurgeFolder(const Name& folder, const Char* mask) {
+    const Name prefix(folder);
+    for (Search search(prefix, mask); search.Valid(); search.Next()) {
+        if (!search.IsSubfolder() || search.IsLink())
+            continue;
+        // Joined as text: on Linux a listed name may hold a back slash, which a name value would turn.
+        const auto subfolder = prefix.str() + search.Name() + Char('/');
+        if (const auto opened = OpenFolder(subfolder.c_str(), eNamedLink::Refuse))
+            PurgeContents(*opened);
+        Platform::RemoveFolder(subfolder.c_str());
+    }
+}
+
+template <class Char>
+void Assign(std::basic_string<Char>* target, std::basic_string_view<Char> part, bool fits) {
+    if (target)
+        *target = fits ? part : std::basic_string_view<Char>();
+}
+
+template <class Char>
+std::basic_string<Char> CutPath(const std::basic_string<Char>& path, std::basic_string<Char>* drive,
+                                std::basic_string<Char>* dir, std::basic_string<Char>* name,
+                                std::basic_string<Char>* ext) {
+    const std::basic_string<Char> text = path;
+    if (text.empty())
+        return text;
+    const ePathParts<Char> parts(text);
+    const bool fits = parts.FitRoom();
+    Assign(drive, parts.drive, fits);
+    Assign(dir, parts.dir, fits);
+    Assign(name, parts.name, fits);
+    Assign(ext, parts.ext, fits);
+    return text;
+}
+
+} // namespace
+
+namespace Path {
+
+bool Create(const eFileName& folder) {
+    return CreateFolder(eFileName(folder).str());
+}
+void Copy(const eFileName& from, const eFileName& to) {
+    CopyFolder(from, to);
+}
+void Delete(const eFileName& folder, bool recursive) {
+    DeleteFolder(folder, recursive);
+}
+void PurgeEmpty(const eFileName& folder) {
+    PurgeFolder<eSearch>(folder, "*.*");
+}
+
+std::string SplitPath(const std::string& path, std::string* drive, std::string* dir, std::string* name,
+                      std::string* ext) {
+    return CutPath(path, drive, dir, name, ext);
+}
+
+std::string WorkingDir() {
+    return FolderOf(Platform::ExecutableName<char>());
+}
+
+} // namespace Path
+
+namespace PathW {
+
+bool Create(const eFileNameW& folder) {
+    return CreateFolder(eFileNameW(folder).str());
+}
+void Copy(const eFileNameW& from, const eFileNameW& to) {
+    CopyFolder(from, to);
+}
+void Delete(const eFileNameW& folder, bool recursive) {
+    DeleteFolder(folder, recursive);
+}
+void PurgeEmpty(const eFileNameW& folder) {
+    PurgeFolder<eSearchW>(folder, L"*.*");
+}
+
+std::wstring SplitPath(const std::wstring& path, std::wstring* drive, std::wstring* dir, std::wstring* name,
+                       std::wstring* ext) {
+    return CutPath(path, drive, dir, name, ext);
+}
+
+std::wstring WorkingDir() {
+    return FolderOf(Platform::ExecutableName<wchar_t>());
+}
+
+} // namespace PathW
+
+} // namespace IO::System

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// What path operations decide from texts alone.
+namespace IO::System {
+
+/// The parts of a path; put together in this order they are the path again.
+template <class Char>
+struct ePathParts {
+    static constexpr std::size_t driveRoom = 2; ///< in characters, as for the others
+    static constexpr std::size_t partRoom = 255;
+
+    std::basic_string_view<Char> drive; ///< "c:", any character before the colon
+    std::basic_string_view<Char> dir;   ///< up to and with the last slash of either kind
+    std::basic_string_view<Char> name;
+    std::basic_string_view<Char> ext; ///< from the last dot after that slash
+
+    explicit constexpr ePathParts(std::basic_string_view<Char> path) {
+        constexpr Char slashes[] = {Char('/'), Char('\\'), Char()};
+        const std::size_t driveEnd = path.size() >= driveRoom && path[1] == Char(':') ? driveRoom : 0;
+        drive = path.substr(0, driveEnd);
+        path.remove_prefix(driveEnd);
+        const std::size_t dirEnd = path.find_last_of(slashes) + 1;
+        dir = path.substr(0, dirEnd);
+        path.remove_prefix(dirEnd);
+        const std::size_t dot = path.rfind(Char('.'));
+        name = path.substr(0, dot);
+        ext = path.substr(name.size());
+    }
+
+    constexpr bool FitRoom() const {
+        return dir.size() <= partRoom && name.size() <= partRoom && ext.size() <= partRoom;
+    }
+};
+
+/// How a system's names begin: with a drive's letter, or with a "/" alone.
+enum class eNameRoot { Drive, Slash };
+
+/// Where the walk over the parts of a folder's name begins, so that the first part is not the root.
+///
+/// | name     | with drives | with slashes |
+/// |----------|-------------|--------------|
+/// | "c:/a/b" | 3           | 0            |
+/// | "a/b"    | 0           | 0            |
+/// | "/a/b"   | 0           | 1            |
+template <class Char>
+constexpr std::size_t FirstPart(std::basic_string_view<Char> folder, eNameRoot root) {
+    if (root == eNameRoot::Slash)
+        return folder.starts_with(Char('/')) ? 1 : 0;
+    const std::size_t colon = folder.find(Char(':'));
+    return colon == folder.npos ? 0 : colon + 2;
+}
+
+/// Calls makeFolder with every prefix of the name that ends before a "/", from `first` on, and with the whole name at
+/// last. False as soon as one call gives false.
+template <class Char, class MakeFolder>
+bool MakeParts(const std::basic_string<Char>& folder, std::size_t first, MakeFolder makeFolder) {
+    for (std::size_t at = first;;) {
+        const std::size_t slash = folder.find(Char('/'), at);
+        if (!makeFolder(folder.substr(0, slash)))
+            return false;
+        if (slash == folder.npos)
+            return true;
+        at = slash + 1;
+    }
+}
+
+/// The folder of an executable's full name, with forward slashes and a trailing "/". Empty for a name of more than 519
+/// characters, and for a folder of more than 255.
+template <class Char>
+std::basic_string<Char> FolderOf(std::basic_string<Char> executable) {
+    constexpr std::size_t nameRoom = 519;
+    for (Char& letter : executable)
+        if (letter == Char('\\'))
+            letter = Char('/');
+    const ePathParts<Char> parts(executable);
+    if (executable.size() > nameRoom || parts.dir.size() > parts.partRoom)
+        return {};
+    return executable.substr(0, parts.drive.size() + parts.dir.size());
+}
+
+} // namespace IO::System

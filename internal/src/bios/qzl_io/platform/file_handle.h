@@ -1,0 +1,29 @@
+#pragma once
+
+// Files by handle, as a stream needs them. Sizes and positions are in bytes; reads and writes of any size survive
+// interruption and short counts.
+namespace IO::Platform {
+
+// A handle of the C run-time for the file, or -1 when it cannot be opened or is a folder. The flags are the ones of the
+// run-time's binary mode: 0x8000 reads; 0x8102 reads and writes, and creates what is missing; 0x8302 also cuts to
+// length 0. Others may open the file meanwhile. Wide names are UTF-8 where names are bytes.
+int OpenFile(const char* name, int openFlags) noexcept;
+int OpenFile(const wchar_t* name, int openFlags);
+
+// Never repeated: the handle is gone even when the system reports a failure.
+void CloseFile(int handle) noexcept;
+
+// Reads up to n bytes from a position on. Gives the number read; fewer than n at the end of the file or on a failure.
+unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept;
+
+// Writes n bytes from a position on, and makes the file longer where it ends before. False when the system refused some
+// of them; those before are then written. What has no positions (a terminal, a pipe) gets the bytes in order.
+bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept;
+
+// 0 when the system does not tell.
+unsigned long long FileLength(int handle) noexcept;
+
+// Cuts the file, or makes it longer with zeros. False when the system refused.
+bool SetFileLength(int handle, unsigned long long length) noexcept;
+
+} // namespace IO::Platform

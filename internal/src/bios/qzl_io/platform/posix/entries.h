@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include <dirent.h>
+
+namespace IO::Platform {
+
+/// Reads a folder's entries straight from the system, "." and ".." included.
+class eEntryReader {
+public:
+    /// The next entry, valid until the next call; null at the end, and when the folder can no longer be read.
+    const dirent64* Next(int folder);
+
+private:
+    static constexpr std::size_t bufferSize = std::size_t{32} << 10;
+
+    std::unique_ptr<std::byte[]> buffer;
+    std::size_t position = 0;
+    std::size_t end = 0;
+};
+
+bool IsDots(const char* name);
+
+} // namespace IO::Platform

@@ -1,0 +1,70 @@
+#include "../files.h"
+
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "descriptor.h"
+#include "file_copy.h"
+#include "native_name.h"
+
+namespace IO::Platform {
+
+namespace {
+
+template <class Char>
+void CopyNamed(const Char* from, const Char* to, const bool* cancel) {
+    const eNativeName source(from), target(to);
+    CopyRegularFile({AT_FDCWD, source.c_str()}, {AT_FDCWD, target.c_str()}, eCopyLinks::Follow, cancel);
+}
+
+} // namespace
+
+template <class Char>
+bool MayAccess(const Char* name, int mode) {
+    return ::faccessat(AT_FDCWD, eNativeName(name).c_str(), mode, AT_EACCESS) == 0;
+}
+
+template <class Char>
+void CopyWhole(const Char* from, const Char* to) {
+    CopyNamed(from, to, nullptr);
+}
+
+template <class Char>
+void CopyStoppable(const Char* from, const Char* to, const bool* cancel) {
+    CopyNamed(from, to, cancel);
+}
+
+template <class Char>
+bool EraseFile(const Char* name) {
+    return ::unlink(eNativeName(name).c_str()) == 0;
+}
+
+bool RenameFile(const char* from, const char* to) {
+    return std::rename(from, to) == 0;
+}
+
+/// Asks without opening: opening a device or a pipe has effects of its own.
+template <class Char>
+unsigned long long FileSize(const Char* name) {
+    struct stat status {};
+    const eNativeName native(name);
+    if (::stat(native.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || !MayAccess(native.c_str(), R_OK))
+        return 0;
+    return static_cast<unsigned long long>(status.st_size);
+}
+
+template bool MayAccess(const char*, int);
+template bool MayAccess(const wchar_t*, int);
+template void CopyWhole(const char*, const char*);
+template void CopyWhole(const wchar_t*, const wchar_t*);
+template void CopyStoppable(const char*, const char*, const bool*);
+template void CopyStoppable(const wchar_t*, const wchar_t*, const bool*);
+template bool EraseFile(const char*);
+template bool EraseFile(const wchar_t*);
+template unsigned long long FileSize(const char*);
+template unsigned long long FileSize(const wchar_t*);
+
+} // namespace IO::Platform

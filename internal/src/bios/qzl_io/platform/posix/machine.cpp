@@ -1,0 +1,80 @@
+#include "../machine.h"
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <string_view>
+#include <vector>
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include "descriptor.h"
+#include "native_name.h"
+
+namespace IO::Platform {
+
+namespace {
+
+std::string HostName() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data()) : std::string();
+}
+
+std::string EffectiveUser() {
+    constexpr std::size_t mostBytes = std::size_t{1} << 20;
+    std::vector<char> room(1024);
+    passwd record{};
+    passwd* found = nullptr;
+    int failure = ERANGE;
+    while (failure == EINTR || (failure == ERANGE && room.size() <= mostBytes)) {
+        if (failure == ERANGE)
+            room.resize(room.size() * 2);
+        failure = ::getpwuid_r(::geteuid(), &record, room.data(), room.size(), &found);
+    }
+    return failure == 0 && found && found->pw_name ? std::string(found->pw_name) : std::string();
+}
+
+std::string ExecutableBytes() {
+    std::vector<char> name(PATH_MAX);
+    const ssize_t length = ::readlink("/proc/self/exe", name.data(), name.size());
+    return length > 0 ? std::string(name.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+} // namespace
+
+template <class Char>
+std::basic_string<Char> ComputerName() {
+    return NameText<Char>(HostName());
+}
+
+template <class Char>
+std::basic_string<Char> AccountName() {
+    return NameText<Char>(EffectiveUser());
+}
+
+template <class Char>
+std::basic_string<Char> ExecutableName() {
+    return NameText<Char>(ExecutableBytes());
+}
+
+/// No such thing here.
+template <class Char>
+eProductIdQuery OpenProductId() {
+    return {};
+}
+
+eSystemVersion SystemVersion() {
+    return {};
+}
+
+template std::string ComputerName<char>();
+template std::wstring ComputerName<wchar_t>();
+template std::string AccountName<char>();
+template std::wstring AccountName<wchar_t>();
+template std::string ExecutableName<char>();
+template std::wstring ExecutableName<wchar_t>();
+template eProductIdQuery OpenProductId<char>();
+template eProductIdQuery OpenProductId<wchar_t>();
+
+} // namespace IO::Platform

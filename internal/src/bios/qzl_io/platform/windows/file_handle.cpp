@@ -1,0 +1,76 @@
+#include "platform/file_handle.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <io.h>
+#include <share.h>
+#include <sys/stat.h>
+
+namespace IO::Platform {
+namespace {
+
+// The run-time's counts are int: larger requests go in pieces.
+constexpr unsigned long long kLargestPiece = 1u << 30;
+
+unsigned int Piece(unsigned long long n) {
+    return static_cast<unsigned int>(std::min(n, kLargestPiece));
+}
+
+bool MoveTo(int handle, unsigned long long position) {
+    return _lseeki64(handle, static_cast<long long>(position), SEEK_SET) >= 0 || _isatty(handle) != 0;
+}
+
+} // namespace
+
+int OpenFile(const char* name, int openFlags) noexcept {
+    int handle = -1;
+    return _sopen_s(&handle, name, openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0 ? handle : -1;
+}
+
+int OpenFile(const wchar_t* name, int openFlags) {
+    int handle = -1;
+    return _wsopen_s(&handle, name, openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0 ? handle : -1;
+}
+
+void CloseFile(int handle) noexcept {
+    _close(handle);
+}
+
+unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept {
+    unsigned long long done = 0;
+    if (!MoveTo(handle, position))
+        return 0;
+    while (done < n) {
+        const int read = _read(handle, static_cast<char*>(target) + done, Piece(n - done));
+        if (read <= 0)
+            break;
+        done += static_cast<unsigned long long>(read);
+    }
+    return done;
+}
+
+bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept {
+    unsigned long long done = 0;
+    if (!MoveTo(handle, position))
+        return false;
+    while (done < n) {
+        const int written = _write(handle, static_cast<const char*>(source) + done, Piece(n - done));
+        if (written <= 0)
+            return false;
+        done += static_cast<unsigned long long>(written);
+    }
+    return true;
+}
+
+unsigned long long FileLength(int handle) noexcept {
+    const long long length = _filelengthi64(handle);
+    return length > 0 ? static_cast<unsigned long long>(length) : 0;
+}
+
+bool SetFileLength(int handle, unsigned long long length) noexcept {
+    return _chsize_s(handle, static_cast<long long>(length)) == 0;
+}
+
+} // namespace IO::Platform

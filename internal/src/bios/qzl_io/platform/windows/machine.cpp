@@ -1,0 +1,111 @@
+#include "../machine.h"
+
+#include <array>
+#include <memory>
+
+#include "service_calls.h"
+
+namespace IO::Platform {
+
+namespace {
+
+constexpr DWORD computerNameRoom = 16;
+constexpr DWORD userNameRoom = 257;
+constexpr DWORD moduleNameRoom = 520;
+
+/// The longest name that fits is one character shorter than the room.
+template <class Char, DWORD Room>
+std::basic_string<Char> AskName(BOOL (*ask)(Char*, DWORD*)) {
+    std::array<Char, Room> name{};
+    DWORD size = Room;
+    return ask(name.data(), &size) ? std::basic_string<Char>(name.data()) : std::basic_string<Char>();
+}
+
+const char* ProductKey(char) {
+    return "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
+}
+const wchar_t* ProductKey(wchar_t) {
+    return L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
+}
+const char* ProductValue(char) {
+    return "Productid";
+}
+const wchar_t* ProductValue(wchar_t) {
+    return L"Productid";
+}
+
+eQueryEnd EndOf(LSTATUS status) {
+    if (status == ERROR_SUCCESS)
+        return eQueryEnd::Done;
+    return status == ERROR_MORE_DATA ? eQueryEnd::MoreData : eQueryEnd::Failed;
+}
+
+bool IsServer() {
+    OSVERSIONINFOEXW wanted{};
+    wanted.dwOSVersionInfoSize = sizeof(wanted);
+    static_assert(sizeof(wanted) == 284);
+    wanted.wProductType = VER_NT_WORKSTATION;
+    const ULONGLONG equal = ::VerSetConditionMask(0, VER_PRODUCT_TYPE, VER_EQUAL);
+    return !::VerifyVersionInfoW(&wanted, VER_PRODUCT_TYPE, equal);
+}
+
+/// Untouched when the system has no such call.
+OSVERSIONINFOEXW RunningVersion() {
+    using eGetVersion = LONG(WINAPI*)(OSVERSIONINFOEXW*);
+    OSVERSIONINFOEXW version{};
+    version.dwOSVersionInfoSize = sizeof(version);
+    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+    const FARPROC found = ntdll ? ::GetProcAddress(ntdll, "RtlGetVersion") : nullptr;
+    if (found)
+        reinterpret_cast<eGetVersion>(reinterpret_cast<void*>(found))(&version);
+    return version;
+}
+
+} // namespace
+
+template <class Char>
+std::basic_string<Char> ComputerName() {
+    return AskName<Char, computerNameRoom>(&Calls::ComputerName);
+}
+
+template <class Char>
+std::basic_string<Char> AccountName() {
+    return AskName<Char, userNameRoom>(&Calls::UserName);
+}
+
+template <class Char>
+std::basic_string<Char> ExecutableName() {
+    std::array<Char, moduleNameRoom> name{};
+    const DWORD length = Calls::ModuleName(name.data(), moduleNameRoom);
+    return {name.data(), length};
+}
+
+template <class Char>
+eProductIdQuery OpenProductId() {
+    HKEY key = nullptr;
+    if (Calls::OpenKey(HKEY_LOCAL_MACHINE, ProductKey(Char()), KEY_QUERY_VALUE, &key) != ERROR_SUCCESS)
+        return {};
+    const std::shared_ptr<HKEY__> owner(key, &::RegCloseKey);
+    return [owner](void* buffer, unsigned int* bytes) {
+        DWORD size = *bytes;
+        const LSTATUS status = Calls::QueryValue(owner.get(), ProductValue(Char()), buffer, &size);
+        *bytes = size;
+        return EndOf(status);
+    };
+}
+
+eSystemVersion SystemVersion() {
+    const OSVERSIONINFOEXW version = RunningVersion();
+    return {version.dwMajorVersion, version.dwMinorVersion, IsServer()};
+}
+
+template std::string ComputerName<char>();
+template std::wstring ComputerName<wchar_t>();
+template std::string AccountName<char>();
+template std::wstring AccountName<wchar_t>();
+template std::string ExecutableName<char>();
+template std::wstring ExecutableName<wchar_t>();
+template eProductIdQuery OpenProductId<char>();
+template eProductIdQuery OpenProductId<wchar_t>();
+
+} // namespace IO::Platform

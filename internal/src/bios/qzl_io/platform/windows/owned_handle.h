@@ -1,0 +1,39 @@
+#pragma once
+
+#include <utility>
+
+#include <windows.h>
+
+namespace IO::Platform {
+
+/// Owns a handle that one call gives back; INVALID_HANDLE_VALUE is none.
+template <BOOL(WINAPI* Release)(HANDLE)>
+class eHandleOf {
+public:
+    explicit eHandleOf(HANDLE opened = INVALID_HANDLE_VALUE) : handle(opened) {}
+    eHandleOf(eHandleOf&& other) noexcept : handle(std::exchange(other.handle, INVALID_HANDLE_VALUE)) {}
+    eHandleOf& operator=(eHandleOf&& other) noexcept {
+        if (this != &other) {
+            Close();
+            handle = std::exchange(other.handle, INVALID_HANDLE_VALUE);
+        }
+        return *this;
+    }
+    ~eHandleOf() { Close(); }
+
+    bool IsOpen() const { return handle != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const { return handle; }
+
+    void Close() {
+        if (IsOpen())
+            Release(std::exchange(handle, INVALID_HANDLE_VALUE));
+    }
+
+private:
+    HANDLE handle;
+};
+
+using eOpenHandle = eHandleOf<&CloseHandle>;
+using eFindHandle = eHandleOf<&FindClose>;
+
+} // namespace IO::Platform

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <emmintrin.h>
+
+// Short texts copied in whole words that overlap, without a call and without a loop.
+namespace xSDL {
+
+template <class T>
+T LoadWord(const char* from) {
+    T word;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+template <class T>
+void StoreWord(char* to, T word) {
+    std::memcpy(to, &word, sizeof word);
+}
+
+// The first and the last bytes of a text, which overlap where it is shorter than two words.
+template <class T>
+struct eEnds {
+    eEnds(const char* text, std::size_t size) : first(LoadWord<T>(text)), last(LoadWord<T>(text + size - sizeof(T))) {}
+
+    void Store(char* to, std::size_t size) const {
+        StoreWord(to, first);
+        StoreWord(to + size - sizeof(T), last);
+    }
+
+    T first;
+    T last;
+};
+
+template <class T>
+void CopyEnds(char* to, const char* from, std::size_t size) {
+    eEnds<T>(from, size).Store(to, size);
+}
+
+// Copies the text and returns the end of the copy.
+inline char* CopyText(char* to, const char* from, std::size_t size) {
+    if (size > 16)
+        std::memcpy(to, from, size);
+    else if (size >= 8)
+        CopyEnds<std::uint64_t>(to, from, size);
+    else if (size >= 4)
+        CopyEnds<std::uint32_t>(to, from, size);
+    else if (size >= 2)
+        CopyEnds<std::uint16_t>(to, from, size);
+    else if (size == 1)
+        *to = *from;
+    return to + size;
+}
+
+// Whether any of the bytes needs an escape sequence in a quoted string: a control character, a quote or a back slash.
+inline bool AnyEscaped(__m128i bytes) {
+    const auto is = [bytes](int byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(static_cast<char>(byte))); };
+    const __m128i control = _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(0x1F)), bytes);
+    const __m128i other = _mm_or_si128(_mm_or_si128(is('"'), is('\\')), is(0x7F));
+    return _mm_movemask_epi8(_mm_or_si128(control, other)) != 0;
+}
+
+inline bool AnyEscaped(std::uint64_t first, std::uint64_t last) {
+    return AnyEscaped(_mm_set_epi64x(static_cast<long long>(last), static_cast<long long>(first)));
+}
+
+inline bool CopyBlocks(char* to, const char* from, std::size_t size) {
+    constexpr std::size_t block = sizeof(__m128i);
+    for (std::size_t at = 0; at + block < size; at += block) {
+        const auto bytes = LoadWord<__m128i>(from + at);
+        if (AnyEscaped(bytes))
+            return false;
+        StoreWord(to + at, bytes);
+    }
+    const auto bytes = LoadWord<__m128i>(from + size - block);
+    StoreWord(to + size - block, bytes);
+    return !AnyEscaped(bytes);
+}
+
+inline bool CopyFew(char* to, const char* from, std::size_t size) {
+    constexpr std::uint64_t blanks = 0x2020202020202020;
+    if (size == 0)
+        return true;
+    const auto middle = static_cast<unsigned char>(from[size / 2]);
+    const auto first = static_cast<unsigned char>(from[0]);
+    const auto last = static_cast<unsigned char>(from[size - 1]);
+    to[0] = from[0];
+    to[size / 2] = from[size / 2];
+    to[size - 1] = from[size - 1];
+    return !AnyEscaped((blanks << 24) | (std::uint64_t{first} << 16) | (std::uint64_t{middle} << 8) | last, blanks);
+}
+
+// Copies the text when all of it can stand in a quoted string as it is. Otherwise false, and the copy is worth nothing.
+inline bool CopyPlain(char* to, const char* from, std::size_t size) {
+    if (size >= 16)
+        return CopyBlocks(to, from, size);
+    if (size >= 8) {
+        const eEnds<std::uint64_t> ends(from, size);
+        ends.Store(to, size);
+        return !AnyEscaped(ends.first, ends.last);
+    }
+    if (size >= 4) {
+        const eEnds<std::uint32_t> ends(from, size);
+        ends.Store(to, size);
+        const std::uint64_t both = std::uint64_t{ends.first} << 32 | ends.last;
+        return !AnyEscaped(both, both);
+    }
+    return CopyFew(to, from, size);
+}
+
+} // namespace xSDL

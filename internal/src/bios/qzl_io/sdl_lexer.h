@@ -1,0 +1,151 @@
+#pragma once
+
+#include <cstddef>
+
+#include "sdl_automaton.h"
+#include "sdl_scan.h"
+
+// The lexer at work: the automaton of sdl_automaton.h, taken in runs. The first character decides by the automaton's
+// own row for "between tokens"; what follows it is passed many characters at a time.
+namespace xSDL {
+
+inline bool Has(eLexerState state, char c) {
+    return kAutomaton[state][static_cast<unsigned char>(c)].to == state;
+}
+
+inline void SetText(eLexeme* token, const char* begin, const char* end) {
+    token->begin = begin;
+    token->length = static_cast<std::size_t>(end - begin);
+}
+
+// More digits than this do not fit into eLexeme::digits for certain.
+inline constexpr std::ptrdiff_t kExactDigits = 18;
+
+// A number from its first character on, a sign included.
+[[gnu::always_inline]] inline const char* CutNumber(const char* begin, eLexeme* token) {
+    const char* const first = begin + (*begin == '-' || *begin == '+');
+    const char* at = PassDigits(first, &token->digits);
+    const bool takesExponent = *begin != '0' || at - begin > 1;
+    std::ptrdiff_t digits = at - first;
+    token->type = sdlInt;
+    token->exact = true;
+    if (*at == '.') {
+        const char* const fraction = ++at;
+        at = PassDigits(at, &token->digits);
+        token->decimals = static_cast<int>(at - fraction < kExactDigits ? at - fraction : kExactDigits);
+        digits += at - fraction;
+        token->type = sdlFloat;
+    }
+    if ((*at == 'e' || *at == 'E') && (takesExponent || token->type == sdlFloat)) {
+        token->type = sdlFloat;
+        token->exact = false;
+        do
+            ++at;
+        while (Has(stExponent, *at));
+    }
+    token->exact = token->exact && digits <= kExactDigits;
+    SetText(token, begin, at);
+    return at;
+}
+
+inline const char* CutHex(const char* begin, eLexeme* token) {
+    const char* const digits = begin + 2;
+    const char* at = digits;
+    while (Has(stHex, *at))
+        ++at;
+    token->type = sdlHex;
+    SetText(token, begin, at == digits ? begin + 1 : at);
+    return at;
+}
+
+inline const char* CutMark(const char* begin, eLexeme* token) {
+    const char* at = begin;
+    if (*at == '#') {
+        do
+            ++at;
+        while (Has(stMark, *at));
+        SetText(token, begin, at);
+    }
+    token->type = sdlBlockStart;
+    return at;
+}
+
+// A string from behind its opening quote. The token has no type when the text ends in it.
+inline const char* CutString(const char* begin, int* line, eLexeme* token) {
+    const char* at = PassStringBody(begin);
+    while (*at == '\\') {
+        token->escaped = true;
+        ++at;
+        *line += *at == '\n';
+        at = PassStringBody(at + (*at != 0));
+    }
+    if (*at == 0)
+        return at;
+    SetText(token, begin, at);
+    token->type = *at == '"' ? sdlString : sdlError;
+    return at + (*at == '"');
+}
+
+inline const char* PassBlank(const char* at, int* line) {
+    if (!Has(stBetween, *at))
+        return at;
+    *line += *at == '\n';
+    ++at;
+    return Has(stBetween, *at) ? PassBlanks(at, line) : at;
+}
+
+// What needs no more than its first character: brackets, operators, errors, and the end of the text, which has no type.
+inline const char* CutSingle(const char* at, const eStep& step, eLexeme* token) {
+    if (*at == 0)
+        return at;
+    token->type = step.type;
+    if (step.action == eAction::Keep)
+        SetText(token, at, at + 1);
+    return at + (step.action != eAction::Stay);
+}
+
+inline const char* CutSigned(const char* at, eLexeme* token) {
+    if (Has(stInteger, at[1]))
+        return CutNumber(at, token);
+    token->type = sdlOperator;
+    SetText(token, at, at + 1);
+    return at + 1;
+}
+
+// The token that begins at a character with this step from between tokens.
+[[gnu::always_inline]] inline const char* CutAt(const char* at, const eStep& step, int* line, eLexeme* token) {
+    const char* const begin = at;
+    switch (step.to) {
+    case stIdent:
+        at = PassIdent(at + 1);
+        token->type = sdlIdent;
+        SetText(token, begin, at);
+        return at;
+    case stInteger:
+        return CutNumber(at, token);
+    case stZero:
+        return at[1] == 'x' ? CutHex(at, token) : CutNumber(at, token);
+    case stSign:
+        return CutSigned(at, token);
+    case stString:
+        return CutString(at + 1, line, token);
+    case stBrace:
+        return CutMark(at + 1, token);
+    default:
+        return CutSingle(at, step, token);
+    }
+}
+
+// Does what CutByTable does, and tells more about numbers and strings. The token must be a new one.
+[[gnu::always_inline]] inline bool CutToken(const char** position, int* line, eLexeme* token) {
+    const char* at = PassBlank(*position, line);
+    const eStep* step = &kAutomaton[stBetween][static_cast<unsigned char>(*at)];
+    while (step->to == stComment) {
+        at = PassBlank(PassComment(at + 1), line);
+        step = &kAutomaton[stBetween][static_cast<unsigned char>(*at)];
+    }
+    *position = CutAt(at, *step, line, token);
+    return token->type != sdlNone;
+}
+
+} // namespace xSDL

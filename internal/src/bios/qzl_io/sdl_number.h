@@ -1,0 +1,57 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+#include <qzl_base/convert.h>
+
+// Number texts of SDL tokens, as the lexer has found them to be, to values.
+namespace xSDL {
+
+// The nearest int of a decimal integer that fits into 64 bits.
+inline int NearestInt(unsigned long long digits, bool negative) {
+    constexpr auto kMax = static_cast<unsigned long long>(std::numeric_limits<int>::max());
+    if (digits > kMax)
+        return negative ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+    return negative ? -static_cast<int>(digits) : static_cast<int>(digits);
+}
+
+inline int TextToInt(std::string_view text) {
+    int value = 0;
+    _FromString(&value, text.data(), text.data() + text.size());
+    return value;
+}
+
+inline float TextToFloat(std::string_view text) {
+    float value = 0;
+    _FromString(&value, text.data(), text.data() + text.size());
+    return value;
+}
+
+// The float nearest to digits / 10^decimals where two roundings find it; false where they may not.
+//
+// Both numbers are doubles without error, so the quotient is the nearest double. Rounding that again gives the nearest
+// float unless the quotient lies in the middle between two floats, where the true value may be on either side.
+inline bool DecimalToFloat(unsigned long long digits, int decimals, bool negative, float* value) {
+    static constexpr double kPower[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
+                                        1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
+    constexpr std::uint64_t kBeyondFloat = (1u << 29) - 1;
+    constexpr std::uint64_t kMiddle = 1u << 28;
+    if (digits >= (1ull << 53))
+        return false;
+    const double quotient = static_cast<double>(digits) / kPower[decimals];
+    if ((std::bit_cast<std::uint64_t>(quotient) & kBeyondFloat) == kMiddle)
+        return false;
+    *value = static_cast<float>(negative ? -quotient : quotient);
+    return true;
+}
+
+// Without its fraction, within an int. Values of 2147483648 and more, and NaN, give the smallest int.
+inline int TruncateToInt(float value) {
+    constexpr float kLimit = 2147483648.0f;
+    return value > -kLimit && value < kLimit ? static_cast<int>(value) : std::numeric_limits<int>::min();
+}
+
+} // namespace xSDL

@@ -1,0 +1,334 @@
+#include <qzl_io/sdl/parser.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include <qzl_base/convert.h>
+#include <qzl_base/error.h>
+#include <qzl_base/format.h>
+#include <qzl_io/streams.h>
+
+#include "sdl_lexer.h"
+#include "sdl_number.h"
+
+namespace {
+
+constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_parser";
+
+enum eCheck : int { kOpenRequired = 301, kCloseRequired = 306 };
+
+// The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
+constexpr std::size_t kPiece = 256 * 1024;
+
+constexpr int kContextLines = 5;
+constexpr char kContextMark = '\xAB';
+
+std::string Replaced(const std::string& text, const std::string& pattern, const std::string& value) {
+    std::string result;
+    std::size_t from = 0;
+    for (std::size_t at; (at = text.find(pattern, from)) != std::string::npos; from = at + pattern.size())
+        result.append(text, from, at - from).append(value);
+    return result.append(text, from);
+}
+
+std::size_t RemainingSize(const IO::eStream& stream) {
+    const auto size = stream.Size();
+    const auto position = stream.Position();
+    return size > position ? static_cast<std::size_t>(size - position) : 0;
+}
+
+} // namespace
+
+eSDLCipher::~eSDLCipher() = default;
+
+eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
+                       const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher)
+    : isFile(!parserName.empty()), keywords(&tables), name(parserName), missing(!stream.IsOpen()) {
+    if (const std::size_t size = RemainingSize(stream); cipher)
+        DecodeText(stream, size, *cipher);
+    else
+        ReadText(stream, size);
+    Rewind();
+    ProcessParams(parameters);
+}
+
+eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
+                       const std::map<eStringKey, eStringKey>& parameters)
+    : text(define.text), keywords(&tables), name((format("define '%1%'") % define.name).str()) {
+    EndText();
+    Rewind();
+    ProcessParams(parameters);
+}
+
+eSDLParser::eSDLParser(const eSDLParser& other)
+    : xDebug::eStackEntry(other),
+      current(other.current),
+      previous(other.previous),
+      isFile(other.isFile),
+      text(other.text),
+      keywords(other.keywords),
+      name(other.name),
+      currentText(other.currentText),
+      previousText(other.previousText),
+      watched(other.watched),
+      missing(other.missing),
+      escaped(other.escaped) {
+    const auto moved = [&](const char* at) { return at ? text.data() + (at - other.text.data()) : nullptr; };
+    current.position = moved(other.current.position);
+    previous.position = moved(other.previous.position);
+    for (eTokenText* tokenText : {&currentText, &previousText})
+        tokenText->source = {moved(tokenText->source.data()), tokenText->source.size()};
+}
+
+eSDLParser::~eSDLParser() {
+    LeaveStack();
+}
+
+void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
+    text.reserve(size + xSDL::kTextEnd);
+    for (std::size_t done = 0; done < size;) {
+        const std::size_t piece = std::min(size - done, kPiece);
+        text.resize(done + piece);
+        stream.Read(text.data() + done, piece);
+        done += piece;
+    }
+    EndText();
+}
+
+void eSDLParser::DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher) {
+    const auto encoded = std::make_unique<char[]>(size);
+    stream.Read(encoded.get(), size);
+    text.reserve(size + xSDL::kTextEnd);
+    text.resize(size);
+    text.resize(std::min(cipher.Encode(text.data(), size, encoded.get(), size), size));
+    EndText();
+}
+
+void eSDLParser::EndText() {
+    text.append(xSDL::kTextEnd, '\0');
+}
+
+void eSDLParser::ProcessParams(const std::map<eStringKey, eStringKey>& parameters) {
+    if (parameters.empty())
+        return;
+    text.resize(text.size() - xSDL::kTextEnd);
+    for (const auto& [key, value] : parameters)
+        text = Replaced(text, "%" + key.str(), value.str());
+    EndText();
+    Rewind();
+}
+
+void eSDLParser::Rewind() {
+    current = {};
+    current.position = text.data();
+    currentText = {};
+    previous = {};
+    previousText = {};
+}
+
+void eSDLParser::JumpTo(const char* position) {
+    current.line += xSDL::CountLineFeeds(current.position, position);
+    current.position = position;
+}
+
+bool eSDLParser::Get() {
+    return Cut();
+}
+
+bool eSDLParser::Cut() {
+    Remember();
+    xSDL::eLexeme lexeme;
+    const bool found = xSDL::CutToken(&current.position, &current.line, &lexeme);
+    current.token.type = lexeme.type;
+    if (found) {
+        currentText = {{lexeme.begin, lexeme.length}, eTokenText::Source};
+        escaped = lexeme.escaped;
+        Analyse(lexeme);
+    } else if (previousText.home == eTokenText::Own) {
+        current.token.text = previous.token.text;
+    }
+    if (watched)
+        FilledText();
+    return found;
+}
+
+[[gnu::always_inline]] inline void eSDLParser::Remember() {
+    previous.token.type = current.token.type;
+    previous.token.floatValue = current.token.floatValue;
+    previous.token.intValue = current.token.intValue;
+    previous.line = current.line;
+    previous.position = current.position;
+    previousText.source = currentText.source;
+    previousText.home = eTokenText::Source;
+    if (currentText.home == eTokenText::Own || (watched && !xSDL::SameText(current.token.text, currentText.source))) {
+        current.token.text.swap(previous.token.text);
+        previousText.home = eTokenText::Own;
+    }
+}
+
+void eSDLParser::AnalyseToken() {
+    xSDL::eLexeme lexeme;
+    lexeme.type = current.token.type;
+    lexeme.begin = currentText.source.data();
+    lexeme.length = currentText.source.size();
+    Analyse(lexeme);
+}
+
+[[gnu::always_inline]] inline void eSDLParser::Analyse(const xSDL::eLexeme& lexeme) {
+    eSDLParserToken& token = current.token;
+    const std::string_view source(lexeme.begin, lexeme.length);
+    switch (lexeme.type) {
+    case sdlIdent:
+        if (!keywords->empty())
+            if (const int id = eSDLKeyword::FindIn(keywords->back(), source.data(), source.size())) {
+                token.type = sdlKeyword;
+                token.intValue = id;
+            }
+        break;
+    case sdlBlockStart:
+        if (!source.empty())
+            currentText.source.remove_prefix(1);
+        break;
+    case sdlInt:
+        token.intValue =
+            lexeme.exact ? xSDL::NearestInt(lexeme.digits, source.front() == '-') : xSDL::TextToInt(source);
+        token.floatValue = static_cast<float>(token.intValue);
+        break;
+    case sdlFloat:
+        if (!lexeme.exact ||
+            !xSDL::DecimalToFloat(lexeme.digits, lexeme.decimals, source.front() == '-', &token.floatValue))
+            token.floatValue = xSDL::TextToFloat(source);
+        token.intValue = xSDL::TruncateToInt(token.floatValue);
+        break;
+    case sdlHex:
+        token.type = sdlInt;
+        token.intValue = xSDL::TextToInt(source);
+        token.floatValue = static_cast<float>(token.intValue);
+        token.text = ToString(token.intValue, false);
+        currentText.home = eTokenText::Own;
+        break;
+    case sdlError:
+    case sdlNone:
+    case sdlKeyword:
+    case sdlString:
+    case sdlBlockEnd:
+    case sdlBlockId:
+    case sdlOpen:
+    case sdlClose:
+    case sdlNumber:
+    case sdlOperator:
+        break;
+    }
+}
+
+void eSDLParser::Back() {
+    if (!previous.position)
+        return;
+    current.token.type = previous.token.type;
+    current.token.floatValue = previous.token.floatValue;
+    current.token.intValue = previous.token.intValue;
+    current.line = previous.line;
+    current.position = previous.position;
+    currentText = previousText;
+    if (currentText.home == eTokenText::Own)
+        current.token.text.swap(previous.token.text);
+    else if (watched)
+        FilledText();
+    previous.line = 1;
+    previous.position = nullptr;
+}
+
+std::string_view eSDLParser::Text() const {
+    return currentText.home == eTokenText::Source ? currentText.source : std::string_view(current.token.text);
+}
+
+const std::string& eSDLParser::FilledText() const {
+    if (currentText.home == eTokenText::Source) {
+        current.token.text.clear();
+        current.token.text.append(currentText.source.data(), currentText.source.size());
+        currentText.home = eTokenText::Copied;
+    }
+    return current.token.text;
+}
+
+std::string& eSDLParser::OwnText() const {
+    FilledText();
+    currentText.home = eTokenText::Own;
+    return current.token.text;
+}
+
+eSDLParserToken& eSDLParser::WatchedToken() const {
+    watched = true;
+    FilledText();
+    return current.token;
+}
+
+eSDLParserToken& eSDLParser::Token() {
+    return WatchedToken();
+}
+
+const eSDLParserState& eSDLParser::StateCurrent() const {
+    WatchedToken();
+    return current;
+}
+
+eSDLParserState eSDLParser::StateBefore() const {
+    eSDLParserState state = previous;
+    if (previousText.home == eTokenText::Source)
+        state.token.text.assign(previousText.source);
+    return state;
+}
+
+void eSDLParser::StatePrev(const eSDLParserState& state) {
+    previous = state;
+    previousText = {{}, eTokenText::Own};
+}
+
+std::string eSDLParser::GetParameter() {
+    if (*current.position != '(') {
+        current.position += *current.position != 0;
+        Fail(kOpenRequired, "'(' required");
+    }
+    const char* const begin = ++current.position;
+    const char* const end = std::strchr(begin, ')');
+    if (!end)
+        Fail(kCloseRequired, "')' required");
+    current.position = end + 1;
+    return std::string(begin, end);
+}
+
+void eSDLParser::Fail(int line, const char* message) {
+    xError::Fatal(kSource, line, message);
+}
+
+std::string eSDLParser::GetContext() const {
+    const char* at = current.position;
+    if (!at)
+        return {};
+    while (at > text.data() && at[-1] != '\n')
+        --at;
+    std::string context;
+    for (int line = 0; line < kContextLines && *at; ++line) {
+        context += ToString(current.line + line, false) + ": ";
+        for (bool ended = false; *at && !ended; ++at) {
+            if (at == current.position)
+                context += kContextMark;
+            if (*at != '\r')
+                context += *at;
+            ended = *at == '\n';
+        }
+    }
+    return context;
+}
+
+std::string eSDLParser::DSE_Title() const {
+    return name.empty() ? name : '"' + name + '"';
+}
+
+std::string eSDLParser::DSE_Brief() const {
+    return (format(", %1%") % current.line).str();
+}
+
+std::string eSDLParser::DSE_Full() const {
+    return missing ? "The file could not be opened." : GetContext();
+}

@@ -1,0 +1,618 @@
+#include <qzl_io/sdl/reader.h>
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <utility>
+
+#include <qzl_base/convert.h>
+#include <qzl_base/error.h>
+#include <qzl_base/format.h>
+#include <qzl_base/thread_storage.h>
+#include <qzl_io/streams.h>
+
+#include "sdl_number.h"
+#include "sdl_skim.h"
+
+namespace {
+
+constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_reader";
+
+constexpr const char* kNotSDL = "Not SDL file!";
+constexpr const char* kBlockEndExpected = "Block terminator expected!";
+constexpr const char* kStringExpected = "String expected!";
+
+// The numbers under which the checks report.
+enum eCheck : int {
+    kFileNotSDL = 17,
+    kSignatureMismatch = 20,
+    kWideFileNotSDL = 31,
+    kBlockIdentifier = 257,
+    kKeyword = 266,
+    kSkippedBlockEnd = 292,
+    kNumber = 308,
+    kInteger = 317,
+    kString = 336,
+    kWideString = 344,
+    kIdentifier = 352,
+    kControlBlockWord = 466,
+    kArgumentsEnd = 510,
+    kSignatureNotSDL = 526,
+    kToken = 537,
+    kBlockEnd = 553,
+    kControlBlockEnd = 561,
+    kBlockStart = 569,
+    kControlBlockStart = 577
+};
+
+constexpr int kUtf8 = 65001;
+
+// Each thread's lexer state from before the control block that is being executed.
+eCriticalResource<eSDLParserState> stateBeforeControlBlock;
+
+void LowerCase(std::string* text) {
+    for (char& c : *text)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+}
+
+std::string LowerCased(std::string text) {
+    LowerCase(&text);
+    return text;
+}
+
+template <class Name>
+std::unique_ptr<IO::eStream> OpenSource(const Name& file) {
+    std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
+    if (!stream)
+        throw std::bad_alloc();
+    return stream;
+}
+
+float Combined(char operation, float left, float right) {
+    switch (operation) {
+    case '+':
+        return left + right;
+    case '-':
+        return left - right;
+    case '*':
+        return left * right;
+    default:
+        return left / right;
+    }
+}
+
+} // namespace
+
+const char* const eSDLReader::defaultError = "unexpected token";
+
+// Raises the skip depth while it lives.
+class eSDLReader::eSkipping {
+public:
+    explicit eSkipping(eSDLReader& skippingReader) : reader(skippingReader) { ++reader.skipDepth; }
+    ~eSkipping() { --reader.skipDepth; }
+    eSkipping(const eSkipping&) = delete;
+    eSkipping& operator=(const eSkipping&) = delete;
+
+private:
+    eSDLReader& reader;
+};
+
+eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
+    : cipher(std::move(sourceCipher)) {
+    Init();
+    PushParser(NewParser(file, {}));
+    signatureBlock = true;
+    CheckSignature(signature, kFileNotSDL);
+}
+
+eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
+    : cipher(std::move(sourceCipher)) {
+    Init();
+    PushParser(NewParser(file));
+    signatureBlock = true;
+    CheckSignature(signature, kWideFileNotSDL);
+}
+
+eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher)
+    : cipher(std::move(sourceCipher)) {
+    Init();
+    PushParser(NewParser(file, {}));
+    PushKeywords(table);
+}
+
+eSDLReader::eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> sourceCipher)
+    : cipher(std::move(sourceCipher)) {
+    Init();
+    PushParser(NewParser(file, {}));
+}
+
+eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourceCipher)
+    : cipher(std::move(sourceCipher)) {
+    Init();
+    PushParser(NewParser(file));
+}
+
+eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher)
+    : cipher(std::move(sourceCipher)) {
+    Init();
+    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher));
+}
+
+eSDLReader::eSDLReader(const eSDLReader& other) {
+    *this = other;
+}
+
+eSDLReader& eSDLReader::operator=(const eSDLReader& other) {
+    defines = other.defines;
+    skipDepth = other.skipDepth;
+    parsers = other.parsers;
+    keywords = other.keywords;
+    signatureBlock = other.signatureBlock;
+    checkAtEnd = other.checkAtEnd;
+    controlFlag = other.controlFlag;
+    grate = other.grate;
+    blockMark = other.blockMark;
+    previousBlockMark = other.previousBlockMark;
+    cipher = other.cipher;
+    return *this;
+}
+
+eSDLReader::~eSDLReader() noexcept(false) {
+    struct eParsersCloser {
+        std::vector<std::shared_ptr<eSDLParser>>& parsers;
+        ~eParsersCloser() {
+            while (!parsers.empty())
+                parsers.pop_back();
+        }
+    } closer{parsers};
+    const bool last = !parsers.empty() && parsers.front().use_count() == 1;
+    if (signatureBlock && checkAtEnd && last && std::uncaught_exceptions() <= exceptionsAtStart)
+        Require(sdlBlockEnd, kBlockEnd, kBlockEndExpected);
+}
+
+void eSDLReader::Init() {
+    signatureBlock = false;
+    checkAtEnd = true;
+    controlFlag = false;
+}
+
+void eSDLReader::CheckSignature(const char* signature, int notSDLLine) {
+    const std::string expected(signature ? signature : "");
+    const std::string read = LowerCased(ReadSignature(notSDLLine));
+    if (read != LowerCased(expected))
+        Fail(kSignatureMismatch, "File signature mismatch (read '" + read + "' instead of '" + expected + "')");
+}
+
+const std::string& eSDLReader::ReadSignature(int notSDLLine) {
+    Require(sdlBlockStart, notSDLLine, kNotSDL);
+    return GetIdent();
+}
+
+const std::string& eSDLReader::GetSignature() {
+    return ReadSignature(kSignatureNotSDL);
+}
+
+int eSDLReader::GetInt() {
+    if (Next() != sdlInt)
+        Fail(kInteger, "Integer expected!");
+    return parsers.back()->current.token.intValue;
+}
+
+float eSDLReader::GetFloat() {
+    if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
+        Fail(kNumber, "Number expected!");
+    return parsers.back()->current.token.floatValue;
+}
+
+bool eSDLReader::GetBool() {
+    return !Test(sdlNumber) || GetInt() != 0;
+}
+
+void eSDLReader::RequireString(int line) {
+    Require(sdlString, line, kStringExpected);
+}
+
+const std::string& eSDLReader::GetString() {
+    RequireString(kString);
+    return parsers.back()->FilledText();
+}
+
+std::wstring eSDLReader::GetStringW() {
+    RequireString(kWideString);
+    return StringToWideChar(parsers.back()->FilledText(), kUtf8);
+}
+
+const std::string& eSDLReader::GetIdent(bool lower) {
+    if (!Check(sdlIdent))
+        Fail(kIdentifier, "Identifier expected!");
+    if (lower)
+        LowerCase(&parsers.back()->OwnText());
+    return parsers.back()->FilledText();
+}
+
+int eSDLReader::GetKeyword() {
+    if (Next() != sdlKeyword)
+        Fail(kKeyword, defaultError);
+    return parsers.back()->current.token.intValue;
+}
+
+const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
+    if (!Check(type) && type != sdlNone)
+        Fail(kToken, defaultError);
+    return Token();
+}
+
+int eSDLReader::GetBlock(int id) {
+    Require(sdlBlockStart, kBlockStart, "Block start expected!");
+    if (!Check(sdlKeyword, id))
+        Fail(kBlockIdentifier, "Invalid block identifier!");
+    eSDLParserToken& token = parsers.back()->current.token;
+    token.type = sdlBlockId;
+    return token.intValue;
+}
+
+eSDLReader& eSDLReader::operator>>(int& value) {
+    value = GetInt();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(short& value) {
+    value = static_cast<short>(GetInt());
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(char& value) {
+    value = static_cast<char>(GetInt());
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(float& value) {
+    value = GetFloat();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(bool& value) {
+    value = GetBool();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(std::string& value) {
+    RequireString(kString);
+    value.assign(parsers.back()->Text());
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(std::wstring& value) {
+    value = GetStringW();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(eStrings& values) {
+    while (Check(sdlString))
+        values.Add(std::string(parsers.back()->Text()));
+    Back();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(eStringsW& values) {
+    while (Check(sdlString))
+        values.Add(StringToWideChar(parsers.back()->FilledText(), kUtf8));
+    Back();
+    return *this;
+}
+
+eSDLReader& operator>>(eSDLReader& reader, eFileName& value) {
+    value = reader.GetString();
+    return reader;
+}
+
+bool eSDLReader::Check(eSDLParserLexType type, int id) {
+    const eSDLParserLexType read = Next();
+    switch (type) {
+    case sdlIdent:
+        return read == sdlIdent || read == sdlKeyword;
+    case sdlKeyword:
+        return read == sdlKeyword && (id == 0 || parsers.back()->current.token.intValue == id);
+    case sdlNumber:
+        return read == sdlInt || read == sdlFloat;
+    case sdlError:
+    case sdlNone:
+    case sdlString:
+    case sdlBlockStart:
+    case sdlBlockEnd:
+    case sdlBlockId:
+    case sdlOpen:
+    case sdlClose:
+    case sdlFloat:
+    case sdlInt:
+    case sdlHex:
+    case sdlOperator:
+        break;
+    }
+    return read == type;
+}
+
+bool eSDLReader::Test(eSDLParserLexType type, int id) {
+    const bool matches = Check(type, id);
+    Back();
+    return matches;
+}
+
+bool eSDLReader::Start() {
+    return Test(sdlBlockStart);
+}
+
+bool eSDLReader::End() {
+    return Test(sdlBlockEnd);
+}
+
+void eSDLReader::Back() {
+    eSDLParser& parser = *parsers.back();
+    if (const eSDLParserLexType type = parser.current.token.type; type == sdlBlockStart || type == sdlBlockId) {
+        blockMark.swap(previousBlockMark);
+        previousBlockMark.clear();
+    }
+    parser.Back();
+}
+
+void eSDLReader::SkipBlock(bool keepTerminator) {
+    const eSkipping skipping(*this);
+    for (int depth = 0; !SkipInSource(&depth);)
+        PopParser();
+    if (keepTerminator)
+        Back();
+}
+
+// False at the end of a source with another one below it, where the block goes on. The last tokens are cut as ever, so
+// that the parser and its Back are left as if every token had been.
+bool eSDLReader::SkipInSource(int* depth) {
+    eSDLParser& parser = Parser();
+    const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
+    *depth = skimmed.depth;
+    if (skimmed.marks > 1)
+        blockMark = skimmed.markBefore;
+    if (skimmed.marks > 0) {
+        previousBlockMark.swap(blockMark);
+        blockMark = skimmed.lastMark;
+    }
+    if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1)
+        return false;
+    parser.JumpTo(skimmed.anchor);
+    eSDLParserLexType type;
+    do
+        type = Next();
+    while (type != sdlNone && type != sdlError && parser.Cptr() <= skimmed.stop);
+    if (skimmed.end != xSDL::eSkimEnd::Terminator)
+        Fail(kSkippedBlockEnd, kBlockEndExpected);
+    return true;
+}
+
+const eSDLParserToken& eSDLReader::Token() const {
+    return parsers.back()->WatchedToken();
+}
+
+void eSDLReader::PopKeywords() {
+    if (!keywords.empty())
+        keywords.pop_back();
+}
+
+void eSDLReader::Include(const eFileName& file) {
+    PushParser(NewParser(file, {}));
+}
+
+eStrings& eSDLReader::LoadingModes() {
+    static eCriticalResource<eStrings> modes;
+    return modes.Get();
+}
+
+bool eSDLReader::Get() {
+    return Next() != sdlNone;
+}
+
+eSDLParserLexType eSDLReader::Next() {
+    for (;;) {
+        eSDLParser& parser = Parser();
+        parser.Cut();
+        switch (const eSDLParserLexType type = parser.current.token.type) {
+        case sdlNone:
+            if (parsers.size() == 1)
+                return type;
+            PopParser();
+            break;
+        case sdlString:
+            if (parser.escaped)
+                ConvertEscSequence(&parser.OwnText(), false);
+            return type;
+        case sdlBlockStart:
+            if (EnterBlock())
+                return type;
+            SkipBlock(false);
+            break;
+        case sdlOpen:
+            if (skipDepth > 0)
+                return type;
+            stateBeforeControlBlock.Get() = parser.StateBefore();
+            if (!ProcessControlBlock())
+                return parser.current.token.type;
+            break;
+        case sdlClose:
+            controlFlag = false;
+            if (skipDepth > 0)
+                return type;
+            break;
+        case sdlError:
+        case sdlIdent:
+        case sdlKeyword:
+        case sdlBlockEnd:
+        case sdlBlockId:
+        case sdlNumber:
+        case sdlFloat:
+        case sdlInt:
+        case sdlHex:
+        case sdlOperator:
+            return type;
+        }
+    }
+}
+
+// Takes the mark of the block that has just started. False when the block is hidden.
+bool eSDLReader::EnterBlock() {
+    const std::string_view mark = parsers.back()->Text();
+    if (!blockMark.empty() || !previousBlockMark.empty() || !mark.empty()) {
+        previousBlockMark.swap(blockMark);
+        blockMark.assign(mark);
+    }
+    const bool open = skipDepth > 0 || (!grate.empty() && grate.back() != 0);
+    return open || mark.find('#') == std::string_view::npos;
+}
+
+void eSDLReader::Require(eSDLParserLexType type, int line, const char* message) {
+    if (Next() != type)
+        Fail(line, message);
+}
+
+eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
+    const std::unique_ptr<IO::eStream> stream = OpenSource(file);
+    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher);
+}
+
+eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
+    const std::unique_ptr<IO::eStream> stream = OpenSource(file);
+    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher);
+}
+
+void eSDLReader::PushParser(eSDLParser* parser) {
+    std::shared_ptr<eSDLParser> owned(parser);
+    parsers.push_back(std::move(owned));
+}
+
+void eSDLReader::PopParser() {
+    if (!parsers.empty())
+        parsers.pop_back();
+}
+
+eSDLParser& eSDLReader::Parser() const {
+    eSDLParser& parser = *parsers.back();
+    parser.keywords = &keywords;
+    return parser;
+}
+
+void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
+    eSDLParser& parser = Parser();
+    parser.Get();
+    if (const eSDLParserLexType type = parser.current.token.type;
+        (type == sdlIdent || type == sdlKeyword) && parser.Text() == "args")
+        TakePositional(parameters);
+    else
+        TakeNamed(parameters);
+    if (parser.current.token.type != sdlClose)
+        Fail(kArgumentsEnd, "')' required");
+}
+
+void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
+    eSDLParser& parser = Parser();
+    for (int index = 0; parser.Get(); ++index) {
+        const eSDLParserToken& token = parser.Token();
+        if (token.type == sdlClose || token.type == sdlError)
+            return;
+        (*parameters)[ToString(index, false)] =
+            token.type == sdlString ? (format("\"%1%\"") % token.text).str() : token.text;
+    }
+}
+
+void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
+    eSDLParser& parser = Parser();
+    while (parser.current.token.type == sdlIdent || parser.current.token.type == sdlKeyword) {
+        const eStringKey key = std::string(parser.Text());
+        (*parameters)[key] = parser.GetParameter();
+        parser.Get();
+    }
+}
+
+void eSDLReader::GetOperand(eSDLParserToken* token) {
+    Parser().Get();
+    TakeOperand(token);
+}
+
+bool eSDLReader::GetOperandOrEnd(eSDLParserToken* token) {
+    Parser().Get();
+    if (parsers.back()->current.token.type == sdlClose)
+        return false;
+    TakeOperand(token);
+    return true;
+}
+
+void eSDLReader::TakeOperand(eSDLParserToken* token) {
+    const eSDLParser& parser = *parsers.back();
+    const eSDLParserToken& operand = parser.current.token;
+    if (operand.type != sdlInt && operand.type != sdlFloat)
+        Fail(kNumber, "Number expected!");
+    token->type = sdlFloat;
+    token->floatValue = operand.floatValue;
+    token->text.assign(parser.Text());
+}
+
+bool eSDLReader::ProcessControlBlock() {
+    eSDLParser& parser = Parser();
+    parser.Get();
+    const eSDLParserLexType type = parser.current.token.type;
+    if (type == sdlOperator) {
+        Calculate();
+        return false;
+    }
+    if (type != sdlString)
+        CheckControlWord();
+    SkipBlock(true);
+    return true;
+}
+
+void eSDLReader::CheckControlWord() {
+    eSDLParser& parser = *parsers.back();
+    if (parser.current.token.type != sdlIdent && parser.current.token.type != sdlKeyword)
+        Fail(kIdentifier, "Identifier expected!");
+    LowerCase(&parser.OwnText());
+    if (const std::string_view word = parser.Text(); word != "include" && word != "define" && word != "mod")
+        Fail(kControlBlockWord, "Invalid control block!");
+}
+
+// The expression becomes one token, and Back returns to before its (.
+void eSDLReader::Calculate() {
+    eSDLParser& parser = Parser();
+    const char operation = parser.Text().front();
+    eSDLParserToken operand;
+    GetOperand(&operand);
+    float result = operand.floatValue;
+    while (GetOperandOrEnd(&operand))
+        result = Combined(operation, result, operand.floatValue);
+    eSDLParserToken& token = parser.current.token;
+    token.type = sdlFloat;
+    token.floatValue = result;
+    token.intValue = xSDL::TruncateToInt(result);
+    parser.OwnText() = ToString(result);
+    parser.StatePrev(stateBeforeControlBlock.Get());
+}
+
+void eSDLReader::Fail(int line, const std::string& message) {
+    xError::Fatal(kSource, line, message);
+}
+
+eSDLReader& begb(eSDLReader& reader) {
+    reader.Require(sdlBlockStart, kBlockStart, "Block start expected!");
+    return reader;
+}
+
+eSDLReader& endb(eSDLReader& reader) {
+    reader.Require(sdlBlockEnd, kBlockEnd, kBlockEndExpected);
+    return reader;
+}
+
+eSDLReader& begc(eSDLReader& reader) {
+    reader.Require(sdlOpen, kControlBlockStart, "Control Block start expected!");
+    return reader;
+}
+
+eSDLReader& endc(eSDLReader& reader) {
+    reader.Require(sdlClose, kControlBlockEnd, "Control Block terminator expected!");
+    return reader;
+}

@@ -1,0 +1,176 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <emmintrin.h>
+#include <string_view>
+
+// Runs of characters in an SDL text, found 16 at a time. Every function may read up to kTextEnd bytes from any
+// character of the text on, its terminating zero included, so a text ends with that many zeros.
+namespace xSDL {
+
+inline constexpr std::size_t kTextEnd = 32;
+
+inline __m128i Load16(const char* at) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+}
+
+inline std::uint64_t Load8(const char* at) {
+    std::uint64_t word;
+    std::memcpy(&word, at, sizeof word);
+    return word;
+}
+
+inline std::uint32_t Load4(const char* at) {
+    std::uint32_t word;
+    std::memcpy(&word, at, sizeof word);
+    return word;
+}
+
+// The first characters of a text, at most eight of them, as one number; different texts of one length never look alike.
+// Reads nothing beyond the text.
+inline std::uint64_t LoadUpTo8(const char* at, std::size_t length) {
+    if (length >= 8)
+        return Load8(at);
+    if (length >= 4)
+        return Load4(at) | (static_cast<std::uint64_t>(Load4(at + length - 4)) << 32);
+    if (length == 0)
+        return 0;
+    const auto byte = [at](std::size_t index) {
+        return static_cast<std::uint64_t>(static_cast<unsigned char>(at[index]));
+    };
+    return byte(0) | (byte(length / 2) << 8) | (byte(length - 1) << 16);
+}
+
+inline bool SameText(std::string_view left, std::string_view right) {
+    if (left.size() != right.size() || left.size() > 16)
+        return left == right;
+    if (LoadUpTo8(left.data(), left.size()) != LoadUpTo8(right.data(), right.size()))
+        return false;
+    const std::size_t end = left.size() - 8;
+    return left.size() <= 8 || Load8(left.data() + end) == Load8(right.data() + end);
+}
+
+inline __m128i Each(int byte) {
+    return _mm_set1_epi8(static_cast<char>(byte));
+}
+inline __m128i Is(__m128i bytes, int byte) {
+    return _mm_cmpeq_epi8(bytes, Each(byte));
+}
+// Bytes from first to last, as unsigned numbers.
+inline __m128i IsFrom(__m128i bytes, int first, int last) {
+    const __m128i shifted = _mm_sub_epi8(bytes, Each(first));
+    return _mm_cmpeq_epi8(_mm_min_epu8(shifted, Each(last - first)), shifted);
+}
+inline __m128i Or(__m128i a, __m128i b) {
+    return _mm_or_si128(a, b);
+}
+inline unsigned Mask(__m128i bytes) {
+    return static_cast<unsigned>(_mm_movemask_epi8(bytes));
+}
+
+inline __m128i IsLetter(__m128i bytes) {
+    return Or(IsFrom(Or(bytes, Each(0x20)), 'a', 'z'), Is(bytes, '_'));
+}
+inline __m128i IsDigit(__m128i bytes) {
+    return IsFrom(bytes, '0', '9');
+}
+inline __m128i IsBlank(__m128i bytes) {
+    return Or(Or(Is(bytes, ' '), Is(bytes, '=')), Or(IsFrom(bytes, '\t', '\n'), Is(bytes, '\r')));
+}
+
+// First character from `at` on that `Test` (over 16 bytes) does not hold for; the zero at the end must be one.
+template <class Test>
+inline const char* PassWhile(const char* at, Test test) {
+    for (;; at += 16)
+        if (const unsigned other = Mask(test(Load16(at))) ^ 0xFFFFu)
+            return at + std::countr_zero(other);
+}
+
+inline const char* PassIdent(const char* at) {
+    return PassWhile(at, [](__m128i bytes) { return Or(IsLetter(bytes), IsDigit(bytes)); });
+}
+
+// End of a line or of the text.
+inline const char* PassComment(const char* at) {
+    for (;; at += 16) {
+        const __m128i bytes = Load16(at);
+        if (const unsigned end = Mask(Or(Or(Is(bytes, '\n'), Is(bytes, '\r')), Is(bytes, 0))))
+            return at + std::countr_zero(end);
+    }
+}
+
+// Quote, backslash, end of a line or of the text.
+inline const char* PassStringBody(const char* at) {
+    for (;; at += 16) {
+        const __m128i bytes = Load16(at);
+        const __m128i end = Or(Or(Is(bytes, '\n'), Is(bytes, '\r')), Is(bytes, 0));
+        if (const unsigned stop = Mask(Or(end, Or(Is(bytes, '"'), Is(bytes, '\\')))))
+            return at + std::countr_zero(stop);
+    }
+}
+
+// Blanks, the line feeds among them counted.
+inline const char* PassBlanks(const char* at, int* line) {
+    for (;; at += 16) {
+        const __m128i bytes = Load16(at);
+        const unsigned other = Mask(IsBlank(bytes)) ^ 0xFFFFu;
+        unsigned feeds = Mask(Is(bytes, '\n'));
+        if (other)
+            feeds &= (1u << std::countr_zero(other)) - 1;
+        for (; feeds; feeds &= feeds - 1)
+            ++*line;
+        if (other)
+            return at + std::countr_zero(other);
+    }
+}
+
+inline int CountLineFeeds(const char* begin, const char* end) {
+    std::size_t count = 0;
+    while (end - begin >= 16) {
+        const std::ptrdiff_t blocks = (end - begin) / 16 < 255 ? (end - begin) / 16 : 255;
+        __m128i sums = _mm_setzero_si128();
+        for (std::ptrdiff_t block = 0; block < blocks; ++block, begin += 16)
+            sums = _mm_sub_epi8(sums, Is(Load16(begin), '\n'));
+        const __m128i halves = _mm_sad_epu8(sums, _mm_setzero_si128());
+        count += static_cast<std::size_t>(_mm_cvtsi128_si64(halves)) +
+                 static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(halves, halves)));
+    }
+    for (; begin < end; ++begin)
+        count += *begin == '\n';
+    return static_cast<int>(count);
+}
+
+// How many of the eight characters, from the first on, are digits.
+inline unsigned LeadingDigits(std::uint64_t characters) {
+    const std::uint64_t values = characters ^ 0x3030303030303030u;
+    const std::uint64_t others = ((values + 0x7676767676767676u) | values) & 0x8080808080808080u;
+    return static_cast<unsigned>(std::countr_zero(others)) / 8;
+}
+
+// The number that the first `count` (1 to 8) characters, all digits, spell.
+inline std::uint64_t DigitsToNumber(std::uint64_t characters, unsigned count) {
+    std::uint64_t value = (characters << (64 - 8 * count)) & 0x0F0F0F0F0F0F0F0Fu;
+    value = (value * 2561) >> 8;
+    value = ((value & 0x00FF00FF00FF00FFu) * 6553601) >> 16;
+    return ((value & 0x0000FFFF0000FFFFu) * 42949672960001u) >> 32;
+}
+
+// Digits; their number is appended to *value, modulo 2^64.
+inline const char* PassDigits(const char* at, unsigned long long* value) {
+    static constexpr std::uint64_t kPower[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+    for (;;) {
+        const std::uint64_t characters = Load8(at);
+        const unsigned count = LeadingDigits(characters);
+        if (count == 0)
+            return at;
+        *value = *value * kPower[count] + DigitsToNumber(characters, count);
+        at += count;
+        if (count < 8)
+            return at;
+    }
+}
+
+} // namespace xSDL

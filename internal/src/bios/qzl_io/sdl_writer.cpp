@@ -1,0 +1,431 @@
+#include <qzl_io/sdl/writer.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include <qzl_base/convert.h>
+#include <qzl_base/error.h>
+#include <qzl_base/format.h>
+
+#include "sdl_copy.h"
+
+namespace {
+
+constexpr const char* sourceFile = "internal/src/bios/qzl_io/sdl_writer";
+
+constexpr int notOpenLine = 40;
+constexpr int unknownKeywordLine = 60;
+constexpr int invalidFloatLine = 80;
+
+constexpr int utf8 = 65001;
+constexpr unsigned tabsAtOnce = 8;
+constexpr unsigned long long textCapacity = 1024;
+constexpr int noKeyword = -1;
+// Position of a block that cannot be removed any more: it has gone to the target, or an int cannot hold where it began.
+constexpr int outOfReach = INT_MAX;
+
+std::string_view View(const char* text) {
+    return text ? std::string_view(text) : std::string_view();
+}
+
+// The text of a writer that is not open.
+class eRefusingText : public eSDLWriter::eWriteStream {
+public:
+    void WriteString(const char*) override { Refuse(); }
+    void WriteFloat(float) override { Refuse(); }
+    void WriteInt(int) override { Refuse(); }
+    void WriteControl(int) override { Refuse(); }
+    void WriteIdent(const char*, int) override { Refuse(); }
+    void WriteHashed(const char*) override { Refuse(); }
+    void Flush(IO::eStream*, std::shared_ptr<eSDLCipher>) override {}
+    void MarkEmpty() override { Refuse(); }
+
+private:
+    [[noreturn]] static void Refuse() { xError::Fatal(sourceFile, notOpenLine, "SDLWriter: Not open!"); }
+};
+
+void WriteEncoded(IO::eStream& target, eSDLCipher& cipher, const void* text, std::size_t size) {
+    const std::size_t capacity = cipher.GetEncodedSize(size);
+    const std::unique_ptr<unsigned char[]> encoded(capacity ? new unsigned char[capacity] : nullptr);
+    const std::size_t encodedSize = cipher.Encode(encoded.get(), capacity, text, size);
+    target.Write(encoded.get(), std::min(encodedSize, capacity));
+}
+
+void WarnOfInvalid(float value) {
+    const std::string message = format("Saving invalid floating number %1%. It was truncated to 0") % value;
+    xError::Warning(sourceFile, invalidFloatLine, message, 0);
+}
+
+} // namespace
+
+// --- eWriteStream ---
+
+eSDLWriter::eWriteStream::~eWriteStream() = default;
+
+void eSDLWriter::eWriteStream::WriteInt(int) {
+    formatFlag = false;
+}
+
+void eSDLWriter::eWriteStream::MarkEmpty() {}
+
+// --- eSDLTextStream: the bytes ---
+
+eSDLTextStream::eSDLTextStream() {
+    Resize(textCapacity);
+}
+
+eSDLTextStream::~eSDLTextStream() = default;
+
+void eSDLTextStream::eFree::operator()(char* block) const {
+    std::free(block);
+}
+
+void eSDLTextStream::Resize(unsigned long long capacity) {
+    const unsigned long long size = Size();
+    char* const resized = static_cast<char*>(std::realloc(text.get(), capacity));
+    if (!resized)
+        throw std::bad_alloc();
+    static_cast<void>(text.release());
+    text.reset(resized);
+    end = resized + size;
+    roomEnd = resized + capacity;
+}
+
+char* eSDLTextStream::MakeRoom(unsigned long long room) {
+    const unsigned long long size = Size();
+    unsigned long long capacity = size + Room();
+    while (capacity - size < room)
+        capacity *= 2;
+    Resize(capacity);
+    return end;
+}
+
+// The separator step. Returns where the item's own bytes go, with room for so many.
+inline char* eSDLTextStream::Separate(unsigned long long room) {
+    constexpr unsigned long long lineBreakAndBlank = 3;
+    room += lineBreakAndBlank + tabsAtOnce + Indentation();
+    char* to = Room() >= room ? end : MakeRoom(room);
+    if (newlinePending)
+        to = BreakLine(to);
+    if (layout & spacePending) {
+        layout &= ~spacePending;
+        *to++ = ' ';
+    }
+    return to;
+}
+
+inline char* eSDLTextStream::BreakLine(char* to) {
+    *to++ = '\r';
+    *to++ = '\n';
+    const unsigned tabs = layout & depthMask;
+    for (unsigned put = 0; put < tabs; put += tabsAtOnce)
+        std::memcpy(to + put, "\t\t\t\t\t\t\t\t", tabsAtOnce);
+    newlinePending = false;
+    layout &= ~spacePending;
+    return to + tabs;
+}
+
+// --- eSDLTextStream: items ---
+
+void eSDLTextStream::WriteString(const char* string) {
+    const std::string_view characters = View(string);
+    char* to = Separate(characters.size() + 2);
+    *to++ = '"';
+    if (xSDL::CopyPlain(to, characters.data(), characters.size()))
+        to += characters.size();
+    else
+        to = PutEscapedAt(to, characters);
+    *to++ = '"';
+    end = to;
+    layout |= spacePending;
+}
+
+char* eSDLTextStream::PutEscapedAt(char* to, std::string_view characters) {
+    end = to;
+    const std::size_t size = EscapedSize(characters) + 1;
+    return PutEscaped(Room() >= size ? end : MakeRoom(size), characters);
+}
+
+void eSDLTextStream::WriteFloat(float value) {
+    end = Separate(kNumberTextRoom);
+    if (!std::isfinite(value)) {
+        WarnOfInvalid(value);
+        value = 0;
+    }
+    end = PutFloat(end, value);
+    layout |= spacePending;
+}
+
+void eSDLTextStream::WriteInt(int value) {
+    end = PutInt(Separate(kNumberTextRoom), value, formatFlag);
+    layout |= spacePending;
+    formatFlag = false;
+}
+
+void eSDLTextStream::WriteIdent(const char* name, int) {
+    const std::string_view word = View(name);
+    end = xSDL::CopyText(Separate(word.size()), word.data(), word.size());
+    layout |= spacePending;
+}
+
+void eSDLTextStream::WriteHashed(const char* mark) {
+    const std::string_view word = View(mark);
+    if (word.empty())
+        return;
+    char* to = Separate(word.size() + 1);
+    *to++ = '#';
+    end = xSDL::CopyText(to, word.data(), word.size());
+    layout |= spacePending;
+}
+
+void eSDLTextStream::WriteControl(int code) {
+    switch (code) {
+    case sdlBlockStart:
+        OpenBlock();
+        break;
+    case sdlBlockEnd:
+        CloseBlock();
+        break;
+    case sdlOpen:
+        PutStructure('(');
+        break;
+    case sdlClose:
+        PutStructure(')');
+        break;
+    }
+}
+
+inline void eSDLTextStream::PutStructure(char character) {
+    char* to = Separate(1);
+    *to++ = character;
+    end = to;
+}
+
+// --- eSDLTextStream: blocks ---
+
+void eSDLTextStream::OpenBlock() {
+    positions.push_back(static_cast<int>(std::min<unsigned long long>(Size(), outOfReach)));
+    PutStructure('{');
+    ChangeDepth(1);
+}
+
+void eSDLTextStream::CloseBlock() {
+    const bool removed = RemoveEmptyBlock();
+    if (!positions.empty()) {
+        positions.pop_back();
+        ChangeDepth(depthMask);
+    }
+    if (removed)
+        return;
+    layout &= ~spacePending;
+    PutStructure('}');
+}
+
+// Takes the marks off the top of the stack. When one of them shows the block to be empty, the text goes back to the
+// block's beginning.
+bool eSDLTextStream::RemoveEmptyBlock() {
+    bool empty = false;
+    while (!positions.empty() && positions.back() < 0) {
+        empty = empty || 0ULL - static_cast<unsigned long long>(positions.back()) == Size();
+        positions.pop_back();
+    }
+    if (!empty || positions.empty() || positions.back() == outOfReach)
+        return false;
+    end = text.get() + positions.back();
+    return true;
+}
+
+void eSDLTextStream::MarkEmpty() {
+    const unsigned long long position = Size();
+    if (position > 0 && position < outOfReach)
+        positions.push_back(-static_cast<int>(position));
+}
+
+void eSDLTextStream::Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> cipher) {
+    layout &= ~spacePending;
+    if (Size() != 0)
+        end = Separate(0);
+    if (target && cipher)
+        WriteEncoded(*target, *cipher, text.get(), Size());
+    else if (target)
+        target->Write(text.get(), Size());
+    end = text.get();
+    std::erase_if(positions, [](int position) { return position < 0; });
+    std::fill(positions.begin(), positions.end(), outOfReach);
+}
+
+// --- eSDLWriter: opening and closing ---
+
+void eSDLWriter::eTargetRelease::operator()(IO::eStream* stream) const {
+    if (owns)
+        delete stream;
+}
+
+eSDLWriter::eDocument::eDocument() : text(std::make_unique<eRefusingText>()) {}
+
+// Opened without the Errors bit, so that a failure is not reported, and with it from then on.
+template <class eName>
+eSDLWriter::eTarget eSDLWriter::OpenTarget(const eName& path) {
+    eTarget target(IO::GetStream(path, IO::StreamMode::Write | IO::StreamMode::Create), eTargetRelease{true});
+    if (target && !target->IsOpen())
+        target.reset();
+    if (target)
+        target->Enable(IO::StreamMode::Errors);
+    return target;
+}
+
+eSDLWriter::eSDLWriter() : eSDLWriter(std::shared_ptr<eSDLCipher>()) {}
+
+eSDLWriter::eSDLWriter(std::shared_ptr<eSDLCipher> transform)
+    : document(std::make_shared<eDocument>()), cipher(std::move(transform)) {}
+
+eSDLWriter::eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> transform)
+    : eSDLWriter(std::move(transform)) {
+    Start(OpenTarget(path));
+}
+
+eSDLWriter::eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> transform)
+    : eSDLWriter(std::move(transform)) {
+    Start(OpenTarget(path));
+}
+
+eSDLWriter::eSDLWriter(IO::eStream* stream, std::shared_ptr<eSDLCipher> transform) : eSDLWriter(std::move(transform)) {
+    Start(eTarget(stream));
+}
+
+eSDLWriter::eSDLWriter(const eSDLWriter& other)
+    : document(other.document), keywords(other.keywords), cipher(other.cipher) {}
+
+eSDLWriter& eSDLWriter::operator=(const eSDLWriter& other) {
+    if (this == &other)
+        return *this;
+    Release();
+    document = other.document;
+    keywords = other.keywords;
+    cipher = other.cipher;
+    return *this;
+}
+
+eSDLWriter::~eSDLWriter() noexcept(false) {
+    Release();
+}
+
+void eSDLWriter::Release() {
+    if (document.use_count() > 1)
+        return;
+    if (std::uncaught_exceptions() > exceptionsAtStart)
+        CloseQuietly();
+    else
+        Close();
+}
+
+void eSDLWriter::Init() {
+    document = std::make_shared<eDocument>();
+}
+
+// Copies of a closed document do not follow where this writer goes.
+void eSDLWriter::Start(eTarget target) {
+    auto started = std::make_shared<eDocument>();
+    started->target = std::move(target);
+    started->text = std::make_unique<eSDLTextStream>();
+    document = std::move(started);
+}
+
+void eSDLWriter::Open(IO::eStream* stream) {
+    Close();
+    Start(eTarget(stream));
+}
+
+bool eSDLWriter::Open(const eFileName& path) {
+    Close();
+    Start(OpenTarget(path));
+    return Opened();
+}
+
+bool eSDLWriter::Open(const eFileNameW& path) {
+    Close();
+    Start(OpenTarget(path));
+    return Opened();
+}
+
+// The document counts as closed from the start: when writing it out throws, nothing is written a second time.
+void eSDLWriter::Close() {
+    const eDocument closing = std::exchange(*document, eDocument());
+    if (closing.target)
+        closing.text->Flush(closing.target.get(), cipher);
+}
+
+void eSDLWriter::CloseQuietly() {
+    IO::eStream* const target = document->target.get();
+    const bool borrowed = target && !document->target.get_deleter().owns;
+    const bool reports = target && target->Enabled(IO::StreamMode::Errors);
+    if (target)
+        target->Disable(IO::StreamMode::Errors);
+    try {
+        Close();
+    } catch (...) {
+        // The exception under way is the one to hear of.
+    }
+    if (borrowed && reports)
+        target->Enable(IO::StreamMode::Errors);
+}
+
+// --- eSDLWriter: items ---
+
+void eSDLWriter::PushKeywords(eSDLKeyword* table) {
+    keywords.push_back(table);
+}
+
+void eSDLWriter::PopKeywords() {
+    if (!keywords.empty())
+        keywords.pop_back();
+}
+
+const char* eSDLWriter::KeywordName(int id) const {
+    const char* name = keywords.empty() ? nullptr : eSDLKeyword::FindIn(keywords.back(), id);
+    if (!name)
+        xError::Fatal(sourceFile, unknownKeywordLine, "SDLWriter: Unknown keyword ID!");
+    return name;
+}
+
+eSDLWriter& eSDLWriter::operator<<(const block& value) {
+    Stream().WriteControl(sdlBlockStart);
+    Stream().WriteIdent(KeywordName(value.id), value.id);
+    return *this;
+}
+
+eSDLWriter& eSDLWriter::operator<<(const keyword& value) {
+    Stream().WriteIdent(KeywordName(value.id), value.id);
+    return *this;
+}
+
+eSDLWriter& eSDLWriter::operator<<(const ident& value) {
+    Stream().WriteIdent(value.name, noKeyword);
+    return *this;
+}
+
+eSDLWriter& eSDLWriter::operator<<(const std::wstring& string) {
+    return *this << WideCharToString(string, utf8);
+}
+
+eSDLWriter& eSDLWriter::operator<<(const eStrings& strings) {
+    for (const eStringKey& string : strings)
+        *this << string.c_str() << endl;
+    return *this;
+}
+
+eSDLWriter& eSDLWriter::operator<<(const eStringsW& strings) {
+    for (const eStringKeyW& string : strings)
+        *this << string.str() << endl;
+    return *this;
+}
+
+eSDLWriter& operator<<(eSDLWriter& writer, const eFileName& path) {
+    return writer << path.c_str();
+}

@@ -1,0 +1,478 @@
+#include <qzl_io/streams/stream.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include <qzl_base/convert.h>
+#include <qzl_base/error.h>
+
+#include "stream_direct.h"
+#include "stream_reports.h"
+
+namespace IO {
+
+using namespace StreamReport;
+
+namespace {
+
+std::string Decimal(long long value) {
+    const auto magnitude = static_cast<unsigned long long>(value);
+    return value < 0 ? "-" + ToString(0 - magnitude, false) : ToString(magnitude, false);
+}
+
+} // namespace
+
+// --- Life ---
+
+eStream::eStream(const eStream& other) noexcept
+    : buffer(other.buffer),
+      bufferEnd(other.bufferEnd),
+      bufferSize(other.bufferSize),
+      offset(other.offset),
+      eos(other.eos),
+      ptr(other.ptr),
+      flags(other.flags),
+      direct(other.direct) {}
+
+eStream& eStream::operator=(const eStream& other) noexcept {
+    buffer = other.buffer;
+    bufferEnd = other.bufferEnd;
+    bufferSize = other.bufferSize;
+    offset = other.offset;
+    eos = other.eos;
+    ptr = other.ptr;
+    flags = other.flags;
+    direct = other.direct;
+    return *this;
+}
+
+eStream::eStream(eStream&& other) noexcept
+    : buffer(std::exchange(other.buffer, nullptr)),
+      bufferEnd(std::exchange(other.bufferEnd, nullptr)),
+      bufferSize(std::exchange(other.bufferSize, 0ull)),
+      offset(std::exchange(other.offset, 0ull)),
+      eos(std::exchange(other.eos, nullptr)),
+      ptr(std::exchange(other.ptr, nullptr)),
+      flags(std::exchange(other.flags, static_cast<unsigned short>(0))),
+      direct(std::exchange(other.direct, nullptr)) {}
+
+eStream& eStream::operator=(eStream&& other) noexcept {
+    if (this != &other) {
+        eStream taken(std::move(other));
+        *this = std::as_const(taken);
+    }
+    return *this;
+}
+
+eStream::~eStream() {
+    buffer = nullptr;
+}
+
+// --- The buffer ---
+
+bool eStream::Blocked() const noexcept {
+    return !buffer || Distance(buffer, ptr) < 0 || static_cast<long long>(offset) < 0;
+}
+
+unsigned long long eStream::Capacity() const noexcept {
+    return bufferEnd == ptr && Blocked() ? bufferSize : Address(bufferEnd) - Address(buffer);
+}
+
+void eStream::SetCapacity(unsigned long long capacity) noexcept {
+    bufferEnd = Blocked() ? ptr : Shifted(buffer, capacity);
+}
+
+void eStream::MoveTo(unsigned char* place) noexcept {
+    const unsigned long long capacity = Capacity();
+    ptr = place;
+    SetCapacity(capacity);
+}
+
+void eStream::UseBuffer(unsigned char* block, unsigned long long capacity, unsigned long long length) noexcept {
+    buffer = ptr = block;
+    eos = Shifted(block, length);
+    bufferSize = capacity;
+    SetCapacity(capacity);
+}
+
+void eStream::RaiseEnd() noexcept {
+    if (Remaining() < 0)
+        eos = ptr;
+}
+
+void eStream::PlaceBuffer() {
+    if (ptr == buffer)
+        return;
+    if ((Distance(buffer, ptr) < 0 && BeforeStart()) || Remaining() < 0)
+        xError::Error(kSource, kPlaceBufferLine, kPlaceBuffer + Dump(), true);
+    const unsigned long long capacity = Capacity();
+    const unsigned long long shift = Address(ptr) - Address(buffer);
+    if (buffer && shift < capacity)
+        std::memmove(buffer, ptr, capacity - shift);
+    ptr = buffer;
+    eos = Shifted(eos, 0 - shift);
+    offset += shift;
+    SetCapacity(capacity);
+}
+
+bool eStream::OutsideBuffer() const noexcept {
+    const bool inside = Address(ptr) - Address(buffer) <= Capacity(); // a place before the buffer is a huge distance
+    return !inside || static_cast<long long>(offset) < 0;
+}
+
+unsigned long long eStream::DataInBuffer() const noexcept {
+    return static_cast<unsigned long long>(std::max(std::min(Room(), Remaining()), 0ll));
+}
+
+unsigned long long eStream::RoomInBuffer() const noexcept {
+    return static_cast<unsigned long long>(std::max(Room(), 0ll));
+}
+
+std::string eStream::Dump() const {
+    return "(off:" + ToString(offset, false) + ", ptr:" + Decimal(Distance(buffer, ptr)) +
+           ", end:" + Decimal(static_cast<long long>(Capacity())) + ", eos:" + Decimal(Distance(buffer, eos)) +
+           ", buff:" + ToString(bufferSize, false) + ")";
+}
+
+// --- Hooks ---
+
+void eStream::Trunc() {
+    if (BeforeStart())
+        Fail(kSource, kTruncLine, kWriteBeyond);
+    else
+        eos = ptr;
+}
+
+void eStream::Flush() {
+    Disable(StreamMode::Modified);
+}
+
+void eStream::Overflow() {
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    if (Enabled(StreamMode::Read))
+        Underflow();
+    else
+        PlaceBuffer();
+}
+
+void eStream::Underflow() {
+    PlaceBuffer();
+    CheckReadLocation();
+}
+
+eStream& eStream::Skip(unsigned long long n) {
+    FlushBeforeMove();
+    MoveTo(Shifted(ptr, n));
+    return FinishMove();
+}
+
+void eStream::CheckReadLocation() {
+    if (Remaining() < 0)
+        Fail(kSource, kInvalidReadLine, kInvalidRead);
+}
+
+void eStream::Fail(const char* source, int line, const char* message) {
+    Enable(StreamMode::Bad);
+    if (Enabled(StreamMode::Errors))
+        xError::Error(source, line, message, true);
+}
+
+bool eStream::Fails(void (eStream::*hook)()) {
+    const auto before = static_cast<unsigned short>(flags & StreamMode::Bad);
+    Disable(StreamMode::Bad);
+    try {
+        (this->*hook)();
+    } catch (...) {
+        Enable(before);
+        wanted = 0;
+        throw;
+    }
+    const bool fails = Enabled(StreamMode::Bad);
+    Enable(before);
+    return fails;
+}
+
+void eStream::Refill() {
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    Underflow();
+}
+
+// --- Positions ---
+
+void eStream::FlushBeforeMove() {
+    if (ptr != buffer && Enabled(StreamMode::Write | StreamMode::Modified))
+        Flush();
+}
+
+eStream& eStream::FinishMove() {
+    if (Remaining() < 0)
+        Fail(kSource, kInvalidSeekLine, kInvalidSeek);
+    if (OutsideBuffer())
+        Overflow();
+    return *this;
+}
+
+eStream& eStream::Seek(unsigned long long position, eSeekDir dir) {
+    FlushBeforeMove();
+    switch (dir) {
+    case eSeekDir::Begin:
+        if (position != Position())
+            MoveTo(Shifted(buffer, position - offset));
+        break;
+    case eSeekDir::Current:
+        MoveTo(Shifted(ptr, position));
+        break;
+    case eSeekDir::End:
+        MoveTo(Shifted(eos, 0 - position));
+        break;
+    }
+    return FinishMove();
+}
+
+eStream& eStream::Reset() {
+    return Seek(0, eSeekDir::Begin);
+}
+
+eStream& eStream::Clear() {
+    Reset();
+    Trunc();
+    return *this;
+}
+
+// --- Bulk operations ---
+
+bool eStream::MakeData() {
+    const bool reported = !BeforeStart() && Fails(&eStream::Refill);
+    if (DataInBuffer() > 0)
+        return true;
+    if (!reported)
+        Fail(kSource, kReadNothingLine, kReadBeyond);
+    return false;
+}
+
+bool eStream::MakeRoom(unsigned long long n) {
+    wanted = n;
+    const bool reported = !BeforeStart() && Fails(&eStream::Overflow);
+    wanted = 0;
+    if (RoomInBuffer() > 0)
+        return true;
+    if (!reported)
+        Fail(kSource, kWriteNothingLine, kWriteBeyond);
+    return false;
+}
+
+eStream& eStream::Read(void* target, unsigned long long n) {
+    auto* to = static_cast<unsigned char*>(target);
+    while (n > 0) {
+        if (Remaining() <= 0) {
+            Fail(kSource, kReadEndLine, kReadBeyond);
+            break;
+        }
+        if (DataInBuffer() == 0) {
+            const unsigned long long past = ReadDirect(to, n);
+            to += past;
+            n -= past;
+            if (!MakeData())
+                break;
+        }
+        const unsigned long long run = std::min(n, DataInBuffer());
+        std::memmove(to, ptr, run);
+        ptr += run;
+        to += run;
+        n -= run;
+    }
+    return *this;
+}
+
+eStream& eStream::Write(const void* source, unsigned long long n) {
+    const auto* from = static_cast<const unsigned char*>(source);
+    if (n > 0 && n <= RoomInBuffer()) {
+        std::memmove(ptr, from, n);
+        Written(n);
+    } else if (n > 0) {
+        WriteAll(from, n);
+    }
+    return *this;
+}
+
+// Growth releases the buffer, and a refill changes it: bytes of its own are set aside before.
+bool eStream::WriteAll(const unsigned char* source, unsigned long long n) {
+    if (n <= RoomInBuffer() || !HoldsInBuffer(source))
+        return WritePieces(source, n);
+    const unsigned long long held = std::min(n, Capacity() - (Address(source) - Address(buffer)));
+    const std::vector<unsigned char> copy(source, source + held);
+    return WritePieces(copy.data(), held);
+}
+
+bool eStream::HoldsInBuffer(const unsigned char* place) const noexcept {
+    return buffer && Address(place) - Address(buffer) < Capacity();
+}
+
+bool eStream::WritePieces(const unsigned char* source, unsigned long long n) {
+    while (n > 0) {
+        const unsigned long long past = WriteDirect(source, n);
+        source += past;
+        n -= past;
+        if (RoomInBuffer() == 0 && !MakeRoom(n))
+            return false;
+        const unsigned long long run = std::min(n, RoomInBuffer());
+        std::memmove(ptr, source, run);
+        Written(run);
+        source += run;
+        n -= run;
+    }
+    return true;
+}
+
+eStream& eStream::CopyTo(eStream& target, unsigned long long n) {
+    if (n == 0 || Size() == 0)
+        n = Address(eos) - Address(ptr);
+    while (n > 0 && Remaining() > 0) {
+        if (DataInBuffer() == 0 && (!CopyDirect(target, &n) || !MakeData()))
+            break;
+        const unsigned long long chunk = std::min(n, DataInBuffer());
+        const bool written = target.WriteAll(ptr, chunk);
+        Skip(chunk);
+        n -= chunk;
+        if (!written)
+            break;
+    }
+    return *this;
+}
+
+eStream& eStream::CopyFrom(eStream& source, unsigned long long n) {
+    source.CopyTo(*this, n);
+    return *this;
+}
+
+// --- Past the buffer ---
+//
+// What whole buffers would carry moves directly; the last buffer's part is left to the steps above, so that offset,
+// position and buffer end up where those steps alone would have brought them.
+
+const eStreamDirect* eStream::Direct() const {
+    return direct && direct->serves(*this) ? direct : nullptr;
+}
+
+unsigned long long eStream::WholeBuffers(unsigned long long n) const noexcept {
+    const unsigned long long capacity = Capacity();
+    return capacity > 0 && n > 0 ? (n - 1) / capacity * capacity : 0;
+}
+
+unsigned long long eStream::ReadDirect(unsigned char* target, unsigned long long n) {
+    const unsigned long long whole = WholeBuffers(std::min(n, static_cast<unsigned long long>(Remaining())));
+    if (whole == 0 || Blocked() || !Direct())
+        return 0;
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    direct->read(*this, target, Position(), whole);
+    MoveTo(Shifted(ptr, whole));
+    return whole;
+}
+
+unsigned long long eStream::WriteDirect(const unsigned char* source, unsigned long long n) {
+    const unsigned long long whole = WholeBuffers(n);
+    const bool empty = ptr == buffer || RoomInBuffer() == 0;
+    if (whole == 0 || !empty || Blocked() || Disabled(StreamMode::Write) || !Direct())
+        return 0;
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    direct->write(*this, source, Position(), whole);
+    MoveTo(Shifted(ptr, whole));
+    RaiseEnd();
+    Overflow();
+    return whole;
+}
+
+// False when the target has no room, which has then been reported.
+bool eStream::CopyDirect(eStream& target, unsigned long long* n) {
+    unsigned long long whole = WholeBuffers(std::min(*n, static_cast<unsigned long long>(Remaining())));
+    if (whole == 0 || Blocked() || &target == this || !Direct())
+        return true;
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    while (whole > 0) {
+        if (target.RoomInBuffer() == 0 && !target.MakeRoom(whole))
+            return false;
+        const unsigned long long run = std::min(whole, target.RoomInBuffer());
+        direct->read(*this, target.ptr, Position(), run);
+        target.Written(run);
+        MoveTo(Shifted(ptr, run));
+        whole -= run;
+        *n -= run;
+    }
+    return true;
+}
+
+// --- Primitives outside the common case ---
+
+void eStream::AssignText(std::string* text, const unsigned char* from, std::size_t length) {
+    text->assign(reinterpret_cast<const char*>(from), length);
+}
+
+bool eStream::Reach(int line, const char* message) {
+    const bool reported = !BeforeStart() && Fails(&eStream::Overflow);
+    if (!Blocked())
+        return true;
+    if (!reported)
+        Fail(kSource, line, message);
+    return false;
+}
+
+bool eStream::ReachToRead() {
+    return Reach(kValueReadLine, kReadBeyond);
+}
+// One step of a growing buffer can be less than a value: it overflows again as long as that gives more room.
+bool eStream::ReachToWrite(unsigned long long n) {
+    unsigned long long before = 0;
+    do {
+        before = RoomInBuffer();
+        if (!Reach(kValueWriteLine, kWriteBeyond))
+            return false;
+    } while (RoomInBuffer() < n && RoomInBuffer() > before);
+    return true;
+}
+
+unsigned char* eStream::Apart(unsigned long long n) {
+    apart = std::make_unique<unsigned char[]>(n);
+    return apart.get();
+}
+
+unsigned char* eStream::LookFallback(unsigned long long n) {
+    if (!ReachToRead())
+        return Apart(n);
+    const unsigned long long room = RoomInBuffer();
+    if (n <= room)
+        return ptr;
+    unsigned char* const block = Apart(n);
+    if (room > 0)
+        std::memcpy(block, ptr, room);
+    return block;
+}
+
+unsigned char* eStream::TakeFallback(unsigned long long n) {
+    unsigned char* const bytes = LookFallback(n);
+    if (!Blocked())
+        MoveTo(Shifted(ptr, n));
+    return bytes;
+}
+
+unsigned char* eStream::PlaceFallback(unsigned long long n) {
+    if (!ReachToWrite(n))
+        return Apart(n);
+    unsigned char* const place = n <= RoomInBuffer() ? ptr : Apart(n);
+    WrittenTo(n);
+    return place;
+}
+
+// Behind a value of which a part may have been dropped.
+void eStream::WrittenTo(unsigned long long n) {
+    MoveTo(Shifted(ptr, n));
+    Enable(StreamMode::Modified);
+    RaiseEnd();
+}
+
+} // namespace IO

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace IO {
+
+class eStream;
+
+// How bulk operations go past the buffer of a stream. Positions, flushes and contents stay as if they had not.
+struct eStreamDirect {
+    // True while the stream's flushes and refills are the library's own and its file is open.
+    bool (*serves)(const eStream& stream);
+    // Read or write n bytes at a position of the stream. What cannot be read is zero, what cannot be written is
+    // dropped; both set Bad.
+    void (*read)(eStream& stream, void* target, unsigned long long at, unsigned long long n);
+    void (*write)(eStream& stream, const void* source, unsigned long long at, unsigned long long n);
+};
+
+} // namespace IO

@@ -1,0 +1,351 @@
+#include <qzl_io/streams/stream_file.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <typeinfo>
+#include <utility>
+
+#include <qzl_base/convert.h>
+#include <qzl_base/error.h>
+#include <qzl_base/format.h>
+
+#include "platform/file_handle.h"
+#include "stream_direct.h"
+#include "stream_reports.h"
+#include "wide_units.h"
+
+namespace IO {
+namespace {
+
+constexpr char kSource[] = "internal/src/bios/qzl_io/stream_file";
+constexpr int kNoMemoryLine = 10;
+constexpr int kOpenErrorLine = 20;
+constexpr int kOpenErrorWideLine = 21;
+constexpr char kOpenError[] = "%1% - open error!";
+
+constexpr unsigned long long kLargestBuffer = 32768;
+
+unsigned char* NewBlock(unsigned long long size) {
+    return size > 0 ? static_cast<unsigned char*>(std::calloc(size, 1)) : nullptr;
+}
+
+void ReportOpenError(int line, const std::string& name) {
+    xError::Error(kSource, line, (format(kOpenError) % name).str(), true);
+}
+
+std::string DumpName(const std::string& name) {
+    return "FileStream '" + name + "'";
+}
+
+void AppendWithoutLineEnds(std::string* line, const unsigned char* from, unsigned long long n) {
+    for (const unsigned char* at = from; at != from + n; ++at)
+        if (*at != '\r' && *at != '\n')
+            line->push_back(static_cast<char>(*at));
+}
+
+} // namespace
+
+// --- Life ---
+
+eFileStreamBase::eFileStreamBase(eFileStreamBase&& other) noexcept
+    : eStream(std::move(other)),
+      handle(std::exchange(other.handle, -1)),
+      bufferOwners(std::move(other.bufferOwners)),
+      handleOwners(std::move(other.handleOwners)) {}
+
+eFileStreamBase::~eFileStreamBase() {
+    Close();
+}
+
+eFileStreamBase& eFileStreamBase::operator=(const eFileStreamBase& other) {
+    if (this != &other) {
+        eShare buffers = other.bufferOwners;
+        eShare handles = other.handleOwners;
+        Close();
+        eStream::operator=(other);
+        handle = other.handle;
+        bufferOwners = std::move(buffers);
+        handleOwners = std::move(handles);
+    }
+    return *this;
+}
+
+eFileStreamBase& eFileStreamBase::operator=(eFileStreamBase&& other) noexcept {
+    if (this != &other) {
+        Close();
+        eStream::operator=(std::move(other));
+        handle = std::exchange(other.handle, -1);
+        bufferOwners = std::move(other.bufferOwners);
+        handleOwners = std::move(other.handleOwners);
+    }
+    return *this;
+}
+
+void eFileStreamBase::Open(int mode) {
+    Close();
+    flags = static_cast<unsigned short>(mode);
+    offset = 0;
+    const bool writes = Enabled(StreamMode::Write);
+    const int openFlags = !writes ? kOpenRead : Enabled(StreamMode::Create) ? kOpenCreate : kOpenWrite;
+    while ((handle = CreateHandle(openFlags)) == -1) {
+        Enable(StreamMode::Failed);
+        if (Disabled(StreamMode::Errors))
+            return;
+        CreateHandleError();
+    }
+    flags = static_cast<unsigned short>(mode);
+    direct = &kDirect;
+    const unsigned long long length = Platform::FileLength(handle);
+    CreateBuffer(writes ? kLargestBuffer : std::min(length, kLargestBuffer), length);
+    Underflow();
+}
+
+void eFileStreamBase::Close() {
+    if (handle != -1 && Enabled(StreamMode::Write | StreamMode::Modified))
+        Flush();
+    ReleaseHandle();
+    ReleaseBuffer();
+}
+
+void eFileStreamBase::ReleaseHandle() noexcept {
+    if (handle != -1 && handleOwners.Sole())
+        Platform::CloseFile(handle);
+    handle = -1;
+    handleOwners.Leave();
+}
+
+// --- The buffer ---
+
+void eFileStreamBase::CreateBuffer(unsigned long long capacity, unsigned long long length) {
+    ReleaseBuffer();
+    UseBuffer(NewBlock(capacity), capacity, length);
+    if (capacity > 0 && !buffer)
+        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+}
+
+void eFileStreamBase::ReleaseBuffer() noexcept {
+    if (bufferOwners.Sole())
+        std::free(buffer);
+    bufferOwners.Leave();
+    UseBuffer(nullptr, 0, 0);
+}
+
+void eFileStreamBase::Detach() {
+    if (!buffer || bufferOwners.Sole())
+        return;
+    const unsigned long long capacity = Capacity();
+    const long long length = Distance(buffer, eos);
+    const long long position = Distance(buffer, ptr);
+    unsigned char* const block = NewBlock(capacity);
+    if (block)
+        std::memcpy(block, buffer, capacity);
+    ReleaseBuffer();
+    UseBuffer(block, capacity, static_cast<unsigned long long>(length));
+    MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
+    if (!block)
+        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+}
+
+void eFileStreamBase::Fill() {
+    if (handle == -1 || !buffer || static_cast<long long>(offset) < 0)
+        return;
+    const unsigned long long arrived = Platform::ReadAt(handle, buffer, bufferSize, offset);
+    std::memset(buffer + arrived, 0, bufferSize - arrived);
+    if (arrived < bufferSize && Distance(buffer + arrived, eos) > 0)
+        Enable(StreamMode::Bad);
+}
+
+void eFileStreamBase::FillIfDataRemain() {
+    if (Distance(buffer, eos) > 0)
+        Fill();
+}
+
+void eFileStreamBase::Fresh() {
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    Detach();
+    Fill();
+}
+
+void eFileStreamBase::Underflow() {
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    Detach();
+    eStream::Underflow();
+    FillIfDataRemain();
+}
+
+// A stream that only writes is filled too where data lie ahead: a later flush writes whatever the position passes over.
+void eFileStreamBase::Overflow() {
+    if (Enabled(StreamMode::Modified))
+        Flush();
+    if (Enabled(StreamMode::Read)) {
+        Underflow();
+        return;
+    }
+    Detach();
+    PlaceBuffer();
+    FillIfDataRemain();
+}
+
+void eFileStreamBase::Flush() {
+    const bool placed = buffer && static_cast<long long>(offset) >= 0 && Distance(buffer, ptr) > 0;
+    if (handle != -1 && placed && Enabled(StreamMode::Write)) {
+        const auto held = std::min(static_cast<unsigned long long>(Distance(buffer, ptr)), Capacity());
+        if (!Platform::WriteAt(handle, buffer, held, offset))
+            Enable(StreamMode::Bad);
+    }
+    eStream::Flush();
+}
+
+void eFileStreamBase::Trunc() {
+    eStream::Trunc();
+    if (BeforeStart())
+        return;
+    Flush();
+    if (handle != -1 && !Platform::SetFileLength(handle, Position()))
+        Enable(StreamMode::Bad);
+}
+
+// --- Past the buffer ---
+
+const eStreamDirect eFileStreamBase::kDirect = {CanGoDirect, DirectRead, DirectWrite};
+
+bool eFileStreamBase::CanGoDirect(const eStream& stream) {
+    const bool ours = typeid(stream) == typeid(eFileStream) || typeid(stream) == typeid(eFileStreamW);
+    return ours && static_cast<const eFileStreamBase&>(stream).handle != -1;
+}
+
+void eFileStreamBase::DirectRead(eStream& stream, void* target, unsigned long long at, unsigned long long n) {
+    auto& file = static_cast<eFileStreamBase&>(stream);
+    const unsigned long long arrived = Platform::ReadAt(file.handle, target, n, at);
+    if (arrived == n)
+        return;
+    std::memset(static_cast<unsigned char*>(target) + arrived, 0, n - arrived);
+    file.Enable(StreamMode::Bad);
+}
+
+void eFileStreamBase::DirectWrite(eStream& stream, const void* source, unsigned long long at, unsigned long long n) {
+    auto& file = static_cast<eFileStreamBase&>(stream);
+    if (!Platform::WriteAt(file.handle, source, n, at))
+        file.Enable(StreamMode::Bad);
+}
+
+// --- Lines ---
+
+unsigned long long eFileStreamBase::LinePiece(bool* complete) {
+    *complete = true;
+    if (Remaining() <= 0 || (DataInBuffer() == 0 && !MakeData()))
+        return 0;
+    const unsigned long long run = DataInBuffer();
+    const auto* const feed = static_cast<const unsigned char*>(std::memchr(ptr, '\n', run));
+    *complete = feed != nullptr;
+    return feed ? static_cast<unsigned long long>(feed - ptr) + 1 : run;
+}
+
+std::string eFileStreamBase::GetLine() {
+    std::string line;
+    for (bool complete = false; !complete;) {
+        const unsigned long long piece = LinePiece(&complete);
+        AppendWithoutLineEnds(&line, ptr, piece);
+        ptr = Shifted(ptr, piece);
+    }
+    return line;
+}
+
+unsigned long long eFileStreamBase::GetLineLength() {
+    unsigned long long length = 0;
+    for (bool complete = false; !complete;) {
+        const unsigned long long piece = LinePiece(&complete);
+        ptr = Shifted(ptr, piece);
+        length += piece;
+    }
+    MoveTo(Shifted(ptr, 0 - length));
+    if (OutsideBuffer())
+        Refill();
+    return length;
+}
+
+// --- eFileStream ---
+
+eFileStream::eFileStream(const eFileName& file, int mode) : name(file) {
+    if (!name.empty())
+        eFileStreamBase::Open(mode);
+}
+
+eFileStream::~eFileStream() = default;
+
+void eFileStream::Open(const eFileName& file, int mode) {
+    Close();
+    name = file;
+    eFileStreamBase::Open(mode);
+}
+
+std::string eFileStream::Dump() const {
+    return DumpName(name.str()) + eStream::Dump();
+}
+
+int eFileStream::CreateHandle(int openFlags) const {
+    return Platform::OpenFile(name.c_str(), openFlags);
+}
+
+void eFileStream::CreateHandleError() const {
+    ReportOpenError(kOpenErrorLine, name.str());
+}
+
+void eFileStream::WriteStr(const char* text) {
+    if (text)
+        Write(text, std::strlen(text));
+}
+
+// --- eFileStreamW ---
+
+eFileStreamW::eFileStreamW(const eFileNameW& file, int mode) : name(file) {
+    if (!name.empty())
+        eFileStreamBase::Open(mode);
+}
+
+eFileStreamW::~eFileStreamW() = default;
+
+void eFileStreamW::Open(const eFileNameW& file, int mode) {
+    Close();
+    name = file;
+    eFileStreamBase::Open(mode);
+}
+
+std::string eFileStreamW::Dump() const {
+    return DumpName(ToString(name.str())) + eStream::Dump();
+}
+
+int eFileStreamW::CreateHandle(int openFlags) const {
+    return Platform::OpenFile(name.c_str(), openFlags);
+}
+
+void eFileStreamW::CreateHandleError() const {
+    ReportOpenError(kOpenErrorWideLine, ToString(name.str()));
+}
+
+void eFileStreamW::WriteStr(const wchar_t* text) {
+    if (!text)
+        return;
+    const std::wstring_view characters = text;
+    if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
+        Write(characters.data(), characters.size() * sizeof(char16_t));
+    } else {
+        const std::u16string units = UnitsOf(characters);
+        Write(units.data(), units.size() * sizeof(char16_t));
+    }
+}
+
+// --- Factory ---
+
+eStream* GetStream(const eFileName& name, int mode) {
+    return new (std::nothrow) eFileStream(name, mode);
+}
+eStream* GetStream(const eFileNameW& name, int mode) {
+    return new (std::nothrow) eFileStreamW(name, mode);
+}
+
+} // namespace IO

@@ -1,0 +1,213 @@
+#include <qzl_io/streams/stream_memory.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <typeinfo>
+#include <utility>
+
+#include <qzl_base/error.h>
+
+#include "stream_reports.h"
+
+namespace IO {
+namespace {
+
+constexpr char kSource[] = "internal/src/bios/qzl_io/stream_memory";
+constexpr int kNoMemoryLine = 10;
+constexpr int kBufferWriteLine = 20;
+constexpr int kBufferReadLine = 21;
+
+constexpr unsigned short kMemoryMode = StreamMode::Write | StreamMode::Errors;
+
+unsigned char* HeapBlock(unsigned long long size) {
+    return static_cast<unsigned char*>(std::calloc(size, 1));
+}
+
+void FreeHeapBlock(unsigned char*& block) {
+    std::free(std::exchange(block, nullptr));
+}
+
+} // namespace
+
+// --- eMemoryStream ---
+
+eMemoryStream::eMemoryStream(unsigned long long size, unsigned long long growth) : growBy(growth) {
+    flags = kMemoryMode;
+    CreateBuffer(size, 0);
+}
+
+eMemoryStream::eMemoryStream(eMemoryStream&& other) noexcept
+    : eStream(std::move(other)), growBy(std::exchange(other.growBy, 0ull)), owners(std::move(other.owners)) {}
+
+eMemoryStream::~eMemoryStream() {
+    ReleaseBuffer();
+}
+
+eMemoryStream& eMemoryStream::operator=(const eMemoryStream& other) {
+    if (this != &other) {
+        eShare joined = other.owners;
+        ReleaseBuffer();
+        eStream::operator=(other);
+        growBy = other.growBy;
+        owners = std::move(joined);
+    }
+    return *this;
+}
+
+eMemoryStream& eMemoryStream::operator=(eMemoryStream&& other) noexcept {
+    if (this != &other) {
+        ReleaseBuffer();
+        eStream::operator=(std::move(other));
+        growBy = std::exchange(other.growBy, 0ull);
+        owners = std::move(other.owners);
+    }
+    return *this;
+}
+
+unsigned char* eMemoryStream::AllocateBuffer(unsigned long long size) const {
+    return HeapBlock(size);
+}
+
+void eMemoryStream::DeallocateBuffer(unsigned char*& block) const {
+    FreeHeapBlock(block);
+}
+
+// The library's own hooks give cleared bytes; an application's need not.
+unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
+    unsigned char* const block = AllocateBuffer(size);
+    const bool cleared = typeid(*this) == typeid(eMemoryStream) || typeid(*this) == typeid(eMemoryStream_t);
+    if (block && !cleared)
+        std::memset(block, 0, size);
+    return block;
+}
+
+void eMemoryStream::ReleaseBuffer() {
+    if (buffer && owners.Sole())
+        DeallocateBuffer(buffer);
+    owners.Leave();
+    UseBuffer(nullptr, 0, 0);
+}
+
+void eMemoryStream::CreateBuffer(unsigned long long size, unsigned long long used) {
+    ReleaseBuffer();
+    UseBuffer(size > 0 ? NewBlock(size) : nullptr, size, used);
+    if (size > 0 && !buffer)
+        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+}
+
+void eMemoryStream::Grow(unsigned long long size) {
+    unsigned char* const block = NewBlock(size);
+    const long long length = Distance(buffer, eos);
+    const long long position = Distance(buffer, ptr);
+    const auto kept = std::min(static_cast<unsigned long long>(std::max(length, 0ll)), Capacity());
+    if (block && buffer && kept > 0)
+        std::memcpy(block, buffer, kept);
+    ReleaseBuffer();
+    UseBuffer(block, size, static_cast<unsigned long long>(length));
+    MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
+    if (!block)
+        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+}
+
+void eMemoryStream::ResizeBuffer(unsigned long long size, bool extend) {
+    if (size > bufferSize)
+        Grow(size);
+    if (extend && buffer && Distance(Shifted(buffer, size), eos) < 0)
+        eos = Shifted(buffer, size);
+}
+
+bool eMemoryStream::ShiftLeft(unsigned long long n) {
+    const unsigned long long total = Size();
+    if (n > total)
+        return false;
+    const unsigned long long held = std::min(total, Capacity());
+    if (buffer && n < held)
+        std::memmove(buffer, buffer + n, held - n);
+    Seek(total - n, eSeekDir::Begin);
+    Trunc();
+    return true;
+}
+
+void eMemoryStream::Flush() {
+    eStream::Flush();
+    RaiseEnd();
+}
+
+// A bulk write gets at once the size that the steps which it needs would lead to.
+void eMemoryStream::Overflow() {
+    const bool bulk = wanted > 0 && ptr == bufferEnd;
+    const unsigned long long needed = bulk ? Address(ptr) - Address(buffer) + wanted : 0;
+    unsigned long long size = NextSize(bufferSize);
+    if (growBy > 0 && needed > size)
+        size += (needed - size) / growBy * growBy;
+    for (unsigned long long next = NextSize(size); size < needed && next > size; next = NextSize(size))
+        size = next;
+    if (size > bufferSize)
+        Grow(size);
+}
+
+unsigned long long eMemoryStream::NextSize(unsigned long long size) const {
+    const unsigned long long next = size + (growBy > 0 ? growBy : size);
+    return next > size ? next : size;
+}
+
+void eMemoryStream::Underflow() {
+    CheckReadLocation();
+}
+
+std::string eMemoryStream::Dump() const {
+    return "MemoryStream" + eStream::Dump();
+}
+
+// --- eMemoryStream_t ---
+
+eMemoryStream_t::eMemoryStream_t(unsigned long long size, unsigned long long growth) : eMemoryStream(size, growth) {}
+
+eMemoryStream_t::~eMemoryStream_t() = default;
+
+unsigned char* eMemoryStream_t::AllocateBuffer(unsigned long long size) const {
+    return HeapBlock(size);
+}
+
+void eMemoryStream_t::DeallocateBuffer(unsigned char*& block) const {
+    FreeHeapBlock(block);
+}
+
+// --- eBufferStream ---
+
+eBufferStream::eBufferStream(const unsigned char* data, unsigned long long size, unsigned long long used) {
+    Assign(data, size, used);
+}
+
+eBufferStream::eBufferStream(const std::string& text) {
+    Assign(reinterpret_cast<const unsigned char*>(text.data()), text.size(), text.size());
+}
+
+eBufferStream::~eBufferStream() = default;
+
+void eBufferStream::Assign(const unsigned char* data, unsigned long long size, unsigned long long used) {
+    UseBuffer(const_cast<unsigned char*>(data), size, used > 0 ? used : size);
+    Enable(kMemoryMode);
+}
+
+void eBufferStream::Flush() {
+    eStream::Flush();
+    RaiseEnd();
+}
+
+void eBufferStream::Overflow() {
+    SetCapacity(bufferSize);
+    Fail(kSource, kBufferWriteLine, StreamReport::kWriteBeyond);
+}
+
+void eBufferStream::Underflow() {
+    SetCapacity(bufferSize);
+    Fail(kSource, kBufferReadLine, StreamReport::kReadBeyond);
+}
+
+std::string eBufferStream::Dump() const {
+    return "BufferStream" + eStream::Dump();
+}
+
+} // namespace IO

@@ -1,0 +1,40 @@
+#include <qzl_base/convert.h>
+#include <qzl_base/error.h>
+#include <qzl_base/format.h>
+
+#include <qzl_io/system/system_info.h>
+
+#include "cached_text.h"
+#include "platform/machine.h"
+
+namespace IO::System {
+
+namespace {
+
+constexpr const char* unit = "internal/src/bios/qzl_io/system_hdd";
+constexpr int lineNoSerial = 92;
+constexpr int windows1252 = 1252;
+
+std::string AskSerial() {
+    std::string serial;
+    const unsigned int failure = Platform::AskDiskSerial(&serial);
+    if (failure == 0)
+        return serial;
+    const std::string message = format("eHDDInfo: obtain serialNumber failure(%1%)") % failure;
+    xError::Warning(unit, lineNoSerial, message, 0);
+    return {};
+}
+
+} // namespace
+
+const std::string& HDDSerialNumber() {
+    static eCachedText<char> serial;
+    return serial.Get(AskSerial);
+}
+
+const std::wstring& HDDSerialNumberW() {
+    static eCachedText<wchar_t> serial;
+    return serial.Get([] { return StringToWideChar(AskSerial(), windows1252); });
+}
+
+} // namespace IO::System

@@ -1,0 +1,92 @@
+#include <qzl_io/system/system_info.h>
+
+#include <cctype>
+#include <cwctype>
+
+#include <qzl_base/collectors.h>
+#include <qzl_base/convert.h>
+
+#include "cached_text.h"
+#include "growing_query.h"
+#include "platform/machine.h"
+#include "version_name.h"
+
+namespace IO::System {
+
+namespace {
+
+char Lower(char letter) {
+    return static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+}
+wchar_t Lower(wchar_t letter) {
+    return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(letter)));
+}
+
+template <class Char>
+std::basic_string<Char> LowerCased(std::basic_string<Char> text) {
+    for (Char& letter : text)
+        letter = Lower(letter);
+    return text;
+}
+
+template <class Char>
+std::basic_string<Char> AskProductId() {
+    const Platform::eProductIdQuery query = Platform::OpenProductId<Char>();
+    return query ? AskGrowing<Char>(query) : std::basic_string<Char>();
+}
+
+std::string AskVersionName() {
+    const Platform::eSystemVersion version = Platform::SystemVersion();
+    return VersionName(version.major, version.minor, version.server);
+}
+
+void FillNames() {
+    MachineName();
+    UserName();
+}
+
+const xCollectors::xGlobal::eGlobalFunctionRegistrator fillNames("app", &FillNames, nullptr);
+
+} // namespace
+
+const std::string& MachineName() {
+    static eCachedText<char> name;
+    return name.Get([] { return LowerCased(Platform::ComputerName<char>()); });
+}
+
+const std::wstring& MachineNameW() {
+    static eCachedText<wchar_t> name;
+    return name.Get([] { return LowerCased(Platform::ComputerName<wchar_t>()); });
+}
+
+const std::string& UserName() {
+    static eCachedText<char> name;
+    return name.Get([] { return LowerCased(Platform::AccountName<char>()); });
+}
+
+const std::wstring& UserNameW() {
+    static eCachedText<wchar_t> name;
+    return name.Get([] { return LowerCased(Platform::AccountName<wchar_t>()); });
+}
+
+const std::string& ProductId() {
+    static eCachedText<char> id;
+    return id.Get(AskProductId<char>);
+}
+
+const std::wstring& ProductIdW() {
+    static eCachedText<wchar_t> id;
+    return id.Get(AskProductId<wchar_t>);
+}
+
+const std::string& WindowsVersion() {
+    static eCachedText<char> name;
+    return name.Get(AskVersionName);
+}
+
+const std::wstring& WindowsVersionW() {
+    static eCachedText<wchar_t> name;
+    return name.Get([] { return ToStringW(AskVersionName()); });
+}
+
+} // namespace IO::System

@@ -1,0 +1,24 @@
+#include <qzl_base/error.h>
+#include <qzl_io/qzl_io.h>
+
+#include <iostream>
+
+static eSDLKeyword* words;
+static eSDLKeyword lamp(words, "lamp", 1);
+
+int main() {
+    const eFileName file("lamp.sdl");
+    {
+        eSDLWriter writer(file);
+        writer.PushKeywords(words);
+        writer << block{lamp.id} << "sun" << 1200 << endb;
+    }
+    const eFileName title = file.GetItem(Title);
+    eSDLReader reader(file, title.c_str(), nullptr);
+    std::cout << reader.GetString() << " " << reader.GetInt() << ", ";
+    try {
+        xError::Error(__FILE__, __LINE__, "reported across the library's border", false);
+    } catch (const xError::eException& error) {
+        std::cout << error.what() << "\n";
+    }
+}

@@ -1,0 +1,47 @@
+#include "sdl_copy.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <qzl_base/convert.h>
+
+namespace {
+
+constexpr std::size_t longest = 70;
+
+std::string Letters(std::size_t size) {
+    std::string text;
+    while (text.size() < size)
+        text += static_cast<char>('a' + text.size() % 26);
+    return text;
+}
+
+TEST(TextCopies, AreExactAtEverySizeAndTouchNothingElse) {
+    for (std::size_t size = 0; size <= longest; ++size) {
+        const std::string text = Letters(size);
+        std::string copy(size + 2, '#');
+        EXPECT_EQ(xSDL::CopyText(copy.data() + 1, text.data(), size), copy.data() + 1 + size);
+        EXPECT_EQ(copy, "#" + text + "#");
+        std::string plain(size + 2, '#');
+        EXPECT_TRUE(xSDL::CopyPlain(plain.data() + 1, text.data(), size));
+        EXPECT_EQ(plain, "#" + text + "#");
+    }
+}
+
+TEST(TextCopies, ArePlainExactlyWhenNothingNeedsAnEscape) {
+    std::string copy(longest, '\0');
+    for (std::size_t size = 1; size <= longest; ++size) {
+        for (std::size_t at = 0; at < size; ++at) {
+            for (int byte = 0; byte < 256; ++byte) {
+                std::string text = Letters(size);
+                text[at] = static_cast<char>(byte);
+                const bool plain = EscapedSize(text) == size;
+                ASSERT_EQ(xSDL::CopyPlain(copy.data(), text.data(), size), plain)
+                    << "byte " << byte << " at " << at << " of " << size;
+            }
+        }
+    }
+}
+
+} // namespace

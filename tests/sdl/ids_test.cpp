@@ -1,0 +1,95 @@
+#include <qzl_io/sdl/ids.h>
+
+#include <type_traits>
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+
+namespace {
+
+eIds Ids(std::initializer_list<int> ids) {
+    eIds list;
+    list.insert(list.end(), ids);
+    return list;
+}
+
+// Two ids are the same when they are equal without regard to sign.
+class eUnsignedIds : public eIds {
+public:
+    bool Has(int id) const override { return eIds::Has(id) || eIds::Has(-id); }
+};
+
+TEST(Ids, AreAVectorOfIntegers) {
+    static_assert(std::is_base_of_v<eIdsGeneric<int>, eIds>);
+    static_assert(std::is_base_of_v<std::vector<int>, eIdsGeneric<int>>);
+    static_assert(std::has_virtual_destructor_v<eIds>);
+    EXPECT_TRUE(eIds().empty());
+}
+
+TEST(Ids, AddAppendsOnlyWhatIsNotPresent) {
+    eIds ids;
+    EXPECT_TRUE(ids.Add(3));
+    EXPECT_TRUE(ids.Add(1));
+    EXPECT_FALSE(ids.Add(3));
+    EXPECT_THAT(ids, ElementsAre(3, 1));
+}
+
+TEST(Ids, AddingAListIsAllOrNothing) {
+    eIds ids = Ids({1, 2});
+    EXPECT_FALSE(ids.Add(Ids({3, 2})));
+    EXPECT_THAT(ids, ElementsAre(1, 2));
+    EXPECT_TRUE(ids.Add(Ids({4, 3, 4})));
+    EXPECT_THAT(ids, ElementsAre(1, 2, 4, 3, 4));
+    EXPECT_TRUE(ids.Add(eIds()));
+    EXPECT_FALSE(ids.Add(ids));
+    EXPECT_THAT(ids, ElementsAre(1, 2, 4, 3, 4));
+}
+
+TEST(Ids, RemoveErasesTheFirstOccurrence) {
+    eIds ids = Ids({5, 6, 5});
+    EXPECT_TRUE(ids.Remove(5));
+    EXPECT_THAT(ids, ElementsAre(6, 5));
+    EXPECT_FALSE(ids.Remove(7));
+    EXPECT_THAT(ids, ElementsAre(6, 5));
+}
+
+TEST(Ids, RemovingAListRemovesEachOfItOnce) {
+    eIds ids = Ids({1, 2, 3, 2});
+    ids.Remove(Ids({2, 9, 1}));
+    EXPECT_THAT(ids, ElementsAre(3, 2));
+    ids.Remove(ids);
+    EXPECT_TRUE(ids.empty());
+}
+
+TEST(Ids, HasLooksForOneAndHasAnyForOneOfMany) {
+    const eIds ids = Ids({1, 2});
+    EXPECT_TRUE(ids.Has(2));
+    EXPECT_FALSE(ids.Has(3));
+    EXPECT_TRUE(ids.HasAny(Ids({3, 2})));
+    EXPECT_FALSE(ids.HasAny(Ids({3, 4})));
+    EXPECT_FALSE(ids.HasAny(eIds()));
+}
+
+TEST(Ids, CopyToAndAssignReplaceTheOtherSide) {
+    const eIds ids = Ids({1, 2});
+    eIds copied = Ids({7});
+    ids.CopyTo(copied);
+    EXPECT_THAT(copied, ElementsAre(1, 2));
+    eIds assigned = Ids({8, 9, 10});
+    assigned.Assign(ids);
+    EXPECT_THAT(assigned, ElementsAre(1, 2));
+    assigned.Assign(assigned);
+    EXPECT_THAT(assigned, ElementsAre(1, 2));
+}
+
+TEST(Ids, SetOperationsGoThroughARedefinedHas) {
+    eUnsignedIds ids;
+    EXPECT_TRUE(ids.Add(1));
+    EXPECT_FALSE(ids.Add(-1));
+    EXPECT_TRUE(ids.HasAny(Ids({-1})));
+    EXPECT_FALSE(static_cast<eIds&>(ids).Add(Ids({-1, 5})));
+    EXPECT_THAT(ids, ElementsAre(1));
+}
+
+} // namespace

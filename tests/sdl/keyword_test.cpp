@@ -1,0 +1,169 @@
+#include <atomic>
+#include <deque>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <qzl_io/sdl/keyword.h>
+
+namespace {
+
+eSDLKeyword* colors;
+eSDLKeyword red(colors, "Red", 1);
+eSDLKeyword green(colors, "green", 2);
+eSDLKeyword redAgain(colors, "RED", 3);
+eSDLKeyword tinted(colors, "tinted_with_a_long_name", 2);
+
+// A table of any length, in memory that is zero before the entries are made, as static storage is.
+class eTable {
+public:
+    void Add(const std::string& name, int id) {
+        names.push_back(name);
+        auto memory = std::make_unique<eMemory>();
+        new (memory->bytes) eSDLKeyword(head, names.back().c_str(), id);
+        memories.push_back(std::move(memory));
+    }
+
+    ~eTable() {
+        for (const auto& memory : memories)
+            Entry(*memory)->~eSDLKeyword();
+    }
+
+    eSDLKeyword* head = nullptr;
+
+private:
+    struct eMemory {
+        alignas(eSDLKeyword) unsigned char bytes[sizeof(eSDLKeyword)] = {};
+    };
+
+    static eSDLKeyword* Entry(eMemory& memory) { return std::launder(reinterpret_cast<eSDLKeyword*>(memory.bytes)); }
+
+    std::deque<std::string> names;
+    std::vector<std::unique_ptr<eMemory>> memories;
+};
+
+std::string Upper(std::string text) {
+    for (char& c : text)
+        if (c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 'a' + 'A');
+    return text;
+}
+
+} // namespace
+
+TEST(SdlKeyword, EntriesStandInTheOrderOfTheirConstruction) {
+    EXPECT_EQ(colors, &red);
+    EXPECT_EQ(red.next, &green);
+    EXPECT_EQ(green.next, &redAgain);
+    EXPECT_EQ(redAgain.next, &tinted);
+    EXPECT_EQ(tinted.next, nullptr);
+    EXPECT_STREQ(red.name, "Red");
+    EXPECT_EQ(red.id, 1);
+}
+
+TEST(SdlKeyword, FindsTheFirstEntryOfANameWhateverItsLetterCase) {
+    const struct {
+        const char* name;
+        int id;
+    } rows[] = {{"red", 1},
+                {"RED", 1},
+                {"Red", 1},
+                {"GREEN", 2},
+                {"tinted_WITH_a_long_name", 2},
+                {"", 0},
+                {"re", 0},
+                {"redd", 0},
+                {"r", 0},
+                {"tinted_with_a_long_namf", 0},
+                {"tinted-with-a-long-name", 0}};
+    for (const auto& row : rows)
+        EXPECT_EQ(colors->Find(row.name), row.id) << row.name;
+    EXPECT_EQ(colors->Find(static_cast<const char*>(nullptr)), 0);
+}
+
+TEST(SdlKeyword, SearchBeginsAtTheEntryThatIsAsked) {
+    EXPECT_EQ(green.Find("red"), 3);
+    EXPECT_EQ(tinted.Find("red"), 0);
+    EXPECT_STREQ(green.Find(1), nullptr);
+}
+
+TEST(SdlKeyword, FindsTheFirstNameOfAnIdentity) {
+    EXPECT_STREQ(colors->Find(1), "Red");
+    EXPECT_STREQ(colors->Find(2), "green");
+    EXPECT_STREQ(colors->Find(3), "RED");
+    EXPECT_STREQ(colors->Find(4), nullptr);
+}
+
+TEST(SdlKeyword, ANullTableHasNoEntries) {
+    EXPECT_EQ(eSDLKeyword::FindIn(nullptr, "red"), 0);
+    EXPECT_EQ(eSDLKeyword::FindIn(nullptr, "red", 3), 0);
+    EXPECT_EQ(eSDLKeyword::FindIn(nullptr, 1), nullptr);
+}
+
+TEST(SdlKeyword, OnlyAsciiLettersHaveTwoCases) {
+    eTable table;
+    table.Add("a@[`{1_\xC4\xE4", 7);
+    EXPECT_EQ(table.head->Find("A@[`{1_\xC4\xE4"), 7);
+    for (const char* other : {"a`[`{1_\xC4\xE4", "a@{`{1_\xC4\xE4", "a@[@{1_\xC4\xE4", "a@[`[1_\xC4\xE4",
+                              "a@[`{\x11_\xC4\xE4", "a@[`{1\x7F\xC4\xE4", "a@[`{1_\xE4\xE4", "a@[`{1_\xC4\xC4"})
+        EXPECT_EQ(table.head->Find(other), 0) << other;
+}
+
+TEST(SdlKeyword, EqualNamesOfEveryLengthAreFound) {
+    eTable table;
+    std::string name;
+    for (int length = 0; length <= 70; ++length, name += static_cast<char>('a' + length % 26))
+        table.Add(name, length + 1);
+    name.clear();
+    for (int length = 0; length <= 70; ++length, name += static_cast<char>('a' + length % 26))
+        EXPECT_EQ(table.head->Find(Upper(name).c_str()), length + 1);
+    for (std::size_t at = 0; at < 60; ++at) {
+        std::string changed = name.substr(0, 60);
+        changed[at] = '.';
+        EXPECT_EQ(table.head->Find(changed.c_str()), 0) << changed;
+    }
+}
+
+TEST(SdlKeyword, EntriesAddedAfterASearchAreFound) {
+    eTable table;
+    for (int id = 1; id <= 1000; ++id) {
+        table.Add("word" + std::to_string(id), id);
+        ASSERT_EQ(table.head->Find(("WORD" + std::to_string(id)).c_str()), id);
+        ASSERT_EQ(table.head->Find("word1"), 1);
+    }
+    for (int id = 1; id <= 1000; ++id)
+        EXPECT_EQ(table.head->Find(("word" + std::to_string(id)).c_str()), id);
+    EXPECT_EQ(table.head->Find("word1001"), 0);
+}
+
+TEST(SdlKeyword, TheConstructorLeavesNextAsItFindsIt) {
+    alignas(eSDLKeyword) unsigned char memory[sizeof(eSDLKeyword)] = {};
+    eSDLKeyword* head = nullptr;
+    auto* entry = new (memory) eSDLKeyword(head, "only", 1);
+    EXPECT_EQ(head, entry);
+    EXPECT_EQ(entry->next, nullptr);
+    EXPECT_EQ(entry->Find("only"), 1);
+    entry->~eSDLKeyword();
+}
+
+TEST(SdlKeyword, ManyThreadsSearchOneTableAtOnce) {
+    for (int round = 0; round < 20; ++round) {
+        eTable table;
+        for (int id = 1; id <= 300; ++id)
+            table.Add("name" + std::to_string(id), id);
+        std::atomic<int> wrong = 0;
+        std::vector<std::thread> threads;
+        for (int first = 1; first <= 4; ++first)
+            threads.emplace_back([&, first] {
+                for (int id = first; id <= 300; ++id)
+                    wrong += table.head->Find(("Name" + std::to_string(id)).c_str()) != id;
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(wrong, 0);
+    }
+}

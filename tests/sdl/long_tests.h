@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdlib>
+#include <string_view>
+
+// Whether tests that take minutes in full are to run in full.
+inline bool LongTests() {
+    const char* wanted = std::getenv("QZL_LONG_TESTS");
+    return wanted && std::string_view(wanted) == "1";
+}

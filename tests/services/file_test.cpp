@@ -1,0 +1,256 @@
+#include <atomic>
+#include <chrono>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include <support/wine.h>
+
+#include "real_tree.h"
+
+namespace {
+
+namespace File = IO::System::File;
+
+template <class Width>
+class FileServices : public eRealTree<Width> {};
+TYPED_TEST_SUITE(FileServices, eWidths, eWidthNames);
+
+TEST(FileAccessModes, AreThoseOfTheRunTime) {
+    EXPECT_EQ(0, File::Exist);
+    EXPECT_EQ(2, File::Write);
+    EXPECT_EQ(4, File::Read);
+    EXPECT_EQ(6, File::ReadWrite);
+    namespace FileW = IO::System::FileW;
+    EXPECT_EQ(0, FileW::Exist);
+    EXPECT_EQ(2, FileW::Write);
+    EXPECT_EQ(4, FileW::Read);
+    EXPECT_EQ(6, FileW::ReadWrite);
+    static_assert(sizeof(File::eAccessMode) == 4 && sizeof(FileW::eAccessMode) == 4);
+}
+
+TYPED_TEST(FileServices, AccessIsTrueForAFileInEveryMode) {
+    this->MakeFile("file");
+    for (const int mode : {0, 2, 4, 6})
+        EXPECT_TRUE(TypeParam::MayAccess(this->Named("file"), mode)) << mode;
+}
+
+TYPED_TEST(FileServices, AccessSeesFoldersToo) {
+    this->MakeFolder("folder");
+    EXPECT_TRUE(TypeParam::MayAccess(this->Named("folder"), File::Exist));
+    EXPECT_TRUE(TypeParam::MayAccess(this->Named("folder"), File::Read));
+}
+
+TYPED_TEST(FileServices, AccessIsFalseForWhatIsMissing) {
+    for (const int mode : {0, 2, 4, 6})
+        EXPECT_FALSE(TypeParam::MayAccess(this->Named("missing/file"), mode)) << mode;
+    EXPECT_FALSE(TypeParam::MayAccess(typename TypeParam::Name(), File::Exist));
+}
+
+TYPED_TEST(FileServices, CopyBringsEveryByte) {
+    for (const std::size_t size : {0u, 1u, 4095u, 4096u, 100'000u, 9'000'001u}) {
+        std::string content(size, '\0');
+        for (std::size_t at = 0; at < size; ++at)
+            content[at] = static_cast<char>(at * 7 + at / 256);
+        this->MakeFile("from", content);
+        EXPECT_TRUE(TypeParam::CopyFile(this->Named("from"), this->Named("to")));
+        EXPECT_EQ(content, this->Content("to")) << size;
+    }
+}
+
+TYPED_TEST(FileServices, CopyOfAMissingSourceIsFalseAndCreatesNothing) {
+    EXPECT_FALSE(TypeParam::CopyFile(this->Named("missing"), this->Named("to")));
+    EXPECT_FALSE(this->Exists("to"));
+    this->MakeFile("old", "old");
+    EXPECT_FALSE(TypeParam::CopyFile(this->Named("missing"), this->Named("old")));
+    EXPECT_EQ("old", this->Content("old"));
+}
+
+TYPED_TEST(FileServices, CopyReplacesALongerTarget) {
+    this->MakeFile("from", "new");
+    this->MakeFile("to", "something that was longer");
+    EXPECT_TRUE(TypeParam::CopyFile(this->Named("from"), this->Named("to")));
+    EXPECT_EQ("new", this->Content("to"));
+}
+
+TYPED_TEST(FileServices, CopyIntoAMissingFolderIsTrueAllTheSame) {
+    this->MakeFile("from");
+    EXPECT_TRUE(TypeParam::CopyFile(this->Named("from"), this->Named("missing/to")));
+    EXPECT_FALSE(this->Exists("missing"));
+}
+
+TYPED_TEST(FileServices, CopyOfAFolderIsTrueAndMakesNothing) {
+    this->MakeFolder("folder");
+    EXPECT_TRUE(TypeParam::CopyFile(this->Named("folder"), this->Named("to")));
+    EXPECT_FALSE(this->Exists("to"));
+}
+
+TYPED_TEST(FileServices, CopyOverAFolderLeavesItAlone) {
+    this->MakeFile("from");
+    this->MakeFile("folder/file");
+    EXPECT_TRUE(TypeParam::CopyFile(this->Named("from"), this->Named("folder")));
+    EXPECT_EQ(eNames{"file"}, this->Tree("folder"));
+}
+
+TYPED_TEST(FileServices, CopyOntoItselfLeavesTheFileWhole) {
+    this->MakeFile("file", "precious");
+    EXPECT_TRUE(TypeParam::CopyFile(this->Named("file"), this->Named("file")));
+    EXPECT_EQ("precious", this->Content("file"));
+    bool cancel = false;
+    EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("file"), this->Named("file"), &cancel));
+    EXPECT_EQ("precious", this->Content("file"));
+}
+
+TYPED_TEST(FileServices, CopyExBringsEveryByteWhenNobodyStopsIt) {
+    std::string content(9'000'001, 'x');
+    content.back() = 'y';
+    this->MakeFile("from", content);
+    this->MakeFile("to", "old");
+    bool cancel = false;
+    EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("from"), this->Named("to"), &cancel));
+    EXPECT_EQ(content, this->Content("to"));
+    EXPECT_FALSE(cancel);
+}
+
+TYPED_TEST(FileServices, CopyExOfAMissingSourceIsFalse) {
+    bool cancel = false;
+    EXPECT_FALSE(TypeParam::CopyFileEx(this->Named("missing"), this->Named("to"), &cancel));
+    EXPECT_FALSE(this->Exists("to"));
+    EXPECT_TRUE((this->MakeFile("from"), TypeParam::CopyFileEx(this->Named("from"), this->Named("no/to"), &cancel)));
+}
+
+TYPED_TEST(FileServices, CopyExStoppedBeforehandCopiesNothingAndIsTrue) {
+    if (IsUnderWine())
+        GTEST_SKIP() << "Wine never calls the progress routine of CopyFileEx";
+    this->MakeFile("from", std::string(5'000'000, 'x'));
+    for (const int byte : {1, 2, 255}) {
+        auto flag = static_cast<unsigned char>(byte);
+        EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("from"), this->Named("to"), reinterpret_cast<bool*>(&flag)));
+        EXPECT_FALSE(this->Exists("to")) << byte;
+    }
+}
+
+TYPED_TEST(FileServices, CopyExStoppedMidwayLeavesNoPartialTarget) {
+    if (IsUnderWine())
+        GTEST_SKIP() << "Wine never calls the progress routine of CopyFileEx";
+    constexpr std::uintmax_t size = std::uintmax_t{512} << 20;
+    this->MakeFile("from", "");
+    std::filesystem::resize_file(this->At("from"), size);
+    alignas(std::atomic_ref<bool>::required_alignment) bool cancel = false;
+    std::atomic<bool> done = false;
+    std::thread stopper([&] {
+        while (!done && !this->Exists("to"))
+            std::this_thread::yield();
+        std::atomic_ref<bool>{cancel}.store(true);
+    });
+    EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("from"), this->Named("to"), &cancel));
+    done = true;
+    stopper.join();
+    EXPECT_TRUE(!this->Exists("to") || std::filesystem::file_size(this->At("to")) == size);
+}
+
+TYPED_TEST(FileServices, DeleteRemovesAFileAndNothingElse) {
+    this->MakeFile("file");
+    this->MakeFolder("folder");
+    EXPECT_TRUE(TypeParam::DeleteFile(this->Named("file")));
+    EXPECT_FALSE(this->Exists("file"));
+    EXPECT_FALSE(TypeParam::DeleteFile(this->Named("file")));
+    EXPECT_FALSE(TypeParam::DeleteFile(this->Named("folder")));
+    EXPECT_TRUE(this->Exists("folder"));
+    EXPECT_FALSE(TypeParam::DeleteFile(typename TypeParam::Name()));
+}
+
+TYPED_TEST(FileServices, SizeIsTheLengthOrZero) {
+    this->MakeFile("empty", "");
+    this->MakeFile("five", "12345");
+    this->MakeFolder("folder");
+    EXPECT_EQ(0u, TypeParam::Size(this->Named("empty")));
+    EXPECT_EQ(5u, TypeParam::Size(this->Named("five")));
+    EXPECT_EQ(0u, TypeParam::Size(this->Named("missing")));
+    EXPECT_EQ(0u, TypeParam::Size(this->Named("folder")));
+    EXPECT_EQ(0u, TypeParam::Size(typename TypeParam::Name()));
+}
+
+TYPED_TEST(FileServices, SizeCountsBeyondFourGigabytes) {
+    constexpr unsigned long long size = (5ull << 30) + 1;
+    this->MakeFile("large", "");
+    std::error_code error;
+    std::filesystem::resize_file(this->At("large"), size, error);
+    if (error)
+        GTEST_SKIP() << "the disk takes no file of 5 GiB: " << error.message();
+    EXPECT_EQ(size, TypeParam::Size(this->Named("large")));
+}
+
+TYPED_TEST(FileServices, NamesMayHoldBlanksDotsAndTheLongestComponent) {
+    for (const std::string& name : {std::string("two words.txt"), std::string("a.b.c..d"), std::string(".hidden"),
+                                    std::string(200, 'n') + ".x", std::string("[x] {y} %1%")}) {
+        this->MakeFile(name, name);
+        EXPECT_TRUE(TypeParam::MayAccess(this->Named(name), File::Exist)) << name;
+        EXPECT_EQ(name.size(), TypeParam::Size(this->Named(name))) << name;
+        EXPECT_TRUE(TypeParam::CopyFile(this->Named(name), this->Named("copy"))) << name;
+        EXPECT_EQ(name, this->Content("copy"));
+        EXPECT_TRUE(TypeParam::DeleteFile(this->Named(name))) << name;
+        EXPECT_FALSE(this->Exists(name)) << name;
+    }
+}
+
+TYPED_TEST(FileServices, NamesWithBackSlashesAreTheSameFiles) {
+    this->MakeFile("sub/file", "12");
+    const typename TypeParam::Text text = this->Named("sub").str() + TypeParam::Of("\\file");
+    EXPECT_EQ(2u, TypeParam::Size(typename TypeParam::Name(text)));
+}
+
+class RenameFile : public eRealTree<eNarrow> {};
+
+TEST_F(RenameFile, MovesAFileOrAFolder) {
+    MakeFile("from", "content");
+    MakeFolder("folder");
+    EXPECT_TRUE(File::Rename(Named("from"), Named("folder/to")));
+    EXPECT_FALSE(Exists("from"));
+    EXPECT_EQ("content", Content("folder/to"));
+    EXPECT_TRUE(File::Rename(Named("folder"), Named("other")));
+    EXPECT_EQ(eNames{"to"}, Tree("other"));
+}
+
+TEST_F(RenameFile, FailsForAMissingSourceOrTargetFolder) {
+    MakeFile("from");
+    EXPECT_FALSE(File::Rename(Named("missing"), Named("to")));
+    EXPECT_FALSE(File::Rename(Named("from"), Named("missing/to")));
+    EXPECT_TRUE(Exists("from"));
+}
+
+TEST_F(RenameFile, OntoAnExistingFileDoesWhatTheRunTimeDoes) {
+    MakeFile("from", "new");
+    MakeFile("to", "old");
+    EXPECT_EQ(!hasDrives, File::Rename(Named("from"), Named("to")));
+    EXPECT_EQ(hasDrives ? "old" : "new", Content("to"));
+    EXPECT_EQ(hasDrives, Exists("from"));
+}
+
+class WideNames : public eRealTree<eWide> {};
+
+TEST_F(WideNames, MayHoldLettersOfEveryScript) {
+    struct eRow {
+        std::wstring name;
+        std::u8string onDisk;
+    };
+    for (const eRow& row : {eRow{L"\u00e4\u00f6\u00fc \u00df", u8"\u00e4\u00f6\u00fc \u00df"},
+                            eRow{L"\u65e5\u672c\u8a9e.txt", u8"\u65e5\u672c\u8a9e.txt"},
+                            eRow{L"\u0444\u0430\u0439\u043b", u8"\u0444\u0430\u0439\u043b"}}) {
+        const eFileNameW file(temp.NameW() + row.name);
+        MakeFile("from", "1234");
+        EXPECT_TRUE(IO::System::FileW::Copy(Named("from"), file));
+        EXPECT_TRUE(std::filesystem::exists(temp.Path() / row.onDisk));
+        EXPECT_EQ(4u, IO::System::FileW::Size(file));
+        IO::eSearchW search(temp.NameW(), row.name);
+        EXPECT_TRUE(search.Valid());
+        EXPECT_EQ(row.name, search.Name());
+        search.End();
+        EXPECT_TRUE(IO::System::FileW::Delete(file));
+        EXPECT_FALSE(std::filesystem::exists(temp.Path() / row.onDisk));
+    }
+}
+
+} // namespace

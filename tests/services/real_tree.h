@@ -1,0 +1,61 @@
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <support/temp_folder.h>
+
+#include "widths.h"
+
+// A test on a real tree, once for each width. Paths given to helpers are relative to the test's own folder.
+template <class Width>
+class eRealTree : public testing::Test {
+public:
+    using Text = typename Width::Text;
+    using Name = typename Width::Name;
+
+protected:
+    std::filesystem::path At(std::string_view relative) const { return temp.Path() / relative; }
+    Name Named(std::string_view relative) const { return Name(Width::OfPath(At(relative))); }
+    Name Folder(std::string_view relative) const { return Named(relative).GetPath(); }
+
+    void MakeFile(std::string_view relative, std::string_view content = "content") const {
+        std::filesystem::create_directories(At(relative).parent_path());
+        std::ofstream file(At(relative), std::ios::binary);
+        file << content;
+        ASSERT_TRUE(file.flush()) << relative;
+    }
+    void MakeFolder(std::string_view relative) const { std::filesystem::create_directories(At(relative)); }
+
+    std::string Content(std::string_view relative) const {
+        std::ifstream file(At(relative), std::ios::binary);
+        EXPECT_TRUE(file) << relative;
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    bool Exists(std::string_view relative) const {
+        std::error_code error;
+        return std::filesystem::symlink_status(At(relative), error).type() != std::filesystem::file_type::not_found;
+    }
+
+    // Everything below a folder, sorted, folders with a "/" behind.
+    std::vector<std::string> Tree(std::string_view relative) const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(At(relative))) {
+            const bool isFolder = entry.is_directory() && !entry.is_symlink();
+            names.push_back(entry.path().lexically_relative(At(relative)).generic_string() + (isFolder ? "/" : ""));
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    eTempFolder temp;
+};
+
+using eNames = std::vector<std::string>;

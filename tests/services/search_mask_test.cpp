@@ -1,0 +1,197 @@
+#include "search_mask.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using IO::eSearchMask;
+using IO::eSearchPattern;
+
+struct eMaskRow {
+    std::wstring_view mask;
+    std::wstring_view name;
+    bool matches;
+};
+
+constexpr eMaskRow maskRows[] = {
+    {L"*.*", L"a", true},
+    {L"*.*", L"a.b", true},
+    {L"*.*", L".", true},
+    {L"*.*", L"..", true},
+    {L"*.*", L".hidden", true},
+    {L"*.*", L"trailing.", true},
+    {L"*", L"a.b.c", true},
+    {L"*", L"a", true},
+    {L"", L"a", false},
+    {L"", L"", false},
+    {L"a", L"a", true},
+    {L"a", L"A", true},
+    {L"NAME.TXT", L"name.txt", true},
+    {L"name.txt", L"name.txt2", false},
+    {L"name.txt", L"aname.txt", false},
+    {L"*.txt", L"a.txt", true},
+    {L"*.txt", L"a.b.txt", true},
+    {L"*.txt", L".txt", true},
+    {L"*.txt", L"a.txt.bak", false},
+    {L"*.txt", L"atxt", false},
+    {L"*.t", L"a.txt", false},
+    {L"*.*.txt", L"a.b.txt", true},
+    {L"a*.*", L"a", true},
+    {L"a*.*", L"abc", true},
+    {L"a*.*", L"abc.d", true},
+    {L"a*.*", L"b.a", false},
+    {L"dir*.*", L"dir", true},
+    {L"dir*.*", L"Directory", true},
+    {L"dir*.*", L"subdir", false},
+    {L"a.*", L"a", true},
+    {L"a.*", L"a.b", true},
+    {L"a.*", L"a.b.c", true},
+    {L"a.*", L"ab", false},
+    {L"*.", L"name", true},
+    {L"*.", L"name.txt", false},
+    {L"*.", L"two.dots.here", false},
+    {L"?", L"a", true},
+    {L"?", L"ab", false},
+    {L"?", L".", false},
+    {L"??", L"a", true},
+    {L"a??.c", L"a.c", true},
+    {L"a??.c", L"ab.c", true},
+    {L"a??.c", L"abc.c", true},
+    {L"a??.c", L"abcd.c", false},
+    {L"a?c", L"abc", true},
+    {L"a?c", L"ac", false},
+    {L"a?c", L"a.c", false},
+    {L"a.???", L"a", true},
+    {L"a.???", L"a.bc", true},
+    {L"a.???", L"a.bcde", false},
+    {L"*b*", L"abc", true},
+    {L"*b*", L"b", true},
+    {L"*b*", L"ac", false},
+    {L"**a", L"bba", true},
+    {L"*a*b.", L"xaxb.", true},
+    {L"a*b*.", L"ab.b", true},
+    {L"...", L"...", true},
+    {L"a[b]", L"a[b]", true},
+    {L"a b.c", L"A B.C", true},
+    {L"\u00e4?", L"\u00e4\u00f6", true},
+    {L"\u00e4", L"\u00c4", false},
+};
+
+std::string Shown(std::wstring_view text) {
+    std::string shown;
+    for (const wchar_t letter : text)
+        shown += letter < 128 ? static_cast<char>(letter) : '#';
+    return '"' + shown + '"';
+}
+
+TEST(SearchMask, FollowsTheRulesOfTheWindowsFileSearch) {
+    for (const eMaskRow& row : maskRows)
+        EXPECT_EQ(row.matches, eSearchMask(row.mask).Matches(row.name)) << Shown(row.mask) << " " << Shown(row.name);
+}
+
+TEST(SearchMask, IgnoresTheCaseOfEveryAsciiLetterAndOfNothingElse) {
+    const auto isLetter = [](wchar_t c) { return (c | 0x20) >= L'a' && (c | 0x20) <= L'z'; };
+    for (wchar_t inMask = 0x21; inMask < 0x7F; ++inMask)
+        for (wchar_t inName = 0x21; inName < 0x7F; ++inName) {
+            if (inMask == L'*' || inMask == L'?')
+                continue;
+            const bool cases = isLetter(inMask) && isLetter(inName) && (inMask | 0x20) == (inName | 0x20);
+            EXPECT_EQ(inMask == inName || cases, eSearchMask({&inMask, 1}).Matches({&inName, 1}))
+                << Shown({&inMask, 1}) << " " << Shown({&inName, 1});
+        }
+}
+
+TEST(SearchMask, KnowsWhenItMatchesAll) {
+    EXPECT_TRUE(eSearchMask(L"*.*").MatchesAll());
+    EXPECT_TRUE(eSearchMask(L"*").MatchesAll());
+    for (const std::wstring_view mask : {L"", L"*.", L"a*", L"*a", L"?", L"*.*.*", L".*"})
+        EXPECT_FALSE(eSearchMask(mask).MatchesAll()) << Shown(mask);
+}
+
+// The rules once more, by trying every way.
+bool TriesEveryWay(std::wstring_view mask, std::wstring_view name) {
+    if (mask.empty())
+        return name.empty();
+    const bool nameHasDot = name.find(L'.') != name.npos;
+    const wchar_t next = mask.size() > 1 ? mask[1] : L'\0';
+    switch (mask[0]) {
+    case L'*':
+    case L'<': {
+        const bool stopsAtLastDot = mask[0] == L'<' || next == L'.';
+        for (std::size_t taken = 0; taken <= name.size(); ++taken) {
+            if (TriesEveryWay(mask.substr(1), name.substr(taken)))
+                return true;
+            const bool atLastDot = nameHasDot && taken == name.rfind(L'.');
+            if (stopsAtLastDot && atLastDot)
+                return false;
+        }
+        return false;
+    }
+    case L'?':
+        if (name.empty() || name[0] == L'.')
+            return TriesEveryWay(mask.substr(1), name);
+        return TriesEveryWay(mask.substr(1), name.substr(1));
+    case L'.':
+        if (name.empty())
+            return (next == L'*' || next == L'?' || next == L'<') && TriesEveryWay(mask.substr(1), name);
+        return name[0] == L'.' && TriesEveryWay(mask.substr(1), name.substr(1));
+    default:
+        return !name.empty() && name[0] == mask[0] && TriesEveryWay(mask.substr(1), name.substr(1));
+    }
+}
+
+bool MatchesSlowly(std::wstring mask, std::wstring_view name) {
+    if (mask.empty() || mask == L"*.*")
+        return !mask.empty();
+    if (mask.ends_with(L"*."))
+        mask.replace(mask.size() - 2, 2, L"<");
+    return TriesEveryWay(mask, name);
+}
+
+// All texts over the letters, up to the length, the empty one included.
+std::vector<std::wstring> AllTexts(std::wstring_view letters, std::size_t longest) {
+    std::vector<std::wstring> texts{L""};
+    for (std::size_t begin = 0, length = 0; length < longest; ++length) {
+        const std::size_t end = texts.size();
+        for (; begin < end; ++begin)
+            for (const wchar_t letter : letters)
+                texts.push_back(texts[begin] + letter);
+    }
+    return texts;
+}
+
+TEST(SearchMask, AgreesWithTryingEveryWayOnAllShortMasksAndNames) {
+    std::vector<std::wstring> names = AllTexts(L"ab.", 5);
+    names.erase(names.begin());
+    for (const std::wstring& mask : AllTexts(L"a.*?", 5)) {
+        const eSearchMask ready(mask);
+        for (const std::wstring& name : names)
+            ASSERT_EQ(MatchesSlowly(mask, name), ready.Matches(name)) << Shown(mask) << " " << Shown(name);
+    }
+}
+
+TEST(SearchMask, AnswersLongHostileMasksAtOnce) {
+    std::wstring mask;
+    for (int repeat = 0; repeat < 200; ++repeat)
+        mask += L"*a";
+    EXPECT_FALSE(eSearchMask(mask + L"b").Matches(std::wstring(255, L'a')));
+    EXPECT_TRUE(eSearchMask(mask).Matches(std::wstring(255, L'a')));
+}
+
+TEST(SearchPattern, IsCutBehindItsLastSlash) {
+    struct eRow {
+        std::string_view pattern, folder, mask;
+    };
+    for (const eRow& row : {eRow{"dir/*.*", "dir/", "*.*"}, eRow{"dir*.*", "", "dir*.*"}, eRow{"/*", "/", "*"},
+                            eRow{"a/b/", "a/b/", ""}, eRow{"", "", ""}, eRow{"a*/b", "a*/", "b"}}) {
+        const eSearchPattern<char> cut(row.pattern);
+        EXPECT_EQ(row.folder, cut.folder) << row.pattern;
+        EXPECT_EQ(row.mask, cut.mask) << row.pattern;
+    }
+}
+
+} // namespace

@@ -1,0 +1,177 @@
+// The unit under test is compiled here with its system calls renamed, so that each can be interrupted, cut short or
+// refused.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+struct eSystem {
+    int interruptions = 0;              // calls that are interrupted before one is served
+    std::size_t most = ~std::size_t{0}; // bytes served by one call
+    std::size_t room = ~std::size_t{0}; // bytes of the file before the disk is full
+    bool sequential = false;            // no positions
+    int calls = 0;
+    std::string file;
+    std::string stream;
+};
+
+eSystem theSystem;
+
+bool Interrupts() {
+    ++theSystem.calls;
+    if (theSystem.interruptions-- > 0) {
+        errno = EINTR;
+        return true;
+    }
+    return false;
+}
+
+int simulated_open(const char*, int, mode_t) {
+    return Interrupts() ? -1 : 77;
+}
+
+int simulated_close(int) {
+    Interrupts();
+    errno = EINTR;
+    return -1;
+}
+
+int simulated_fstat(int, struct stat* facts) {
+    facts->st_size = static_cast<off_t>(theSystem.file.size());
+    return 0;
+}
+
+int simulated_ftruncate(int, off_t length) {
+    if (Interrupts())
+        return -1;
+    theSystem.file.resize(static_cast<std::size_t>(length));
+    return 0;
+}
+
+ssize_t simulated_pread(int, void* target, std::size_t n, off_t at) {
+    if (Interrupts())
+        return -1;
+    const auto from = std::min(static_cast<std::size_t>(at), theSystem.file.size());
+    n = std::min({n, theSystem.most, theSystem.file.size() - from});
+    std::memcpy(target, theSystem.file.data() + from, n);
+    return static_cast<ssize_t>(n);
+}
+
+ssize_t simulated_pwrite(int, const void* source, std::size_t n, off_t at) {
+    if (Interrupts())
+        return -1;
+    if (theSystem.sequential) {
+        errno = ESPIPE;
+        return -1;
+    }
+    const auto from = static_cast<std::size_t>(at);
+    n = std::min({n, theSystem.most, theSystem.room - std::min(theSystem.room, from)});
+    if (n == 0) {
+        errno = ENOSPC;
+        return -1;
+    }
+    theSystem.file.resize(std::max(theSystem.file.size(), from + n));
+    std::memcpy(theSystem.file.data() + from, source, n);
+    return static_cast<ssize_t>(n);
+}
+
+ssize_t simulated_write(int, const void* source, std::size_t n) {
+    n = std::min(n, theSystem.most);
+    theSystem.stream.append(static_cast<const char*>(source), n);
+    return static_cast<ssize_t>(n);
+}
+
+} // namespace
+
+#define open simulated_open
+#define close simulated_close
+#define fstat simulated_fstat
+#define ftruncate simulated_ftruncate
+#define pread simulated_pread
+#define pwrite simulated_pwrite
+#define write simulated_write
+#include "platform/posix/file_handle.cpp"
+#include "platform/posix/native_name.cpp"
+#undef open
+#undef close
+#undef fstat
+#undef ftruncate
+#undef pread
+#undef pwrite
+#undef write
+
+namespace Platform = IO::Platform;
+
+namespace {
+
+class FileHandle : public testing::Test {
+protected:
+    FileHandle() { theSystem = eSystem(); }
+};
+
+} // namespace
+
+TEST_F(FileHandle, OpeningIsRepeatedAfterAnInterruption) {
+    theSystem.interruptions = 3;
+    EXPECT_EQ(Platform::OpenFile("name", 0x8000), 77);
+    EXPECT_EQ(theSystem.calls, 4);
+}
+
+TEST_F(FileHandle, ClosingIsNeverRepeated) {
+    Platform::CloseFile(77);
+    EXPECT_EQ(theSystem.calls, 1);
+}
+
+TEST_F(FileHandle, ReadingSurvivesInterruptionAndShortCounts) {
+    theSystem.file = "0123456789";
+    for (const std::size_t most : {1u, 3u, 100u}) {
+        theSystem.interruptions = 2;
+        theSystem.most = most;
+        std::string target(20, '?');
+        EXPECT_EQ(Platform::ReadAt(77, target.data(), 20, 2), 8u);
+        EXPECT_EQ(target, "23456789" + std::string(12, '?')) << most;
+        EXPECT_EQ(Platform::ReadAt(77, target.data(), 4, 5), 4u);
+        EXPECT_EQ(target.substr(0, 4), "5678");
+    }
+}
+
+TEST_F(FileHandle, WritingSurvivesInterruptionAndShortCounts) {
+    for (const std::size_t most : {1u, 3u, 100u}) {
+        theSystem = eSystem();
+        theSystem.interruptions = 2;
+        theSystem.most = most;
+        EXPECT_TRUE(Platform::WriteAt(77, "0123456789", 10, 2));
+        EXPECT_EQ(theSystem.file, std::string(2, '\0') + "0123456789") << most;
+    }
+}
+
+TEST_F(FileHandle, AFullDiskEndsAWriteWithWhatFits) {
+    theSystem.room = 6;
+    theSystem.most = 4;
+    EXPECT_FALSE(Platform::WriteAt(77, "0123456789", 10, 0));
+    EXPECT_EQ(theSystem.file, "012345");
+}
+
+TEST_F(FileHandle, WhatHasNoPositionsGetsTheBytesInOrder) {
+    theSystem.sequential = true;
+    theSystem.most = 4;
+    EXPECT_TRUE(Platform::WriteAt(77, "0123456789", 10, 0));
+    EXPECT_TRUE(Platform::WriteAt(77, "abc", 3, 10));
+    EXPECT_EQ(theSystem.stream, "0123456789abc");
+}
+
+TEST_F(FileHandle, SettingTheLengthIsRepeatedAfterAnInterruption) {
+    theSystem.file = "0123456789";
+    theSystem.interruptions = 2;
+    EXPECT_TRUE(Platform::SetFileLength(77, 4));
+    EXPECT_EQ(theSystem.file, "0123");
+    EXPECT_EQ(Platform::FileLength(77), 4u);
+}

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <utility>
+
+#include <qzl_io/streams.h>
+
+// A stream of the given class that shows what is kept for subclasses.
+template <class Stream>
+class eProbe : public Stream {
+public:
+    using Stream::Stream;
+    eProbe(const eProbe&) = default;
+    eProbe(eProbe&&) noexcept = default;
+    eProbe& operator=(const eProbe&) = default;
+    eProbe& operator=(eProbe&&) noexcept = default;
+
+    using Stream::Dump;
+    using Stream::Look;
+    using Stream::Place;
+    using Stream::PlaceBuffer;
+    using Stream::Take;
+
+    unsigned long long BufferSize() const { return this->bufferSize; }
+    unsigned long long Offset() const { return this->offset; }
+    unsigned short Flags() const { return this->flags; }
+    long long Room() const { return this->bufferEnd - this->buffer; }
+};
+
+using eMemory = eProbe<IO::eMemoryStream>;
+using eMemoryT = eProbe<IO::eMemoryStream_t>;
+using eView = eProbe<IO::eBufferStream>;
+
+template <class Stream>
+class eFileProbe : public eProbe<Stream> {
+public:
+    using eProbe<Stream>::eProbe;
+    using Stream::GetLineLength;
+    using Stream::WriteStr;
+    int Handle() const { return this->handle; }
+};
+
+using eFile = eFileProbe<IO::eFileStream>;
+using eFileW = eFileProbe<IO::eFileStreamW>;
+
+// A stream on the core alone, over bytes of the test's own: it counts the hooks and keeps what they do.
+class eBareStream : public IO::eStream {
+public:
+    eBareStream(unsigned char* bytes, unsigned long long capacity, unsigned long long used, unsigned short mode) {
+        UseBuffer(bytes, capacity, used);
+        flags = mode;
+    }
+
+    void Flush() override {
+        ++flushes;
+        eStream::Flush();
+    }
+    void Overflow() override {
+        ++overflows;
+        eStream::Overflow();
+    }
+    void Underflow() override {
+        ++underflows;
+        eStream::Underflow();
+    }
+
+    using eStream::Dump;
+    using eStream::Look;
+    using eStream::Place;
+    using eStream::PlaceBuffer;
+    using eStream::Take;
+
+    unsigned long long Offset() const { return offset; }
+
+    int flushes = 0;
+    int overflows = 0;
+    int underflows = 0;
+};
+
+// The stream's data as a text.
+inline std::string Content(const IO::eStream& stream) {
+    return {reinterpret_cast<const char*>(stream.Buffer()), static_cast<std::size_t>(stream.Size())};
+}
+
+// A memory stream that holds the text, at its start.
+inline eMemory Holding(const std::string& text) {
+    eMemory stream(256);
+    stream.Write(text.data(), text.size());
+    stream.Reset();
+    return stream;
+}

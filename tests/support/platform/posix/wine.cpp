@@ -1,0 +1,5 @@
+#include <support/wine.h>
+
+bool IsUnderWine() {
+    return false;
+}

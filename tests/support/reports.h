@@ -1,0 +1,53 @@
+#pragma once
+
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include <qzl_base/error.h>
+
+// Collects the reports of all threads from construction to destruction, in place of the installed handlers, which it
+// puts back. With eReports::Throws the error handler also throws eException, as the default does; otherwise it returns.
+class eReports {
+public:
+    enum eMode { Returns, Throws };
+
+    explicit eReports(eMode mode = Returns)
+        : previousError(xError::SetErrorHandler([this, mode](const xError::eReport& report) {
+              Keep(errorReports, report);
+              if (mode == Throws)
+                  throw xError::eException(report);
+          })),
+          previousWarning(
+              xError::SetWarningHandler([this](const xError::eReport& report) { Keep(warningReports, report); })) {}
+
+    ~eReports() {
+        xError::SetErrorHandler(std::move(previousError));
+        xError::SetWarningHandler(std::move(previousWarning));
+    }
+
+    eReports(const eReports&) = delete;
+    eReports& operator=(const eReports&) = delete;
+
+    // To be read while no other thread reports.
+    const std::vector<xError::eReport>& errors() const { return errorReports; }
+    const std::vector<xError::eReport>& warnings() const { return warningReports; }
+
+    void Clear() {
+        std::lock_guard lock(mutex);
+        errorReports.clear();
+        warningReports.clear();
+    }
+
+private:
+    void Keep(std::vector<xError::eReport>& reports, const xError::eReport& report) {
+        std::lock_guard lock(mutex);
+        reports.push_back(report);
+    }
+
+    std::mutex mutex;
+    std::vector<xError::eReport> errorReports;
+    std::vector<xError::eReport> warningReports;
+    xError::eHandler previousError;
+    xError::eHandler previousWarning;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include <gtest/gtest.h>
+
+// A new empty folder of its own for one test, removed with all its content on destruction. It fails the test when the
+// content could not be removed, as when a file is still open on a system that locks open files.
+class eTempFolder {
+public:
+    eTempFolder() : path(MakeFolder()) {}
+
+    ~eTempFolder() {
+        std::error_code error;
+        std::filesystem::remove_all(path, error);
+        EXPECT_FALSE(error) << path.string() << ": " << error.message();
+        EXPECT_FALSE(std::filesystem::exists(path, error)) << path.string();
+    }
+
+    eTempFolder(const eTempFolder&) = delete;
+    eTempFolder& operator=(const eTempFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path; }
+
+    // Full names with forward slashes. The folder's own ends with "/"; a name given is relative to it.
+    std::string Name() const { return path.generic_string() + "/"; }
+    std::string Name(std::string_view name) const { return Name() + std::string(name); }
+    std::wstring NameW() const { return path.generic_wstring() + L"/"; }
+    std::wstring NameW(std::wstring_view name) const { return NameW() + std::wstring(name); }
+
+    // Makes or replaces a file, byte for byte, and returns its full name.
+    std::string Write(std::string_view name, std::string_view bytes) const {
+        std::ofstream file(path / name, std::ios::binary | std::ios::trunc);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        EXPECT_TRUE(file.flush()) << name;
+        return Name(name);
+    }
+
+    // All bytes of a file; fails the test when it cannot be read.
+    std::string Read(std::string_view name) const {
+        std::ifstream file(path / name, std::ios::binary);
+        EXPECT_TRUE(file) << name;
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    bool Exists(std::string_view name) const { return std::filesystem::exists(path / name); }
+
+private:
+    static std::filesystem::path MakeFolder() {
+        static std::atomic<unsigned> counter = 0;
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        for (;;) {
+            const auto name = "qzl_test_" + std::to_string(now) + "_" + std::to_string(++counter);
+            const auto folder = std::filesystem::temp_directory_path() / name;
+            if (std::filesystem::create_directory(folder))
+                return folder;
+        }
+    }
+
+    std::filesystem::path path;
+};

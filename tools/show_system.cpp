@@ -1,0 +1,82 @@
+#include "show_system.h"
+
+#include <chrono>
+#include <iomanip>
+#include <string>
+#include <string_view>
+
+#include <qzl_io/system.h>
+
+namespace {
+
+constexpr int labelWidth = 16;
+constexpr int sizeWidth = 14;
+
+void PrintFact(std::ostream& out, std::string_view label, const std::string& fact) {
+    out << "  " << std::left << std::setw(labelWidth) << label << (fact.empty() ? "(not told)" : fact) << '\n';
+}
+
+void PrintMachine(std::ostream& out) {
+    out << "machine\n";
+    PrintFact(out, "computer", IO::System::MachineName());
+    PrintFact(out, "user", IO::System::UserName());
+    PrintFact(out, "version", IO::System::WindowsVersion());
+    // The text ends at its first zero, the buffer that holds it does not.
+    PrintFact(out, "product id", IO::System::ProductId().c_str());
+    PrintFact(out, "disk serial", IO::System::HDDSerialNumber());
+}
+
+void PrintWorkingPaths(std::ostream& out) {
+    const IO::System::eWorkingPaths paths("qzl_demo");
+    out << "working paths\n";
+    PrintFact(out, "all users", paths.AppDataAllUsers());
+    PrintFact(out, "user", paths.AppDataUser());
+    PrintFact(out, "documents", paths.MyDocuments());
+    PrintFact(out, "working", paths.Working());
+}
+
+// "2026-11-20 14:05", UTC.
+std::string Shown(IO::eFileTime time) {
+    using namespace std::chrono;
+    constexpr unsigned long long ticksPerMinute = 60ull * 10'000'000;
+    const sys_days first = year(1601) / January / 1;
+    const auto moment = first + minutes(time.Ticks() / ticksPerMinute);
+    const auto day = floor<days>(moment);
+    const year_month_day date(day);
+    const hh_mm_ss clock(moment - day);
+    const auto two = [](auto number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+    return std::to_string(static_cast<int>(date.year())) + "-" + two(static_cast<unsigned>(date.month())) + "-" +
+           two(static_cast<unsigned>(date.day())) + " " + two(clock.hours().count()) + ":" +
+           two(clock.minutes().count());
+}
+
+void PrintEntry(std::ostream& out, const IO::eSearch& entry) {
+    out << "  " << Shown(entry.ModifyTime()) << std::right << std::setw(sizeWidth);
+    if (entry.IsFile())
+        out << entry.Size();
+    else
+        out << "folder";
+    out << "  " << entry.Name() << (entry.IsLink() ? " (link)" : "") << '\n';
+}
+
+void PrintCurrentFolder(std::ostream& out) {
+    unsigned long long files = 0, bytes = 0, folders = 0;
+    out << "current folder\n";
+    for (IO::eSearch search("./", "*.*"); search.Valid(); search.Next()) {
+        if (!search.IsFile() && !search.IsSubfolder())
+            continue;
+        PrintEntry(out, search);
+        files += search.IsFile();
+        folders += search.IsSubfolder();
+        bytes += search.Size();
+    }
+    out << "  " << files << " files of " << bytes << " bytes, " << folders << " folders\n";
+}
+
+} // namespace
+
+void ShowSystem(std::ostream& out) {
+    PrintMachine(out);
+    PrintWorkingPaths(out);
+    PrintCurrentFolder(out);
+}
