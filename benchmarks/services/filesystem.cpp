@@ -10,8 +10,10 @@ namespace fs = std::filesystem;
 std::uint64_t Walk(const std::string& folder) {
     std::uint64_t sum = 0;
     for (const auto& entry : fs::recursive_directory_iterator(folder))
-        if (entry.is_regular_file())
-            sum += static_cast<unsigned char>(entry.path().native().back()) + 1u;
+        if (entry.is_regular_file()) {
+            const std::string& name = entry.path().native();
+            sum += static_cast<unsigned char>(name[name.rfind('/') + 1]) + 1u;
+        }
     return sum;
 }
 

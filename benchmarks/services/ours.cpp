@@ -1,7 +1,5 @@
 #include <qzl_io/system.h>
 
-#include <cstring>
-
 #include "tree.h"
 
 namespace bench {
@@ -20,7 +18,7 @@ std::uint64_t ForEachFile(const eFileName& folder, T each) {
 
 std::uint64_t Walk(const std::string& folder) {
     return ForEachFile(eFileName(folder), [](const IO::eSearch& search) {
-        return static_cast<unsigned char>(search.Name()[std::strlen(search.Name()) - 1]) + std::uint64_t{1};
+        return static_cast<unsigned char>(search.Name()[0]) + std::uint64_t{1};
     });
 }
 

@@ -103,7 +103,7 @@ void Purge(int folder) {
 
 std::uint64_t WalkByHand(const std::string& folder) {
     return ForEachFile(OpenFolder(AT_FDCWD, folder.c_str()), [](int, const char* name) {
-        return static_cast<unsigned char>(name[std::strlen(name) - 1]) + std::uint64_t{1};
+        return static_cast<unsigned char>(name[0]) + std::uint64_t{1};
     });
 }
 
