@@ -19,6 +19,7 @@ class eStream;
 
 namespace xSDL {
 struct eLexeme;
+struct eTokenBegin;
 }
 
 // Kinds of token of an SDL text.
@@ -141,7 +142,20 @@ private:
     };
 
     bool Cut();
+    bool CutAny(xSDL::eTokenBegin begin);
+    xSDL::eTokenBegin FindToken() const;
+    bool CutPlainInt(xSDL::eTokenBegin begin);
+    bool CutPlainNumber(xSDL::eTokenBegin begin);
+    bool CutPlainString(xSDL::eTokenBegin begin);
+    bool CutWord(xSDL::eTokenBegin begin, const eSDLKeyword* table);
+    bool CutPlainBlockStart(xSDL::eTokenBegin begin);
+    bool CutBlockEnd(xSDL::eTokenBegin begin);
+    char SeePlainToken();
+    void SetInt(int value);
+    void Accept(eSDLParserLexType type, int line, const char* begin, const char* end, const char* next);
     void Remember();
+    void RememberText();
+    void ForgetPrevious();
     void Analyse(const xSDL::eLexeme& lexeme);
     void ReadText(IO::eStream& stream, std::size_t size);
     void DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher);
@@ -152,6 +166,7 @@ private:
     // The current token's text, wherever it is; in the token; in the token and kept with it.
     std::string_view Text() const;
     const std::string& FilledText() const;
+    void FillText() const;
     std::string& OwnText() const;
     eSDLParserToken& WatchedToken() const;
     // The state to which Back returns, its text in place.

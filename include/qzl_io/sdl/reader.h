@@ -174,9 +174,13 @@ private:
     void CheckSignature(const char* signature, int notSDLLine);
     const std::string& ReadSignature(int notSDLLine);
     eSDLParserLexType Next();
+    eSDLParserLexType NextWord();
     bool EnterBlock();
+    // Is there a mark that the next block start would displace?
+    bool AreMarksKept() const { return !blockMark.empty() || !previousBlockMark.empty(); }
     void Require(eSDLParserLexType type, int line, const char* message);
     void RequireString(int line);
+    void RequireBlockEnd();
     bool SkipInSource(int* depth);
     void Calculate();
     bool GetOperandOrEnd(eSDLParserToken* token);

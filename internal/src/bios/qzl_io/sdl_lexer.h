@@ -21,29 +21,43 @@ inline void SetText(eLexeme* token, const char* begin, const char* end) {
 // More digits than this do not fit into eLexeme::digits for certain.
 inline constexpr std::ptrdiff_t kExactDigits = 18;
 
+inline bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// The rest of a number from behind its e on: every sign and digit there is. A sign and one or two digits are a power of
+// ten; anything else is left to the conversion of texts.
+inline const char* CutExponent(const char* begin, eLexeme* token) {
+    token->type = sdlFloat;
+    const char* at = begin;
+    while (Has(stExponent, *at))
+        ++at;
+    const char* const first = begin + (*begin == '-' || *begin == '+');
+    const bool plain = (at - first == 1 && IsDigit(*first)) || (at - first == 2 && IsDigit(*first) && IsDigit(at[-1]));
+    const int power = plain ? (at[-1] - '0') + (at - first == 2 ? 10 * (*first - '0') : 0) : 0;
+    token->exponent += *begin == '-' ? -power : power;
+    token->exact = token->exact && plain;
+    return at;
+}
+
 // A number from its first character on, a sign included.
 [[gnu::always_inline]] inline const char* CutNumber(const char* begin, eLexeme* token) {
     const char* const first = begin + (*begin == '-' || *begin == '+');
     const char* at = PassDigits(first, &token->digits);
-    const bool takesExponent = *begin != '0' || at - begin > 1;
     std::ptrdiff_t digits = at - first;
+    bool takesExponent = *begin != '0' || digits > 1;
     token->type = sdlInt;
-    token->exact = true;
     if (*at == '.') {
         const char* const fraction = ++at;
         at = PassDigits(at, &token->digits);
-        token->decimals = static_cast<int>(at - fraction < kExactDigits ? at - fraction : kExactDigits);
         digits += at - fraction;
         token->type = sdlFloat;
+        token->exponent = static_cast<int>(fraction - at);
+        takesExponent = true;
     }
-    if ((*at == 'e' || *at == 'E') && (takesExponent || token->type == sdlFloat)) {
-        token->type = sdlFloat;
-        token->exact = false;
-        do
-            ++at;
-        while (Has(stExponent, *at));
-    }
-    token->exact = token->exact && digits <= kExactDigits;
+    token->exact = digits <= kExactDigits;
+    if ((*at == 'e' || *at == 'E') && takesExponent)
+        at = CutExponent(at + 1, token);
     SetText(token, begin, at);
     return at;
 }

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <string_view>
 
@@ -30,21 +31,24 @@ inline float TextToFloat(std::string_view text) {
     return value;
 }
 
-// The float nearest to digits / 10^decimals where two roundings find it; false where they may not.
+// The float nearest to digits * 10^exponent where two roundings find it; false where they may not.
 //
-// Both numbers are doubles without error, so the quotient is the nearest double. Rounding that again gives the nearest
-// float unless the quotient lies in the middle between two floats, where the true value may be on either side.
-inline bool DecimalToFloat(unsigned long long digits, int decimals, bool negative, float* value) {
-    static constexpr double kPower[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
-                                        1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
+// Both numbers are doubles without error, so the quotient or product is the nearest double. Rounding that again gives the
+// nearest float unless it lies in the middle between two floats, where the true value may be on either side. All values
+// are far from the ends of a float's range.
+inline bool DecimalToFloat(unsigned long long digits, int exponent, bool negative, float* value) {
+    static constexpr double kPower[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                        1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr int kLargest = static_cast<int>(std::size(kPower)) - 1;
     constexpr std::uint64_t kBeyondFloat = (1u << 29) - 1;
     constexpr std::uint64_t kMiddle = 1u << 28;
-    if (digits >= (1ull << 53))
+    if (digits >= (1ull << 53) || exponent < -kLargest || exponent > kLargest)
         return false;
-    const double quotient = static_cast<double>(digits) / kPower[decimals];
-    if ((std::bit_cast<std::uint64_t>(quotient) & kBeyondFloat) == kMiddle)
+    const auto whole = static_cast<double>(static_cast<long long>(digits));
+    const double nearest = exponent < 0 ? whole / kPower[-exponent] : whole * kPower[exponent];
+    if ((std::bit_cast<std::uint64_t>(nearest) & kBeyondFloat) == kMiddle)
         return false;
-    *value = static_cast<float>(negative ? -quotient : quotient);
+    *value = static_cast<float>(negative ? -nearest : nearest);
     return true;
 }
 

@@ -10,6 +10,7 @@
 
 #include "sdl_lexer.h"
 #include "sdl_number.h"
+#include "sdl_plain.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_parser";
 enum eCheck : int { kOpenRequired = 301, kCloseRequired = 306 };
 
 // The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
-constexpr std::size_t kPiece = 256 * 1024;
+constexpr std::size_t kPiece = 64 * 1024;
 
 constexpr int kContextLines = 5;
 constexpr char kContextMark = '\xAB';
@@ -136,7 +137,35 @@ bool eSDLParser::Get() {
 }
 
 bool eSDLParser::Cut() {
+    const xSDL::eTokenBegin begin = FindToken();
+    escaped = false;
+    bool cut = false;
+    switch (xSDL::kTokenBegin[static_cast<unsigned char>(*begin.at)]) {
+    case xSDL::stIdent:
+        cut = CutWord(begin, keywords->empty() ? nullptr : keywords->back());
+        break;
+    case xSDL::stInteger:
+    case xSDL::stZero:
+    case xSDL::stSign:
+        cut = CutPlainNumber(begin);
+        break;
+    case xSDL::stString:
+        cut = CutPlainString(begin);
+        break;
+    case xSDL::stBrace:
+        cut = CutPlainBlockStart(begin);
+        break;
+    default:
+        cut = CutBlockEnd(begin);
+    }
+    return cut || CutAny(begin);
+}
+
+// Whatever token begins there, if any does.
+bool eSDLParser::CutAny(xSDL::eTokenBegin begin) {
     Remember();
+    current.line = begin.line;
+    current.position = begin.at;
     xSDL::eLexeme lexeme;
     const bool found = xSDL::CutToken(&current.position, &current.line, &lexeme);
     current.token.type = lexeme.type;
@@ -152,18 +181,10 @@ bool eSDLParser::Cut() {
     return found;
 }
 
-[[gnu::always_inline]] inline void eSDLParser::Remember() {
-    previous.token.type = current.token.type;
-    previous.token.floatValue = current.token.floatValue;
-    previous.token.intValue = current.token.intValue;
-    previous.line = current.line;
-    previous.position = current.position;
-    previousText.source = currentText.source;
-    previousText.home = eTokenText::Source;
-    if (currentText.home == eTokenText::Own || (watched && !xSDL::SameText(current.token.text, currentText.source))) {
-        current.token.text.swap(previous.token.text);
-        previousText.home = eTokenText::Own;
-    }
+// A text of the token's own moves on with it.
+void eSDLParser::RememberText() {
+    current.token.text.swap(previous.token.text);
+    previousText.home = eTokenText::Own;
 }
 
 void eSDLParser::AnalyseToken() {
@@ -190,20 +211,17 @@ void eSDLParser::AnalyseToken() {
             currentText.source.remove_prefix(1);
         break;
     case sdlInt:
-        token.intValue =
-            lexeme.exact ? xSDL::NearestInt(lexeme.digits, source.front() == '-') : xSDL::TextToInt(source);
-        token.floatValue = static_cast<float>(token.intValue);
+        SetInt(lexeme.exact ? xSDL::NearestInt(lexeme.digits, source.front() == '-') : xSDL::TextToInt(source));
         break;
     case sdlFloat:
         if (!lexeme.exact ||
-            !xSDL::DecimalToFloat(lexeme.digits, lexeme.decimals, source.front() == '-', &token.floatValue))
+            !xSDL::DecimalToFloat(lexeme.digits, lexeme.exponent, source.front() == '-', &token.floatValue))
             token.floatValue = xSDL::TextToFloat(source);
         token.intValue = xSDL::TruncateToInt(token.floatValue);
         break;
     case sdlHex:
         token.type = sdlInt;
-        token.intValue = xSDL::TextToInt(source);
-        token.floatValue = static_cast<float>(token.intValue);
+        SetInt(xSDL::TextToInt(source));
         token.text = ToString(token.intValue, false);
         currentText.home = eTokenText::Own;
         break;
@@ -234,8 +252,7 @@ void eSDLParser::Back() {
         current.token.text.swap(previous.token.text);
     else if (watched)
         FilledText();
-    previous.line = 1;
-    previous.position = nullptr;
+    ForgetPrevious();
 }
 
 std::string_view eSDLParser::Text() const {
@@ -243,12 +260,17 @@ std::string_view eSDLParser::Text() const {
 }
 
 const std::string& eSDLParser::FilledText() const {
-    if (currentText.home == eTokenText::Source) {
-        current.token.text.clear();
-        current.token.text.append(currentText.source.data(), currentText.source.size());
-        currentText.home = eTokenText::Copied;
-    }
+    if (currentText.home == eTokenText::Source)
+        FillText();
     return current.token.text;
+}
+
+[[gnu::noinline]] void eSDLParser::FillText() const {
+    if (currentText.source.empty())
+        current.token.text.clear();
+    else
+        current.token.text.assign(currentText.source);
+    currentText.home = eTokenText::Copied;
 }
 
 std::string& eSDLParser::OwnText() const {

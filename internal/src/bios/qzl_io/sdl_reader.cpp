@@ -11,7 +11,7 @@
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/streams.h>
 
-#include "sdl_number.h"
+#include "sdl_plain.h"
 #include "sdl_skim.h"
 
 namespace {
@@ -168,7 +168,7 @@ eSDLReader::~eSDLReader() noexcept(false) {
     } closer{parsers};
     const bool last = !parsers.empty() && parsers.front().use_count() == 1;
     if (signatureBlock && checkAtEnd && last && std::uncaught_exceptions() <= exceptionsAtStart)
-        Require(sdlBlockEnd, kBlockEnd, kBlockEndExpected);
+        RequireBlockEnd();
 }
 
 void eSDLReader::Init() {
@@ -194,12 +194,18 @@ const std::string& eSDLReader::GetSignature() {
 }
 
 int eSDLReader::GetInt() {
+    eSDLParser& parser = *parsers.back();
+    if (parser.CutPlainInt(parser.FindToken()))
+        return parser.current.token.intValue;
     if (Next() != sdlInt)
         Fail(kInteger, "Integer expected!");
     return parsers.back()->current.token.intValue;
 }
 
 float eSDLReader::GetFloat() {
+    eSDLParser& parser = *parsers.back();
+    if (parser.CutPlainNumber(parser.FindToken()))
+        return parser.current.token.floatValue;
     if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
         Fail(kNumber, "Number expected!");
     return parsers.back()->current.token.floatValue;
@@ -210,7 +216,9 @@ bool eSDLReader::GetBool() {
 }
 
 void eSDLReader::RequireString(int line) {
-    Require(sdlString, line, kStringExpected);
+    eSDLParser& parser = *parsers.back();
+    if (!parser.CutPlainString(parser.FindToken()))
+        Require(sdlString, line, kStringExpected);
 }
 
 const std::string& eSDLReader::GetString() {
@@ -224,7 +232,7 @@ std::wstring eSDLReader::GetStringW() {
 }
 
 const std::string& eSDLReader::GetIdent(bool lower) {
-    if (!Check(sdlIdent))
+    if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
         Fail(kIdentifier, "Identifier expected!");
     if (lower)
         LowerCase(&parsers.back()->OwnText());
@@ -232,7 +240,7 @@ const std::string& eSDLReader::GetIdent(bool lower) {
 }
 
 int eSDLReader::GetKeyword() {
-    if (Next() != sdlKeyword)
+    if (NextWord() != sdlKeyword)
         Fail(kKeyword, defaultError);
     return parsers.back()->current.token.intValue;
 }
@@ -244,8 +252,11 @@ const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
 }
 
 int eSDLReader::GetBlock(int id) {
-    Require(sdlBlockStart, kBlockStart, "Block start expected!");
-    if (!Check(sdlKeyword, id))
+    eSDLParser& parser = *parsers.back();
+    if (AreMarksKept() || !parser.CutPlainBlockStart(parser.FindToken()))
+        Require(sdlBlockStart, kBlockStart, "Block start expected!");
+    const eSDLParserLexType type = NextWord();
+    if (type != sdlKeyword || (id != 0 && parsers.back()->current.token.intValue != id))
         Fail(kBlockIdentifier, "Invalid block identifier!");
     eSDLParserToken& token = parsers.back()->current.token;
     token.type = sdlBlockId;
@@ -340,11 +351,13 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
 }
 
 bool eSDLReader::Start() {
-    return Test(sdlBlockStart);
+    const char seen = AreMarksKept() ? 0 : parsers.back()->SeePlainToken();
+    return seen ? seen == '{' : Test(sdlBlockStart);
 }
 
 bool eSDLReader::End() {
-    return Test(sdlBlockEnd);
+    const char seen = AreMarksKept() ? 0 : parsers.back()->SeePlainToken();
+    return seen ? seen == '}' : Test(sdlBlockEnd);
 }
 
 void eSDLReader::Back() {
@@ -456,10 +469,16 @@ eSDLParserLexType eSDLReader::Next() {
     }
 }
 
+// Next where a word is expected.
+eSDLParserLexType eSDLReader::NextWord() {
+    eSDLParser& parser = *parsers.back();
+    return parser.CutWord(parser.FindToken(), keywords.empty() ? nullptr : keywords.back()) ? parser.current.token.type : Next();
+}
+
 // Takes the mark of the block that has just started. False when the block is hidden.
 bool eSDLReader::EnterBlock() {
     const std::string_view mark = parsers.back()->Text();
-    if (!blockMark.empty() || !previousBlockMark.empty() || !mark.empty()) {
+    if (AreMarksKept() || !mark.empty()) {
         previousBlockMark.swap(blockMark);
         blockMark.assign(mark);
     }
@@ -470,6 +489,12 @@ bool eSDLReader::EnterBlock() {
 void eSDLReader::Require(eSDLParserLexType type, int line, const char* message) {
     if (Next() != type)
         Fail(line, message);
+}
+
+void eSDLReader::RequireBlockEnd() {
+    eSDLParser& parser = *parsers.back();
+    if (!parser.CutBlockEnd(parser.FindToken()))
+        Require(sdlBlockEnd, kBlockEnd, kBlockEndExpected);
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
@@ -603,7 +628,7 @@ eSDLReader& begb(eSDLReader& reader) {
 }
 
 eSDLReader& endb(eSDLReader& reader) {
-    reader.Require(sdlBlockEnd, kBlockEnd, kBlockEndExpected);
+    reader.RequireBlockEnd();
     return reader;
 }
 

@@ -45,12 +45,13 @@ inline std::uint64_t LoadUpTo8(const char* at, std::size_t length) {
 }
 
 inline bool SameText(std::string_view left, std::string_view right) {
-    if (left.size() != right.size() || left.size() > 16)
+    const std::size_t size = left.size();
+    if (size != right.size() || size > 16)
         return left == right;
-    if (LoadUpTo8(left.data(), left.size()) != LoadUpTo8(right.data(), right.size()))
-        return false;
-    const std::size_t end = left.size() - 8;
-    return left.size() <= 8 || Load8(left.data() + end) == Load8(right.data() + end);
+    if (size >= 8)
+        return Load8(left.data()) == Load8(right.data()) &&
+               Load8(left.data() + size - 8) == Load8(right.data() + size - 8);
+    return LoadUpTo8(left.data(), size) == LoadUpTo8(right.data(), size);
 }
 
 inline __m128i Each(int byte) {

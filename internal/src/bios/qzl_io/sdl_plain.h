@@ -1,0 +1,200 @@
+#pragma once
+
+#include <array>
+
+#include <qzl_io/sdl/parser.h>
+
+#include "sdl_lexer.h"
+#include "sdl_number.h"
+
+// Tokens of an expected kind in their most frequent form, cut without asking what else could stand there. Each function
+// either does what eSDLParser::Cut would do, or returns false and leaves everything as it is for Cut to do.
+namespace xSDL {
+
+using eByteSet = std::array<bool, 256>;
+
+constexpr bool IsIn(const eByteSet& set, char c) {
+    return set[static_cast<unsigned char>(c)];
+}
+
+// What stands between tokens: a blank or the beginning of a comment.
+inline constexpr eByteSet kGap = [] {
+    eByteSet set{};
+    for (std::size_t c = 0; c < set.size(); ++c)
+        set[c] = kAutomaton[stBetween][c].to == stBetween || kAutomaton[stBetween][c].to == stComment;
+    return set;
+}();
+
+// What a token begins with, by the states that the automaton enters with it.
+inline constexpr std::array<eLexerState, 256> kTokenBegin = [] {
+    std::array<eLexerState, 256> states{};
+    for (std::size_t c = 0; c < states.size(); ++c)
+        states[c] = kAutomaton[stBetween][c].to;
+    return states;
+}();
+
+inline constexpr eByteSet kWordBegin = [] {
+    eByteSet set{};
+    for (std::size_t c = 0; c < set.size(); ++c)
+        set[c] = kAutomaton[stBetween][c].to == stIdent;
+    return set;
+}();
+
+// What begins a token that a reader delivers, unless it is a block start with a mark.
+inline constexpr eByteSet kPlainBegin = [] {
+    eByteSet set{};
+    for (std::size_t c = 0; c < set.size(); ++c) {
+        const eStep& step = kAutomaton[stBetween][c];
+        const bool ends = step.to == stAccept;
+        set[c] = ends ? step.type == sdlBlockEnd || step.type == sdlOperator : !kGap[c];
+    }
+    return set;
+}();
+
+// Where a token begins, and its line.
+struct eTokenBegin {
+    const char* at;
+    int line;
+};
+
+// Out of line and all in registers, so that tokens within a line cost nothing for it.
+[[gnu::noinline]] inline eTokenBegin PassGap(const char* at, int line) {
+    for (;;) {
+        at = PassBlanks(at, &line);
+        if (*at != ';')
+            return {at, line};
+        at = PassComment(at + 1);
+    }
+}
+
+// One blank before a token is the rule within a line.
+[[gnu::always_inline]] inline eTokenBegin FindToken(const char* at, int line) {
+    at += *at == ' ';
+    return IsIn(kGap, *at) ? PassGap(at, line) : eTokenBegin{at, line};
+}
+
+// A decimal number, its value known from its digits. Returns its end, null if there is none.
+[[gnu::always_inline]] inline const char* CutPlainNumber(const char* begin, eLexeme* number) {
+    if (!IsDigit(begin[*begin == '-']))
+        return nullptr;
+    const char* const end = CutNumber(begin, number);
+    return number->exact && *end != 'x' ? end : nullptr;
+}
+
+} // namespace xSDL
+
+[[gnu::always_inline]] inline void eSDLParser::Remember() {
+    previous.token.type = current.token.type;
+    previous.token.floatValue = current.token.floatValue;
+    previous.token.intValue = current.token.intValue;
+    previous.line = current.line;
+    previous.position = current.position;
+    previousText.source = currentText.source;
+    previousText.home = eTokenText::Source;
+    if (currentText.home == eTokenText::Own || (watched && !xSDL::SameText(current.token.text, currentText.source)))
+        RememberText();
+}
+
+// Makes a token of the characters from `begin` to `end` the current one and goes on reading at `next`.
+[[gnu::always_inline]] inline void eSDLParser::Accept(eSDLParserLexType type, int line, const char* begin,
+                                                      const char* end, const char* next) {
+    Remember();
+    current.token.type = type;
+    current.line = line;
+    current.position = next;
+    currentText = {{begin, static_cast<std::size_t>(end - begin)}, eTokenText::Source};
+    if (watched)
+        FillText();
+}
+
+inline void eSDLParser::ForgetPrevious() {
+    previous.line = 1;
+    previous.position = nullptr;
+}
+
+[[gnu::always_inline]] inline void eSDLParser::SetInt(int value) {
+    current.token.intValue = value;
+    current.token.floatValue = static_cast<float>(value);
+}
+
+[[gnu::always_inline]] inline xSDL::eTokenBegin eSDLParser::FindToken() const {
+    return xSDL::FindToken(current.position, current.line);
+}
+
+[[gnu::always_inline]] inline bool eSDLParser::CutPlainInt(xSDL::eTokenBegin begin) {
+    xSDL::eLexeme number;
+    const char* const end = xSDL::CutPlainNumber(begin.at, &number);
+    if (!end || number.type != sdlInt)
+        return false;
+    Accept(sdlInt, begin.line, begin.at, end, end);
+    SetInt(xSDL::NearestInt(number.digits, *begin.at == '-'));
+    return true;
+}
+
+// A number of either kind.
+[[gnu::always_inline]] inline bool eSDLParser::CutPlainNumber(xSDL::eTokenBegin begin) {
+    xSDL::eLexeme number;
+    const char* const end = xSDL::CutPlainNumber(begin.at, &number);
+    if (!end)
+        return false;
+    if (number.type == sdlInt) {
+        Accept(sdlInt, begin.line, begin.at, end, end);
+        SetInt(xSDL::NearestInt(number.digits, *begin.at == '-'));
+        return true;
+    }
+    float value;
+    if (!xSDL::DecimalToFloat(number.digits, number.exponent, *begin.at == '-', &value))
+        return false;
+    Accept(sdlFloat, begin.line, begin.at, end, end);
+    current.token.floatValue = value;
+    current.token.intValue = xSDL::TruncateToInt(value);
+    return true;
+}
+
+// A string without a backslash.
+[[gnu::always_inline]] inline bool eSDLParser::CutPlainString(xSDL::eTokenBegin begin) {
+    if (*begin.at != '"')
+        return false;
+    const char* const end = xSDL::PassStringBody(begin.at + 1);
+    if (*end != '"')
+        return false;
+    Accept(sdlString, begin.line, begin.at + 1, end, end + 1);
+    return true;
+}
+
+// An identifier or a keyword of the table.
+[[gnu::always_inline]] inline bool eSDLParser::CutWord(xSDL::eTokenBegin begin, const eSDLKeyword* table) {
+    if (!xSDL::IsIn(xSDL::kWordBegin, *begin.at))
+        return false;
+    const char* const end = xSDL::PassIdent(begin.at + 1);
+    const int id = table ? eSDLKeyword::FindIn(table, begin.at, static_cast<std::size_t>(end - begin.at)) : 0;
+    Accept(id != 0 ? sdlKeyword : sdlIdent, begin.line, begin.at, end, end);
+    if (id != 0)
+        current.token.intValue = id;
+    return true;
+}
+
+// A block start without a mark.
+[[gnu::always_inline]] inline bool eSDLParser::CutPlainBlockStart(xSDL::eTokenBegin begin) {
+    if (begin.at[0] != '{' || begin.at[1] == '#')
+        return false;
+    Accept(sdlBlockStart, begin.line, nullptr, nullptr, begin.at + 1);
+    return true;
+}
+
+[[gnu::always_inline]] inline bool eSDLParser::CutBlockEnd(xSDL::eTokenBegin begin) {
+    if (*begin.at != '}')
+        return false;
+    Accept(sdlBlockEnd, begin.line, nullptr, nullptr, begin.at + 1);
+    return true;
+}
+
+// The character that the next token begins with, when it tells by itself what that token is to a reader; 0 otherwise.
+// A plain one leaves the state that cutting it and going back would leave.
+[[gnu::always_inline]] inline char eSDLParser::SeePlainToken() {
+    const char* const begin = FindToken().at;
+    if (!xSDL::IsIn(xSDL::kPlainBegin, *begin) || (begin[0] == '{' && begin[1] == '#'))
+        return 0;
+    ForgetPrevious();
+    return *begin;
+}
