@@ -20,7 +20,7 @@ class eStream;
 namespace xSDL {
 struct eLexeme;
 struct eTokenBegin;
-}
+} // namespace xSDL
 
 // Kinds of token of an SDL text.
 enum eSDLParserLexType : int {

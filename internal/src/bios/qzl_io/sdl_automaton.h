@@ -180,8 +180,8 @@ struct eLexeme {
     const char* begin = nullptr; // its text in the source, from the first to the last character kept
     std::size_t length = 0;
 
-    // Left to sdl_lexer.h. Of numbers: all digits as one integer, the power of ten to take it times, and whether the two
-    // tell the whole value. Of strings: whether a backslash occurs.
+    // Left to sdl_lexer.h. Of numbers: all digits as one integer, the power of ten to take it times, and whether the
+    // two tell the whole value. Of strings: whether a backslash occurs.
     unsigned long long digits = 0;
     int exponent = 0;
     bool exact = false;

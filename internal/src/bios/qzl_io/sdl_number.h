@@ -33,9 +33,9 @@ inline float TextToFloat(std::string_view text) {
 
 // The float nearest to digits * 10^exponent where two roundings find it; false where they may not.
 //
-// Both numbers are doubles without error, so the quotient or product is the nearest double. Rounding that again gives the
-// nearest float unless it lies in the middle between two floats, where the true value may be on either side. All values
-// are far from the ends of a float's range.
+// Both numbers are doubles without error, so the quotient or product is the nearest double. Rounding that again gives
+// the nearest float unless it lies in the middle between two floats, where the true value may be on either side. All
+// values are far from the ends of a float's range.
 inline bool DecimalToFloat(unsigned long long digits, int exponent, bool negative, float* value) {
     static constexpr double kPower[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                         1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};

@@ -472,7 +472,8 @@ eSDLParserLexType eSDLReader::Next() {
 // Next where a word is expected.
 eSDLParserLexType eSDLReader::NextWord() {
     eSDLParser& parser = *parsers.back();
-    return parser.CutWord(parser.FindToken(), keywords.empty() ? nullptr : keywords.back()) ? parser.current.token.type : Next();
+    return parser.CutWord(parser.FindToken(), keywords.empty() ? nullptr : keywords.back()) ? parser.current.token.type
+                                                                                            : Next();
 }
 
 // Takes the mark of the block that has just started. False when the block is hidden.
