@@ -144,6 +144,7 @@ private:
     bool Cut();
     bool CutAny(xSDL::eTokenBegin begin);
     xSDL::eTokenBegin FindToken() const;
+    const char* PassPlainNumber(const char* begin, xSDL::eLexeme* number) const;
     bool CutPlainInt(xSDL::eTokenBegin begin);
     bool CutPlainNumber(xSDL::eTokenBegin begin);
     bool CutPlainString(xSDL::eTokenBegin begin);

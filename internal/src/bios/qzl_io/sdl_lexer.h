@@ -40,8 +40,17 @@ inline const char* CutExponent(const char* begin, eLexeme* token) {
     return at;
 }
 
+// The rest of a number whose digits and point have been passed.
+[[gnu::always_inline]] inline const char* CutFromDigits(const char* begin, const char* at, bool takesExponent,
+                                                        eLexeme* token) {
+    if ((*at | 0x20) == 'e' && takesExponent)
+        at = CutExponent(at + 1, token);
+    SetText(token, begin, at);
+    return at;
+}
+
 // A number from its first character on, a sign included.
-[[gnu::always_inline]] inline const char* CutNumber(const char* begin, eLexeme* token) {
+inline const char* CutNumber(const char* begin, eLexeme* token) {
     const char* const first = begin + (*begin == '-' || *begin == '+');
     const char* at = PassDigits(first, &token->digits);
     std::ptrdiff_t digits = at - first;
@@ -56,10 +65,36 @@ inline const char* CutExponent(const char* begin, eLexeme* token) {
         takesExponent = true;
     }
     token->exact = digits <= kExactDigits;
-    if ((*at == 'e' || *at == 'E') && takesExponent)
-        at = CutExponent(at + 1, token);
-    SetText(token, begin, at);
-    return at;
+    return CutFromDigits(begin, at, takesExponent, token);
+}
+
+// The same for a number of less than 16 digits and point, behind as many characters. Null for any other.
+[[gnu::always_inline]] inline const char* CutShortNumber(const char* begin, eLexeme* token) {
+    static constexpr std::uint64_t kPower[] = {
+        1,         10,         100,         1000,         10000,         100000,         1000000,        10000000,
+        100000000, 1000000000, 10000000000, 100000000000, 1000000000000, 10000000000000, 100000000000000};
+    const char* const first = begin + (*begin == '-');
+    unsigned others = Mask(IsDigit(Load16(first))) ^ 0xFFFFu;
+    if (others == 0 || (others & 1) != 0)
+        return nullptr;
+    const auto digits = static_cast<unsigned>(std::countr_zero(others));
+    const char* at = first + digits;
+    bool takesExponent = *begin != '0' || digits > 1;
+    token->type = sdlInt;
+    token->exact = true;
+    token->digits = DigitsBefore(at, digits);
+    if (*at == '.') {
+        others &= others - 1;
+        if (others == 0)
+            return nullptr;
+        at = first + std::countr_zero(others);
+        const unsigned decimals = static_cast<unsigned>(std::countr_zero(others)) - digits - 1;
+        token->digits = token->digits * kPower[decimals] + DigitsBefore(at, decimals);
+        token->type = sdlFloat;
+        token->exponent = -static_cast<int>(decimals);
+        takesExponent = true;
+    }
+    return CutFromDigits(begin, at, takesExponent, token);
 }
 
 inline const char* CutHex(const char* begin, eLexeme* token) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <emmintrin.h>
 #include <iterator>
 #include <limits>
 #include <string_view>
@@ -11,12 +13,12 @@
 // Number texts of SDL tokens, as the lexer has found them to be, to values.
 namespace xSDL {
 
-// The nearest int of a decimal integer that fits into 64 bits.
+// The nearest int of a decimal integer that fits into 64 bits. Signs cannot be predicted, so none of this is a branch.
 inline int NearestInt(unsigned long long digits, bool negative) {
     constexpr auto kMax = static_cast<unsigned long long>(std::numeric_limits<int>::max());
-    if (digits > kMax)
-        return negative ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
-    return negative ? -static_cast<int>(digits) : static_cast<int>(digits);
+    const unsigned sign = negative;
+    const auto magnitude = static_cast<unsigned>(std::min(digits, kMax + sign));
+    return static_cast<int>((magnitude ^ (0 - sign)) + sign);
 }
 
 inline int TextToInt(std::string_view text) {
@@ -29,6 +31,10 @@ inline float TextToFloat(std::string_view text) {
     float value = 0;
     _FromString(&value, text.data(), text.data() + text.size());
     return value;
+}
+
+inline float WithSign(float magnitude, bool negative) {
+    return std::bit_cast<float>(std::bit_cast<std::uint32_t>(magnitude) | (std::uint32_t{negative} << 31));
 }
 
 // The float nearest to digits * 10^exponent where two roundings find it; false where they may not.
@@ -48,14 +54,14 @@ inline bool DecimalToFloat(unsigned long long digits, int exponent, bool negativ
     const double nearest = exponent < 0 ? whole / kPower[-exponent] : whole * kPower[exponent];
     if ((std::bit_cast<std::uint64_t>(nearest) & kBeyondFloat) == kMiddle)
         return false;
-    *value = static_cast<float>(negative ? -nearest : nearest);
+    *value = WithSign(static_cast<float>(nearest), negative);
     return true;
 }
 
-// Without its fraction, within an int. Values of 2147483648 and more, and NaN, give the smallest int.
+// Without its fraction, within an int. Values of 2147483648 and more, and NaN, give the smallest int, which is what the
+// processor's own conversion gives for all that does not fit.
 inline int TruncateToInt(float value) {
-    constexpr float kLimit = 2147483648.0f;
-    return value > -kLimit && value < kLimit ? static_cast<int>(value) : std::numeric_limits<int>::min();
+    return _mm_cvttss_si32(_mm_set_ss(value));
 }
 
 } // namespace xSDL

@@ -73,14 +73,6 @@ struct eTokenBegin {
     return IsIn(kGap, *at) ? PassGap(at, line) : eTokenBegin{at, line};
 }
 
-// A decimal number, its value known from its digits. Returns its end, null if there is none.
-[[gnu::always_inline]] inline const char* CutPlainNumber(const char* begin, eLexeme* number) {
-    if (!IsDigit(begin[*begin == '-']))
-        return nullptr;
-    const char* const end = CutNumber(begin, number);
-    return number->exact && *end != 'x' ? end : nullptr;
-}
-
 } // namespace xSDL
 
 [[gnu::always_inline]] inline void eSDLParser::Remember() {
@@ -121,9 +113,17 @@ inline void eSDLParser::ForgetPrevious() {
     return xSDL::FindToken(current.position, current.line);
 }
 
+// A short decimal number, its value known from its digits. Returns its end, null if there is none.
+[[gnu::always_inline]] inline const char* eSDLParser::PassPlainNumber(const char* begin, xSDL::eLexeme* number) const {
+    if (begin - text.data() < 16)
+        return nullptr;
+    const char* const end = xSDL::CutShortNumber(begin, number);
+    return end && number->exact && *end != 'x' ? end : nullptr;
+}
+
 [[gnu::always_inline]] inline bool eSDLParser::CutPlainInt(xSDL::eTokenBegin begin) {
     xSDL::eLexeme number;
-    const char* const end = xSDL::CutPlainNumber(begin.at, &number);
+    const char* const end = PassPlainNumber(begin.at, &number);
     if (!end || number.type != sdlInt)
         return false;
     Accept(sdlInt, begin.line, begin.at, end, end);
@@ -134,7 +134,7 @@ inline void eSDLParser::ForgetPrevious() {
 // A number of either kind.
 [[gnu::always_inline]] inline bool eSDLParser::CutPlainNumber(xSDL::eTokenBegin begin) {
     xSDL::eLexeme number;
-    const char* const end = xSDL::CutPlainNumber(begin.at, &number);
+    const char* const end = PassPlainNumber(begin.at, &number);
     if (!end)
         return false;
     if (number.type == sdlInt) {

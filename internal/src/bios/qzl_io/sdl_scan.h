@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -144,16 +146,15 @@ inline int CountLineFeeds(const char* begin, const char* end) {
     return static_cast<int>(count);
 }
 
-// How many of the eight characters, from the first on, are digits.
-inline unsigned LeadingDigits(std::uint64_t characters) {
+// The highest bit of each of the eight characters that is no digit.
+inline std::uint64_t OtherThanDigits(std::uint64_t characters) {
     const std::uint64_t values = characters ^ 0x3030303030303030u;
-    const std::uint64_t others = ((values + 0x7676767676767676u) | values) & 0x8080808080808080u;
-    return static_cast<unsigned>(std::countr_zero(others)) / 8;
+    return ((values + 0x7676767676767676u) | values) & 0x8080808080808080u;
 }
 
-// The number that the first `count` (1 to 8) characters, all digits, spell.
-inline std::uint64_t DigitsToNumber(std::uint64_t characters, unsigned count) {
-    std::uint64_t value = (characters << (64 - 8 * count)) & 0x0F0F0F0F0F0F0F0Fu;
+// The number that eight digits spell.
+inline std::uint64_t DigitsToNumber(std::uint64_t characters) {
+    std::uint64_t value = characters & 0x0F0F0F0F0F0F0F0Fu;
     value = (value * 2561) >> 8;
     value = ((value & 0x00FF00FF00FF00FFu) * 6553601) >> 16;
     return ((value & 0x0000FFFF0000FFFFu) * 42949672960001u) >> 32;
@@ -161,17 +162,36 @@ inline std::uint64_t DigitsToNumber(std::uint64_t characters, unsigned count) {
 
 // Digits; their number is appended to *value, modulo 2^64.
 inline const char* PassDigits(const char* at, unsigned long long* value) {
-    static constexpr std::uint64_t kPower[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+    static constexpr std::uint64_t kPower[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
     for (;;) {
         const std::uint64_t characters = Load8(at);
-        const unsigned count = LeadingDigits(characters);
-        if (count == 0)
-            return at;
-        *value = *value * kPower[count] + DigitsToNumber(characters, count);
-        at += count;
-        if (count < 8)
-            return at;
+        if (const std::uint64_t others = OtherThanDigits(characters)) [[likely]] {
+            const int bits = std::countr_zero(others) & ~7; // of the digits before
+            if (bits == 0)
+                return at;
+            *value = *value * kPower[bits / 8] + DigitsToNumber(characters << (64 - bits));
+            return at + bits / 8;
+        }
+        *value = *value * 100000000 + DigitsToNumber(characters);
+        at += 8;
     }
+}
+
+// The number that the digits before `end` spell, at most 16 of them. Reads 16 bytes there.
+inline std::uint64_t DigitsBefore(const char* end, unsigned count) {
+    alignas(16) static constexpr std::array<unsigned char, 32> kKeep = [] {
+        std::array<unsigned char, 32> keep{};
+        std::fill(keep.begin() + 16, keep.end(), static_cast<unsigned char>(0x0F));
+        return keep;
+    }();
+    const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep.data() + count));
+    const __m128i ones = _mm_and_si128(Load16(end - 16), keep);
+    const __m128i tens = _mm_mullo_epi16(_mm_and_si128(ones, _mm_set1_epi16(0xFF)), _mm_set1_epi16(10));
+    const __m128i pairs = _mm_add_epi16(tens, _mm_srli_epi16(ones, 8));
+    const __m128i fours = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 100));
+    const __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), _mm_set1_epi32(1 << 16 | 10000));
+    const auto halves = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eights));
+    return (halves & 0xFFFFFFFFu) * 100000000 + (halves >> 32);
 }
 
 } // namespace xSDL
