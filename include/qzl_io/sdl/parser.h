@@ -168,6 +168,7 @@ private:
     std::string_view Text() const;
     const std::string& FilledText() const;
     void FillText() const;
+    void CopyText() const;
     std::string& OwnText() const;
     eSDLParserToken& WatchedToken() const;
     // The state to which Back returns, its text in place.

@@ -38,6 +38,13 @@ std::size_t RemainingSize(const IO::eStream& stream) {
     return size > position ? static_cast<std::size_t>(size - position) : 0;
 }
 
+// What a stream over memory holds from its position on; null for any other stream.
+const char* InMemory(const IO::eStream& stream) {
+    if (!dynamic_cast<const IO::eBufferStream*>(&stream) && !dynamic_cast<const IO::eMemoryStream*>(&stream))
+        return nullptr;
+    return reinterpret_cast<const char*>(stream.Buffer() + stream.Position());
+}
+
 } // namespace
 
 eSDLCipher::~eSDLCipher() = default;
@@ -87,6 +94,11 @@ eSDLParser::~eSDLParser() {
 
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
     text.reserve(size + xSDL::kTextEnd);
+    if (const char* const content = InMemory(stream); content && size > 0) {
+        text.append(content, size);
+        stream.Skip(size);
+        return EndText();
+    }
     for (std::size_t done = 0; done < size;) {
         const std::size_t piece = std::min(size - done, kPiece);
         text.resize(done + piece);
@@ -265,12 +277,8 @@ const std::string& eSDLParser::FilledText() const {
     return current.token.text;
 }
 
-[[gnu::noinline]] void eSDLParser::FillText() const {
-    if (currentText.source.empty())
-        current.token.text.clear();
-    else
-        current.token.text.assign(currentText.source);
-    currentText.home = eTokenText::Copied;
+[[gnu::noinline]] void eSDLParser::CopyText() const {
+    current.token.text.assign(currentText.source);
 }
 
 std::string& eSDLParser::OwnText() const {

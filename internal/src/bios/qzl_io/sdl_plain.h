@@ -87,6 +87,14 @@ struct eTokenBegin {
         RememberText();
 }
 
+[[gnu::always_inline]] inline void eSDLParser::FillText() const {
+    if (currentText.source.empty())
+        current.token.text.clear();
+    else
+        CopyText();
+    currentText.home = eTokenText::Copied;
+}
+
 // Makes a token of the characters from `begin` to `end` the current one and goes on reading at `next`.
 [[gnu::always_inline]] inline void eSDLParser::Accept(eSDLParserLexType type, int line, const char* begin,
                                                       const char* end, const char* next) {
