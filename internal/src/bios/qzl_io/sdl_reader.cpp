@@ -383,11 +383,11 @@ bool eSDLReader::SkipInSource(int* depth) {
     eSDLParser& parser = Parser();
     const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
     *depth = skimmed.depth;
-    if (skimmed.marks > 1)
-        blockMark = skimmed.markBefore;
-    if (skimmed.marks > 0) {
+    if (skimmed.startBefore)
+        blockMark = xSDL::MarkOf(skimmed.startBefore);
+    if (skimmed.lastStart) {
         previousBlockMark.swap(blockMark);
-        blockMark = skimmed.lastMark;
+        blockMark = xSDL::MarkOf(skimmed.lastStart);
     }
     if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1)
         return false;

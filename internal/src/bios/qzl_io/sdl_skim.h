@@ -17,19 +17,24 @@ enum class eSkimEnd {
 
 struct eSkimmed {
     eSkimEnd end = eSkimEnd::EndOfText;
-    const char* stop = nullptr;   // the terminator, or the character that the lexer would stop at
-    const char* anchor = nullptr; // a place from which cutting tokens gives the last ones before `stop`
-    int depth = 0;                // of blocks open at `stop`
-    int marks = 0;                // how many of the next two are set
-    std::string_view lastMark;    // of the last block start, without its first #
-    std::string_view markBefore;  // of the one before
+    const char* stop = nullptr;        // the terminator, or the character that the lexer would stop at
+    const char* anchor = nullptr;      // a place from which cutting tokens gives the last ones before `stop`
+    int depth = 0;                     // of blocks open at `stop`
+    const char* lastStart = nullptr;   // the { of the last block start, null if there was none
+    const char* startBefore = nullptr; // that of the one before
 };
+
+// The mark of the block that starts with the brace, without its first #.
+inline std::string_view MarkOf(const char* brace) {
+    eLexeme mark;
+    CutMark(brace + 1, &mark);
+    return mark.length == 0 ? std::string_view() : std::string_view(mark.begin + 1, mark.length - 1);
+}
 
 // Letters, digits and whatever else means nothing to a block's nesting and is no error wherever a token may begin.
 inline __m128i IsPlain(__m128i bytes) {
-    const __m128i words = Or(IsLetter(bytes), IsFrom(bytes, '/', '9'));
-    const __m128i signs = Or(Or(IsFrom(bytes, '*', '+'), Is(bytes, '-')), Is(bytes, '%'));
-    return Or(Or(words, IsBlank(bytes)), signs);
+    const __m128i numbers = _mm_andnot_si128(Or(Is(bytes, ','), Is(bytes, '.')), IsFrom(bytes, '*', '9'));
+    return Or(Or(IsLetter(bytes), numbers), Or(IsBlank(bytes), Is(bytes, '%')));
 }
 
 // One pass over a block. Only strings, comments and block starts are looked at by their characters; between them the
@@ -116,15 +121,11 @@ private:
     }
 
     bool PassMark() {
-        eLexeme mark;
-        const char* const end = CutMark(at + 1, &mark);
         ++skimmed.depth;
-        skimmed.markBefore = skimmed.lastMark;
-        skimmed.lastMark = {mark.begin, mark.length};
-        if (mark.length > 0)
-            skimmed.lastMark.remove_prefix(1);
-        skimmed.marks = std::min(skimmed.marks + 1, 2);
-        return PassToken(end);
+        skimmed.startBefore = skimmed.lastStart;
+        skimmed.lastStart = at;
+        eLexeme mark;
+        return PassToken(at[1] == '#' ? CutMark(at + 1, &mark) : at + 1);
     }
 
     bool PassString() {
@@ -142,7 +143,10 @@ private:
         const char* digits = at;
         while (digits > boundary && Has(stInteger, digits[-1]))
             --digits;
-        if (digits == at || (digits > boundary && !Has(stBetween, digits[-1])))
+        if (digits == at)
+            return PassPointByTokens();
+        digits -= digits > boundary && (digits[-1] == '-' || digits[-1] == '+');
+        if (digits > boundary && !Has(stBetween, digits[-1]))
             return PassPointByTokens();
         ++at;
         return true;
