@@ -152,23 +152,26 @@ bool eSDLParser::Cut() {
     const xSDL::eTokenBegin begin = FindToken();
     escaped = false;
     bool cut = false;
-    switch (xSDL::kTokenBegin[static_cast<unsigned char>(*begin.at)]) {
-    case xSDL::stIdent:
+    switch (xSDL::Begins(*begin.at)) {
+    case xSDL::eBegins::Word:
         cut = CutWord(begin, keywords->empty() ? nullptr : keywords->back());
         break;
-    case xSDL::stInteger:
-    case xSDL::stZero:
-    case xSDL::stSign:
+    case xSDL::eBegins::Number:
         cut = CutPlainNumber(begin);
         break;
-    case xSDL::stString:
+    case xSDL::eBegins::String:
         cut = CutPlainString(begin);
         break;
-    case xSDL::stBrace:
+    case xSDL::eBegins::BlockStart:
         cut = CutPlainBlockStart(begin);
         break;
-    default:
+    case xSDL::eBegins::BlockEnd:
         cut = CutBlockEnd(begin);
+        break;
+    case xSDL::eBegins::Gap:
+    case xSDL::eBegins::Operator:
+    case xSDL::eBegins::Other:
+        break;
     }
     return cut || CutAny(begin);
 }

@@ -11,45 +11,50 @@
 // either does what eSDLParser::Cut would do, or returns false and leaves everything as it is for Cut to do.
 namespace xSDL {
 
-using eByteSet = std::array<bool, 256>;
+// What a character begins between tokens.
+enum class eBegins : unsigned char {
+    Gap, // nothing: it is a blank, or begins a comment
+    Word,
+    Number, // or an operator
+    String,
+    BlockStart,
+    BlockEnd,
+    Operator,
+    Other // the ( and ) of a control block, an error, the end of the text
+};
 
-constexpr bool IsIn(const eByteSet& set, char c) {
-    return set[static_cast<unsigned char>(c)];
+constexpr eBegins FindBegins(const eStep& step) {
+    switch (step.to) {
+    case stBetween:
+    case stComment:
+        return eBegins::Gap;
+    case stIdent:
+        return eBegins::Word;
+    case stInteger:
+    case stZero:
+    case stSign:
+        return eBegins::Number;
+    case stString:
+        return eBegins::String;
+    case stBrace:
+        return eBegins::BlockStart;
+    default:
+        return step.type == sdlBlockEnd   ? eBegins::BlockEnd
+               : step.type == sdlOperator ? eBegins::Operator
+                                          : eBegins::Other;
+    }
 }
 
-// What stands between tokens: a blank or the beginning of a comment.
-inline constexpr eByteSet kGap = [] {
-    eByteSet set{};
-    for (std::size_t c = 0; c < set.size(); ++c)
-        set[c] = kAutomaton[stBetween][c].to == stBetween || kAutomaton[stBetween][c].to == stComment;
-    return set;
+inline constexpr std::array<eBegins, 256> kBegins = [] {
+    std::array<eBegins, 256> begins{};
+    for (std::size_t c = 0; c < begins.size(); ++c)
+        begins[c] = FindBegins(kAutomaton[stBetween][c]);
+    return begins;
 }();
 
-// What a token begins with, by the states that the automaton enters with it.
-inline constexpr std::array<eLexerState, 256> kTokenBegin = [] {
-    std::array<eLexerState, 256> states{};
-    for (std::size_t c = 0; c < states.size(); ++c)
-        states[c] = kAutomaton[stBetween][c].to;
-    return states;
-}();
-
-inline constexpr eByteSet kWordBegin = [] {
-    eByteSet set{};
-    for (std::size_t c = 0; c < set.size(); ++c)
-        set[c] = kAutomaton[stBetween][c].to == stIdent;
-    return set;
-}();
-
-// What begins a token that a reader delivers, unless it is a block start with a mark.
-inline constexpr eByteSet kPlainBegin = [] {
-    eByteSet set{};
-    for (std::size_t c = 0; c < set.size(); ++c) {
-        const eStep& step = kAutomaton[stBetween][c];
-        const bool ends = step.to == stAccept;
-        set[c] = ends ? step.type == sdlBlockEnd || step.type == sdlOperator : !kGap[c];
-    }
-    return set;
-}();
+constexpr eBegins Begins(char c) {
+    return kBegins[static_cast<unsigned char>(c)];
+}
 
 // Where a token begins, and its line.
 struct eTokenBegin {
@@ -70,7 +75,7 @@ struct eTokenBegin {
 // One blank before a token is the rule within a line.
 [[gnu::always_inline]] inline eTokenBegin FindToken(const char* at, int line) {
     at += *at == ' ';
-    return IsIn(kGap, *at) ? PassGap(at, line) : eTokenBegin{at, line};
+    return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
 }
 
 } // namespace xSDL
@@ -172,7 +177,7 @@ inline void eSDLParser::ForgetPrevious() {
 
 // An identifier or a keyword of the table.
 [[gnu::always_inline]] inline bool eSDLParser::CutWord(xSDL::eTokenBegin begin, const eSDLKeyword* table) {
-    if (!xSDL::IsIn(xSDL::kWordBegin, *begin.at))
+    if (xSDL::Begins(*begin.at) != xSDL::eBegins::Word)
         return false;
     const char* const end = xSDL::PassIdent(begin.at + 1);
     const int id = table ? eSDLKeyword::FindIn(table, begin.at, static_cast<std::size_t>(end - begin.at)) : 0;
@@ -201,7 +206,7 @@ inline void eSDLParser::ForgetPrevious() {
 // A plain one leaves the state that cutting it and going back would leave.
 [[gnu::always_inline]] inline char eSDLParser::SeePlainToken() {
     const char* const begin = FindToken().at;
-    if (!xSDL::IsIn(xSDL::kPlainBegin, *begin) || (begin[0] == '{' && begin[1] == '#'))
+    if (xSDL::Begins(*begin) == xSDL::eBegins::Other || (begin[0] == '{' && begin[1] == '#'))
         return 0;
     ForgetPrevious();
     return *begin;
