@@ -69,9 +69,7 @@ struct eDecimal {
     int count = 0;
     int exponent = 0;
 
-    std::string_view Digits(int from, int to) const {
-        return {digits.data() + from, static_cast<std::size_t>(to - from)};
-    }
+    std::string_view Digits() const { return {digits.data(), static_cast<std::size_t>(count)}; }
 };
 
 eDecimal ShortestDecimal(float value) {
@@ -138,7 +136,7 @@ eFewPlaces FewestPlaces(float value) {
 }
 
 char* PutWithExponent(char* out, const eDecimal& decimal) {
-    out = PutView(out, decimal.Digits(0, decimal.count));
+    out = PutView(out, decimal.Digits());
     *out++ = 'e';
     return PutInteger(out, decimal.exponent, 10);
 }
@@ -148,18 +146,13 @@ int LengthWithExponent(const eDecimal& decimal) {
     return decimal.count + 1 + (decimal.exponent < 0 ? 1 : 0) + (magnitude < 10 ? 1 : 2);
 }
 
+// A value below 1: from there up to kExactIntegersEnd eight places tell any two floats apart.
 char* PutFraction(char* out, const eDecimal& decimal) {
-    const int whole = decimal.count + decimal.exponent;
-    if (whole > 0) {
-        out = PutView(out, decimal.Digits(0, whole));
-        *out++ = '.';
-        return PutView(out, decimal.Digits(whole, decimal.count));
-    }
     if (LengthWithExponent(decimal) < 2 - decimal.exponent)
         return PutWithExponent(out, decimal);
     out = PutView(out, "0.");
-    out = std::fill_n(out, -whole, '0');
-    return PutView(out, decimal.Digits(0, decimal.count));
+    out = std::fill_n(out, -decimal.exponent - decimal.count, '0');
+    return PutView(out, decimal.Digits());
 }
 
 // An integer below kExactIntegersEnd.
