@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -175,6 +176,24 @@ TEST(DiagnosticStack, AnEntryMayEndOthersWhileItIsDescribed) {
     eEnder ender;
     ender.other = std::move(outer);
     EXPECT_EQ("ender\n", Context());
+}
+
+TEST(DiagnosticStack, AnotherThreadsEntryIsNotTakenForAnEndedOneAtItsAddress) {
+    class eReplacer : public xDebug::eStackEntry {
+    public:
+        explicit eReplacer(std::optional<ePlace>& theOther) : other(theOther) {}
+        std::string DSE_Title() const override {
+            other.reset();
+            std::thread([this] { other.emplace("foreign", "", ""); }).join();
+            return "replacer";
+        }
+
+    private:
+        std::optional<ePlace>& other;
+    };
+    std::optional<ePlace> outer(std::in_place, "outer", "", "");
+    const eReplacer replacer(outer);
+    EXPECT_EQ("replacer\n", Context());
 }
 
 TEST(DiagnosticStack, AnEntryMayLeaveWhileItIsDescribed) {

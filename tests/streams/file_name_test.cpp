@@ -79,6 +79,14 @@ TYPED_TEST(FileNames, MovingLeavesTheOtherEmpty) {
     EXPECT_TRUE(taken.empty());
 }
 
+TYPED_TEST(FileNames, MovedOntoThemselvesKeepTheirText) {
+    for (const char* text : {"a", "some/where/that/is/long/enough"}) {
+        TypeParam name(T<TypeParam>(text));
+        name = std::move(*&name);
+        EXPECT_EQ(name.str(), T<TypeParam>(text));
+    }
+}
+
 TYPED_TEST(FileNames, PathAddsOneSlashAndUnpathRemovesOne) {
     using N = TypeParam;
     struct eRow {
@@ -244,4 +252,10 @@ TEST(FileName, OnAStreamIsATextAndKeepsBackSlashesUntilAssigned) {
     EXPECT_EQ(target.str(), "c/d");
     second = *&second;
     EXPECT_EQ(second.str(), "c/d");
+    eFileName again;
+    stream.Seek(4, IO::eSeekDir::Begin);
+    stream >> again;
+    target = static_cast<const eFileNameBase<char>&>(again);
+    EXPECT_EQ(again.str(), "c\\d");
+    EXPECT_EQ(target.str(), "c/d");
 }

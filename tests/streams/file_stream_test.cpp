@@ -44,6 +44,25 @@ IO::eFileStreamW& MarkW(IO::eFileStreamW& stream) {
     return stream;
 }
 
+// For a file that is not there before the third report.
+template <class Stream, class Name>
+void ExpectOpenErrorsUntilItOpens(const eTempFolder& folder, const std::string& title) {
+    const std::string name = folder.Name(title);
+    int reports = 0;
+    auto previous = xError::SetErrorHandler([&](const xError::eReport& report) {
+        EXPECT_EQ(report.message, name + " - open error!");
+        EXPECT_EQ(report.file, "internal/src/bios/qzl_io/stream_file");
+        if (++reports == 3)
+            folder.Write(title, "abc");
+    });
+    Stream stream(Name(typename Name::eText(name.begin(), name.end())), Mode::Read | Mode::Errors);
+    xError::SetErrorHandler(std::move(previous));
+    EXPECT_EQ(reports, 3);
+    EXPECT_TRUE(stream.IsOpen());
+    EXPECT_TRUE(stream.Disabled(Mode::Failed));
+    EXPECT_EQ(stream.GetChar(), 'a');
+}
+
 // Shows what the base asks of the classes that name files.
 class eRecordingFile : public IO::eFileStreamBase {
 public:
@@ -112,19 +131,8 @@ TEST(FileStream, WriteCreatesAndCreateCuts) {
 
 TEST(FileStream, AnOpenErrorIsReportedAndTriedAgain) {
     const eTempFolder folder;
-    int reports = 0;
-    auto previous = xError::SetErrorHandler([&](const xError::eReport& report) {
-        EXPECT_EQ(report.message, folder.Name("late") + " - open error!");
-        EXPECT_EQ(report.file, "internal/src/bios/qzl_io/stream_file");
-        if (++reports == 3)
-            folder.Write("late", "abc");
-    });
-    IO::eFileStream narrow(folder.Name("late"), Mode::Read | Mode::Errors);
-    EXPECT_EQ(reports, 3);
-    EXPECT_TRUE(narrow.IsOpen());
-    EXPECT_TRUE(narrow.Disabled(Mode::Failed));
-    EXPECT_EQ(narrow.GetChar(), 'a');
-    xError::SetErrorHandler(previous);
+    ExpectOpenErrorsUntilItOpens<IO::eFileStream, eFileName>(folder, "narrow");
+    ExpectOpenErrorsUntilItOpens<IO::eFileStreamW, eFileNameW>(folder, "wide");
 }
 
 TEST(FileStream, AnOpenErrorThatThrowsLeavesTheStreamFailed) {
@@ -407,6 +415,24 @@ TEST(FileStream, UnflushedBytesSurviveATransferPastTheBuffer) {
     }
 }
 
+TEST(FileStream, AWideNamedStreamTransfersPastItsBuffer) {
+    const eTempFolder folder;
+    const std::string text = Pattern(200000);
+    IO::eFileStreamW stream(folder.NameW(L"file"), kNew);
+    stream.Write("first", 5);
+    stream.Write(text.data(), text.size());
+    stream << 'l';
+    EXPECT_EQ(stream.Position(), text.size() + 6);
+    stream.Seek(3, eSeekDir::Begin);
+    std::string read(text.size() + 3, ' ');
+    stream.Read(read.data(), read.size());
+    EXPECT_TRUE(read == "st" + text + "l");
+    EXPECT_TRUE(stream.Eos());
+    EXPECT_TRUE(stream.Disabled(Mode::Bad));
+    stream.Close();
+    EXPECT_TRUE(folder.Read("file") == "first" + text + "l");
+}
+
 TEST(FileStream, ASubclassHasItsHooksCalledHoweverMuchIsRead) {
     struct eUpper : IO::eFileStream {
         using IO::eFileStream::eFileStream;
@@ -461,6 +487,20 @@ TEST(FileStream, ASeekBeforeTheStartIsReportedAndNothingIsTouchedThere) {
     EXPECT_EQ(stream.GetChar(), '0');
     stream.Close();
     EXPECT_EQ(folder.Read("file"), "0123456789");
+}
+
+TEST(FileStream, BeforeTheStartThereAreNoLines) {
+    const eTempFolder folder;
+    const eReports reports;
+    eFile stream(folder.Write("file", "0123456789"), kReadWrite | Mode::Errors);
+    stream.Seek(13, eSeekDir::End);
+    ASSERT_EQ(reports.errors().size(), 1u);
+    EXPECT_EQ(stream.GetLine(), "");
+    EXPECT_EQ(stream.GetLineLength(), 0u);
+    ASSERT_EQ(reports.errors().size(), 3u);
+    EXPECT_EQ(reports.errors()[1].message, "Attempt to read beyond the stream!");
+    EXPECT_EQ(reports.errors()[2].message, "Attempt to read beyond the stream!");
+    EXPECT_EQ(stream.Position(), 0 - 3ull);
 }
 
 TEST(FileStream, APositionBehindTheEndBecomesDataOnceWritten) {

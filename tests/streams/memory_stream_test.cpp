@@ -179,6 +179,16 @@ TYPED_TEST(MemoryStreams, ShiftLeftDropsTheFirstBytes) {
     }
 }
 
+TYPED_TEST(MemoryStreams, ShiftLeftDropsNothingWhereNothingIs) {
+    const eReports reports;
+    TypeParam without(0, 0), empty(16);
+    EXPECT_TRUE(without.ShiftLeft(0));
+    EXPECT_TRUE(empty.ShiftLeft(0));
+    EXPECT_FALSE(without.ShiftLeft(1));
+    EXPECT_FALSE(empty.ShiftLeft(1));
+    EXPECT_TRUE(reports.errors().empty());
+}
+
 TYPED_TEST(MemoryStreams, FlushRaisesTheEndToThePosition) {
     TypeParam stream;
     stream.Write("abc", 3);
@@ -231,6 +241,17 @@ TYPED_TEST(MemoryStreams, OffsetStaysZeroWhateverIsDone) {
     stream << 1;
     EXPECT_EQ(stream.Offset(), 0u);
     EXPECT_EQ(target.Offset(), 0u);
+}
+
+TEST(MemoryStream, TheLibrarysOwnClassesGrowByClearedRoom) {
+    IO::eMemoryStream stream;
+    IO::eMemoryStream_t other;
+    for (IO::eStream* grown : {static_cast<IO::eStream*>(&stream), static_cast<IO::eStream*>(&other)}) {
+        const std::string text(300, 'x');
+        grown->Write(text.data(), text.size());
+        EXPECT_EQ(Content(*grown), text);
+        EXPECT_EQ(std::count(grown->Buffer() + 300, grown->Buffer() + 512, 0), 212);
+    }
 }
 
 TEST(MemoryStream, ASeekBeforeTheStartGrowsAndReportsNothing) {
@@ -425,8 +446,24 @@ TEST(BufferStream, ItsLastByteIsPeekedAtAndReported) {
     EXPECT_TRUE(reports.errors().empty());
     EXPECT_EQ(stream.Int32(), 0x64636261);
     EXPECT_EQ(reports.errors().size(), 1u);
+    EXPECT_EQ(stream.Bytes(4), 0x64636261u);
+    EXPECT_EQ(reports.errors().size(), 2u);
+    EXPECT_EQ(stream.Position(), 0u);
     stream.Skip(3);
     EXPECT_EQ(stream.Char(), 'd');
+    EXPECT_EQ(reports.errors().size(), 3u);
+    EXPECT_EQ(stream.Position(), 3u);
+}
+
+TEST(BufferStream, BehindItsLastByteLieZeros) {
+    const eReports reports;
+    const unsigned char bytes[] = {'a', 'b', 'c'};
+    eView stream(bytes, 2, 2);
+    stream.Skip(2);
+    EXPECT_EQ(*stream.Look(1), 0);
+    EXPECT_EQ(reports.errors().size(), 1u);
+    EXPECT_EQ(stream.Position(), 2u);
+    EXPECT_EQ(*stream.Take(1), 0);
     EXPECT_EQ(reports.errors().size(), 2u);
     EXPECT_EQ(stream.Position(), 3u);
 }

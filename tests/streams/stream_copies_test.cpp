@@ -38,6 +38,21 @@ protected:
     }
 };
 
+// For a stream over "abcdef" at its third byte.
+template <class Stream>
+void ExpectKeptByAMoveOntoItself(Stream& stream) {
+    const unsigned char* const bytes = stream.Buffer();
+    const std::string state = stream.Dump();
+    const unsigned short flags = stream.Flags();
+    stream = std::move(*&stream);
+    EXPECT_TRUE(stream.IsOpen());
+    EXPECT_EQ(stream.Buffer(), bytes);
+    EXPECT_EQ(stream.Dump(), state);
+    EXPECT_EQ(stream.Flags(), flags);
+    EXPECT_EQ(Content(stream), "abcdef");
+    EXPECT_EQ(stream.GetChar(), 'c');
+}
+
 } // namespace
 
 TEST(StreamCopies, OfAMemoryStreamHaveItsStateAndItsBytes) {
@@ -119,6 +134,27 @@ TEST(StreamCopies, AMovedFromMemoryStreamIsNotOpen) {
     original = std::move(moved);
     EXPECT_EQ(Content(original), "abc");
     EXPECT_FALSE(moved.IsOpen());
+}
+
+template <class Stream>
+class MemoryMoves : public testing::Test {};
+using eBothKinds = testing::Types<eMemory, eMemoryT>;
+TYPED_TEST_SUITE(MemoryMoves, eBothKinds);
+
+TYPED_TEST(MemoryMoves, OfAMemoryStreamOntoItselfChangeNothing) {
+    TypeParam stream(16, 4);
+    stream.Write("abcdef", 6);
+    stream.Seek(2, eSeekDir::Begin);
+    ExpectKeptByAMoveOntoItself(stream);
+    stream.Overflow();
+    EXPECT_EQ(stream.BufferSize(), 20u);
+}
+
+TEST(StreamCopies, ABufferStreamMovedOntoItselfKeepsWhatItViews) {
+    const std::string text = "abcdef";
+    eView stream(text);
+    stream.Skip(2);
+    ExpectKeptByAMoveOntoItself(stream);
 }
 
 TEST(StreamCopies, OfABufferStreamAddressTheSameBytes) {
@@ -242,4 +278,23 @@ TEST(StreamCopies, AMovedFileStreamGoesOnWhereItWas) {
     EXPECT_EQ(folder.Read("file"), "ab");
     original.Open(folder.NameW(L"file"), Mode::Read);
     EXPECT_EQ(original.GetChar(), 'a');
+}
+
+TEST(StreamCopies, AFileStreamMovedOntoItselfStaysOpen) {
+    const eTempFolder folder;
+    eFile narrow(folder.Write("narrow", "abcdef"), Mode::Read | Mode::Write);
+    folder.Write("wide", "abcdef");
+    eFileW wide(folder.NameW(L"wide"), Mode::Read | Mode::Write);
+    const auto check = [](auto& stream) {
+        const int handle = stream.Handle();
+        stream.Seek(2, eSeekDir::Begin);
+        ExpectKeptByAMoveOntoItself(stream);
+        EXPECT_EQ(stream.Handle(), handle);
+        stream << 'X';
+        stream.Close();
+    };
+    check(narrow);
+    check(wide);
+    EXPECT_EQ(folder.Read("narrow"), "abcXef");
+    EXPECT_EQ(folder.Read("wide"), "abcXef");
 }

@@ -83,6 +83,25 @@ TEST(TextStream, CopiesReachOneTargetThatTheLastOwnerCloses) {
     EXPECT_EQ(folder.Read("file"), "1234");
 }
 
+TEST(TextStream, MovedOntoItselfKeepsItsTarget) {
+    const eTempFolder folder;
+    IO::eMemoryStream target;
+    {
+        IO::eTextStream lent(&target);
+        IO::eTextStream owned(eFileName(folder.Name("file")), kNew);
+        for (IO::eTextStream* text : {&lent, &owned}) {
+            const IO::eStream* const stream = &text->Stream();
+            text->WriteStr("a");
+            *text = std::move(*&*text);
+            EXPECT_EQ(&text->Stream(), stream);
+            EXPECT_EQ(text->Position(), 1u);
+            text->WriteStr("b");
+        }
+    }
+    EXPECT_EQ(Content(target), "ab");
+    EXPECT_EQ(folder.Read("file"), "ab");
+}
+
 TEST(TextStream, AMovedFromTextStreamHasNoTarget) {
     const eTempFolder folder;
     IO::eTextStream first(eFileName(folder.Name("file")), kNew);

@@ -111,6 +111,7 @@ TEST(TextValues, WideTextsAreCountedInUtf16Units) {
         {std::wstring(1, wchar_t(0xD83D)), "\1\x3D\xD8"s},
         {std::wstring(1, wchar_t(0xDE00)) + L"x", "\2\x00\xDEx\0"s},
         {std::wstring{wchar_t(0xDE00), wchar_t(0xD83D)}, "\2\x00\xDE\x3D\xD8"s},
+        {std::wstring{wchar_t(0xD83D), L'x'}, "\2\x3D\xD8x\0"s},
     };
     for (const eRow& row : rows) {
         EXPECT_EQ(Written(row.text), row.bytes);
@@ -121,6 +122,13 @@ TEST(TextValues, WideTextsAreCountedInUtf16Units) {
         EXPECT_TRUE(stream.Disabled(Mode::Bad));
         EXPECT_TRUE(stream.Eos());
     }
+}
+
+TEST(TextValues, AWideValueThatIsNoCharacterIsWrittenAsTheReplacement) {
+    if (sizeof(wchar_t) == sizeof(char16_t))
+        GTEST_SKIP() << "every value is a unit";
+    EXPECT_EQ(Written(std::wstring(1, wchar_t(0x10FFFF))), "\2\xFF\xDB\xFF\xDF"s);
+    EXPECT_EQ(Written(std::wstring(1, wchar_t(0x110000))), "\1\xFD\xFF"s);
 }
 
 TEST(TextValues, LongWideTextsHaveTheLongPrefix) {
@@ -206,6 +214,22 @@ TEST(TextValues, GetLineReadsToTheDelimiterOrTheEnd) {
     EXPECT_EQ(lines.GetLine('\n'), "");
     EXPECT_EQ(lines.GetLine('\n'), "b\0c"s);
     EXPECT_TRUE(lines.Eos());
+}
+
+TEST(TextValues, GetLineAsksForTheBufferThatIsNotThereYet) {
+    struct eLate : eBareStream {
+        eLate() : eBareStream(nullptr, 8, 5, 0) {}
+        void Overflow() override {
+            ++overflows;
+            if (!buffer)
+                UseBuffer(bytes, 8, 5);
+        }
+        unsigned char bytes[8] = {'a', 'b', ';', 'c', 'd'};
+    };
+    eLate stream;
+    EXPECT_EQ(stream.GetLine(';'), "ab");
+    EXPECT_EQ(stream.overflows, 1);
+    EXPECT_EQ(stream.GetLine(';'), "cd");
 }
 
 TEST(TextValues, GetLineOfABufferStreamReportsItsLastByteAndKeepsIt) {
