@@ -458,6 +458,17 @@ TEST(SdlReader, BlockIdentifiersBecomeTheirOwnType) {
     EXPECT_EQ(reader.GetBlock(7), 7);
 }
 
+TEST(SdlReader, BackFromABlockIdentifierReturnsToTheBlocksStart) {
+    eSDLReader reader = WordReaderOf("{#a light 1}");
+    EXPECT_EQ(reader.GetBlock(5), 5);
+    reader.Back();
+    EXPECT_EQ(reader.Token().type, sdlBlockStart);
+    EXPECT_EQ(reader.Token().text, "a");
+    EXPECT_EQ(reader.GetKeyword(), 5);
+    EXPECT_EQ(reader.Token().type, sdlKeyword);
+    EXPECT_EQ(reader.GetInt(), 1);
+}
+
 TEST(SdlReader, LooksWordsUpInTheLastTableOnly) {
     eSDLReader reader = WordReaderOf("light color light light");
     EXPECT_EQ(reader.Keywords(), words);

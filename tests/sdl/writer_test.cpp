@@ -342,19 +342,44 @@ TEST(Writer, LetsTheLastFlushesFailureOutOfItsDestructor) {
 // --- While another exception is under way ---
 
 TEST(Writer, KeepsSilentWhileAnotherExceptionIsUnderWay) {
-    unsigned char room[4] = {};
-    IO::eBufferStream target(room, sizeof room, 0);
-    eReports reports(eReports::Throws);
-    try {
-        eSDLWriter writer(&target);
-        writer << "a text that does not fit";
-        throw std::logic_error("first");
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "first");
+    for (const bool reporting : {true, false}) {
+        unsigned char room[4] = {};
+        IO::eBufferStream target(room, sizeof room, 0);
+        if (!reporting)
+            target.Disable(IO::StreamMode::Errors);
+        eReports reports(eReports::Throws);
+        try {
+            eSDLWriter writer(&target);
+            writer << "a text that does not fit";
+            throw std::logic_error("first");
+        } catch (const std::logic_error& error) {
+            EXPECT_STREQ(error.what(), "first");
+        }
+        EXPECT_TRUE(reports.errors().empty());
+        EXPECT_EQ(target.Enabled(IO::StreamMode::Errors), reporting);
+        EXPECT_EQ(std::string(reinterpret_cast<char*>(room), sizeof room), "\"a t");
     }
-    EXPECT_TRUE(reports.errors().empty());
-    EXPECT_TRUE(target.Enabled(IO::StreamMode::Errors));
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(room), sizeof room), "\"a t");
+}
+
+TEST(Writer, WritesAFileOfItsOwnOutWhileAnotherExceptionIsUnderWay) {
+    const eTempFolder folder;
+    EXPECT_THROW(
+        {
+            eSDLWriter writer(eFileName(folder.Name("a.sdl")), nullptr);
+            writer << 1 << endl;
+            throw std::logic_error("first");
+        },
+        std::logic_error);
+    EXPECT_EQ(folder.Read("a.sdl"), "1\r\n");
+}
+
+TEST(Writer, HasNothingToCloseWithoutATargetWhileAnotherExceptionIsUnderWay) {
+    EXPECT_THROW(
+        {
+            const eSDLWriter writer;
+            throw std::logic_error("first");
+        },
+        std::logic_error);
 }
 
 TEST(Writer, ReportsAFullTargetOtherwise) {
@@ -557,6 +582,18 @@ TEST(TextStream, FlushHandsOverAndEmptiesTheText) {
     text.Flush(&target, nullptr);
     EXPECT_EQ(Content(target), "12\r\n");
     EXPECT_FALSE(text.newlinePending);
+}
+
+TEST(TextStream, BeginsWithAStringOfAnyLength) {
+    for (const std::size_t length : {500u, 1000u, 1010u, 1020u, 1021u, 1022u, 1023u, 1024u, 1025u, 2050u, 10000u}) {
+        std::string escaped;
+        for (std::size_t at = 0; at < length; ++at)
+            escaped += "\\\"";
+        EXPECT_EQ(WrittenText([&](eSDLWriter& writer) { writer << std::string(length, 'x') << 1; }),
+                  '"' + std::string(length, 'x') + "\" 1");
+        EXPECT_EQ(WrittenText([&](eSDLWriter& writer) { writer << std::string(length, '"') << 1; }),
+                  '"' + escaped + "\" 1");
+    }
 }
 
 TEST(TextStream, RemovesNothingThatHasBeenHandedOver) {
