@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <concepts>
 #include <string>
 #include <string_view>
@@ -156,6 +157,15 @@ TYPED_TEST(PathServices, CopyOfAMissingFolderLeavesAnEmptyTarget) {
     EXPECT_EQ(eNames{"to/"}, this->Tree(""));
 }
 
+TYPED_TEST(PathServices, CopyToANameThatAFileHasLeavesThatFile) {
+    this->MakeSample("from");
+    this->MakeFile("to", "old");
+    TypeParam::Copy(this->Named("from"), this->Named("to"));
+    TypeParam::Copy(this->Named("from"), this->Named("to/deeper"));
+    EXPECT_EQ("old", this->Content("to"));
+    EXPECT_EQ(TestFixture::Sample(), this->Tree("from"));
+}
+
 TYPED_TEST(PathServices, CopyWithAnEmptyNameDoesNothing) {
     this->MakeSample("root");
     const auto before = std::filesystem::current_path();
@@ -201,6 +211,27 @@ TYPED_TEST(PathServices, PurgeRemovesFoldersWithoutFilesAndKeepsTheRest) {
     this->MakeFile("root/top");
     TypeParam::PurgeEmpty(this->Folder("root"));
     EXPECT_EQ((eNames{"c/", "c/file", "top"}), this->Tree("root"));
+}
+
+TYPED_TEST(PathServices, NamesThatBeginWithDotsAreNamesLikeAnyOther) {
+    std::vector<std::string> names = {".a", "..a", ".a.", "..."};
+    if (hasDrives)
+        names = {".a", "..a", "...a"};
+    eNames expected;
+    for (const std::string& name : names) {
+        this->MakeFile("root/" + name + "/" + name);
+        this->MakeFolder("empty/" + name + "/" + name);
+        expected.insert(expected.end(), {name + "/", name + "/" + name});
+    }
+    std::sort(expected.begin(), expected.end());
+    TypeParam::Copy(this->Named("root"), this->Named("copy"));
+    EXPECT_EQ(expected, this->Tree("copy"));
+    TypeParam::Delete(this->Named("copy"), true);
+    EXPECT_FALSE(this->Exists("copy"));
+    TypeParam::PurgeEmpty(this->Folder("root"));
+    EXPECT_EQ(expected, this->Tree("root"));
+    TypeParam::PurgeEmpty(this->Folder("empty"));
+    EXPECT_EQ(eNames(), this->Tree("empty"));
 }
 
 TYPED_TEST(PathServices, PurgeNeverRemovesTheFolderItself) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,17 +26,11 @@ protected:
 
     void MakeFile(std::string_view relative, std::string_view content = "content") const {
         std::filesystem::create_directories(At(relative).parent_path());
-        std::ofstream file(At(relative), std::ios::binary);
-        file << content;
-        ASSERT_TRUE(file.flush()) << relative;
+        temp.Write(relative, content);
     }
     void MakeFolder(std::string_view relative) const { std::filesystem::create_directories(At(relative)); }
 
-    std::string Content(std::string_view relative) const {
-        std::ifstream file(At(relative), std::ios::binary);
-        EXPECT_TRUE(file) << relative;
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
+    std::string Content(std::string_view relative) const { return temp.Read(relative); }
 
     bool Exists(std::string_view relative) const {
         std::error_code error;

@@ -316,4 +316,11 @@ TEST(FileTime, TurnsIntoTheSystemsStructureByItself) {
     EXPECT_EQ(~0ull, IO::eFileTime::FromTicks(~0ull).Ticks());
 }
 
+TEST(FileTime, IsEqualWhereBothHalvesAre) {
+    const auto time = IO::eFileTime::FromTicks(0x0000000200000001ull);
+    EXPECT_EQ(time, IO::eFileTime::FromTicks(0x0000000200000001ull));
+    EXPECT_NE(time, IO::eFileTime::FromTicks(0x0000000200000002ull));
+    EXPECT_NE(time, IO::eFileTime::FromTicks(0x0000000100000001ull));
+}
+
 } // namespace

@@ -152,6 +152,19 @@ TYPED_TEST(PosixServices, SearchShowsALinkToAFolderAsSubfolderAndAnyOtherAsFile)
     }
 }
 
+TYPED_TEST(PosixServices, ALinkThatVanishesBeforeItIsAskedAboutIsAFileWithoutSize) {
+    this->MakeFolder("root/folder");
+    this->MakeLink("folder", "root/link");
+    const typename TypeParam::Search search(this->Folder("root"), TypeParam::Of("link"));
+    ASSERT_TRUE(search.Valid());
+    fs::remove(this->At("root/link"));
+    EXPECT_TRUE(search.IsFile());
+    EXPECT_FALSE(search.IsSubfolder());
+    EXPECT_FALSE(search.IsLink());
+    EXPECT_EQ(0u, search.Size());
+    EXPECT_EQ(IO::eFileTime(), search.ModifyTime());
+}
+
 // --- A folder exchanged for a link while a walk is in it ---
 
 // Exchanges the folder and a link to the outside as fast as it can, for as long as it lives.
@@ -381,7 +394,6 @@ TYPED_TEST(PosixServices, CopyThatIsRefusedLeavesTheTargetAsItWas) {
 
 TYPED_TEST(PosixServices, CopyThatFindsNoRoomLeavesNoPartialTarget) {
     this->MakeFile("from", std::string(200'000, 'x'));
-    EXPECT_EQ(1, AsNobody([&] { return 1; }));
     const pid_t child = ::fork();
     if (child == 0) {
         const rlimit small{65536, 65536};
