@@ -65,6 +65,8 @@ TEST(IntValue, IsReadAsFarAsTheTextIsANumber) {
         {"0xg", 0, false},
         {"0x1g", 1, false},
         {"0x1.", 1, false},
+        {"0x1@", 1, false},
+        {"0x1`", 1, false},
         {"0x-1", 0, false},
         {"0X1F", 0, false},
         {"-0x10", 0, false},
