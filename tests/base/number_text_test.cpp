@@ -18,6 +18,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/long_tests.h"
+
 namespace {
 
 using eLimits = std::numeric_limits<float>;
@@ -204,7 +206,7 @@ TEST(FloatText, NamesWhatIsNoNumber) {
 
 TEST(FloatText, IsNoLongerThanAnyShortTextOfTheSameValue) {
     constexpr std::string_view alphabet = "0123456789.-e";
-    const std::size_t longest = std::getenv("QZL_LONG_TESTS") ? 6 : 5;
+    const std::size_t longest = LongTests() ? 6 : 5;
     std::vector<std::string> texts{""};
     for (std::size_t index = 0; index < texts.size(); ++index) {
         const std::string text = texts[index];
@@ -240,7 +242,7 @@ TEST(FloatText, ReadsBackForADenseStrideOfAllFloats) {
 }
 
 TEST(FloatText, ReadsBackForEveryFloat) {
-    if (!std::getenv("QZL_LONG_TESTS"))
+    if (!LongTests())
         GTEST_SKIP() << "runs for minutes; ./dev test --long";
     const std::size_t count = std::max(1u, std::thread::hardware_concurrency());
     std::vector<std::uint64_t> failures(count);

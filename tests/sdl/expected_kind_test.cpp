@@ -11,9 +11,9 @@
 #include <qzl_io/sdl/reader.h>
 #include <qzl_io/streams.h>
 
-#include "long_tests.h"
 #include "sdl_lexer.h"
 #include "sdl_number.h"
+#include "support/long_tests.h"
 
 // What readers and parsers cut with a kind in mind, beside the same text cut without.
 namespace {

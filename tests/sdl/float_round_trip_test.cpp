@@ -8,8 +8,8 @@
 
 #include <qzl_base/convert.h>
 
-#include "long_tests.h"
 #include "sdl_source.h"
+#include "support/long_tests.h"
 
 namespace {
 

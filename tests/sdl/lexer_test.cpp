@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "long_tests.h"
 #include "sdl_lexer.h"
+#include "support/long_tests.h"
 
 namespace {
 

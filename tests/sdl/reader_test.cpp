@@ -16,6 +16,7 @@
 #include "sdl_source.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
+#include "turning_cipher.h"
 
 namespace {
 
@@ -661,26 +662,11 @@ TEST(SdlReader, ABlockMayGoOnInTheIncludingFile) {
 }
 
 TEST(SdlReader, ReadsThroughTheCipherOfEverySource) {
-    class eTurnOver : public eSDLCipher {
-    public:
-        size_t GetEncodedSize(size_t inputSize) override { return inputSize; }
-        size_t Encode(void* dst, size_t, const void* src, size_t srcSize) override {
-            for (std::size_t i = 0; i < srcSize; ++i)
-                static_cast<unsigned char*>(dst)[i] =
-                    static_cast<unsigned char>(static_cast<const unsigned char*>(src)[i] ^ 0xFF);
-            return srcSize;
-        }
-    };
-    const auto turned = [](std::string text) {
-        for (char& c : text)
-            c = static_cast<char>(~c);
-        return text;
-    };
     const eTempFolder folder;
-    const auto cipher = std::make_shared<eTurnOver>();
-    folder.Write("b.sdl", turned("\"inner\""));
+    const auto cipher = std::make_shared<eTurningCipher>();
+    folder.Write("b.sdl", Turned("\"inner\""));
     {
-        eSDLReader reader(eFileName(folder.Write("a.sdl", turned("{scene 1}"))), "scene", cipher);
+        eSDLReader reader(eFileName(folder.Write("a.sdl", Turned("{scene 1}"))), "scene", cipher);
         reader.Include(eFileName(folder.Name("b.sdl")));
         EXPECT_EQ(reader.GetString(), "inner");
         EXPECT_EQ(reader.GetInt(), 1);

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "long_tests.h"
+#include "support/long_tests.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include <qzl_io/sdl/writer.h>
 
-#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -12,6 +11,7 @@
 #include "support/reports.h"
 #include "support/temp_folder.h"
 #include "support/written_text.h"
+#include "turning_cipher.h"
 
 namespace {
 
@@ -32,39 +32,6 @@ public:
 private:
     int* deleted;
 };
-
-// Its own inverse: every byte with all bits turned. It notes how it was called.
-class eTurningCipher : public eSDLCipher {
-public:
-    size_t GetEncodedSize(size_t inputSize) override {
-        sizes.push_back(inputSize);
-        return inputSize + spare;
-    }
-    size_t Encode(void* dst, size_t dstCapacity, const void* src, size_t srcSize) override {
-        capacities.push_back(dstCapacity);
-        emptyTarget = dst == nullptr;
-        if (failing)
-            throw std::runtime_error("cipher failed");
-        const auto* from = static_cast<const unsigned char*>(src);
-        const size_t count = std::min(srcSize, dstCapacity);
-        std::transform(from, from + count, static_cast<unsigned char*>(dst),
-                       [](unsigned char byte) { return static_cast<unsigned char>(~byte); });
-        return count + overstated;
-    }
-
-    std::vector<size_t> sizes;
-    std::vector<size_t> capacities;
-    size_t spare = 0;
-    size_t overstated = 0;
-    bool failing = false;
-    bool emptyTarget = false;
-};
-
-std::string Turned(std::string text) {
-    for (char& byte : text)
-        byte = static_cast<char>(~byte);
-    return text;
-}
 
 // --- Opening and closing ---
 

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <string>
 #include <utility>
 
 #include <qzl_io/streams.h>
+
+#include "support/content.h"
 
 // A stream of the given class that shows what is kept for subclasses.
 template <class Stream>
@@ -75,11 +78,6 @@ public:
     int overflows = 0;
     int underflows = 0;
 };
-
-// The stream's data as a text.
-inline std::string Content(const IO::eStream& stream) {
-    return {reinterpret_cast<const char*>(stream.Buffer()), static_cast<std::size_t>(stream.Size())};
-}
 
 // A memory stream that holds the text, at its start.
 inline eMemory Holding(const std::string& text) {

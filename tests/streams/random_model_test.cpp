@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <memory>
 #include <random>
 #include <string>
@@ -9,6 +9,7 @@
 #include <qzl_io/streams.h>
 
 #include "probe.h"
+#include "support/long_tests.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
@@ -303,7 +304,7 @@ void AnyCall(IO::eStream& stream, eRandom& random, std::vector<unsigned char>& b
 }
 
 int Rounds(int usual) {
-    return std::getenv("QZL_LONG_TESTS") ? usual * 20 : usual;
+    return LongTests() ? usual * 20 : usual;
 }
 
 } // namespace

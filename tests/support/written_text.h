@@ -5,10 +5,7 @@
 #include <qzl_io/sdl/writer.h>
 #include <qzl_io/streams.h>
 
-// All bytes of a stream in memory, wherever its position is.
-inline std::string Content(const IO::eStream& stream) {
-    return std::string(reinterpret_cast<const char*>(stream.Buffer()), stream.Size());
-}
+#include "content.h"
 
 // What a writer with the given current keyword table hands to its target after the calls of `write`.
 template <class eWrite>

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+#include <qzl_io/streams.h>
+
+// All bytes of a stream in memory, wherever its position is.
+inline std::string Content(const IO::eStream& stream) {
+    return {reinterpret_cast<const char*>(stream.Buffer()), static_cast<std::size_t>(stream.Size())};
+}
