@@ -37,6 +37,18 @@ std::string StandardErrorOf(const std::string& message) {
     return testing::internal::GetCapturedStderr();
 }
 
+// What a fatal error throws.
+eReport FatalReport() {
+    const auto fail = [] { xError::Fatal("unit", 9, "text"); };
+    try {
+        fail();
+    } catch (const eException& exception) {
+        return exception.Report();
+    }
+    ADD_FAILURE() << "nothing thrown";
+    return {};
+}
+
 TEST_F(Reports, AnErrorThrowsItsReportByDefault) {
     try {
         xError::Error("internal/src/unit", 308, "Number expected!", true);
@@ -160,13 +172,10 @@ TEST_F(Reports, AnExceptionFromAHandlerReachesTheReporter) {
 TEST_F(Reports, AFatalErrorThrowsItsReportWhateverTheHandlerDoes) {
     for (const auto mode : {eReports::Returns, eReports::Throws}) {
         eReports reports(mode);
-        try {
-            xError::Fatal("unit", 9, "text");
-        } catch (const eException& exception) {
-            EXPECT_STREQ("text", exception.what());
-            EXPECT_EQ("unit", exception.Report().file);
-            EXPECT_EQ(9, exception.Report().line);
-        }
+        const eReport thrown = FatalReport();
+        EXPECT_EQ("text", thrown.message);
+        EXPECT_EQ("unit", thrown.file);
+        EXPECT_EQ(9, thrown.line);
         EXPECT_EQ(1u, reports.errors().size());
     }
     EXPECT_THROW(xError::Fatal("unit", 9, "text"), eException);
@@ -179,11 +188,7 @@ TEST_F(Reports, AFatalErrorThrowsTheContextThatItReported) {
     };
     const ePlace place;
     const eReports reports;
-    try {
-        xError::Fatal("unit", 9, "text");
-    } catch (const eException& exception) {
-        EXPECT_EQ("the place\n", exception.Report().context);
-    }
+    EXPECT_EQ("the place\n", FatalReport().context);
     ASSERT_EQ(1u, reports.errors().size());
     EXPECT_EQ("the place\n", reports.errors()[0].context);
 }

@@ -1,6 +1,7 @@
 #include <qzl_base/thread_storage.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <set>
 #include <string>
@@ -165,16 +166,22 @@ TEST(CriticalSection, KeepsOtherThreadsOut) {
     EXPECT_EQ(4000, count);
 }
 
-TEST(CriticalSection, MayBeEnteredAgainByItsOwner) {
+TEST(CriticalSection, MayBeEnteredAgainByItsOwnerWhoLeavesItAsOften) {
     eCriticalSection section;
     section.Enter();
     section.Enter();
-    section.Leave();
-    section.Leave();
-    std::thread([&section] {
+    std::atomic<bool> entered = false;
+    std::thread other([&] {
         section.Enter();
+        entered = true;
         section.Leave();
-    }).join();
+    });
+    section.Leave();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_FALSE(entered);
+    section.Leave();
+    other.join();
+    EXPECT_TRUE(entered);
 }
 
 TEST(CriticalSection, EnterAndLeaveCanBeReplaced) {

@@ -243,14 +243,9 @@ concept eWritable = requires(eSDLWriter& writer, T value) {
     writer << value;
 };
 
-TEST(WriterValues, WhatHasNoTextDoesNotCompile) {
-    static_assert(eWritable<int> && eWritable<const char*> && eWritable<char*> && eWritable<std::wstring>);
-    static_assert(!eWritable<double>);
-    static_assert(!eWritable<long long>);
-    static_assert(!eWritable<const wchar_t*>);
-    static_assert(!eWritable<void*>);
-    static_assert(!eWritable<unsigned char*>);
-}
+static_assert(eWritable<int> && eWritable<const char*> && eWritable<char*> && eWritable<std::wstring>);
+static_assert(!eWritable<double> && !eWritable<long long>);
+static_assert(!eWritable<const wchar_t*> && !eWritable<void*> && !eWritable<unsigned char*>);
 
 TEST(WriterText, GrowsToAnySizeAndDepth) {
     constexpr int depth = 70000;
