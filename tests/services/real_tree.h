@@ -25,7 +25,6 @@ protected:
     Name Folder(std::string_view relative) const { return Named(relative).GetPath(); }
 
     void MakeFile(std::string_view relative, std::string_view content = "content") const {
-        std::filesystem::create_directories(At(relative).parent_path());
         temp.Write(relative, content);
     }
     void MakeFolder(std::string_view relative) const { std::filesystem::create_directories(At(relative)); }

@@ -35,8 +35,9 @@ public:
     std::wstring NameW() const { return path.generic_wstring() + L"/"; }
     std::wstring NameW(std::wstring_view name) const { return NameW() + std::wstring(name); }
 
-    // Makes or replaces a file, byte for byte, and returns its full name.
+    // Makes or replaces a file, byte for byte, in a folder that is made where it is missing, and returns its full name.
     std::string Write(std::string_view name, std::string_view bytes) const {
+        std::filesystem::create_directories((path / name).parent_path());
         std::ofstream file(path / name, std::ios::binary | std::ios::trunc);
         file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         EXPECT_TRUE(file.flush()) << name;

@@ -20,14 +20,6 @@ using namespace std::string_literals;
 // Devices as the system shows them: a disk with its partitions in it, layers that name what they stand on.
 class Disk : public testing::Test {
 protected:
-    void MakeDisk(std::string_view disk, std::string_view shownIn, std::string_view content) const {
-        fs::create_directories((Device(disk) / shownIn).parent_path());
-        temp.Write((std::string(disk) + "/").append(shownIn), content);
-    }
-    void MakePartition(std::string_view partition) const {
-        fs::create_directories(Device(partition));
-        temp.Write(std::string(partition) + "/partition", "1\n");
-    }
     void MakeLayer(std::string_view layer, std::string_view lower) const {
         fs::create_directories(Device(layer) / "slaves");
         fs::create_directory_symlink(Device(lower), Device(layer) / "slaves" / fs::path(lower).filename());
@@ -46,38 +38,38 @@ protected:
 } // namespace
 
 TEST_F(Disk, ShowsItsSerialNumberInOneOfThreePlaces) {
-    MakeDisk("vda", "serial", "virtual\n");
-    MakeDisk("nvme0n1", "device/serial", "  first\n");
-    MakeDisk("sda", "device/vpd_pg80", "\0\x80\0\5S1234rest"s);
+    temp.Write("vda/serial", "virtual\n");
+    temp.Write("nvme0n1/device/serial", "  first\n");
+    temp.Write("sda/device/vpd_pg80", "\0\x80\0\5S1234rest"s);
     EXPECT_EQ("virtual", SerialOf("vda"));
     EXPECT_EQ("  first", SerialOf("nvme0n1"));
     EXPECT_EQ("S1234", SerialOf("sda"));
-    MakeDisk("sda", "device/serial", "plain");
+    temp.Write("sda/device/serial", "plain");
     EXPECT_EQ("plain", SerialOf("sda"));
-    MakeDisk("sda", "serial", "plainer");
+    temp.Write("sda/serial", "plainer");
     EXPECT_EQ("plainer", SerialOf("sda"));
 }
 
 TEST_F(Disk, ThatShowsNoneGivesTheSystemsReason) {
-    MakeDisk("sda", "size", "4096\n");
+    temp.Write("sda/size", "4096\n");
     EXPECT_EQ("failure " + std::to_string(ENOENT), SerialOf("sda"));
     EXPECT_EQ("failure " + std::to_string(ENOENT), SerialOf("missing"));
 }
 
 TEST_F(Disk, IsFoundFromItsPartition) {
-    MakeDisk("sda", "device/serial", "whole\n");
-    MakePartition("sda/sda2");
+    temp.Write("sda/device/serial", "whole\n");
+    temp.Write("sda/sda2/partition", "2\n");
     EXPECT_EQ("whole", SerialOf("sda/sda2"));
 }
 
 TEST_F(Disk, IsFoundBelowTheLayersThatStandOnIt) {
-    MakeDisk("sda", "device/serial", "lowest\n");
-    MakePartition("sda/sda2");
+    temp.Write("sda/device/serial", "lowest\n");
+    temp.Write("sda/sda2/partition", "2\n");
     MakeLayer("dm-0", "sda/sda2");
     MakeLayer("dm-1", "dm-0");
     EXPECT_EQ("lowest", SerialOf("dm-0"));
     EXPECT_EQ("lowest", SerialOf("dm-1"));
-    MakeDisk("vda", "serial", "no partition\n");
+    temp.Write("vda/serial", "no partition\n");
     MakeLayer("dm-2", "vda");
     EXPECT_EQ("no partition", SerialOf("dm-2"));
 }
