@@ -17,6 +17,7 @@
 #include <qzl_io/streams.h>
 
 #include "sdl_source.h"
+#include "support/reports.h"
 
 namespace {
 
@@ -515,6 +516,18 @@ TEST(SdlParser, ShowsItsPlace) {
     for (int i = 0; i < 5; ++i)
         parser.Get();
     EXPECT_EQ(parser.GetContext(), "6: 7\xAB\n7: 8\n");
+}
+
+TEST(SdlParser, HasNoPlaceToShowWhileItsTextIsStillBeingRead) {
+    const eReports reports;
+    const unsigned char bytes[] = {'a', 'b', ' ', 'c'};
+    IO::eBufferStream stream(bytes, sizeof bytes, sizeof bytes + 5);
+    const std::vector<eSDLKeyword*> tables;
+    eSDLParser parser("cut.sdl", stream, tables, {}, nullptr);
+    ASSERT_EQ(reports.errors().size(), 1u);
+    EXPECT_EQ(reports.errors()[0].message, "Attempt to read beyond the stream!");
+    EXPECT_EQ(reports.errors()[0].context, "\"cut.sdl\", 1\n");
+    EXPECT_EQ(DumpAll(parser), "1[ab] 1[c] 0");
 }
 
 TEST(SdlParser, ShowsItsPlaceAtTheEdgesOfTheText) {

@@ -171,6 +171,7 @@ TEST(Writer, ThatIsNotOpenReportsEveryItem) {
             EXPECT_EQ(reports.errors()[0].message, "SDLWriter: Not open!") << item.name;
             EXPECT_EQ(reports.errors()[0].file, "internal/src/bios/qzl_io/sdl_writer");
         }
+        writer->Stream().Flush(&target, nullptr);
     }
     EXPECT_EQ(target.Size(), 0U);
 }
@@ -338,6 +339,22 @@ TEST(Writer, WritesAFileOfItsOwnOutWhileAnotherExceptionIsUnderWay) {
         },
         std::logic_error);
     EXPECT_EQ(folder.Read("a.sdl"), "1\r\n");
+}
+
+TEST(Writer, KeepsItsCiphersFailureToItselfWhileAnotherExceptionIsUnderWay) {
+    const auto cipher = std::make_shared<eTurningCipher>();
+    cipher->failing = true;
+    IO::eMemoryStream target;
+    EXPECT_THROW(
+        {
+            eSDLWriter writer(&target, cipher);
+            writer << 1;
+            throw std::logic_error("first");
+        },
+        std::logic_error);
+    EXPECT_EQ(cipher->capacities.size(), 1U);
+    EXPECT_TRUE(target.Enabled(IO::StreamMode::Errors));
+    EXPECT_EQ(target.Size(), 0U);
 }
 
 TEST(Writer, HasNothingToCloseWithoutATargetWhileAnotherExceptionIsUnderWay) {
