@@ -393,18 +393,20 @@ TYPED_TEST(PosixServices, CopyThatIsRefusedLeavesTheTargetAsItWas) {
 }
 
 TYPED_TEST(PosixServices, CopyThatFindsNoRoomLeavesNoPartialTarget) {
-    this->MakeFile("from", std::string(200'000, 'x'));
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const rlimit small{65536, 65536};
-        ::setrlimit(RLIMIT_FSIZE, &small);
-        ::signal(SIGXFSZ, SIG_IGN);
-        ::_exit(TypeParam::CopyFile(this->Named("from"), this->Named("to")) ? 1 : 0);
+    for (const std::size_t size : {200'000u, 60'000u}) {
+        this->MakeFile("from", std::string(size, 'x'));
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const rlimit small{size / 3, size / 3};
+            ::setrlimit(RLIMIT_FSIZE, &small);
+            ::signal(SIGXFSZ, SIG_IGN);
+            ::_exit(TypeParam::CopyFile(this->Named("from"), this->Named("to")) ? 1 : 0);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        EXPECT_EQ(1, WEXITSTATUS(status)) << size;
+        EXPECT_FALSE(this->Exists("to")) << size;
     }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    EXPECT_EQ(1, WEXITSTATUS(status));
-    EXPECT_FALSE(this->Exists("to"));
 }
 
 TYPED_TEST(PosixServices, CopyStoppedBeforehandLeavesAnOldTargetWhole) {
