@@ -556,3 +556,25 @@ TEST(BufferStream, AnEmptyTextIsAStreamWithoutData) {
     EXPECT_EQ(stream.GetUint8(), 0);
     EXPECT_EQ(reports.errors().size(), 1u);
 }
+
+TEST(MemoryStream, AheadAreTheBytesFromThePositionOnThatTheBufferHolds) {
+    const auto ahead = [](const IO::eStream& stream) {
+        const auto bytes = stream.Ahead();
+        return std::string(bytes.begin(), bytes.end());
+    };
+    const unsigned char bytes[] = {'a', 'b', 'c', 'd'};
+    IO::eBufferStream stream(bytes, sizeof bytes, sizeof bytes);
+    EXPECT_EQ(ahead(stream), "abcd");
+    stream.Skip(3);
+    EXPECT_EQ(ahead(stream), "d");
+    stream.Skip(1);
+    EXPECT_EQ(ahead(stream), "");
+    EXPECT_EQ(ahead(IO::eBufferStream(bytes, sizeof bytes, 2)), "ab");
+    EXPECT_EQ(ahead(IO::eBufferStream(bytes, sizeof bytes, sizeof bytes + 5)), "abcd");
+    EXPECT_EQ(ahead(IO::eBufferStream()), "");
+    IO::eMemoryStream written;
+    written << 'x';
+    EXPECT_EQ(ahead(written), "");
+    written.Seek(static_cast<unsigned long long>(-5), IO::eSeekDir::Begin);
+    EXPECT_EQ(ahead(written), "");
+}

@@ -38,13 +38,6 @@ std::size_t RemainingSize(const IO::eStream& stream) {
     return size > position ? static_cast<std::size_t>(size - position) : 0;
 }
 
-// What a stream over memory holds from its position on; null for any other stream.
-const char* InMemory(const IO::eStream& stream) {
-    if (!dynamic_cast<const IO::eBufferStream*>(&stream) && !dynamic_cast<const IO::eMemoryStream*>(&stream))
-        return nullptr;
-    return reinterpret_cast<const char*>(stream.Buffer() + stream.Position());
-}
-
 } // namespace
 
 eSDLCipher::~eSDLCipher() = default;
@@ -94,8 +87,8 @@ eSDLParser::~eSDLParser() {
 
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
     text.reserve(size + xSDL::kTextEnd);
-    if (const char* const content = InMemory(stream); content && size > 0) {
-        text.append(content, size);
+    if (const auto ahead = stream.Ahead(); size > 0 && ahead.size() >= size) {
+        text.append(reinterpret_cast<const char*>(ahead.data()), size);
         stream.Skip(size);
         return EndText();
     }

@@ -186,8 +186,7 @@ inline std::uint64_t DigitsBefore(const char* end, unsigned count) {
     }();
     const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep.data() + count));
     const __m128i ones = _mm_and_si128(Load16(end - 16), keep);
-    const __m128i tens = _mm_mullo_epi16(_mm_and_si128(ones, _mm_set1_epi16(0xFF)), _mm_set1_epi16(10));
-    const __m128i pairs = _mm_add_epi16(tens, _mm_srli_epi16(ones, 8));
+    const __m128i pairs = _mm_srli_epi16(_mm_mullo_epi16(ones, _mm_set1_epi16(10 << 8 | 1)), 8);
     const __m128i fours = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 100));
     const __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), _mm_set1_epi32(1 << 16 | 10000));
     const auto halves = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eights));

@@ -125,6 +125,10 @@ unsigned long long eStream::DataInBuffer() const noexcept {
     return static_cast<unsigned long long>(std::max(std::min(Room(), Remaining()), 0ll));
 }
 
+std::span<const unsigned char> eStream::Ahead() const noexcept {
+    return {ptr, static_cast<std::size_t>(DataInBuffer())};
+}
+
 unsigned long long eStream::RoomInBuffer() const noexcept {
     return static_cast<unsigned long long>(std::max(Room(), 0ll));
 }
