@@ -217,3 +217,30 @@ TEST(TypedValues, StayWithinBuffersOfEverySmallSize) {
         EXPECT_EQ(stream.Size(), std::max(size, 8ull));
     }
 }
+
+// The position plus a value's length is a small number again.
+TEST(TypedValues, JustBeforeTheStartTouchNothingWithOrWithoutABuffer) {
+    for (unsigned long long back = 1; back <= 20; ++back) {
+        const eReports reports;
+        unsigned char bytes[64] = {};
+        IO::eMemoryStream empty(0);
+        IO::eBufferStream view(bytes, sizeof bytes, sizeof bytes);
+        for (IO::eStream* stream : {static_cast<IO::eStream*>(&empty), static_cast<IO::eStream*>(&view)}) {
+            stream->Seek(0 - back, IO::eSeekDir::Begin);
+            *stream << 'x' << short{0x7878} << 0x78787878 << 0x7878787878787878ll << "xxxxxxxxx";
+            *stream << std::string(12, 'x');
+            std::string text = "kept until read";
+            *stream >> text;
+            EXPECT_EQ(stream->GetUint8(), 0) << back;
+            EXPECT_EQ(stream->GetUint16(), 0) << back;
+            EXPECT_EQ(stream->GetUint32(), 0u) << back;
+            EXPECT_EQ(stream->GetUint64(), 0u) << back;
+            EXPECT_EQ(stream->Uint64(), 0u) << back;
+            EXPECT_EQ(text, "") << back;
+            EXPECT_EQ(stream->Position(), 0 - back);
+            EXPECT_TRUE(stream->Enabled(Mode::Bad));
+        }
+        EXPECT_EQ(std::count(std::begin(bytes), std::end(bytes), 0), 64) << back;
+        EXPECT_FALSE(reports.errors().empty());
+    }
+}

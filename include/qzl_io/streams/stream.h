@@ -138,7 +138,7 @@ public:
     eStream& operator<<(const char* text) { return PutText(text, text ? std::strlen(text) : 0); }
     eStream& operator<<(const std::string& text) {
         const std::size_t length = text.size();
-        if (length >= 8 && length <= 16 && Room() > static_cast<long long>(length + 1)) [[likely]] {
+        if (length >= 8 && length <= 16 && Shows(length + 1)) [[likely]] {
             const unsigned long long head = Word(text.data());
             const unsigned long long tail = Word(text.data() + length - 8);
             if (!HasZero(head) && !HasZero(tail)) [[likely]] {
@@ -187,8 +187,7 @@ public:
     // bits are read). When the data end before the text does, the missing characters are NUL, Bad is set and "Attempt
     // to read beyond the stream!" is reported.
     eStream& operator>>(std::string& text) {
-        const long long run = Room() < Remaining() ? Room() : Remaining();
-        if (run > 1 && *ptr != kLongText && run > *ptr + 1) [[likely]] {
+        if (Shows(1) && *ptr != kLongText && Shows(*ptr + 1u) && Remaining() > *ptr + 1) [[likely]] {
             const std::size_t length = *ptr;
             AssignText(&text, ptr + 1, length);
             ptr += length + 1;
@@ -305,11 +304,11 @@ protected:
     // The buffer is a view of the stream's bytes from offset on. eos and ptr are in the buffer's coordinates and may
     // lie outside it; they are then numbers, compared and moved as such (Distance, Shifted).
     //
-    // Invariant: bufferEnd - ptr > n means that n bytes at ptr lie within the buffer and may be touched. So one
-    // comparison is enough for a value. It fails
-    //   - near or at the end of the buffer, and behind it (the difference is negative),
+    // Invariant: ptr + n < bufferEnd, as numbers, means that n bytes at ptr lie within the buffer and may be touched,
+    // for the length n of any value. So one comparison is enough for a value. It fails
+    //   - near or at the end of the buffer, and behind it,
     //   - while the stream is Blocked (no buffer, ptr before it, or the buffer before the start of the stream): there
-    //     bufferEnd is kept equal to ptr. Capacity() and Dump() go on to tell the capacity, which is then bufferSize.
+    //     bufferEnd is kept null. Capacity() and Dump() go on to tell the capacity, which is then bufferSize.
     unsigned char* buffer = nullptr;
     unsigned char* bufferEnd = nullptr; // one past the buffer's last byte
     unsigned long long bufferSize = 0;  // capacity with which the buffer was created
@@ -332,24 +331,23 @@ private:
         return reinterpret_cast<std::uintptr_t>(place);
     }
 
-    long long Room() const noexcept { return Distance(ptr, bufferEnd); }
     long long Remaining() const noexcept { return Distance(ptr, eos); }
-    bool Fits(unsigned long long n) const noexcept {
-        const long long room = Room();
-        return room > 0 && static_cast<unsigned long long>(room) > n;
-    }
+    // A value of n bytes lies within the buffer and before its last byte.
+    bool Shows(std::size_t n) const noexcept { return Address(ptr) + n < Address(bufferEnd); }
+    // The same for any n.
+    bool Fits(unsigned long long n) const noexcept { return n < RoomInBuffer(); }
 
     // What is needed of the fields is loaded before the bytes are stored: a store of bytes may alias all of them.
     template <class Store>
     void Append(unsigned long long n, Store store) noexcept {
         unsigned char* const from = ptr;
         unsigned char* const to = from + n;
-        unsigned char* const end = Remaining() < static_cast<long long>(n) ? to : eos;
+        if (Remaining() < static_cast<long long>(n)) [[likely]]
+            eos = to;
         if (!Enabled(StreamMode::Modified)) [[unlikely]]
             Enable(StreamMode::Modified);
         store(from);
         ptr = to;
-        eos = end;
     }
     void Written(unsigned long long n) noexcept {
         Append(n, [](unsigned char*) {});
@@ -357,7 +355,7 @@ private:
 
     template <class T>
     eStream& Put(T value) {
-        if (Room() > static_cast<long long>(sizeof(T))) [[likely]] {
+        if (Shows(sizeof(T))) [[likely]] {
             Append(sizeof(T), [value](unsigned char* place) { std::memcpy(place, &value, sizeof(T)); });
             return *this;
         }
@@ -365,7 +363,7 @@ private:
     }
     template <class T>
     T Get() {
-        if (Room() > static_cast<long long>(sizeof(T))) [[likely]] {
+        if (Shows(sizeof(T))) [[likely]] {
             T value;
             std::memcpy(&value, ptr, sizeof(T));
             ptr += sizeof(T);
@@ -375,7 +373,7 @@ private:
     }
     template <class T>
     T Peek() {
-        if (Room() > static_cast<long long>(sizeof(T))) [[likely]] {
+        if (Shows(sizeof(T))) [[likely]] {
             T value;
             std::memcpy(&value, ptr, sizeof(T));
             return value;
@@ -384,7 +382,7 @@ private:
     }
 
     eStream& PutText(const char* text, std::size_t length) {
-        if (length < kLongText && Room() > static_cast<long long>(length + 1)) [[likely]] {
+        if (length < kLongText && Shows(length + 1)) [[likely]] {
             Append(length + 1, [=](unsigned char* place) {
                 *place = static_cast<unsigned char>(length);
                 if (length != 0)
@@ -431,7 +429,9 @@ private:
 
     // Bytes at the position that can be read or written without a hook.
     unsigned long long DataInBuffer() const noexcept;
-    unsigned long long RoomInBuffer() const noexcept;
+    unsigned long long RoomInBuffer() const noexcept {
+        return Address(ptr) < Address(bufferEnd) ? Address(bufferEnd) - Address(ptr) : 0;
+    }
     bool OutsideBuffer() const noexcept;
     void FlushBeforeMove();
     eStream& FinishMove();

@@ -76,11 +76,11 @@ bool eStream::Blocked() const noexcept {
 }
 
 unsigned long long eStream::Capacity() const noexcept {
-    return bufferEnd == ptr && Blocked() ? bufferSize : Address(bufferEnd) - Address(buffer);
+    return bufferEnd ? Address(bufferEnd) - Address(buffer) : bufferSize;
 }
 
 void eStream::SetCapacity(unsigned long long capacity) noexcept {
-    bufferEnd = Blocked() ? ptr : Shifted(buffer, capacity);
+    bufferEnd = Blocked() ? nullptr : Shifted(buffer, capacity);
 }
 
 void eStream::MoveTo(unsigned char* place) noexcept {
@@ -122,15 +122,11 @@ bool eStream::OutsideBuffer() const noexcept {
 }
 
 unsigned long long eStream::DataInBuffer() const noexcept {
-    return static_cast<unsigned long long>(std::max(std::min(Room(), Remaining()), 0ll));
+    return std::min(RoomInBuffer(), static_cast<unsigned long long>(std::max(Remaining(), 0ll)));
 }
 
 std::span<const unsigned char> eStream::Ahead() const noexcept {
     return {ptr, static_cast<std::size_t>(DataInBuffer())};
-}
-
-unsigned long long eStream::RoomInBuffer() const noexcept {
-    return static_cast<unsigned long long>(std::max(Room(), 0ll));
 }
 
 std::string eStream::Dump() const {

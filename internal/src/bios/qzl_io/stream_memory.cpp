@@ -136,7 +136,7 @@ void eMemoryStream::Flush() {
 
 // A bulk write gets at once the size that the steps which it needs would lead to.
 void eMemoryStream::Overflow() {
-    const bool bulk = wanted > 0 && ptr == bufferEnd;
+    const bool bulk = wanted > 0 && (ptr == bufferEnd || Blocked());
     const unsigned long long needed = bulk ? Address(ptr) - Address(buffer) + wanted : 0;
     unsigned long long size = NextSize(bufferSize);
     if (growBy > 0 && needed > size)
