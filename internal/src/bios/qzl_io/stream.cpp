@@ -409,10 +409,6 @@ bool eStream::CopyDirect(eStream& target, unsigned long long* n) {
 
 // --- Primitives outside the common case ---
 
-void eStream::AssignText(std::string* text, const unsigned char* from, std::size_t length) {
-    text->assign(reinterpret_cast<const char*>(from), length);
-}
-
 bool eStream::Reach(int line, const char* message) {
     const bool reported = !BeforeStart() && Fails(&eStream::Overflow);
     if (!Blocked())
