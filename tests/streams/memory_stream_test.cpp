@@ -341,6 +341,33 @@ TEST(MemoryStream, ABulkWriteGrowsOnceToWhereItsStepsLead) {
     EXPECT_EQ(stream.BufferSize(), 16384u) << "a position far behind the buffer asks for one step";
 }
 
+TEST(MemoryStream, GrowthClearsWhatLiesBehindTheData) {
+    IO::eMemoryStream own(64);
+    eMemory derived(64);
+    for (IO::eMemoryStream* stream : {&own, static_cast<IO::eMemoryStream*>(&derived)}) {
+        stream->Write(std::string(60, 'x').data(), 60);
+        stream->Seek(40, eSeekDir::Begin);
+        stream->Trunc();
+        stream->ResizeBuffer(100, false);
+        EXPECT_EQ(Content(*stream), std::string(40, 'x'));
+        EXPECT_EQ(std::count(stream->Buffer() + 40, stream->Buffer() + 100, 0), 60);
+        EXPECT_EQ(stream->Position(), 40u);
+    }
+}
+
+TEST(MemoryStream, GrowthLeavesTheBytesOfACopyAlone) {
+    IO::eMemoryStream stream(16);
+    stream.Write("0123456789", 10);
+    IO::eMemoryStream copy(stream);
+    stream.Write("abcdefghij", 10);
+    EXPECT_NE(stream.Buffer(), copy.Buffer());
+    EXPECT_EQ(Content(stream), "0123456789abcdefghij");
+    EXPECT_EQ(Content(copy), "0123456789");
+    copy.Write("ABCDEFGHIJ", 10);
+    EXPECT_EQ(Content(stream), "0123456789abcdefghij");
+    EXPECT_EQ(Content(copy), "0123456789ABCDEFGHIJ");
+}
+
 TEST(MemoryStream, RunningOutOfMemoryWhileThrowingLosesNoBlock) {
     const eReports reports(eReports::Throws);
     eLimited stream(32);

@@ -64,7 +64,12 @@ private:
     void Grow(unsigned long long size);
     // One step on; the size itself where there is none.
     unsigned long long NextSize(unsigned long long size) const;
+    bool HasOwnHooks() const;
     unsigned char* NewBlock(unsigned long long size) const;
+    // The first kept bytes of the buffer and zeros behind them: in a new block, or in the buffer's own, which is then
+    // not the stream's any more. Null when there is no memory; the buffer is then as it was.
+    unsigned char* CopiedBlock(unsigned long long size, unsigned long long kept) const;
+    unsigned char* ExtendedBlock(unsigned long long size, unsigned long long kept);
 
     eShare owners; // of the buffer
 };

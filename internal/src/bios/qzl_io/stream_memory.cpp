@@ -73,11 +73,14 @@ void eMemoryStream::DeallocateBuffer(unsigned char*& block) const {
     FreeHeapBlock(block);
 }
 
+bool eMemoryStream::HasOwnHooks() const {
+    return typeid(*this) == typeid(eMemoryStream) || typeid(*this) == typeid(eMemoryStream_t);
+}
+
 // The library's own hooks give cleared bytes; an application's need not.
 unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
     unsigned char* const block = AllocateBuffer(size);
-    const bool cleared = typeid(*this) == typeid(eMemoryStream) || typeid(*this) == typeid(eMemoryStream_t);
-    if (block && !cleared)
+    if (block && !HasOwnHooks())
         std::memset(block, 0, size);
     return block;
 }
@@ -96,13 +99,29 @@ void eMemoryStream::CreateBuffer(unsigned long long size, unsigned long long use
         xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
 }
 
-void eMemoryStream::Grow(unsigned long long size) {
+unsigned char* eMemoryStream::CopiedBlock(unsigned long long size, unsigned long long kept) const {
     unsigned char* const block = NewBlock(size);
+    if (block && buffer && kept > 0)
+        std::memcpy(block, buffer, kept);
+    return block;
+}
+
+unsigned char* eMemoryStream::ExtendedBlock(unsigned long long size, unsigned long long kept) {
+    auto* const block = static_cast<unsigned char*>(std::realloc(buffer, size));
+    if (block) {
+        buffer = nullptr;
+        std::memset(block + kept, 0, size - kept);
+    }
+    return block;
+}
+
+// The heap extends a block for less than a new one costs, if most of what is then cleared is going to be used.
+void eMemoryStream::Grow(unsigned long long size) {
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);
     const auto kept = std::min(static_cast<unsigned long long>(std::max(length, 0ll)), Capacity());
-    if (block && buffer && kept > 0)
-        std::memcpy(block, buffer, kept);
+    const bool extends = buffer && kept > size / 4 && owners.Sole() && HasOwnHooks();
+    unsigned char* const block = extends ? ExtendedBlock(size, kept) : CopiedBlock(size, kept);
     ReleaseBuffer();
     UseBuffer(block, size, static_cast<unsigned long long>(length));
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
