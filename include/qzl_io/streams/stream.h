@@ -457,7 +457,10 @@ private:
     // Whole buffers that lie before the last one which n more bytes touch, in bytes.
     unsigned long long WholeBuffers(unsigned long long n) const noexcept;
     unsigned long long ReadDirect(unsigned char* target, unsigned long long n);
+    bool TakesWholeBuffers() const;
     unsigned long long WriteDirect(const unsigned char* source, unsigned long long n);
+    void PassWritten(unsigned long long whole);
+    unsigned long long CopyInSystem(eStream& target, unsigned long long n);
     bool CopyDirect(eStream& target, unsigned long long* n);
     bool WriteAll(const unsigned char* source, unsigned long long n);
     bool WritePieces(const unsigned char* source, unsigned long long n);

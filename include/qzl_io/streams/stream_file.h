@@ -71,6 +71,8 @@ private:
     static bool CanGoDirect(const eStream& stream);
     static void DirectRead(eStream& stream, void* target, unsigned long long at, unsigned long long n);
     static void DirectWrite(eStream& stream, const void* source, unsigned long long at, unsigned long long n);
+    static bool AreApart(const eStream& source, const eStream& target);
+    static unsigned long long DirectCopy(eStream& source, eStream& target, unsigned long long n);
 
     void CreateBuffer(unsigned long long capacity, unsigned long long length);
     void ReleaseBuffer() noexcept;

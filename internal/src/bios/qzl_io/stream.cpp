@@ -373,33 +373,58 @@ unsigned long long eStream::ReadDirect(unsigned char* target, unsigned long long
     return whole;
 }
 
+bool eStream::TakesWholeBuffers() const {
+    const bool empty = ptr == buffer || RoomInBuffer() == 0;
+    return empty && !Blocked() && Enabled(StreamMode::Write) && Direct();
+}
+
+// Behind whole buffers that were written directly.
+void eStream::PassWritten(unsigned long long whole) {
+    MoveTo(Shifted(ptr, whole));
+    RaiseEnd();
+    Overflow();
+}
+
 unsigned long long eStream::WriteDirect(const unsigned char* source, unsigned long long n) {
     const unsigned long long whole = WholeBuffers(n);
-    const bool empty = ptr == buffer || RoomInBuffer() == 0;
-    if (whole == 0 || !empty || Blocked() || Disabled(StreamMode::Write) || !Direct())
+    if (whole == 0 || !TakesWholeBuffers())
         return 0;
     if (Enabled(StreamMode::Modified))
         Flush();
     direct->write(*this, source, Position(), whole);
-    MoveTo(Shifted(ptr, whole));
-    RaiseEnd();
-    Overflow();
+    PassWritten(whole);
     return whole;
+}
+
+// Whole buffers of the target that the system copies by itself, in bytes. At least one byte has to follow them.
+unsigned long long eStream::CopyInSystem(eStream& target, unsigned long long n) {
+    const unsigned long long capacity = target.Capacity();
+    if (n < capacity || !target.TakesWholeBuffers() || target.direct != direct)
+        return 0;
+    if (target.Enabled(StreamMode::Modified))
+        target.Flush();
+    const unsigned long long copied = direct->copy(*this, target, n / capacity * capacity) / capacity * capacity;
+    if (copied > 0)
+        target.PassWritten(copied);
+    return copied;
 }
 
 // False when the target has no room, which has then been reported.
 bool eStream::CopyDirect(eStream& target, unsigned long long* n) {
     unsigned long long whole = WholeBuffers(std::min(*n, static_cast<unsigned long long>(Remaining())));
-    if (whole == 0 || Blocked() || &target == this || !Direct())
+    if (whole == 0 || Blocked() || &target == this || !Direct() || !direct->apart(*this, target))
         return true;
     if (Enabled(StreamMode::Modified))
         Flush();
     while (whole > 0) {
-        if (target.RoomInBuffer() == 0 && !target.MakeRoom(whole))
-            return false;
-        const unsigned long long run = std::min(whole, target.RoomInBuffer());
-        direct->read(*this, target.ptr, Position(), run);
-        target.Written(run);
+        unsigned long long run = CopyInSystem(target, whole);
+        if (run == 0) {
+            if (target.RoomInBuffer() == 0 && !target.MakeRoom(whole))
+                return false;
+            run = std::min(whole, target.RoomInBuffer());
+            direct->read(*this, target.ptr, Position(), run);
+            target.Written(run);
+        }
         MoveTo(Shifted(ptr, run));
         whole -= run;
         *n -= run;

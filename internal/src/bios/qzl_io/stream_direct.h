@@ -12,6 +12,11 @@ struct eStreamDirect {
     // dropped; both set Bad.
     void (*read)(eStream& stream, void* target, unsigned long long at, unsigned long long n);
     void (*write)(eStream& stream, const void* source, unsigned long long at, unsigned long long n);
+    // True unless what is written to the target may change what the source still has to read.
+    bool (*apart)(const eStream& source, const eStream& target);
+    // Copies up to n bytes from the one's position to the other's where the system can do that by itself, and tells how
+    // many. Both streams are of this kind and stay as they are.
+    unsigned long long (*copy)(eStream& source, eStream& target, unsigned long long n);
 };
 
 } // namespace IO

@@ -1,7 +1,6 @@
 #include <qzl_io/streams/stream_file.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <typeinfo>
@@ -27,8 +26,16 @@ constexpr char kOpenError[] = "%1% - open error!";
 
 constexpr unsigned long long kLargestBuffer = 32768;
 
+// Whole cache lines: systems copy up to a tenth slower to and from the odd places where the heap puts large blocks.
+constexpr std::align_val_t kBlockAlignment{64};
+
 unsigned char* NewBlock(unsigned long long size) {
-    return size > 0 ? static_cast<unsigned char*>(std::calloc(size, 1)) : nullptr;
+    void* const block = size > 0 ? ::operator new(size, kBlockAlignment, std::nothrow) : nullptr;
+    return static_cast<unsigned char*>(block ? std::memset(block, 0, size) : nullptr);
+}
+
+void DeleteBlock(unsigned char* block) noexcept {
+    ::operator delete(block, kBlockAlignment);
 }
 
 void ReportOpenError(int line, const std::string& name) {
@@ -127,7 +134,7 @@ void eFileStreamBase::CreateBuffer(unsigned long long capacity, unsigned long lo
 
 void eFileStreamBase::ReleaseBuffer() noexcept {
     if (bufferOwners.Sole())
-        std::free(buffer);
+        DeleteBlock(buffer);
     bufferOwners.Leave();
     UseBuffer(nullptr, 0, 0);
 }
@@ -211,7 +218,7 @@ void eFileStreamBase::Trunc() {
 
 // --- Past the buffer ---
 
-const eStreamDirect eFileStreamBase::kDirect = {CanGoDirect, DirectRead, DirectWrite};
+const eStreamDirect eFileStreamBase::kDirect = {CanGoDirect, DirectRead, DirectWrite, AreApart, DirectCopy};
 
 bool eFileStreamBase::CanGoDirect(const eStream& stream) {
     const bool ours = typeid(stream) == typeid(eFileStream) || typeid(stream) == typeid(eFileStreamW);
@@ -231,6 +238,20 @@ void eFileStreamBase::DirectWrite(eStream& stream, const void* source, unsigned 
     auto& file = static_cast<eFileStreamBase&>(stream);
     if (!Platform::WriteAt(file.handle, source, n, at))
         file.Enable(StreamMode::Bad);
+}
+
+bool eFileStreamBase::AreApart(const eStream& source, const eStream& target) {
+    if (target.direct != &kDirect)
+        return true;
+    const int from = static_cast<const eFileStreamBase&>(source).handle;
+    const int to = static_cast<const eFileStreamBase&>(target).handle;
+    return to == -1 || !Platform::MayBeOneFile(from, to);
+}
+
+unsigned long long eFileStreamBase::DirectCopy(eStream& source, eStream& target, unsigned long long n) {
+    const int from = static_cast<eFileStreamBase&>(source).handle;
+    const int to = static_cast<eFileStreamBase&>(target).handle;
+    return Platform::CopyBetween(from, source.Position(), to, target.Position(), n);
 }
 
 // --- Lines ---

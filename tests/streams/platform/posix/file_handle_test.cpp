@@ -44,7 +44,10 @@ int simulated_close(int) {
     return -1;
 }
 
-int simulated_fstat(int, struct stat* facts) {
+int simulated_fstat(int handle, struct stat* facts) {
+    if (handle < 0)
+        return -1;
+    facts->st_ino = static_cast<ino_t>(handle);
     facts->st_size = static_cast<off_t>(theSystem.file.size());
     return 0;
 }
@@ -83,6 +86,22 @@ ssize_t simulated_pwrite(int, const void* source, std::size_t n, off_t at) {
     return static_cast<ssize_t>(n);
 }
 
+ssize_t simulated_copy_file_range(int, off_t* from, int, off_t* to, std::size_t n, unsigned) {
+    if (Interrupts())
+        return -1;
+    if (theSystem.sequential) {
+        errno = EINVAL;
+        return -1;
+    }
+    const auto at = std::min(static_cast<std::size_t>(*from), theSystem.file.size());
+    n = std::min({n, theSystem.most, theSystem.file.size() - at});
+    theSystem.stream.resize(std::max(theSystem.stream.size(), static_cast<std::size_t>(*to) + n));
+    theSystem.stream.replace(static_cast<std::size_t>(*to), n, theSystem.file, at, n);
+    *from += static_cast<off_t>(n);
+    *to += static_cast<off_t>(n);
+    return static_cast<ssize_t>(n);
+}
+
 ssize_t simulated_write(int, const void* source, std::size_t n) {
     n = std::min(n, theSystem.most);
     theSystem.stream.append(static_cast<const char*>(source), n);
@@ -98,6 +117,7 @@ ssize_t simulated_write(int, const void* source, std::size_t n) {
 #define pread simulated_pread
 #define pwrite simulated_pwrite
 #define write simulated_write
+#define copy_file_range simulated_copy_file_range
 #include "platform/posix/file_handle.cpp"
 #include "platform/posix/native_name.cpp"
 #undef open
@@ -107,6 +127,7 @@ ssize_t simulated_write(int, const void* source, std::size_t n) {
 #undef pread
 #undef pwrite
 #undef write
+#undef copy_file_range
 
 namespace Platform = IO::Platform;
 
@@ -166,6 +187,33 @@ TEST_F(FileHandle, WhatHasNoPositionsGetsTheBytesInOrder) {
     EXPECT_TRUE(Platform::WriteAt(77, "0123456789", 10, 0));
     EXPECT_TRUE(Platform::WriteAt(77, "abc", 3, 10));
     EXPECT_EQ(theSystem.stream, "0123456789abc");
+}
+
+TEST_F(FileHandle, CopyingSurvivesInterruptionAndShortCounts) {
+    for (const std::size_t most : {1u, 3u, 100u}) {
+        theSystem = eSystem();
+        theSystem.file = "0123456789";
+        theSystem.stream = "abcdef";
+        theSystem.interruptions = 2;
+        theSystem.most = most;
+        EXPECT_EQ(Platform::CopyBetween(77, 2, 78, 4, 5), 5u);
+        EXPECT_EQ(theSystem.stream, "abcd23456") << most;
+        EXPECT_EQ(Platform::CopyBetween(77, 8, 78, 0, 5), 2u) << "the source ends";
+        EXPECT_EQ(theSystem.stream, "89cd23456") << most;
+    }
+}
+
+TEST_F(FileHandle, WhatTheSystemCannotCopyIsToldAsNothing) {
+    theSystem.sequential = true;
+    EXPECT_EQ(Platform::CopyBetween(77, 0, 78, 0, 5), 0u);
+    EXPECT_EQ(theSystem.calls, 1);
+}
+
+TEST_F(FileHandle, OneFileIsToldFromTwoAndDoubtCountsAsOne) {
+    EXPECT_TRUE(Platform::MayBeOneFile(77, 77));
+    EXPECT_FALSE(Platform::MayBeOneFile(77, 78));
+    EXPECT_TRUE(Platform::MayBeOneFile(77, -1));
+    EXPECT_TRUE(Platform::MayBeOneFile(-1, 78));
 }
 
 TEST_F(FileHandle, SettingTheLengthIsRepeatedAfterAnInterruption) {

@@ -20,6 +20,14 @@ unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsign
 // of them; those before are then written. What has no positions (a terminal, a pipe) gets the bytes in order.
 bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept;
 
+// Copies up to n bytes from one file to another within the system, without a buffer of ours, and tells how many; 0
+// where it has no way for these two files.
+unsigned long long CopyBetween(int source, unsigned long long from, int target, unsigned long long to,
+                               unsigned long long n) noexcept;
+
+// True when the system says that both handles stand for one file, or does not tell.
+bool MayBeOneFile(int one, int other) noexcept;
+
 // 0 when the system does not tell.
 unsigned long long FileLength(int handle) noexcept;
 

@@ -85,6 +85,28 @@ bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long
     return true;
 }
 
+unsigned long long CopyBetween(int source, unsigned long long from, int target, unsigned long long to,
+                               unsigned long long n) noexcept {
+    auto at = static_cast<off_t>(from);
+    auto goal = static_cast<off_t>(to);
+    unsigned long long done = 0;
+    while (done < n) {
+        const ssize_t copied = copy_file_range(source, &at, target, &goal, n - done, 0);
+        if (copied > 0)
+            done += static_cast<unsigned long long>(copied);
+        else if (!Interrupted(copied))
+            break;
+    }
+    return done;
+}
+
+bool MayBeOneFile(int one, int other) noexcept {
+    struct stat first = {};
+    struct stat second = {};
+    const bool told = fstat(one, &first) == 0 && fstat(other, &second) == 0;
+    return !told || (first.st_dev == second.st_dev && first.st_ino == second.st_ino);
+}
+
 unsigned long long FileLength(int handle) noexcept {
     struct stat facts = {};
     return fstat(handle, &facts) == 0 ? static_cast<unsigned long long>(facts.st_size) : 0;

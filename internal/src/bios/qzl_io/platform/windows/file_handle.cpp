@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include <windows.h>
+
 #include <fcntl.h>
 #include <io.h>
 #include <share.h>
@@ -20,6 +22,10 @@ unsigned int Piece(unsigned long long n) {
 
 bool MoveTo(int handle, unsigned long long position) {
     return _lseeki64(handle, static_cast<long long>(position), SEEK_SET) >= 0 || _isatty(handle) != 0;
+}
+
+HANDLE SystemHandle(int handle) {
+    return reinterpret_cast<HANDLE>(_get_osfhandle(handle));
 }
 
 } // namespace
@@ -62,6 +68,20 @@ bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long
         done += static_cast<unsigned long long>(written);
     }
     return true;
+}
+
+unsigned long long CopyBetween(int, unsigned long long, int, unsigned long long, unsigned long long) noexcept {
+    return 0;
+}
+
+bool MayBeOneFile(int one, int other) noexcept {
+    BY_HANDLE_FILE_INFORMATION first = {};
+    BY_HANDLE_FILE_INFORMATION second = {};
+    if (!GetFileInformationByHandle(SystemHandle(one), &first) ||
+        !GetFileInformationByHandle(SystemHandle(other), &second))
+        return true;
+    return first.dwVolumeSerialNumber == second.dwVolumeSerialNumber && first.nFileIndexHigh == second.nFileIndexHigh &&
+           first.nFileIndexLow == second.nFileIndexLow;
 }
 
 unsigned long long FileLength(int handle) noexcept {
