@@ -1,5 +1,8 @@
 #include "json_text.h"
 
+#include <random>
+#include <string>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -37,6 +40,44 @@ TEST(JsonText, KnowsWellFormedUtf8) {
     };
     for (const eTextCase& row : rows)
         EXPECT_EQ(json_text::IsUtf8(row.text), row.expected) << testing::PrintToString(row.text);
+}
+
+// Mostly plain, with what is not at places of any kind.
+std::string RandomText(std::mt19937* random) {
+    static constexpr const char* pieces[] = {"\\",   "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8C\x85",
+                                             "\xC3", "\x80",     "\xFF"};
+    std::string text;
+    for (auto parts = (*random)() % 4; parts > 0; --parts) {
+        text.append((*random)() % 40, 'x');
+        text += pieces[(*random)() % std::size(pieces)];
+    }
+    return text.append((*random)() % 40, 'x');
+}
+
+bool IsUtf8BySequences(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t size = json_text::Utf8SequenceSize(text);
+        if (size == 0)
+            return false;
+        text.remove_prefix(size);
+    }
+    return true;
+}
+
+std::size_t PlainBlocksByBytes(std::string_view text) {
+    std::size_t plain = 0;
+    while (plain < text.size() && text[plain] != '\\' && static_cast<unsigned char>(text[plain]) < 0x80)
+        ++plain;
+    return plain / 16 * 16;
+}
+
+TEST(JsonText, IsJudgedInBlocksAsByteByByte) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 50'000; ++round) {
+        const std::string text = RandomText(&random);
+        ASSERT_EQ(json_text::IsUtf8(text), IsUtf8BySequences(text)) << testing::PrintToString(text);
+        ASSERT_EQ(json_text::PlainBlocks(text), PlainBlocksByBytes(text)) << testing::PrintToString(text);
+    }
 }
 
 TEST(JsonText, KnowsEscapedSurrogatesWithoutTheirOtherHalf) {

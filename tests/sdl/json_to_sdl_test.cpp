@@ -201,6 +201,18 @@ TEST_F(JsonToSdlTest, FailsOnMalformedTextAndLeavesTheOutputAlone) {
     }
 }
 
+TEST_F(JsonToSdlTest, JudgesTheEndOfALongTextAsItsBeginning) {
+    for (const std::size_t size : {0U, 13U, 14U, 15U, 16U, 100U, 100000U}) {
+        reports.Clear();
+        const std::string plain(size, 'x');
+        EXPECT_EQ(Converted('"' + plain + "\xFF\""), '"' + plain + "\xEF\xBF\xBD\"");
+        EXPECT_EQ(Converted('"' + plain + "\\u00e9 \xC3\xA9\""), '"' + plain + "\xC3\xA9 \xC3\xA9\"");
+        EXPECT_TRUE(reports.warnings().empty());
+        EXPECT_FALSE(Convert('"' + plain + "\\ud83c\""));
+        ExpectOneWarning("surrogate", "in.json");
+    }
+}
+
 TEST_F(JsonToSdlTest, RefusesWhatIsNestedTooDeepAndNeverCrashes) {
     const std::string deepest = std::string(127, '[') + std::string(127, ']');
     EXPECT_TRUE(Convert(deepest));

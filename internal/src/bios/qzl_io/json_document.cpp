@@ -36,21 +36,24 @@ void DropByteOrderMark(std::string* text) {
         text->erase(0, mark.size());
 }
 
+// The text as the parser takes it; its part from `unknownFrom` on may be ill-formed.
 template <class T>
-T ParserText(std::string text) {
+T ParserText(std::string text, std::size_t unknownFrom) {
     if constexpr (std::is_same_v<T, std::wstring>)
         return ToStringW(text);
     else
-        return json_text::IsUtf8(text) ? std::move(text) : ToString(ToStringW(text));
+        return json_text::IsUtf8(std::string_view(text).substr(unknownFrom)) ? std::move(text)
+                                                                             : ToString(ToStringW(text));
 }
 
 } // namespace
 
 web::json::value ParseJson(std::string text) {
     DropByteOrderMark(&text);
-    if (json_text::HasLoneSurrogate(text))
+    const std::size_t plain = json_text::PlainBlocks(text);
+    if (json_text::HasLoneSurrogate(std::string_view(text).substr(plain)))
         throw std::range_error("Json text has an escaped surrogate without its other half.");
-    const utility::string_t parserText = ParserText<utility::string_t>(std::move(text));
+    const utility::string_t parserText = ParserText<utility::string_t>(std::move(text), plain);
     const eDocumentOrder documentOrder;
     return web::json::value::parse(parserText);
 }

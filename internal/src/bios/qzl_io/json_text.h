@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
+#include <emmintrin.h>
 #include <string_view>
 
 // What must be known of a JSON text before it is given to a parser.
@@ -30,21 +30,31 @@ constexpr std::size_t Utf8SequenceSize(std::string_view text) {
     return follows(3) ? 4 : 0;
 }
 
-// Number of leading bytes that are ASCII, counted in whole words.
-inline std::size_t AsciiWords(std::string_view text) {
+// Number of leading bytes, in whole blocks of 16, before the first that `isStop` finds in one.
+template <class eTest>
+std::size_t BlocksBefore(std::string_view text, eTest isStop) {
+    constexpr std::size_t block = sizeof(__m128i);
     std::size_t at = 0;
-    for (unsigned long long word = 0; at + sizeof word <= text.size(); at += sizeof word) {
-        std::memcpy(&word, text.data() + at, sizeof word);
-        if (word & 0x8080808080808080ULL)
+    for (; at + block <= text.size(); at += block)
+        if (_mm_movemask_epi8(isStop(_mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at)))) != 0)
             break;
-    }
     return at;
+}
+
+inline std::size_t AsciiBlocks(std::string_view text) {
+    return BlocksBefore(text, [](__m128i bytes) { return bytes; });
+}
+
+// Leading blocks of ASCII without an escape, which nothing further has to be known of.
+inline std::size_t PlainBlocks(std::string_view text) {
+    const __m128i escapes = _mm_set1_epi8('\\');
+    return BlocksBefore(text, [escapes](__m128i bytes) { return _mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, escapes)); });
 }
 
 inline bool IsUtf8(std::string_view text) {
     while (!text.empty()) {
-        text.remove_prefix(AsciiWords(text));
-        for (std::size_t sequences = 0; sequences < sizeof(unsigned long long) && !text.empty(); ++sequences) {
+        text.remove_prefix(AsciiBlocks(text));
+        for (std::size_t sequences = 0; sequences < sizeof(__m128i) && !text.empty(); ++sequences) {
             const std::size_t size = Utf8SequenceSize(text);
             if (size == 0)
                 return false;

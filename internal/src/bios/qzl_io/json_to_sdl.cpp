@@ -1,5 +1,6 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <stdexcept>
@@ -14,6 +15,7 @@
 #include <qzl_io/streams.h>
 
 #include "json_document.h"
+#include "text_pieces.h"
 
 namespace {
 
@@ -88,9 +90,9 @@ std::string ReadFile(const eFileName& path) {
     return text;
 }
 
-void WriteFile(const eFileName& path, eSDLWriter::eWriteStream& text) {
+void WriteFile(const eFileName& path, const eTextPieces& text) {
     const std::unique_ptr<IO::eStream> stream = OpenFile(path, IO::StreamMode::Write | IO::StreamMode::Create);
-    text.Flush(stream.get(), nullptr);
+    text.WriteTo(stream.get());
     stream->Flush();
     if (stream->Enabled(IO::StreamMode::Bad))
         throw std::runtime_error((format("%1% - write error!") % path).str());
@@ -98,84 +100,113 @@ void WriteFile(const eFileName& path, eSDLWriter::eWriteStream& text) {
 
 // --- The walk ---
 
+// Writes a document and takes it apart: each value is freed when it is written, while the cache still holds it.
 class eJsonWalk {
 public:
-    eJsonWalk(eSDLWriter* target, const eJsonStep** currentPlace) : writer(*target), place(currentPlace) {}
+    eJsonWalk(eSDLWriter::eWriteStream* target, eTextPieces* finishedText, const eJsonStep** currentPlace)
+        : text(*target), finished(*finishedText), place(currentPlace) {}
 
-    void WriteJsonValue(const value& json);
+    void WriteJsonValue(value json) { WriteJsonValue(&json, json.type()); }
 
 private:
-    static bool IsContainer(const value& json) { return json.is_object() || json.is_array(); }
+    static constexpr int itemsInPiece = 8192;
 
+    static bool IsContainer(value::value_type type) { return type == value::Object || type == value::Array; }
+    // Whether 32 bits hold the integer, with a sign or without.
+    static bool IsShort(const web::json::number& integer) {
+        return integer.is_uint64() ? integer.to_uint64() <= UINT32_MAX : integer.is_int32();
+    }
+
+    void WriteJsonValue(value* json, value::value_type type);
     void WriteJsonNumber(const web::json::number& number);
-    void WriteJsonObject(const web::json::object& object);
-    void WriteJsonArray(const web::json::array& array);
+    void WriteJsonObject(web::json::object* object);
+    void WriteJsonArray(web::json::array* array);
 
-    eSDLWriter& writer;
+    void BeginItem();
+    void EndLine() { text.newlinePending = true; }
+
+    eSDLWriter::eWriteStream& text;
+    eTextPieces& finished;
+    int items = 0; // since the last piece
     const eJsonStep** place;
 };
 
+// An item that begins a line, and so one before which the text may be cut.
+void eJsonWalk::BeginItem() {
+    if (++items < itemsInPiece)
+        return;
+    finished.Take(&text);
+    items = 0;
+}
+
 void eJsonWalk::WriteJsonNumber(const web::json::number& number) {
-    if (number.is_int32()) {
-        writer << number.to_int32();
-    } else if (number.is_uint32()) {
-        writer << number.to_uint32();
-    } else if (!number.is_integral()) {
-        writer << static_cast<float>(number.to_double());
+    if (!number.is_integral()) {
+        text.WriteFloat(static_cast<float>(number.to_double()));
+    } else if (IsShort(number)) {
+        text.WriteInt(number.to_int32());
     } else {
         xError::Warning(sourceFile, numberLine, "Json number not parsed correctly.", 0);
-        writer << 0;
+        text.WriteInt(0);
     }
 }
 
-void eJsonWalk::WriteJsonObject(const web::json::object& object) {
-    for (const auto& [name, member] : object) {
+void eJsonWalk::WriteJsonObject(web::json::object* object) {
+    for (auto& [name, member] : *object) {
         const eJsonStep step(place, &name, 0);
-        writer.Stream().WriteControl(sdlBlockStart);
-        writer.Stream().WriteIdent(JsonTextToUtf8(name).c_str(), noKeyword);
-        if (IsContainer(member)) {
-            writer << endl;
-            WriteJsonValue(member);
-            writer << endl;
+        value json = std::move(member);
+        const value::value_type type = json.type();
+        BeginItem();
+        text.WriteControl(sdlBlockStart);
+        text.WriteIdent(JsonTextToUtf8(name).c_str(), noKeyword);
+        if (IsContainer(type)) {
+            EndLine();
+            WriteJsonValue(&json, type);
+            EndLine();
         } else {
-            WriteJsonValue(member);
+            WriteJsonValue(&json, type);
         }
-        writer << endb << endl;
+        text.WriteControl(sdlBlockEnd);
+        EndLine();
     }
 }
 
-void eJsonWalk::WriteJsonArray(const web::json::array& array) {
+void eJsonWalk::WriteJsonArray(web::json::array* array) {
     std::size_t index = 0;
-    for (const value& element : array) {
+    for (value& element : *array) {
         const eJsonStep step(place, nullptr, index++);
-        if (IsContainer(element)) {
-            writer.Stream().WriteControl(sdlBlockStart);
-            writer << endl;
-            WriteJsonValue(element);
-            writer << endl << endb << endl;
+        value json = std::move(element);
+        const value::value_type type = json.type();
+        if (type != value::Null)
+            BeginItem();
+        if (IsContainer(type)) {
+            text.WriteControl(sdlBlockStart);
+            EndLine();
+            WriteJsonValue(&json, type);
+            EndLine();
+            text.WriteControl(sdlBlockEnd);
         } else {
-            WriteJsonValue(element);
-            writer << endl;
+            WriteJsonValue(&json, type);
         }
+        EndLine();
     }
 }
 
-void eJsonWalk::WriteJsonValue(const value& json) {
-    switch (json.type()) {
+void eJsonWalk::WriteJsonValue(value* json, value::value_type type) {
+    switch (type) {
     case value::Number:
-        WriteJsonNumber(json.as_number());
+        WriteJsonNumber(json->as_number());
         return;
     case value::Boolean:
-        writer << json.as_bool();
+        text.WriteInt(json->as_bool());
         return;
     case value::String:
-        writer << JsonTextToUtf8(json.as_string());
+        text.WriteString(JsonTextToUtf8(json->as_string()).c_str());
         return;
     case value::Object:
-        WriteJsonObject(json.as_object());
+        WriteJsonObject(&json->as_object());
         return;
     case value::Array:
-        WriteJsonArray(json.as_array());
+        WriteJsonArray(&json->as_array());
         return;
     case value::Null:
         return;
@@ -207,8 +238,13 @@ bool JsonToSdl(const eFileName& input, const eFileName& output) {
     // Without a target: the output is opened when its text is complete, so that a failure on the way leaves it alone.
     eSDLWriter writer;
     writer.Open(static_cast<IO::eStream*>(nullptr));
-    if (!Succeeds(walkingLine, [&] { eJsonWalk(&writer, &reading.place).WriteJsonValue(json); }))
+    eTextPieces text;
+    const auto walk = [&] {
+        eJsonWalk(&writer.Stream(), &text, &reading.place).WriteJsonValue(std::move(json));
+        text.Take(&writer.Stream());
+    };
+    if (!Succeeds(walkingLine, walk))
         return false;
     const eFileAtWork writing(output);
-    return Succeeds(writingLine, [&] { WriteFile(output, writer.Stream()); });
+    return Succeeds(writingLine, [&] { WriteFile(output, text); });
 }
