@@ -2,6 +2,7 @@
 #include <deque>
 #include <memory>
 #include <new>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -51,6 +52,22 @@ std::string Upper(std::string text) {
         if (c >= 'a' && c <= 'z')
             c = static_cast<char>(c - 'a' + 'A');
     return text;
+}
+
+int FindOneByOne(const eSDLKeyword* table, const std::string& name) {
+    for (; table; table = table->next)
+        if (Upper(table->name) == Upper(name))
+            return table->id;
+    return 0;
+}
+
+// Of any length up to 40, most of them alike but for a few characters or for letter case.
+std::string RandomName(std::mt19937& random) {
+    static constexpr char characters[] = "aAbB@`[{_1\xC4";
+    std::string name(random() % 41, random() % 2 ? 'x' : 'X');
+    for (auto changes = random() % 3; changes > 0 && !name.empty(); --changes)
+        name[random() % name.size()] = characters[random() % (sizeof characters - 1)];
+    return name;
 }
 
 } // namespace
@@ -138,6 +155,23 @@ TEST(SdlKeyword, EntriesAddedAfterASearchAreFound) {
     for (int id = 1; id <= 1000; ++id)
         EXPECT_EQ(table.head->Find(("word" + std::to_string(id)).c_str()), id);
     EXPECT_EQ(table.head->Find("word1001"), 0);
+}
+
+TEST(SdlKeyword, FindsInTablesOfAnySizeWhatASearchOneByOneFinds) {
+    for (const int size : {1, 2, 15, 16, 17, 64, 65, 300, 2000}) {
+        std::mt19937 random(static_cast<unsigned>(size));
+        eTable table;
+        int id = 0;
+        while (id < size) {
+            for (int added = 1 + static_cast<int>(random() % 100); added > 0 && id < size; --added)
+                table.Add(RandomName(random), ++id);
+            const eSDLKeyword* const start = random() % 2 || !table.head->next ? table.head : table.head->next;
+            for (int round = 0; round < 50; ++round) {
+                const std::string name = RandomName(random);
+                ASSERT_EQ(start->Find(name.c_str()), FindOneByOne(start, name)) << name << " among " << id;
+            }
+        }
+    }
 }
 
 TEST(SdlKeyword, TheConstructorLeavesNextAsItFindsIt) {

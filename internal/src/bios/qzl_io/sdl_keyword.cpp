@@ -1,5 +1,7 @@
 #include <qzl_io/sdl/keyword.h>
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
 #include <mutex>
 
@@ -9,7 +11,8 @@ namespace xSDL {
 
 namespace {
 
-constexpr std::size_t kFirstCapacity = 32;
+constexpr std::size_t kLeastCapacity = 64;
+constexpr std::size_t kRoomForEach = 4;
 
 // Makes and extends the indices of all tables, which happens once per table or so.
 std::mutex indexMutex;
@@ -18,35 +21,62 @@ std::size_t NameLength(const eSDLKeyword& entry) {
     return entry.name ? std::strlen(entry.name) : 0;
 }
 
+std::size_t CapacityFor(const eSDLKeyword* entry) {
+    std::size_t entries = 0;
+    for (; entry; entry = entry->next)
+        ++entries;
+    return std::max(kLeastCapacity, std::bit_ceil(entries * kRoomForEach));
+}
+
+// Of names of more than eight characters; the last eight overlap those before.
+
+std::uint64_t HashName(const char* name, std::size_t length) {
+    std::uint64_t hash = length;
+    for (std::size_t at = 0; at < length - 8; at += 8)
+        hash = MixedIn(hash, Load8(name + at));
+    return MixedIn(hash, LoadLast8(name, length));
+}
+
+bool SameName(const char* left, const char* right, std::size_t length) {
+    for (std::size_t at = 0; at < length - 8; at += 8)
+        if (FoldCase(Load8(left + at)) != FoldCase(Load8(right + at)))
+            return false;
+    return FoldCase(LoadLast8(left, length)) == FoldCase(LoadLast8(right, length));
+}
+
 } // namespace
 
-eKeywordIndex::eKeywordIndex(const eSDLKeyword* first, std::size_t capacity)
-    : mask(capacity - 1), slots(std::make_unique<eSlot[]>(capacity)), last(first) {
+eKeywordIndex::eKeywordIndex(const eSDLKeyword* first)
+    : mask(CapacityFor(first) - 1), slots(std::make_unique<eSlot[]>(mask + 1)), last(first) {
     Insert(first);
+    Extend();
 }
 
 bool eKeywordIndex::Extend() {
-    const eSDLKeyword* entry = last.load(std::memory_order_relaxed)->next;
-    for (; entry && used < Capacity() / 2; entry = entry->next) {
-        Insert(entry);
-        last.store(entry, std::memory_order_release);
-    }
-    return !entry;
+    const eSDLKeyword* newest = last.load(std::memory_order_relaxed);
+    for (; newest->next && used <= mask / kRoomForEach; newest = newest->next)
+        Insert(newest->next);
+    last.store(newest, std::memory_order_release);
+    return !newest->next;
 }
 
 void eKeywordIndex::Insert(const eSDLKeyword* entry) {
+    const char* const name = entry->name;
     const std::size_t length = NameLength(*entry);
-    if (Find(entry->name, length))
+    eSlot& slot = slots[PlaceOf(name, length)];
+    if (slot.entry)
         return;
-    const std::uint32_t hash = HashName(entry->name, length);
-    std::size_t at = hash & mask;
-    while (slots[at].entry.load(std::memory_order_relaxed))
-        at = (at + 1) & mask;
-    slots[at].folded = FoldCase(LoadUpTo8(entry->name, length));
-    slots[at].hash = hash;
-    slots[at].length = length;
-    slots[at].entry.store(entry, std::memory_order_release);
+    slot.head = FoldCase(LoadUpTo8(name, length));
+    slot.tail = length > 8 ? FoldCase(LoadLast8(name, length)) : 0;
+    slot.length = length;
+    slot.entry = entry;
     ++used;
+}
+
+std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) const {
+    return PlaceFrom(HashName(name, length), [=](const eSlot& slot) {
+        return slot.length == length && SameName(slot.entry->name, name, length);
+    });
 }
 
 } // namespace xSDL
@@ -68,14 +98,12 @@ eSDLKeyword::~eSDLKeyword() {
 const xSDL::eKeywordIndex& eSDLKeyword::RefreshIndex() const {
     std::lock_guard lock(xSDL::indexMutex);
     xSDL::eKeywordIndex* current = index.load(std::memory_order_relaxed);
-    while (!current || !current->Extend()) {
-        const std::size_t capacity = current ? 2 * current->Capacity() : xSDL::kFirstCapacity;
-        auto larger = std::make_unique<xSDL::eKeywordIndex>(this, capacity);
-        larger->Replace(current);
-        current = larger.release();
-        index.store(current, std::memory_order_release);
-    }
-    return *current;
+    if (current && current->Extend())
+        return *current;
+    auto larger = std::make_unique<xSDL::eKeywordIndex>(this);
+    larger->Replace(current);
+    index.store(larger.get(), std::memory_order_release);
+    return *larger.release();
 }
 
 int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name) {

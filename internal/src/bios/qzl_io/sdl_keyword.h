@@ -28,72 +28,68 @@ inline std::uint64_t MixedIn(std::uint64_t hash, std::uint64_t word) {
     return hash ^ hash >> 32;
 }
 
-// Equal names of either letter case give equal values.
-inline std::uint32_t HashName(const char* name, std::size_t length) {
-    std::uint64_t hash = length;
-    for (; length > 8; name += 8, length -= 8)
-        hash = MixedIn(hash, Load8(name));
-    return static_cast<std::uint32_t>(MixedIn(hash, LoadUpTo8(name, length)));
-}
-
-inline bool SameName(const char* left, const char* right, std::size_t length) {
-    for (; length > 8; left += 8, right += 8, length -= 8)
-        if (FoldCase(Load8(left)) != FoldCase(Load8(right)))
-            return false;
-    return FoldCase(LoadUpTo8(left, length)) == FoldCase(LoadUpTo8(right, length));
+// The last of eight or more characters.
+inline std::uint64_t LoadLast8(const char* name, std::size_t length) {
+    return Load8(name + length - 8);
 }
 
 // Finds the first entry of a table with a given name.
 //
-// An open-addressed hash, at most half full. Searching takes no lock: a slot is written before its entry is published,
-// and an index that has become too small stays alive behind the larger one that replaces it.
+// An open-addressed hash, at most a quarter full, which compares names of up to 16 characters in their slots: most
+// searches, also those in vain, touch one slot, in large tables as in small ones. Searching takes no lock: names are
+// taken in before the last of them is published, and an index that has become too small stays alive behind the larger
+// one that replaces it.
 class eKeywordIndex {
 public:
-    // The capacity is a power of two. Holds the first entry alone.
-    eKeywordIndex(const eSDLKeyword* first, std::size_t capacity);
+    // Of the table that begins there.
+    explicit eKeywordIndex(const eSDLKeyword* first);
 
     // Have entries been appended since?
     bool Outdated() const { return last.load(std::memory_order_acquire)->next != nullptr; }
 
-    const eSDLKeyword* Find(const char* name, std::size_t length) const {
-        if (length <= kShortName) {
-            const std::uint64_t word = LoadUpTo8(name, length);
-            return FindFrom(MixedIn(length, word), [length, folded = FoldCase(word)](const eSlot& slot, const auto*) {
-                return slot.folded == folded && slot.length == length;
-            });
-        }
-        const std::uint32_t hash = HashName(name, length);
-        return FindFrom(hash, [=](const eSlot& slot, const eSDLKeyword* entry) {
-            return slot.hash == hash && slot.length == length && SameName(entry->name, name, length);
-        });
-    }
+    const eSDLKeyword* Find(const char* name, std::size_t length) const { return slots[PlaceOf(name, length)].entry; }
 
     // Takes in the entries behind the last one, as many as there is room for. True when that was all. One thread at a
     // time.
     bool Extend();
 
-    std::size_t Capacity() const { return mask + 1; }
-
     // Owns the index that this one replaces from now on.
     void Replace(eKeywordIndex* smaller) { replaced.reset(smaller); }
 
 private:
-    static constexpr std::size_t kShortName = 8; // names up to here are compared in their slot
+    static constexpr std::size_t kCompared = 16; // as many characters are compared in a slot
 
     struct eSlot {
-        std::uint64_t folded = 0; // a short name's characters in lower case
-        std::uint32_t hash = 0;
+        std::uint64_t head = 0; // the name's first eight characters and, when it has more, its last eight
+        std::uint64_t tail = 0;
         std::size_t length = 0;
-        std::atomic<const eSDLKeyword*> entry{nullptr};
+        const eSDLKeyword* entry = nullptr; // none: the slot is free
     };
 
-    template <class Matches>
-    const eSDLKeyword* FindFrom(std::uint64_t hash, Matches matches) const {
-        for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
-            const eSDLKeyword* entry = slots[at].entry.load(std::memory_order_acquire);
-            if (!entry || matches(slots[at], entry))
-                return entry;
+    // The slot of a name or, when the index does not hold it, the free one where it belongs.
+    std::size_t PlaceOf(const char* name, std::size_t length) const {
+        if (length > kCompared)
+            return PlaceOfLong(name, length);
+        const std::uint64_t head = LoadUpTo8(name, length);
+        std::uint64_t hash = MixedIn(length, head);
+        std::uint64_t tail = 0;
+        if (length > 8) {
+            tail = LoadLast8(name, length);
+            hash = MixedIn(hash, tail);
         }
+        return PlaceFrom(hash, [length, head = FoldCase(head), tail = FoldCase(tail)](const eSlot& slot) {
+            return slot.head == head && slot.tail == tail && slot.length == length;
+        });
+    }
+
+    std::size_t PlaceOfLong(const char* name, std::size_t length) const;
+
+    template <class Matches>
+    std::size_t PlaceFrom(std::uint64_t hash, Matches matches) const {
+        std::size_t at = hash & mask;
+        while (slots[at].entry && !matches(slots[at]))
+            at = (at + 1) & mask;
+        return at;
     }
 
     void Insert(const eSDLKeyword* entry);
