@@ -293,6 +293,7 @@ TEST(SdlReader, ChecksTheSignature) {
         {"{5}", "scene", ReaderFailure(352, "Identifier expected!")},
         {"{", "scene", ReaderFailure(352, "Identifier expected!")},
         {"{Other}", "Scene", ReaderFailure(20, "File signature mismatch (read 'other' instead of 'Scene')")},
+        {"{scene}", nullptr, ReaderFailure(20, "File signature mismatch (read 'scene' instead of '')")},
         {"{scenes}", "scene", ReaderFailure(20, "File signature mismatch (read 'scenes' instead of 'scene')")},
     };
     const eTempFolder folder;
@@ -440,9 +441,9 @@ TEST(SdlReader, StartAndEndReadNothing) {
 }
 
 TEST(SdlReader, LowersAnIdentifierOnDemand) {
-    eSDLReader reader = WordReaderOf("MiXed_\xC4 MiXed");
-    EXPECT_EQ(reader.GetIdent(true), "mixed_");
-    EXPECT_EQ(reader.Token().text, "mixed_");
+    eSDLReader reader = WordReaderOf("MiXed_09AZ\xC4 MiXed");
+    EXPECT_EQ(reader.GetIdent(true), "mixed_09az");
+    EXPECT_EQ(reader.Token().text, "mixed_09az");
     reader = WordReaderOf("LIGHT MiXed");
     EXPECT_EQ(reader.GetIdent(false), "LIGHT");
     EXPECT_EQ(reader.GetIdent(true), "mixed");

@@ -566,6 +566,10 @@ TEST(TextStream, FlushHandsOverAndEmptiesTheText) {
     text.Flush(&target, nullptr);
     EXPECT_EQ(Content(target), "12\r\n");
     EXPECT_FALSE(text.newlinePending);
+    text.WriteInt(3);
+    text.Flush(nullptr, std::make_shared<eTurningCipher>());
+    text.Flush(&target, nullptr);
+    EXPECT_EQ(Content(target), "12\r\n") << "without a target the text is emptied too";
 }
 
 TEST(TextStream, BeginsWithAStringOfAnyLength) {
