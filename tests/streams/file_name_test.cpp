@@ -6,6 +6,8 @@
 #include <qzl_io/file_name.h>
 #include <qzl_io/streams.h>
 
+#include "support/self_move.h"
+
 namespace {
 
 template <class N>
@@ -82,7 +84,7 @@ TYPED_TEST(FileNames, MovingLeavesTheOtherEmpty) {
 TYPED_TEST(FileNames, MovedOntoThemselvesKeepTheirText) {
     for (const char* text : {"a", "some/where/that/is/long/enough"}) {
         TypeParam name(T<TypeParam>(text));
-        name = std::move(*&name);
+        MoveOntoItself(name);
         EXPECT_EQ(name.str(), T<TypeParam>(text));
     }
 }

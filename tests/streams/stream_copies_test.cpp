@@ -7,6 +7,7 @@
 
 #include "probe.h"
 #include "support/reports.h"
+#include "support/self_move.h"
 #include "support/temp_folder.h"
 
 using IO::eSeekDir;
@@ -44,7 +45,7 @@ void ExpectKeptByAMoveOntoItself(Stream& stream) {
     const unsigned char* const bytes = stream.Buffer();
     const std::string state = stream.Dump();
     const unsigned short flags = stream.Flags();
-    stream = std::move(*&stream);
+    MoveOntoItself(stream);
     EXPECT_TRUE(stream.IsOpen());
     EXPECT_EQ(stream.Buffer(), bytes);
     EXPECT_EQ(stream.Dump(), state);

@@ -5,6 +5,7 @@
 #include <qzl_io/streams.h>
 
 #include "probe.h"
+#include "support/self_move.h"
 #include "support/temp_folder.h"
 
 namespace Mode = IO::StreamMode;
@@ -92,7 +93,7 @@ TEST(TextStream, MovedOntoItselfKeepsItsTarget) {
         for (IO::eTextStream* text : {&lent, &owned}) {
             const IO::eStream* const stream = &text->Stream();
             text->WriteStr("a");
-            *text = std::move(*&*text);
+            MoveOntoItself(*text);
             EXPECT_EQ(&text->Stream(), stream);
             EXPECT_EQ(text->Position(), 1u);
             text->WriteStr("b");
