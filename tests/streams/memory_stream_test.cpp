@@ -584,24 +584,28 @@ TEST(BufferStream, AnEmptyTextIsAStreamWithoutData) {
     EXPECT_EQ(reports.errors().size(), 1u);
 }
 
-TEST(MemoryStream, AheadAreTheBytesFromThePositionOnThatTheBufferHolds) {
-    const auto ahead = [](const IO::eStream& stream) {
-        const auto bytes = stream.Ahead();
-        return std::string(bytes.begin(), bytes.end());
-    };
+TEST(MemoryStream, AppendsToATextWhatTheBufferHoldsAndReportsNothing) {
+    const eReports reports;
     const unsigned char bytes[] = {'a', 'b', 'c', 'd'};
-    IO::eBufferStream stream(bytes, sizeof bytes, sizeof bytes);
-    EXPECT_EQ(ahead(stream), "abcd");
-    stream.Skip(3);
-    EXPECT_EQ(ahead(stream), "d");
-    stream.Skip(1);
-    EXPECT_EQ(ahead(stream), "");
-    EXPECT_EQ(ahead(IO::eBufferStream(bytes, sizeof bytes, 2)), "ab");
-    EXPECT_EQ(ahead(IO::eBufferStream(bytes, sizeof bytes, sizeof bytes + 5)), "abcd");
-    EXPECT_EQ(ahead(IO::eBufferStream()), "");
+    IO::eBufferStream stream(bytes, sizeof bytes, sizeof bytes + 5);
+    std::string text = "-";
+    EXPECT_EQ(stream.AppendTo(&text, 0), 0u);
+    EXPECT_EQ(stream.AppendTo(&text, 3), 3u);
+    EXPECT_EQ(stream.Position(), 3u);
+    EXPECT_EQ(stream.AppendTo(&text, 9), 1u);
+    EXPECT_EQ(stream.AppendTo(&text, 9), 0u);
+    EXPECT_EQ(text, "-abcd");
+    EXPECT_EQ(stream.Position(), 4u);
+    EXPECT_EQ(IO::eBufferStream().AppendTo(&text, 9), 0u);
     IO::eMemoryStream written;
-    written << 'x';
-    EXPECT_EQ(ahead(written), "");
-    written.Seek(static_cast<unsigned long long>(-5), IO::eSeekDir::Begin);
-    EXPECT_EQ(ahead(written), "");
+    written << 'x' << 'y';
+    EXPECT_EQ(written.AppendTo(&text, 9), 0u);
+    written.Seek(static_cast<unsigned long long>(-5), eSeekDir::Begin);
+    EXPECT_EQ(written.AppendTo(&text, 9), 0u);
+    written.Seek(0, eSeekDir::Begin);
+    written << 'z';
+    EXPECT_EQ(written.AppendTo(&text, 9), 1u);
+    EXPECT_EQ(text, "-abcdy");
+    EXPECT_TRUE(written.Enabled(IO::StreamMode::Modified)) << "nothing is flushed for it";
+    EXPECT_TRUE(reports.errors().empty());
 }

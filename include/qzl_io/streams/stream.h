@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <span>
 #include <string>
 #include <type_traits>
 
@@ -92,9 +91,9 @@ public:
     // Reads n bytes. When fewer remain, the target gets those, the position is the end of the data, Bad is set and
     // "Attempt to read beyond the stream!" is reported. n = 0 does nothing.
     eStream& Read(void* target, unsigned long long n);
-    // The bytes from the position on that lie in the buffer already, for who wants to look at them in place; none where
-    // the buffer is still to be filled. They are good until the next operation.
-    std::span<const unsigned char> Ahead() const noexcept;
+    // Reads the bytes that lie in the buffer already, n at most, to the end of the text. Returns how many those were;
+    // none where the buffer is still to be filled.
+    unsigned long long AppendTo(std::string* text, unsigned long long n);
     // Writes n bytes and extends the data when the position passes their end. What finds no room is dropped, Bad is set
     // and one report is made ("Attempt to write beyond the stream!"). n = 0 does nothing. The source may be a part of
     // the stream's own buffer.

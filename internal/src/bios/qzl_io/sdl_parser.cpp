@@ -87,12 +87,8 @@ eSDLParser::~eSDLParser() {
 
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
     text.reserve(size + xSDL::kTextEnd);
-    if (const auto ahead = stream.Ahead(); size > 0 && ahead.size() >= size) {
-        text.append(reinterpret_cast<const char*>(ahead.data()), size);
-        stream.Skip(size);
-        return EndText();
-    }
-    for (std::size_t done = 0; done < size;) {
+    auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
+    while (done < size) {
         const std::size_t piece = std::min(size - done, kPiece);
         text.resize(done + piece);
         stream.Read(text.data() + done, piece);

@@ -125,10 +125,6 @@ unsigned long long eStream::DataInBuffer() const noexcept {
     return std::min(RoomInBuffer(), static_cast<unsigned long long>(std::max(Remaining(), 0ll)));
 }
 
-std::span<const unsigned char> eStream::Ahead() const noexcept {
-    return {ptr, static_cast<std::size_t>(DataInBuffer())};
-}
-
 std::string eStream::Dump() const {
     return "(off:" + ToString(offset, false) + ", ptr:" + Decimal(Distance(buffer, ptr)) +
            ", end:" + Decimal(static_cast<long long>(Capacity())) + ", eos:" + Decimal(Distance(buffer, eos)) +
@@ -285,6 +281,15 @@ eStream& eStream::Read(void* target, unsigned long long n) {
         n -= run;
     }
     return *this;
+}
+
+unsigned long long eStream::AppendTo(std::string* text, unsigned long long n) {
+    const unsigned long long run = std::min(n, DataInBuffer());
+    if (run > 0) {
+        text->append(reinterpret_cast<const char*>(ptr), static_cast<std::size_t>(run));
+        ptr += run;
+    }
+    return run;
 }
 
 eStream& eStream::Write(const void* source, unsigned long long n) {
