@@ -23,9 +23,9 @@ const std::vector<std::string> kTamePieces = {"a",     "word ", "12 ", "0x1F", "
                                               "}",     "(",     ")",   "{#m ", "{##x",   "\"s\"",     "\"\\n}\"",
                                               "; }\n", "\n",    " ",   " = ",  " 7-5.5", "b+1.5"};
 
-std::string RandomText(std::mt19937& random, const std::vector<std::string>& pieces) {
+std::string RandomText(std::mt19937& random, const std::vector<std::string>& pieces, unsigned most = 60) {
     std::string text;
-    for (auto left = random() % 60; left > 0; --left)
+    for (auto left = random() % most; left > 0; --left)
         text += pieces[random() % pieces.size()];
     return text;
 }
@@ -38,6 +38,20 @@ TEST(SdlSkip, LeavesTheReaderAsIfEveryTokenHadBeenCut) {
     for (int round = 0; round < rounds; ++round) {
         const std::string text = RandomText(random, round % 2 ? kPieces : kTamePieces);
         ASSERT_EQ(SkipAtOnce(text), SkipPlainly(text)) << text;
+    }
+}
+
+TEST(SdlSkip, CountsTheLinesOfLongBlocks) {
+    std::mt19937 random(8);
+    for (int round = 0; round < 200; ++round) {
+        std::string text = "{";
+        while (text.size() < 20'000) {
+            text +=
+                RandomText(random, {"a", "12 ", "\n", "\r\n\t\t", " 1.5", "{m\n}", "\"s\\\nt\"", "; c\n", "{#x }"}, 40);
+            text.append(random() % 8 == 0 ? random() % 6000 : 0, random() % 2 == 0 ? '\n' : 'b');
+        }
+        ASSERT_EQ(SkipAtOnce(text + "}}"), SkipPlainly(text + "}}"));
+        ASSERT_EQ(SkipAtOnce(text + "}"), SkipPlainly(text + "}"));
     }
 }
 

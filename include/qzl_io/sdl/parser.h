@@ -162,7 +162,7 @@ private:
     void DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher);
     void EndText();
     void Rewind();
-    void JumpTo(const char* position);
+    void JumpTo(const char* position, int line);
 
     // The current token's text, wherever it is; in the token; in the token and kept with it.
     std::string_view Text() const;

@@ -128,9 +128,9 @@ void eSDLParser::Rewind() {
     previousText = {};
 }
 
-void eSDLParser::JumpTo(const char* position) {
-    current.line += xSDL::CountLineFeeds(current.position, position);
+void eSDLParser::JumpTo(const char* position, int line) {
     current.position = position;
+    current.line = line;
 }
 
 bool eSDLParser::Get() {

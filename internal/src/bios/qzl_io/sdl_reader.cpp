@@ -391,7 +391,7 @@ bool eSDLReader::SkipInSource(int* depth) {
     }
     if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1)
         return false;
-    parser.JumpTo(skimmed.anchor);
+    parser.JumpTo(skimmed.anchor, parser.Line() + xSDL::LinesBefore(skimmed.anchor, skimmed));
     eSDLParserLexType type;
     do
         type = Next();

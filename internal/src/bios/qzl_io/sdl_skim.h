@@ -22,6 +22,8 @@ struct eSkimmed {
     int depth = 0;                     // of blocks open at `stop`
     const char* lastStart = nullptr;   // the { of the last block start, null if there was none
     const char* startBefore = nullptr; // that of the one before
+    const char* counted = nullptr;     // a place near the end of the pass
+    int lines = 0;                     // line feeds before it
 };
 
 // The mark of the block that starts with the brace, without its first #.
@@ -29,6 +31,12 @@ inline std::string_view MarkOf(const char* brace) {
     eLexeme mark;
     CutMark(brace + 1, &mark);
     return mark.length == 0 ? std::string_view() : std::string_view(mark.begin + 1, mark.length - 1);
+}
+
+// Line feeds from the beginning of the pass to a place near its end.
+inline int LinesBefore(const char* place, const eSkimmed& skimmed) {
+    return place < skimmed.counted ? skimmed.lines - CountLineFeeds(place, skimmed.counted)
+                                   : skimmed.lines + CountLineFeeds(skimmed.counted, place);
 }
 
 // Letters, digits and whatever else means nothing to a block's nesting and is no error wherever a token may begin.
@@ -44,16 +52,26 @@ public:
     // From the position, a boundary between tokens, with so many blocks open.
     eSkim(const char* position, int depth) : at(position), boundary(position) {
         skimmed.anchor = position;
+        skimmed.counted = position;
         skimmed.depth = depth;
     }
 
     eSkimmed Run() {
-        while (PassBlock()) {
-        }
+        while (PassBlock())
+            if (at - skimmed.counted >= kCountedAtOnce)
+                CountLines();
         return skimmed;
     }
 
 private:
+    // Little enough to be in the nearest cache still.
+    static constexpr std::ptrdiff_t kCountedAtOnce = 4096;
+
+    void CountLines() {
+        skimmed.lines += CountLineFeeds(skimmed.counted, at);
+        skimmed.counted = at;
+    }
+
     // Passes 16 characters, and more where the last token among them is longer. False when the skimming ends.
     bool PassBlock() {
         const char* const block = at;
@@ -129,6 +147,8 @@ private:
     }
 
     bool PassString() {
+        if (const char* const end = PassStringBody(at + 1); *end == '"')
+            return PassToken(end + 1);
         eLexeme string;
         int line = 0;
         const char* const end = CutString(at + 1, &line, &string);
