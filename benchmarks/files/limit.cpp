@@ -48,30 +48,13 @@ private:
 
 size_t PutAll(const std::string& name, size_t sets) {
     eWrittenBlock block(name);
-    eHandWriter<eWrittenBlock> out(block);
-    PutSets(sets, [&](const eTypedValues& set) {
-        out.Put(set.integer);
-        out.Put(set.byte);
-        out.Put(set.real);
-        out.Put(set.precise);
-        out.Put(set.large);
-        out.Put(set.name);
-    });
-    block.Grow(out.Next(), 0);
+    block.Grow(PutByHand(block, sets), 0);
     return sets;
 }
 
 std::uint64_t GetAll(const std::string& name, size_t sets) {
     eReadBlock block(name);
-    eHandReader<eReadBlock> in(block);
-    return GetSets(sets, [&](eTypedValues& set) {
-        in.Get(set.integer);
-        in.Get(set.byte);
-        in.Get(set.real);
-        in.Get(set.precise);
-        in.Get(set.large);
-        in.Get(set.name);
-    });
+    return GetByHand(block, sets);
 }
 
 /// Pieces gathered in 32 KiB and written when these are full.

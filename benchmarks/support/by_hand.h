@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string>
 
+#include "../typed_values/values.h"
+
 namespace bench {
 
 /// Typed values copied into bytes that make room through `Sink::Grow(size)`: one comparison for each value.
@@ -74,5 +76,33 @@ private:
     const unsigned char* next;
     const unsigned char* limit;
 };
+
+/// The sets copied into a sink; returns where the next byte would go.
+template <class Sink>
+unsigned char* PutByHand(Sink& sink, size_t sets) {
+    eHandWriter<Sink> out(sink);
+    PutSets(sets, [&](const eTypedValues& set) {
+        out.Put(set.integer);
+        out.Put(set.byte);
+        out.Put(set.real);
+        out.Put(set.precise);
+        out.Put(set.large);
+        out.Put(set.name);
+    });
+    return out.Next();
+}
+
+template <class Source>
+std::uint64_t GetByHand(Source& source, size_t sets) {
+    eHandReader<Source> in(source);
+    return GetSets(sets, [&](eTypedValues& set) {
+        in.Get(set.integer);
+        in.Get(set.byte);
+        in.Get(set.real);
+        in.Get(set.precise);
+        in.Get(set.large);
+        in.Get(set.name);
+    });
+}
 
 } // namespace bench

@@ -49,29 +49,13 @@ private:
 
 template <class Sink>
 size_t PutAll(Sink& sink, size_t sets) {
-    eHandWriter<Sink> out(sink);
-    PutSets(sets, [&](const eTypedValues& set) {
-        out.Put(set.integer);
-        out.Put(set.byte);
-        out.Put(set.real);
-        out.Put(set.precise);
-        out.Put(set.large);
-        out.Put(set.name);
-    });
-    return static_cast<size_t>(out.Next() - sink.Begin());
+    const unsigned char* const end = PutByHand(sink, sets);
+    return static_cast<size_t>(end - sink.Begin());
 }
 
 std::uint64_t GetAll(const std::string& bytes, size_t sets) {
     eWhole whole(bytes);
-    eHandReader<eWhole> in(whole);
-    return GetSets(sets, [&](eTypedValues& set) {
-        in.Get(set.integer);
-        in.Get(set.byte);
-        in.Get(set.real);
-        in.Get(set.precise);
-        in.Get(set.large);
-        in.Get(set.name);
-    });
+    return GetByHand(whole, sets);
 }
 
 template <class Sink>
