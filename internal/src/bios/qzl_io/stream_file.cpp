@@ -30,8 +30,7 @@ constexpr unsigned long long kLargestBuffer = 32768;
 constexpr std::align_val_t kBlockAlignment{64};
 
 unsigned char* NewBlock(unsigned long long size) {
-    void* const block = size > 0 ? ::operator new(size, kBlockAlignment, std::nothrow) : nullptr;
-    return static_cast<unsigned char*>(block ? std::memset(block, 0, size) : nullptr);
+    return static_cast<unsigned char*>(size > 0 ? ::operator new(size, kBlockAlignment, std::nothrow) : nullptr);
 }
 
 void DeleteBlock(unsigned char* block) noexcept {
@@ -125,9 +124,12 @@ void eFileStreamBase::ReleaseHandle() noexcept {
 
 // --- The buffer ---
 
+// Where there are data, filling the buffer clears what they leave of it.
 void eFileStreamBase::CreateBuffer(unsigned long long capacity, unsigned long long length) {
     ReleaseBuffer();
     UseBuffer(NewBlock(capacity), capacity, length);
+    if (buffer && length == 0)
+        std::memset(buffer, 0, capacity);
     if (capacity > 0 && !buffer)
         xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
 }
