@@ -100,7 +100,7 @@ void WriteFile(const eFileName& path, const eTextPieces& text) {
 
 // --- The walk ---
 
-// Writes a document and takes it apart: each value is freed when it is written, while the cache still holds it.
+// Writes a document and takes it apart: each object and array is freed when it is written, while the cache holds it.
 class eJsonWalk {
 public:
     eJsonWalk(eSDLWriter::eWriteStream* target, eTextPieces* finishedText, const eJsonStep** currentPlace)
@@ -121,6 +121,7 @@ private:
     void WriteJsonNumber(const web::json::number& number);
     void WriteJsonObject(web::json::object* object);
     void WriteJsonArray(web::json::array* array);
+    void WriteLines(value container, value::value_type type);
 
     void BeginItem();
     void EndLine() { text.newlinePending = true; }
@@ -153,18 +154,14 @@ void eJsonWalk::WriteJsonNumber(const web::json::number& number) {
 void eJsonWalk::WriteJsonObject(web::json::object* object) {
     for (auto& [name, member] : *object) {
         const eJsonStep step(place, &name, 0);
-        value json = std::move(member);
-        const value::value_type type = json.type();
+        const value::value_type type = member.type();
         BeginItem();
         text.WriteControl(sdlBlockStart);
         text.WriteIdent(JsonTextToUtf8(name).c_str(), noKeyword);
-        if (IsContainer(type)) {
-            EndLine();
-            WriteJsonValue(&json, type);
-            EndLine();
-        } else {
-            WriteJsonValue(&json, type);
-        }
+        if (IsContainer(type))
+            WriteLines(std::move(member), type);
+        else
+            WriteJsonValue(&member, type);
         text.WriteControl(sdlBlockEnd);
         EndLine();
     }
@@ -174,21 +171,24 @@ void eJsonWalk::WriteJsonArray(web::json::array* array) {
     std::size_t index = 0;
     for (value& element : *array) {
         const eJsonStep step(place, nullptr, index++);
-        value json = std::move(element);
-        const value::value_type type = json.type();
+        const value::value_type type = element.type();
         if (type != value::Null)
             BeginItem();
         if (IsContainer(type)) {
             text.WriteControl(sdlBlockStart);
-            EndLine();
-            WriteJsonValue(&json, type);
-            EndLine();
+            WriteLines(std::move(element), type);
             text.WriteControl(sdlBlockEnd);
         } else {
-            WriteJsonValue(&json, type);
+            WriteJsonValue(&element, type);
         }
         EndLine();
     }
+}
+
+void eJsonWalk::WriteLines(value container, value::value_type type) {
+    EndLine();
+    WriteJsonValue(&container, type);
+    EndLine();
 }
 
 void eJsonWalk::WriteJsonValue(value* json, value::value_type type) {
