@@ -90,9 +90,10 @@ std::string ReadFile(const eFileName& path) {
     return text;
 }
 
-void WriteFile(const eFileName& path, const eTextPieces& text) {
+void WriteFile(const eFileName& path, const eTextPieces& beginning, eSDLWriter::eWriteStream* rest) {
     const std::unique_ptr<IO::eStream> stream = OpenFile(path, IO::StreamMode::Write | IO::StreamMode::Create);
-    text.WriteTo(stream.get());
+    beginning.WriteTo(stream.get());
+    rest->Flush(stream.get(), nullptr);
     stream->Flush();
     if (stream->Enabled(IO::StreamMode::Bad))
         throw std::runtime_error((format("%1% - write error!") % path).str());
@@ -103,8 +104,8 @@ void WriteFile(const eFileName& path, const eTextPieces& text) {
 // Writes a document and takes it apart: each object and array is freed when it is written, while the cache holds it.
 class eJsonWalk {
 public:
-    eJsonWalk(eSDLWriter::eWriteStream* target, eTextPieces* finishedText, const eJsonStep** currentPlace)
-        : text(*target), finished(*finishedText), place(currentPlace) {}
+    eJsonWalk(eSDLWriter::eWriteStream* target, eTextPieces* textBefore, const eJsonStep** currentPlace)
+        : text(*target), before(*textBefore), place(currentPlace) {}
 
     void WriteJsonValue(value json) { WriteJsonValue(&json, json.type()); }
 
@@ -127,7 +128,7 @@ private:
     void EndLine() { text.newlinePending = true; }
 
     eSDLWriter::eWriteStream& text;
-    eTextPieces& finished;
+    eTextPieces& before;
     int items = 0; // since the last piece
     const eJsonStep** place;
 };
@@ -136,7 +137,7 @@ private:
 void eJsonWalk::BeginItem() {
     if (++items < itemsInPiece)
         return;
-    finished.Take(&text);
+    before.Take(&text);
     items = 0;
 }
 
@@ -238,13 +239,10 @@ bool JsonToSdl(const eFileName& input, const eFileName& output) {
     // Without a target: the output is opened when its text is complete, so that a failure on the way leaves it alone.
     eSDLWriter writer;
     writer.Open(static_cast<IO::eStream*>(nullptr));
-    eTextPieces text;
-    const auto walk = [&] {
-        eJsonWalk(&writer.Stream(), &text, &reading.place).WriteJsonValue(std::move(json));
-        text.Take(&writer.Stream());
-    };
-    if (!Succeeds(walkingLine, walk))
+    eTextPieces beginning;
+    eJsonWalk walk(&writer.Stream(), &beginning, &reading.place);
+    if (!Succeeds(walkingLine, [&] { walk.WriteJsonValue(std::move(json)); }))
         return false;
     const eFileAtWork writing(output);
-    return Succeeds(writingLine, [&] { WriteFile(output, text); });
+    return Succeeds(writingLine, [&] { WriteFile(output, beginning, &writer.Stream()); });
 }
