@@ -613,3 +613,17 @@ TEST(SdlParser, TokenTypesHaveTheirNumbers) {
         EXPECT_EQ(static_cast<int>(type), number);
     EXPECT_EQ(sizeof(eSDLParserLexType), 4u);
 }
+
+TEST(SdlParser, TextsOfManyLargePagesAreReadWhole) {
+    std::string text;
+    for (int i = 0; i < 700'000; ++i)
+        text += std::to_string(i) + '\n';
+    ASSERT_GT(text.size(), 4u * 1024 * 1024);
+    eTextParser parser(text);
+    for (int i = 0; i < 700'000; ++i) {
+        ASSERT_TRUE(parser.Get());
+        ASSERT_EQ(parser.StateCurrent().token.intValue, i);
+    }
+    EXPECT_FALSE(parser.Get());
+    EXPECT_EQ(parser.Line(), 700'001);
+}

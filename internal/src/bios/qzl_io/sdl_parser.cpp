@@ -8,6 +8,7 @@
 #include <qzl_base/format.h>
 #include <qzl_io/streams.h>
 
+#include "platform/memory.h"
 #include "sdl_lexer.h"
 #include "sdl_number.h"
 #include "sdl_plain.h"
@@ -87,6 +88,7 @@ eSDLParser::~eSDLParser() {
 
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
     text.reserve(size + xSDL::kTextEnd);
+    IO::Platform::PreferLargePages(text.data(), size);
     auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
     while (done < size) {
         const std::size_t piece = std::min(size - done, kPiece);

@@ -1,0 +1,8 @@
+#include "../memory.h"
+
+namespace IO::Platform {
+
+// Large pages need a privilege here that applications do not have.
+void PreferLargePages(void*, std::size_t) noexcept {}
+
+} // namespace IO::Platform
