@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 
 #include "sdl_automaton.h"
@@ -135,12 +136,71 @@ inline const char* CutString(const char* begin, int* line, eLexeme* token) {
     return at + (*at == '"');
 }
 
-inline const char* PassBlank(const char* at, int* line) {
-    if (!Has(stBetween, *at))
-        return at;
-    *line += *at == '\n';
-    ++at;
-    return Has(stBetween, *at) ? PassBlanks(at, line) : at;
+// What a character begins between tokens.
+enum class eBegins : unsigned char {
+    Gap, // nothing: it is a blank, or begins a comment
+    Word,
+    Number, // or an operator
+    String,
+    BlockStart,
+    BlockEnd,
+    Operator,
+    Other // the ( and ) of a control block, an error, the end of the text
+};
+
+constexpr eBegins FindBegins(const eStep& step) {
+    switch (step.to) {
+    case stBetween:
+    case stComment:
+        return eBegins::Gap;
+    case stIdent:
+        return eBegins::Word;
+    case stInteger:
+    case stZero:
+    case stSign:
+        return eBegins::Number;
+    case stString:
+        return eBegins::String;
+    case stBrace:
+        return eBegins::BlockStart;
+    default:
+        return step.type == sdlBlockEnd   ? eBegins::BlockEnd
+               : step.type == sdlOperator ? eBegins::Operator
+                                          : eBegins::Other;
+    }
+}
+
+inline constexpr std::array<eBegins, 256> kBegins = [] {
+    std::array<eBegins, 256> begins{};
+    for (std::size_t c = 0; c < begins.size(); ++c)
+        begins[c] = FindBegins(kAutomaton[stBetween][c]);
+    return begins;
+}();
+
+constexpr eBegins Begins(char c) {
+    return kBegins[static_cast<unsigned char>(c)];
+}
+
+// Where a token begins, and its line.
+struct eTokenBegin {
+    const char* at;
+    int line;
+};
+
+// Out of line and all in registers, so that tokens within a line cost nothing for it.
+[[gnu::noinline]] inline eTokenBegin PassGap(const char* at, int line) {
+    for (;;) {
+        at = PassBlanks(at, &line);
+        if (*at != ';')
+            return {at, line};
+        at = PassComment(at + 1);
+    }
+}
+
+// One blank before a token is the rule within a line.
+[[gnu::always_inline]] inline eTokenBegin FindToken(const char* at, int line) {
+    at += *at == ' ';
+    return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
 }
 
 // What needs no more than its first character: brackets, operators, errors, and the end of the text, which has no type.
@@ -161,9 +221,10 @@ inline const char* CutSigned(const char* at, eLexeme* token) {
     return at + 1;
 }
 
-// The token that begins at a character with this step from between tokens.
-[[gnu::always_inline]] inline const char* CutAt(const char* at, const eStep& step, int* line, eLexeme* token) {
-    const char* const begin = at;
+// The token that begins there.
+inline const char* CutAt(const char* begin, int* line, eLexeme* token) {
+    const eStep& step = kAutomaton[stBetween][static_cast<unsigned char>(*begin)];
+    const char* at = begin;
     switch (step.to) {
     case stIdent:
         at = PassIdent(at + 1);
@@ -186,14 +247,10 @@ inline const char* CutSigned(const char* at, eLexeme* token) {
 }
 
 // Does what CutByTable does, and tells more about numbers and strings. The token must be a new one.
-[[gnu::always_inline]] inline bool CutToken(const char** position, int* line, eLexeme* token) {
-    const char* at = PassBlank(*position, line);
-    const eStep* step = &kAutomaton[stBetween][static_cast<unsigned char>(*at)];
-    while (step->to == stComment) {
-        at = PassBlank(PassComment(at + 1), line);
-        step = &kAutomaton[stBetween][static_cast<unsigned char>(*at)];
-    }
-    *position = CutAt(at, *step, line, token);
+inline bool CutToken(const char** position, int* line, eLexeme* token) {
+    const eTokenBegin begin = FindToken(*position, *line);
+    *line = begin.line;
+    *position = CutAt(begin.at, line, token);
     return token->type != sdlNone;
 }
 

@@ -171,10 +171,10 @@ bool eSDLParser::Cut() {
 bool eSDLParser::CutAny(xSDL::eTokenBegin begin) {
     Remember();
     current.line = begin.line;
-    current.position = begin.at;
     xSDL::eLexeme lexeme;
-    const bool found = xSDL::CutToken(&current.position, &current.line, &lexeme);
+    current.position = xSDL::CutAt(begin.at, &current.line, &lexeme);
     current.token.type = lexeme.type;
+    const bool found = lexeme.type != sdlNone;
     if (found) {
         currentText = {{lexeme.begin, lexeme.length}, eTokenText::Source};
         escaped = lexeme.escaped;

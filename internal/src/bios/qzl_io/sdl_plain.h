@@ -1,84 +1,12 @@
 #pragma once
 
-#include <array>
-
 #include <qzl_io/sdl/parser.h>
 
 #include "sdl_lexer.h"
 #include "sdl_number.h"
 
 // Tokens of an expected kind in their most frequent form, cut without asking what else could stand there. Each function
-// either does what eSDLParser::Cut would do, or returns false and leaves everything as it is for Cut to do.
-namespace xSDL {
-
-// What a character begins between tokens.
-enum class eBegins : unsigned char {
-    Gap, // nothing: it is a blank, or begins a comment
-    Word,
-    Number, // or an operator
-    String,
-    BlockStart,
-    BlockEnd,
-    Operator,
-    Other // the ( and ) of a control block, an error, the end of the text
-};
-
-constexpr eBegins FindBegins(const eStep& step) {
-    switch (step.to) {
-    case stBetween:
-    case stComment:
-        return eBegins::Gap;
-    case stIdent:
-        return eBegins::Word;
-    case stInteger:
-    case stZero:
-    case stSign:
-        return eBegins::Number;
-    case stString:
-        return eBegins::String;
-    case stBrace:
-        return eBegins::BlockStart;
-    default:
-        return step.type == sdlBlockEnd   ? eBegins::BlockEnd
-               : step.type == sdlOperator ? eBegins::Operator
-                                          : eBegins::Other;
-    }
-}
-
-inline constexpr std::array<eBegins, 256> kBegins = [] {
-    std::array<eBegins, 256> begins{};
-    for (std::size_t c = 0; c < begins.size(); ++c)
-        begins[c] = FindBegins(kAutomaton[stBetween][c]);
-    return begins;
-}();
-
-constexpr eBegins Begins(char c) {
-    return kBegins[static_cast<unsigned char>(c)];
-}
-
-// Where a token begins, and its line.
-struct eTokenBegin {
-    const char* at;
-    int line;
-};
-
-// Out of line and all in registers, so that tokens within a line cost nothing for it.
-[[gnu::noinline]] inline eTokenBegin PassGap(const char* at, int line) {
-    for (;;) {
-        at = PassBlanks(at, &line);
-        if (*at != ';')
-            return {at, line};
-        at = PassComment(at + 1);
-    }
-}
-
-// One blank before a token is the rule within a line.
-[[gnu::always_inline]] inline eTokenBegin FindToken(const char* at, int line) {
-    at += *at == ' ';
-    return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
-}
-
-} // namespace xSDL
+// either does what eSDLParser::CutAny would do, or returns false and leaves everything as it is for CutAny to do.
 
 [[gnu::always_inline]] inline void eSDLParser::Remember() {
     previous.token.type = current.token.type;
