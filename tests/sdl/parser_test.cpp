@@ -325,6 +325,25 @@ TEST(SdlParser, AChangedTokenIsKeptForBackEvenWhereItsLengthStays) {
     EXPECT_EQ(Dump(parser.Token()), "1[ONE]");
 }
 
+TEST(SdlParser, TokensOfEveryLengthKeepTheirTextsAndTheChangesToThem) {
+    const auto word = [](std::size_t length) { return std::string(length, static_cast<char>('a' + length % 26)); };
+    for (std::size_t before = 1; before <= 40; ++before)
+        for (std::size_t after = 1; after <= 40; ++after) {
+            eTextParser parser(word(before) + ' ' + word(after) + " { end");
+            for (const bool change : {false, true}) {
+                parser.Get();
+                ASSERT_EQ(parser.Token().text, word(change ? after : before));
+                std::string expected = parser.Token().text;
+                if (change)
+                    expected.back() = parser.Token().text.back() = '!';
+                parser.Get();
+                ASSERT_EQ(parser.Token().text, change ? "" : word(after));
+                parser.Back();
+                ASSERT_EQ(parser.Token().text, expected) << before << " and " << after;
+            }
+        }
+}
+
 TEST(SdlParser, AnalysesTheTokenJustCutOnceMore) {
     class eAnalysing : public eSDLParser {
     public:

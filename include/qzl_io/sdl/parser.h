@@ -100,7 +100,11 @@ public:
     void Back();
 
     // The current token, the caller's to change. The reference stays that of the current token as it changes.
-    eSDLParserToken& Token();
+    eSDLParserToken& Token() {
+        if (!watched)
+            Watch();
+        return current.token;
+    }
     const eSDLParserState& StateCurrent() const;
 
     // Overwrites the state to which Back returns. Its position must point into this parser's text or be null.
@@ -154,6 +158,7 @@ private:
     char SeePlainToken();
     void SetInt(int value);
     void Accept(eSDLParserLexType type, int line, const char* begin, const char* end, const char* next);
+    bool IsAsInSource() const;
     void Remember();
     void RememberText();
     void ForgetPrevious();
@@ -170,7 +175,7 @@ private:
     void FillText() const;
     void CopyText() const;
     std::string& OwnText() const;
-    eSDLParserToken& WatchedToken() const;
+    void Watch() const;
     // The state to which Back returns, its text in place.
     eSDLParserState StateBefore() const;
     [[noreturn]] static void Fail(int line, const char* message);
@@ -183,6 +188,7 @@ private:
     std::string name;
     mutable eTokenText currentText;
     eTokenText previousText;
+    mutable std::string room;     // for the text of a token, when that needs more or less than it has
     mutable bool watched = false; // somebody may hold a reference to the current token, and may change it
     bool missing = false;         // the stream could not be opened
     bool escaped = false;         // the token just cut is a string that holds a backslash

@@ -125,7 +125,7 @@ void eSDLParser::ProcessParams(const std::map<eStringKey, eStringKey>& parameter
 void eSDLParser::Rewind() {
     current = {};
     current.position = text.data();
-    currentText = {};
+    currentText = {{text.data(), 0}, eTokenText::Source};
     previous = {};
     previousText = {};
 }
@@ -171,7 +171,7 @@ bool eSDLParser::Cut() {
 bool eSDLParser::CutAny(xSDL::eTokenBegin begin) {
     Remember();
     current.line = begin.line;
-    xSDL::eLexeme lexeme;
+    xSDL::eLexeme lexeme{.begin = begin.at};
     current.position = xSDL::CutAt(begin.at, &current.line, &lexeme);
     current.token.type = lexeme.type;
     const bool found = lexeme.type != sdlNone;
@@ -271,8 +271,12 @@ const std::string& eSDLParser::FilledText() const {
     return current.token.text;
 }
 
+// Room for long texts comes and goes with them, so that short ones in between have a string without.
 [[gnu::noinline]] void eSDLParser::CopyText() const {
-    current.token.text.assign(currentText.source);
+    std::string& copy = current.token.text;
+    if ((currentText.source.size() <= kShortText) != IsWithinItself(copy))
+        copy.swap(room);
+    copy.assign(currentText.source);
 }
 
 std::string& eSDLParser::OwnText() const {
@@ -281,18 +285,13 @@ std::string& eSDLParser::OwnText() const {
     return current.token.text;
 }
 
-eSDLParserToken& eSDLParser::WatchedToken() const {
+void eSDLParser::Watch() const {
     watched = true;
     FilledText();
-    return current.token;
-}
-
-eSDLParserToken& eSDLParser::Token() {
-    return WatchedToken();
 }
 
 const eSDLParserState& eSDLParser::StateCurrent() const {
-    WatchedToken();
+    Watch();
     return current;
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <memory>
+#include <string>
+
 #include <qzl_io/sdl/parser.h>
 
 #include "sdl_lexer.h"
@@ -7,6 +10,24 @@
 
 // Tokens of an expected kind in their most frequent form, cut without asking what else could stand there. Each function
 // either does what eSDLParser::CutAny would do, or returns false and leaves everything as it is for CutAny to do.
+
+// The longest text that a string object holds within itself, with its zero behind it.
+inline constexpr std::size_t kShortText = 15;
+
+inline bool IsWithinItself(const std::string& string) {
+    return string.capacity() == kShortText;
+}
+
+// Whether the current token's text is what it was copied from.
+[[gnu::always_inline]] inline bool eSDLParser::IsAsInSource() const {
+    const std::string& copy = current.token.text;
+    const std::string_view source = currentText.source;
+    if (copy.size() != source.size() || !IsWithinItself(copy))
+        return copy == source;
+    const unsigned same = xSDL::Mask(_mm_cmpeq_epi8(xSDL::Load16(copy.data()), xSDL::Load16(source.data())));
+    const unsigned all = (1u << copy.size()) - 1;
+    return (same & all) == all;
+}
 
 [[gnu::always_inline]] inline void eSDLParser::Remember() {
     previous.token.type = current.token.type;
@@ -16,15 +37,21 @@
     previous.position = current.position;
     previousText.source = currentText.source;
     previousText.home = eTokenText::Source;
-    if (currentText.home == eTokenText::Own || (watched && !xSDL::SameText(current.token.text, currentText.source)))
+    if (currentText.home == eTokenText::Own || (watched && !IsAsInSource()))
         RememberText();
 }
 
+// Most texts are short. They are copied without a call: as the longest short text, which is then cut to its length.
 [[gnu::always_inline]] inline void eSDLParser::FillText() const {
-    if (currentText.source.empty())
-        current.token.text.clear();
-    else
+    std::string* const copy = &current.token.text;
+    const std::string_view source = currentText.source;
+    if (source.size() <= kShortText && IsWithinItself(*copy)) {
+        std::destroy_at(copy);
+        std::construct_at(copy, source.data(), kShortText);
+        copy->resize(source.size());
+    } else {
         CopyText();
+    }
     currentText.home = eTokenText::Copied;
 }
 
@@ -119,14 +146,14 @@ inline void eSDLParser::ForgetPrevious() {
 [[gnu::always_inline]] inline bool eSDLParser::CutPlainBlockStart(xSDL::eTokenBegin begin) {
     if (begin.at[0] != '{' || begin.at[1] == '#')
         return false;
-    Accept(sdlBlockStart, begin.line, nullptr, nullptr, begin.at + 1);
+    Accept(sdlBlockStart, begin.line, begin.at, begin.at, begin.at + 1);
     return true;
 }
 
 [[gnu::always_inline]] inline bool eSDLParser::CutBlockEnd(xSDL::eTokenBegin begin) {
     if (*begin.at != '}')
         return false;
-    Accept(sdlBlockEnd, begin.line, nullptr, nullptr, begin.at + 1);
+    Accept(sdlBlockEnd, begin.line, begin.at, begin.at, begin.at + 1);
     return true;
 }
 

@@ -402,7 +402,7 @@ bool eSDLReader::SkipInSource(int* depth) {
 }
 
 const eSDLParserToken& eSDLReader::Token() const {
-    return parsers.back()->WatchedToken();
+    return parsers.back()->Token();
 }
 
 void eSDLReader::PopKeywords() {

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstring>
 #include <emmintrin.h>
-#include <string_view>
 
 // Runs of characters in an SDL text, found 16 at a time. Every function may read up to kTextEnd bytes from any
 // character of the text on, its terminating zero included, so a text ends with that many zeros.
@@ -44,16 +43,6 @@ inline std::uint64_t LoadUpTo8(const char* at, std::size_t length) {
         return static_cast<std::uint64_t>(static_cast<unsigned char>(at[index]));
     };
     return byte(0) | (byte(length / 2) << 8) | (byte(length - 1) << 16);
-}
-
-inline bool SameText(std::string_view left, std::string_view right) {
-    const std::size_t size = left.size();
-    if (size != right.size() || size > 16)
-        return left == right;
-    if (size >= 8)
-        return Load8(left.data()) == Load8(right.data()) &&
-               Load8(left.data() + size - 8) == Load8(right.data() + size - 8);
-    return LoadUpTo8(left.data(), size) == LoadUpTo8(right.data(), size);
 }
 
 inline __m128i Each(int byte) {
