@@ -69,13 +69,14 @@ inline const char* CutNumber(const char* begin, eLexeme* token) {
     return CutFromDigits(begin, at, takesExponent, token);
 }
 
-// The same for a number of less than 16 digits and point, behind as many characters. Null for any other.
+// The same for a number of less than 16 characters, an exponent apart, behind as many others. Null for any other.
 [[gnu::always_inline]] inline const char* CutShortNumber(const char* begin, eLexeme* token) {
     static constexpr std::uint64_t kPower[] = {
         1,         10,         100,         1000,         10000,         100000,         1000000,        10000000,
         100000000, 1000000000, 10000000000, 100000000000, 1000000000000, 10000000000000, 100000000000000};
-    const char* const first = begin + (*begin == '-');
-    unsigned others = Mask(IsDigit(Load16(first))) ^ 0xFFFFu;
+    const unsigned sign = *begin == '-';
+    const char* const first = begin + sign;
+    unsigned others = (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
     if (others == 0 || (others & 1) != 0)
         return nullptr;
     const auto digits = static_cast<unsigned>(std::countr_zero(others));
@@ -199,7 +200,8 @@ struct eTokenBegin {
 
 // One blank before a token is the rule within a line.
 [[gnu::always_inline]] inline eTokenBegin FindToken(const char* at, int line) {
-    at += *at == ' ';
+    if (*at == ' ') [[likely]]
+        ++at;
     return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
 }
 

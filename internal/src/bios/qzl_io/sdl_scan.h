@@ -94,13 +94,21 @@ inline const char* PassComment(const char* at) {
     }
 }
 
+inline bool IsWithinString(char c) {
+    return (c > 0 && c <= '\t') || c == '\v' || c == '\f';
+}
+
 // Quote, backslash, end of a line or of the text.
 inline const char* PassStringBody(const char* at) {
     for (;; at += 16) {
         const __m128i bytes = Load16(at);
-        const __m128i end = Or(Or(Is(bytes, '\n'), Is(bytes, '\r')), Is(bytes, 0));
-        if (const unsigned stop = Mask(Or(end, Or(Is(bytes, '"'), Is(bytes, '\\')))))
-            return at + std::countr_zero(stop);
+        const __m128i control = IsFrom(bytes, 0, '\r');
+        unsigned found = Mask(Or(control, Or(Is(bytes, '"'), Is(bytes, '\\'))));
+        for (; found; found &= found - 1) {
+            const char* const stop = at + std::countr_zero(found);
+            if (!IsWithinString(*stop))
+                return stop;
+        }
     }
 }
 
