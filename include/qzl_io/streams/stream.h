@@ -136,20 +136,7 @@ public:
     // first NUL. A null pointer is the empty text.
     eStream& operator<<(const char* text) { return PutText(text, text ? std::strlen(text) : 0); }
     eStream& operator<<(const std::string& text) {
-        const std::size_t length = text.size();
-        if (length >= 8 && length <= 16 && Shows(length + 1)) [[likely]] {
-            const unsigned long long head = Word(text.data());
-            const unsigned long long tail = Word(text.data() + length - 8);
-            if (!HasZero(head) && !HasZero(tail)) [[likely]] {
-                Append(length + 1, [=](unsigned char* place) {
-                    *place = static_cast<unsigned char>(length);
-                    std::memcpy(place + 1, &head, 8);
-                    std::memcpy(place + 1 + length - 8, &tail, 8);
-                });
-                return *this;
-            }
-        }
-        return *this << text.c_str();
+        return AppendText(text.data(), text.size()) ? *this : PutUpToNul(text.c_str());
     }
     // The length counts UTF-16 units, each of two bytes; NUL units are written like others.
     eStream& operator<<(const std::wstring& text);
@@ -311,9 +298,9 @@ protected:
     unsigned char* buffer = nullptr;
     unsigned char* bufferEnd = nullptr; // one past the buffer's last byte
     unsigned long long bufferSize = 0;  // capacity with which the buffer was created
-    unsigned long long offset = 0;      // position of the buffer's first byte
     unsigned char* eos = nullptr;       // one past the last byte of data
     unsigned char* ptr = nullptr;       // the current position
+    unsigned long long offset = 0;      // position of the buffer's first byte
     unsigned short flags = 0;           // StreamMode
 
 private:
@@ -336,29 +323,48 @@ private:
     // The same for any n.
     bool Fits(unsigned long long n) const noexcept { return n < RoomInBuffer(); }
 
-    // What is needed of the fields is loaded before the bytes are stored: a store of bytes may alias all of them.
-    template <class Store>
-    void Append(unsigned long long n, Store store) noexcept {
-        unsigned char* const from = ptr;
-        unsigned char* const to = from + n;
-        if (Remaining() < static_cast<long long>(n)) [[likely]]
-            eos = to;
+    void Written(unsigned long long n) noexcept {
+        unsigned char* const end = ptr + n;
+        if (Remaining() < static_cast<long long>(n))
+            eos = end;
+        SetModified();
+        ptr = end;
+    }
+    void SetModified() noexcept {
         if (!Enabled(StreamMode::Modified)) [[unlikely]]
             Enable(StreamMode::Modified);
-        store(from);
-        ptr = to;
     }
-    void Written(unsigned long long n) noexcept {
-        Append(n, [](unsigned char*) {});
+
+    // The next n bytes lie behind the data, and there is room for them.
+    bool Appends(std::size_t n) const noexcept { return eos == ptr && Shows(n); }
+    // Bytes behind the data, which is where most go. eos and ptr are then known to be equal, and in a row of values that
+    // spares all tests of it but the first. The test between their stores keeps compilers from making one wide store of
+    // the two, which a load of one would have to wait for.
+    template <class Store>
+    void Append(std::size_t n, Store store) noexcept {
+        unsigned char* const place = ptr;
+        store(place);
+        eos = place + n;
+        SetModified();
+        ptr = place + n;
+    }
+    template <class Store>
+    bool PutHere(std::size_t n, Store store) noexcept {
+        if (Appends(n)) [[likely]] {
+            Append(n, store);
+            return true;
+        }
+        if (!Shows(n))
+            return false;
+        store(ptr);
+        Written(n);
+        return true;
     }
 
     template <class T>
     eStream& Put(T value) {
-        if (Shows(sizeof(T))) [[likely]] {
-            Append(sizeof(T), [value](unsigned char* place) { std::memcpy(place, &value, sizeof(T)); });
-            return *this;
-        }
-        return PutFallback(Bits(value), sizeof(T));
+        const auto store = [value](unsigned char* place) { std::memcpy(place, &value, sizeof(T)); };
+        return PutHere(sizeof(T), store) ? *this : PutFallback(Bits(value), sizeof(T));
     }
     template <class T>
     T Get() {
@@ -381,23 +387,42 @@ private:
     }
 
     eStream& PutText(const char* text, std::size_t length) {
-        if (length < kLongText && Shows(length + 1)) [[likely]] {
-            Append(length + 1, [=](unsigned char* place) {
-                *place = static_cast<unsigned char>(length);
-                if (length != 0)
-                    std::memcpy(place + 1, text, length);
-            });
-            return *this;
-        }
-        return PutTextFallback(text, length);
+        const auto store = [=](unsigned char* place) {
+            *place = static_cast<unsigned char>(length);
+            if (length != 0)
+                std::memcpy(place + 1, text, length);
+        };
+        return length < kLongText && PutHere(length + 1, store) ? *this : PutTextFallback(text, length);
+    }
+    eStream& PutUpToNul(const char* text);
+    // A text of 8 to 15 characters, none of them NUL, and its length before it, as two words. False, and nothing done,
+    // for any other.
+    bool AppendText(const char* text, std::size_t length) noexcept {
+        if (!Appends(length + 1) || length < 8 || length > 15)
+            return false;
+        const unsigned long long head = Word(text);
+        const unsigned long long tail = Word(text + length - 8);
+        if (HasZero(head, tail)) [[unlikely]]
+            return false;
+        Append(length + 1, [=](unsigned char* place) {
+            const unsigned long long first = head << 8 | length;
+            std::memcpy(place, &first, 8);
+            std::memcpy(place + length + 1 - 8, &tail, 8);
+        });
+        return true;
     }
     static unsigned long long Word(const char* bytes) noexcept {
         unsigned long long word = 0;
         std::memcpy(&word, bytes, sizeof word);
         return word;
     }
-    static bool HasZero(unsigned long long word) noexcept {
-        return ((word - 0x0101010101010101ull) & ~word & 0x8080808080808080ull) != 0;
+    // Whether one of the 16 bytes is zero. Without one beyond ASCII that is known sooner.
+    static bool HasZero(unsigned long long head, unsigned long long tail) noexcept {
+        constexpr unsigned long long kLowest = 0x0101010101010101ull;
+        constexpr unsigned long long kHighest = kLowest << 7;
+        const unsigned long long headLess = head - kLowest;
+        const unsigned long long tailLess = tail - kLowest;
+        return ((headLess | tailLess) & kHighest) != 0 && (((headLess & ~head) | (tailLess & ~tail)) & kHighest) != 0;
     }
     // The length is kept from the compiler's sight: told that it is below 256, GCC 12 copies with a string instruction
     // that takes longer to start than the whole copy.

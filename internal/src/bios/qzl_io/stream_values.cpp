@@ -102,6 +102,10 @@ void eStream::PutLength(unsigned long long length) {
     Bytes(kLongLengthBytes, static_cast<unsigned int>(length & kTbyteMask));
 }
 
+eStream& eStream::PutUpToNul(const char* text) {
+    return *this << text;
+}
+
 eStream& eStream::PutTextFallback(const char* text, unsigned long long length) {
     PutLength(length);
     return Write(text, length);
