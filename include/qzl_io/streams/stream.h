@@ -323,23 +323,31 @@ private:
     // The same for any n.
     bool Fits(unsigned long long n) const noexcept { return n < RoomInBuffer(); }
 
-    void Written(unsigned long long n) noexcept {
-        unsigned char* const end = ptr + n;
-        if (Remaining() < static_cast<long long>(n))
-            eos = end;
-        SetModified();
-        ptr = end;
-    }
     void SetModified() noexcept {
         if (!Enabled(StreamMode::Modified)) [[unlikely]]
             Enable(StreamMode::Modified);
     }
 
+    // Bytes for which there is room. The fields are loaded before the bytes are stored: a store of bytes may alias all
+    // of them.
+    template <class Store>
+    void Replace(std::size_t n, Store store) noexcept {
+        unsigned char* const place = ptr;
+        unsigned char* const end = place + n;
+        if (Remaining() < static_cast<long long>(n))
+            eos = end;
+        SetModified();
+        store(place);
+        ptr = end;
+    }
+    void Written(unsigned long long n) noexcept {
+        Replace(n, [](unsigned char*) {});
+    }
     // The next n bytes lie behind the data, and there is room for them.
     bool Appends(std::size_t n) const noexcept { return eos == ptr && Shows(n); }
-    // Bytes behind the data, which is where most go. eos and ptr are then known to be equal, and in a row of values that
-    // spares all tests of it but the first. The test between their stores keeps compilers from making one wide store of
-    // the two, which a load of one would have to wait for.
+    // The same behind the data, which is where most bytes go. eos and ptr are then known to be equal, and in a row of
+    // values that spares all tests of it but the first. The test between their stores keeps compilers from making one
+    // wide store of the two, which a load of one would have to wait for.
     template <class Store>
     void Append(std::size_t n, Store store) noexcept {
         unsigned char* const place = ptr;
@@ -348,16 +356,15 @@ private:
         SetModified();
         ptr = place + n;
     }
+    // False, and nothing done, where there is no room.
     template <class Store>
     bool PutHere(std::size_t n, Store store) noexcept {
-        if (Appends(n)) [[likely]] {
+        if (Appends(n)) [[likely]]
             Append(n, store);
-            return true;
-        }
-        if (!Shows(n))
+        else if (Shows(n))
+            Replace(n, store);
+        else
             return false;
-        store(ptr);
-        Written(n);
         return true;
     }
 
@@ -396,7 +403,7 @@ private:
     }
     eStream& PutUpToNul(const char* text);
     // A text of 8 to 15 characters, none of them NUL, and its length before it, as two words. False, and nothing done,
-    // for any other.
+    // for any other and elsewhere than behind the data.
     bool AppendText(const char* text, std::size_t length) noexcept {
         if (!Appends(length + 1) || length < 8 || length > 15)
             return false;
