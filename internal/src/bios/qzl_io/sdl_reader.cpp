@@ -383,11 +383,11 @@ bool eSDLReader::SkipInSource(int* depth) {
     eSDLParser& parser = Parser();
     const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
     *depth = skimmed.depth;
-    if (skimmed.startBefore)
-        blockMark = xSDL::MarkOf(skimmed.startBefore);
-    if (skimmed.lastStart) {
+    if (skimmed.starts > 1)
+        blockMark = skimmed.markBefore;
+    if (skimmed.starts > 0) {
         previousBlockMark.swap(blockMark);
-        blockMark = xSDL::MarkOf(skimmed.lastStart);
+        blockMark = skimmed.mark;
     }
     if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1)
         return false;

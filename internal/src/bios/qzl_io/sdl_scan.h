@@ -12,7 +12,7 @@
 // character of the text on, its terminating zero included, so a text ends with that many zeros.
 namespace xSDL {
 
-inline constexpr std::size_t kTextEnd = 32;
+inline constexpr std::size_t kTextEnd = 64;
 
 inline __m128i Load16(const char* at) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
@@ -53,8 +53,8 @@ inline __m128i Is(__m128i bytes, int byte) {
 }
 // Bytes from first to last, as unsigned numbers.
 inline __m128i IsFrom(__m128i bytes, int first, int last) {
-    const __m128i shifted = _mm_sub_epi8(bytes, Each(first));
-    return _mm_cmpeq_epi8(_mm_min_epu8(shifted, Each(last - first)), shifted);
+    const __m128i shifted = _mm_add_epi8(bytes, Each(127 - last));
+    return _mm_cmpgt_epi8(shifted, Each(126 - last + first));
 }
 inline __m128i Or(__m128i a, __m128i b) {
     return _mm_or_si128(a, b);
@@ -138,8 +138,11 @@ inline int CountLineFeeds(const char* begin, const char* end) {
         count += static_cast<std::size_t>(_mm_cvtsi128_si64(halves)) +
                  static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(halves, halves)));
     }
-    for (; begin < end; ++begin)
-        count += *begin == '\n';
+    if (begin < end) {
+        const unsigned left = (1u << (end - begin)) - 1;
+        for (unsigned feeds = Mask(Is(Load16(begin), '\n')) & left; feeds; feeds &= feeds - 1)
+            ++count;
+    }
     return static_cast<int>(count);
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "sdl_lexer.h"
+#include "sdl_masks.h"
 
 // Passing a block without cutting its tokens.
 namespace xSDL {
@@ -16,21 +19,15 @@ enum class eSkimEnd {
 
 struct eSkimmed {
     eSkimEnd end = eSkimEnd::EndOfText;
-    const char* stop = nullptr;        // the terminator, or the character that the lexer would stop at
-    const char* anchor = nullptr;      // a place from which cutting tokens gives the last ones before `stop`
-    int depth = 0;                     // of blocks open at `stop`
-    const char* lastStart = nullptr;   // the { of the last block start, null if there was none
-    const char* startBefore = nullptr; // that of the one before
-    const char* counted = nullptr;     // a place near the end of the pass
-    int lines = 0;                     // line feeds before it
+    const char* stop = nullptr;    // the terminator, or the character that the lexer would stop at
+    const char* anchor = nullptr;  // a place from which cutting tokens gives the last ones before `stop`
+    int depth = 0;                 // of blocks open at `stop`
+    std::size_t starts = 0;        // block starts on the way
+    std::string_view mark;         // that of the last one, without its first #
+    std::string_view markBefore;   // that of the one before
+    const char* counted = nullptr; // a place near the end of the pass
+    int lines = 0;                 // line feeds before it
 };
-
-// The mark of the block that starts with the brace, without its first #.
-inline std::string_view MarkOf(const char* brace) {
-    eLexeme mark;
-    CutMark(brace + 1, &mark);
-    return mark.length == 0 ? std::string_view() : std::string_view(mark.begin + 1, mark.length - 1);
-}
 
 // Line feeds from the beginning of the pass to a place near its end.
 inline int LinesBefore(const char* place, const eSkimmed& skimmed) {
@@ -38,92 +35,169 @@ inline int LinesBefore(const char* place, const eSkimmed& skimmed) {
                                    : skimmed.lines + CountLineFeeds(skimmed.counted, place);
 }
 
-// Letters, digits and whatever else means nothing to a block's nesting and is no error wherever a token may begin.
-inline __m128i IsPlain(__m128i bytes) {
-    const __m128i numbers = _mm_andnot_si128(Or(Is(bytes, ','), Is(bytes, '.')), IsFrom(bytes, '*', '9'));
-    return Or(Or(IsLetter(bytes), numbers), Or(IsBlank(bytes), Is(bytes, '%')));
-}
-
-// One pass over a block. Only strings, comments and block starts are looked at by their characters; between them the
-// text is tested 16 bytes at a time for what is neither plain nor harmless.
+// One pass over a block. 64 characters at a time are passed by their masks as long as these hold nothing but words,
+// numbers, braces and short plain strings; any other character is looked at by itself.
 class eSkim {
 public:
     // From the position, a boundary between tokens, with so many blocks open.
     eSkim(const char* position, int depth) : at(position), boundary(position) {
         skimmed.anchor = position;
-        skimmed.counted = position;
         skimmed.depth = depth;
     }
 
     eSkimmed Run() {
-        while (PassBlock())
-            if (at - skimmed.counted >= kCountedAtOnce)
-                CountLines();
+        while (PassBlock()) {
+        }
+        KeepPlainStarts();
+        skimmed.lines = _mm_cvtsi128_si32(lineFeeds) + _mm_cvtsi128_si32(_mm_unpackhi_epi64(lineFeeds, lineFeeds));
         return skimmed;
     }
 
 private:
-    // Little enough to be in the nearest cache still.
-    static constexpr std::ptrdiff_t kCountedAtOnce = 4096;
+    // What the characters before a place make of the one there, as bits at that place.
+    struct eCarry {
+        std::uint64_t inside = 0; // it stands in a string: this bit and all above
+        std::uint64_t begin = 0;  // a token begins there, unless it is a blank
+        std::uint64_t number = 0; // digits and operators begin with a token and reach to there
+        std::uint64_t digit = 0;  // it follows a digit
+    };
 
-    void CountLines() {
-        skimmed.lines += CountLineFeeds(skimmed.counted, at);
-        skimmed.counted = at;
-    }
-
-    // Passes 16 characters, and more where the last token among them is longer. False when the skimming ends.
-    bool PassBlock() {
-        const char* const block = at;
-        for (unsigned stops = Stops(); stops; stops &= ~0u << (at - block)) {
-            at = block + std::countr_zero(stops);
-            if (!Pass(*at))
-                return false;
-            if (at - block >= 16)
-                return true;
-        }
-        at = block + 16;
+    // Passes 64 characters, and more where something among them is longer. False when the skimming ends.
+    [[gnu::always_inline]] bool PassBlock() {
+        const eMasks masks(at);
+        const std::uint64_t inside = InsideQuotes(masks.Quotes()) ^ carry.inside;
+        const std::uint64_t points = masks.Points() & ~AfterIntegers(masks);
+        carry.inside = AllIf(inside >> 63 != 0);
+        lineFeeds = _mm_add_epi64(lineFeeds, masks.LineFeeds());
+        skimmed.counted = at + 64;
+        if (FindStops(masks, inside, points)) [[unlikely]]
+            return PassByOne(masks, inside, points);
+        if (!PassBraces(at, masks.Starts() & ~inside, masks.Ends() & ~inside))
+            return false;
+        at += 64;
         return true;
     }
 
-    // Which of the next 16 characters have to be looked at.
-    unsigned Stops() const {
-        const __m128i bytes = Load16(at);
-        const unsigned stops = Mask(IsPlain(bytes)) ^ 0xFFFFu;
-        const unsigned points = Mask(Is(bytes, '.'));
-        return points ? stops & ~(points & AfterPlainIntegers(bytes)) : stops;
+    // The same where something has to be looked at by itself.
+    [[gnu::noinline]] bool PassByOne(eMasks masks, std::uint64_t inside, std::uint64_t points) {
+        const char* const block = at;
+        std::uint64_t left = ~std::uint64_t{0};
+        while (const std::uint64_t stops = FindStops(masks, inside, points) & left) {
+            const std::uint64_t stop = stops & (0 - stops);
+            const std::uint64_t passed = left & (stop - 1);
+            if (!PassBraces(block, masks.Starts() & passed & ~inside, masks.Ends() & passed & ~inside))
+                return false;
+            at = block + std::countr_zero(stop);
+            if (!(inside & stop ? PassRestOfString(block, masks.Quotes() & passed) : Pass(*at)))
+                return false;
+            if (at - block >= 64) {
+                CountLines();
+                carry = {0, at == boundary ? 1u : 0u, 0, 0};
+                return true;
+            }
+            left = ~std::uint64_t{0} << (at - block);
+            if (((inside ^ masks.Quotes()) >> (at - block)) & 1)
+                inside = ~inside;
+        }
+        carry.inside = AllIf(inside >> 63 != 0);
+        if (!PassBraces(block, masks.Starts() & left & ~inside, masks.Ends() & left & ~inside))
+            return false;
+        at = block + 64;
+        return true;
     }
 
-    // The places behind digits that follow a blank, or a blank and a sign, where a point is part of a number.
-    unsigned AfterPlainIntegers(__m128i bytes) const {
-        const unsigned digits = Mask(IsDigit(bytes));
-        const unsigned signs = Mask(Or(Is(bytes, '+'), Is(bytes, '-')));
-        const unsigned begins = (Mask(IsBlank(bytes)) << 1) | (at == boundary ? 1u : 0u);
-        const unsigned integers = digits & (begins | ((signs & begins) << 1));
-        return (digits + integers) & ~digits;
+    // What has to be looked at by itself.
+    static std::uint64_t FindStops(const eMasks& masks, std::uint64_t inside, std::uint64_t points) {
+        return masks.Stops(inside) | (points & ~inside) | LongString(inside);
     }
 
-    // Passes the character that is not plain. False when it ends the skimming.
+    void CountLines() {
+        lineFeeds = _mm_add_epi64(lineFeeds, _mm_cvtsi32_si128(CountLineFeeds(skimmed.counted, at)));
+        skimmed.counted = at;
+    }
+
+    // The places behind integers, where a point is part of a number. Digits and operators that begin with a token are
+    // nothing but integers and operators.
+    [[gnu::always_inline]] std::uint64_t AfterIntegers(const eMasks& masks) {
+        const std::uint64_t between = masks.Between();
+        const std::uint64_t numbers = masks.Numbers();
+        const std::uint64_t digits = masks.Digits();
+        const std::uint64_t begun = (numbers & ((between << 1) | carry.begin)) + carry.number;
+        const std::uint64_t passed = numbers + begun;
+        const std::uint64_t after = passed & ~numbers & ((digits << 1) | carry.digit);
+        carry.begin = between >> 63;
+        carry.number = passed < numbers ? 1 : 0;
+        carry.digit = digits >> 63;
+        return after;
+    }
+
+    // The last place, if a string of some length goes on there: the rest is passed faster by itself.
+    static std::uint64_t LongString(std::uint64_t inside) {
+        return static_cast<std::uint64_t>(inside >> 48 == 0xFFFF) << 63;
+    }
+
+    // Passes the braces among 64 characters. False when one of them is the terminator.
+    [[gnu::always_inline]] bool PassBraces(const char* block, std::uint64_t starts, std::uint64_t ends) {
+        if (MayTerminate(starts, ends))
+            if (const std::uint64_t terminator = FindTerminator(starts, ends)) {
+                at = block + std::countr_zero(terminator);
+                skimmed.depth = 0;
+                plainStarts += static_cast<unsigned>(CountBits(starts & (terminator - 1), 0).ofFirst);
+                return Stop(eSkimEnd::Terminator, at);
+            }
+        const eBitCounts counts = CountBits(starts, ends);
+        skimmed.depth += counts.ofFirst - counts.ofSecond;
+        plainStarts += static_cast<unsigned>(counts.ofFirst);
+        return true;
+    }
+
+    // Are there more ends than open blocks, without those that end what the brace before them starts? Three are always
+    // enough. Written without branches, as nobody could predict them.
+    bool MayTerminate(std::uint64_t starts, std::uint64_t ends) const {
+        const std::uint64_t others = ~(starts | ends);
+        const std::uint64_t behindStart = starts << 1;
+        const std::uint64_t one = ends & ~(behindStart | ((behindStart & others) + others));
+        const std::uint64_t two = one & (one - 1);
+        const std::uint64_t three = two & (two - 1);
+        return (three | (two & AllIf(skimmed.depth < 2)) | (one & AllIf(skimmed.depth < 1))) != 0;
+    }
+
+    static std::uint64_t AllIf(bool condition) { return 0 - static_cast<std::uint64_t>(condition); }
+
+    std::uint64_t FindTerminator(std::uint64_t starts, std::uint64_t ends) const {
+        int depth = skimmed.depth;
+        for (std::uint64_t braces = starts | ends; braces; braces &= braces - 1) {
+            const std::uint64_t brace = braces & (0 - braces);
+            depth += starts & brace ? 1 : -1;
+            if (depth < 0)
+                return brace;
+        }
+        return 0;
+    }
+
+    // Passes a character by itself. False when it ends the skimming.
     bool Pass(char c) {
         switch (c) {
-        case '{':
+        case '#':
             return PassMark();
         case '(':
             ++skimmed.depth;
-            return PassToken(at + 1);
-        case '}':
+            return PassToken(at, at + 1);
         case ')':
             if (skimmed.depth == 0)
                 return Stop(eSkimEnd::Terminator, at);
             --skimmed.depth;
-            return PassToken(at + 1);
-        case '"':
-            return PassString();
+            return PassToken(at, at + 1);
         case ';':
-            KeepLastPlainToken();
-            boundary = at = PassComment(at + 1);
+            KeepLastToken();
+            boundary = at = PassGap(at, 0).at;
             return true;
         case '.':
             return PassPoint();
+        case '%':
+        case '/':
+            ++at;
+            return true;
         case '\0':
             return Stop(eSkimEnd::EndOfText, at);
         default:
@@ -131,48 +205,65 @@ private:
         }
     }
 
-    bool PassToken(const char* end) {
-        skimmed.anchor = at;
+    bool PassToken(const char* begin, const char* end) {
+        skimmed.anchor = begin;
         boundary = at = end;
         return true;
     }
 
+    // A mark whose brace has been passed without it.
     bool PassMark() {
-        ++skimmed.depth;
-        skimmed.startBefore = skimmed.lastStart;
-        skimmed.lastStart = at;
+        if (at == boundary || at[-1] != '{')
+            return Stop(eSkimEnd::Error, at);
         eLexeme mark;
-        return PassToken(at[1] == '#' ? CutMark(at + 1, &mark) : at + 1);
+        const char* const end = CutMark(at, &mark);
+        --plainStarts;
+        KeepPlainStarts();
+        skimmed.markBefore = skimmed.mark;
+        skimmed.mark = {mark.begin + 1, mark.length - 1};
+        ++skimmed.starts;
+        return PassToken(at - 1, end);
     }
 
-    bool PassString() {
-        if (const char* const end = PassStringBody(at + 1); *end == '"')
-            return PassToken(end + 1);
-        eLexeme string;
-        int line = 0;
-        const char* const end = CutString(at + 1, &line, &string);
-        if (string.type != sdlString)
-            return Stop(string.type == sdlError ? eSkimEnd::Error : eSkimEnd::EndOfText, end);
-        return PassToken(end);
+    void KeepPlainStarts() {
+        if (plainStarts > 0) {
+            skimmed.markBefore = plainStarts > 1 ? std::string_view() : skimmed.mark;
+            skimmed.mark = {};
+        }
+        skimmed.starts += plainStarts;
+        plainStarts = 0;
     }
 
-    // A point belongs to a number when nothing but a sign and digits stand between it and a blank. Everything else is
-    // rare enough to ask the lexer.
+    // From a place in a string, with the quotes that stand before it in the block. More strings that follow are passed
+    // with it: where one is long, others are.
+    bool PassRestOfString(const char* block, std::uint64_t quotes) {
+        const char* begin = quotes ? block + 63 - std::countl_zero(quotes) : QuoteBefore(block);
+        for (;;) {
+            eLexeme string;
+            int line = 0;
+            const char* const end = CutString(at, &line, &string);
+            if (string.type != sdlString) {
+                at = begin;
+                return Stop(string.type == sdlError ? eSkimEnd::Error : eSkimEnd::EndOfText, end);
+            }
+            PassToken(begin, end);
+            begin = PassBlanks(end, &line);
+            if (*begin != '"')
+                return true;
+            at = begin + 1;
+        }
+    }
+
+    static const char* QuoteBefore(const char* end) {
+        do
+            --end;
+        while (*end != '"');
+        return end;
+    }
+
+    // Where the masks do not show that the point belongs to a number, the lexer is asked.
     bool PassPoint() {
-        const char* digits = at;
-        while (digits > boundary && Has(stInteger, digits[-1]))
-            --digits;
-        if (digits == at)
-            return PassPointByTokens();
-        digits -= digits > boundary && (digits[-1] == '-' || digits[-1] == '+');
-        if (digits > boundary && !Has(stBetween, digits[-1]))
-            return PassPointByTokens();
-        ++at;
-        return true;
-    }
-
-    bool PassPointByTokens() {
-        const char* position = LastPlainRun(at);
+        const char* position = LastRun(at);
         const char* begin = position;
         for (int line = 0; position <= at;) {
             eLexeme token;
@@ -181,36 +272,43 @@ private:
             if (token.type == sdlError)
                 return Stop(eSkimEnd::Error, at);
         }
-        skimmed.anchor = begin;
-        boundary = at = position;
-        return true;
+        return PassToken(begin, position);
     }
 
-    // Where the characters other than blanks before `end` begin.
-    const char* LastPlainRun(const char* end) const {
-        while (end > boundary && !Has(stBetween, end[-1]))
+    static bool EndsToken(char c) { return Has(stBetween, c) || c == '{' || c == '}' || c == '"'; }
+
+    // Where the words and numbers before `end` begin that nothing separates.
+    const char* LastRun(const char* end) const {
+        while (end > boundary && !EndsToken(end[-1]))
             --end;
         return end;
     }
 
-    // Makes the plain run before `at`, if there is one since the last other token, the place to begin at.
-    void KeepLastPlainToken() {
+    // Makes the last token before `at`, unless it was looked at by itself, the place to begin at.
+    void KeepLastToken() {
         const char* end = at;
         while (end > boundary && Has(stBetween, end[-1]))
             --end;
-        if (end > boundary)
-            skimmed.anchor = LastPlainRun(end);
+        if (end == boundary)
+            return;
+        if (end[-1] == '"')
+            skimmed.anchor = QuoteBefore(end - 1);
+        else
+            skimmed.anchor = EndsToken(end[-1]) ? end - 1 : LastRun(end);
     }
 
     bool Stop(eSkimEnd end, const char* stop) {
-        KeepLastPlainToken();
+        KeepLastToken();
         skimmed.end = end;
         skimmed.stop = stop;
         return false;
     }
 
     const char* at;
-    const char* boundary; // end of the last string, comment, mark or brace: a boundary between tokens
+    const char* boundary;        // end of what was last looked at by itself: a boundary between tokens
+    std::size_t plainStarts = 0; // the last block starts, without marks, that `skimmed` does not know of yet
+    __m128i lineFeeds = _mm_setzero_si128(); // before skimmed.counted, in two parts
+    eCarry carry{0, 1, 0, 0};
     eSkimmed skimmed;
 };
 
