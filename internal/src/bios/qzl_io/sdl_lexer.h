@@ -112,9 +112,7 @@ inline const char* CutHex(const char* begin, eLexeme* token) {
 inline const char* CutMark(const char* begin, eLexeme* token) {
     const char* at = begin;
     if (*at == '#') {
-        do
-            ++at;
-        while (Has(stMark, *at));
+        at = PassMark(at);
         SetText(token, begin, at);
     }
     token->type = sdlBlockStart;

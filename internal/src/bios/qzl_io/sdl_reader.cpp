@@ -384,10 +384,10 @@ bool eSDLReader::SkipInSource(int* depth) {
     const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
     *depth = skimmed.depth;
     if (skimmed.starts > 1)
-        blockMark = skimmed.markBefore;
+        blockMark = xSDL::MarkOf(skimmed.markBefore);
     if (skimmed.starts > 0) {
         previousBlockMark.swap(blockMark);
-        blockMark = skimmed.mark;
+        blockMark = xSDL::MarkOf(skimmed.mark);
     }
     if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1)
         return false;

@@ -85,6 +85,13 @@ inline const char* PassIdent(const char* at) {
     return PassWhile(at, [](__m128i bytes) { return Or(IsLetter(bytes), IsDigit(bytes)); });
 }
 
+inline const char* PassMark(const char* at) {
+    return PassWhile(at, [](__m128i bytes) {
+        const __m128i signs = Or(Is(bytes, '+'), Is(bytes, '-'));
+        return Or(Or(IsLetter(bytes), IsDigit(bytes)), Or(Is(bytes, '#'), signs));
+    });
+}
+
 // End of a line or of the text.
 inline const char* PassComment(const char* at) {
     for (;; at += 16) {

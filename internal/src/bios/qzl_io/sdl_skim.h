@@ -19,15 +19,24 @@ enum class eSkimEnd {
 
 struct eSkimmed {
     eSkimEnd end = eSkimEnd::EndOfText;
-    const char* stop = nullptr;    // the terminator, or the character that the lexer would stop at
-    const char* anchor = nullptr;  // a place from which cutting tokens gives the last ones before `stop`
-    int depth = 0;                 // of blocks open at `stop`
-    std::size_t starts = 0;        // block starts on the way
-    std::string_view mark;         // that of the last one, without its first #
-    std::string_view markBefore;   // that of the one before
-    const char* counted = nullptr; // a place near the end of the pass
-    int lines = 0;                 // line feeds before it
+    const char* stop = nullptr;       // the terminator, or the character that the lexer would stop at
+    const char* anchor = nullptr;     // a place from which cutting tokens gives the last ones before `stop`
+    int depth = 0;                    // of blocks open at `stop`
+    std::size_t starts = 0;           // block starts on the way
+    const char* mark = nullptr;       // the last one's {, null if there is no mark behind it
+    const char* markBefore = nullptr; // the same of the one before
+    const char* counted = nullptr;    // a place near the end of the pass
+    int lines = 0;                    // line feeds before it
 };
+
+// The mark of the block that starts with the brace, without its first #.
+inline std::string_view MarkOf(const char* brace) {
+    if (!brace)
+        return {};
+    eLexeme mark;
+    CutMark(brace + 1, &mark);
+    return {mark.begin + 1, mark.length - 1};
+}
 
 // Line feeds from the beginning of the pass to a place near its end.
 inline int LinesBefore(const char* place, const eSkimmed& skimmed) {
@@ -81,14 +90,15 @@ private:
     // The same where something has to be looked at by itself.
     [[gnu::noinline]] bool PassByOne(eMasks masks, std::uint64_t inside, std::uint64_t points) {
         const char* const block = at;
+        const std::uint64_t marks = FindMarks(masks);
         std::uint64_t left = ~std::uint64_t{0};
-        while (const std::uint64_t stops = FindStops(masks, inside, points) & left) {
+        while (const std::uint64_t stops = FindStops(masks, inside, points) & left & ~(marks & ~inside)) {
             const std::uint64_t stop = stops & (0 - stops);
-            const std::uint64_t passed = left & (stop - 1);
-            if (!PassBraces(block, masks.Starts() & passed & ~inside, masks.Ends() & passed & ~inside))
+            const std::uint64_t passed = left & (stop - 1) & ~inside;
+            if (!PassEachBrace(block, masks.Starts() & passed, masks.Ends() & passed, marks))
                 return false;
             at = block + std::countr_zero(stop);
-            if (!(inside & stop ? PassRestOfString(block, masks.Quotes() & passed) : Pass(*at)))
+            if (!(inside & stop ? PassRestOfString(block, masks.Quotes() & left & (stop - 1)) : Pass(*at)))
                 return false;
             if (at - block >= 64) {
                 CountLines();
@@ -100,10 +110,20 @@ private:
                 inside = ~inside;
         }
         carry.inside = AllIf(inside >> 63 != 0);
-        if (!PassBraces(block, masks.Starts() & left & ~inside, masks.Ends() & left & ~inside))
+        if (!PassEachBrace(block, masks.Starts() & left & ~inside, masks.Ends() & left & ~inside, marks))
             return false;
         at = block + 64;
         return true;
+    }
+
+    // Each # behind a {, and those that follow it directly.
+    std::uint64_t FindMarks(const eMasks& masks) const {
+        std::uint64_t marks = 0;
+        for (std::uint64_t starts = masks.Starts(); starts; starts &= starts - 1)
+            for (std::uint64_t hash = (starts & (0 - starts)) << 1; hash && at[std::countr_zero(hash)] == '#';
+                 hash <<= 1)
+                marks |= hash;
+        return marks;
     }
 
     // What has to be looked at by itself.
@@ -139,12 +159,7 @@ private:
     // Passes the braces among 64 characters. False when one of them is the terminator.
     [[gnu::always_inline]] bool PassBraces(const char* block, std::uint64_t starts, std::uint64_t ends) {
         if (MayTerminate(starts, ends))
-            if (const std::uint64_t terminator = FindTerminator(starts, ends)) {
-                at = block + std::countr_zero(terminator);
-                skimmed.depth = 0;
-                plainStarts += static_cast<unsigned>(CountBits(starts & (terminator - 1), 0).ofFirst);
-                return Stop(eSkimEnd::Terminator, at);
-            }
+            return PassEachBrace(block, starts, ends, 0);
         const eBitCounts counts = CountBits(starts, ends);
         skimmed.depth += counts.ofFirst - counts.ofSecond;
         plainStarts += static_cast<unsigned>(counts.ofFirst);
@@ -164,15 +179,22 @@ private:
 
     static std::uint64_t AllIf(bool condition) { return 0 - static_cast<std::uint64_t>(condition); }
 
-    std::uint64_t FindTerminator(std::uint64_t starts, std::uint64_t ends) const {
-        int depth = skimmed.depth;
+    bool PassEachBrace(const char* block, std::uint64_t starts, std::uint64_t ends, std::uint64_t marks) {
         for (std::uint64_t braces = starts | ends; braces; braces &= braces - 1) {
             const std::uint64_t brace = braces & (0 - braces);
-            depth += starts & brace ? 1 : -1;
-            if (depth < 0)
-                return brace;
+            if (starts & brace) {
+                ++skimmed.depth;
+                ++plainStarts;
+                if (marks & (brace << 1))
+                    MarkStart(block + std::countr_zero(brace));
+            } else if (skimmed.depth == 0) {
+                at = block + std::countr_zero(brace);
+                return Stop(eSkimEnd::Terminator, at);
+            } else {
+                --skimmed.depth;
+            }
         }
-        return 0;
+        return true;
     }
 
     // Passes a character by itself. False when it ends the skimming.
@@ -189,9 +211,7 @@ private:
             --skimmed.depth;
             return PassToken(at, at + 1);
         case ';':
-            KeepLastToken();
-            boundary = at = PassGap(at, 0).at;
-            return true;
+            return PassComments();
         case '.':
             return PassPoint();
         case '%':
@@ -207,28 +227,48 @@ private:
 
     bool PassToken(const char* begin, const char* end) {
         skimmed.anchor = begin;
+        lastEnd = nullptr;
         boundary = at = end;
         return true;
     }
 
-    // A mark whose brace has been passed without it.
+    bool PassComments() {
+        if (const char* const end = EndBefore(at); end != boundary) {
+            lastEnd = end;
+            lastFloor = boundary;
+        }
+        do
+            at = PassWhile(PassComment(at + 1), IsBlank);
+        while (*at == ';');
+        boundary = at;
+        return true;
+    }
+
+    // What follows a brace directly is known as a mark, except at the beginning of a block.
     bool PassMark() {
-        if (at == boundary || at[-1] != '{')
-            return Stop(eSkimEnd::Error, at);
+        const char* const brace = RunBefore(at, boundary);
         eLexeme mark;
-        const char* const end = CutMark(at, &mark);
+        const char* const end = *brace == '{' ? CutMark(brace + 1, &mark) : at;
+        if (end <= at)
+            return Stop(eSkimEnd::Error, at);
+        if (brace == at - 1)
+            MarkStart(brace);
+        return PassToken(brace, end);
+    }
+
+    // The last start, which has been passed, has a mark.
+    void MarkStart(const char* brace) {
         --plainStarts;
         KeepPlainStarts();
         skimmed.markBefore = skimmed.mark;
-        skimmed.mark = {mark.begin + 1, mark.length - 1};
+        skimmed.mark = brace;
         ++skimmed.starts;
-        return PassToken(at - 1, end);
     }
 
     void KeepPlainStarts() {
         if (plainStarts > 0) {
-            skimmed.markBefore = plainStarts > 1 ? std::string_view() : skimmed.mark;
-            skimmed.mark = {};
+            skimmed.markBefore = plainStarts > 1 ? nullptr : skimmed.mark;
+            skimmed.mark = nullptr;
         }
         skimmed.starts += plainStarts;
         plainStarts = 0;
@@ -263,7 +303,7 @@ private:
 
     // Where the masks do not show that the point belongs to a number, the lexer is asked.
     bool PassPoint() {
-        const char* position = LastRun(at);
+        const char* position = RunBefore(at, boundary);
         const char* begin = position;
         for (int line = 0; position <= at;) {
             eLexeme token;
@@ -277,36 +317,46 @@ private:
 
     static bool EndsToken(char c) { return Has(stBetween, c) || c == '{' || c == '}' || c == '"'; }
 
-    // Where the words and numbers before `end` begin that nothing separates.
-    const char* LastRun(const char* end) const {
-        while (end > boundary && !EndsToken(end[-1]))
+    // Where the words and numbers before `end` begin that nothing separates, or the brace of a mark.
+    static const char* RunBefore(const char* end, const char* floor) {
+        while (end > floor && !EndsToken(end[-1]))
             --end;
-        return end;
+        return end - (end > floor && *end == '#');
     }
 
-    // Makes the last token before `at`, unless it was looked at by itself, the place to begin at.
-    void KeepLastToken() {
-        const char* end = at;
-        while (end > boundary && Has(stBetween, end[-1]))
-            --end;
-        if (end == boundary)
+    // The end of the last token before the place, the boundary if there is none behind that.
+    const char* EndBefore(const char* place) const {
+        while (place > boundary && Has(stBetween, place[-1]))
+            --place;
+        return place;
+    }
+
+    // Makes the last token before `at` the place to begin at, unless it is already.
+    void FindAnchor() {
+        if (const char* const end = EndBefore(at); end != boundary) {
+            lastEnd = end;
+            lastFloor = boundary;
+        }
+        if (!lastEnd)
             return;
-        if (end[-1] == '"')
-            skimmed.anchor = QuoteBefore(end - 1);
+        if (lastEnd[-1] == '"')
+            skimmed.anchor = QuoteBefore(lastEnd - 1);
         else
-            skimmed.anchor = EndsToken(end[-1]) ? end - 1 : LastRun(end);
+            skimmed.anchor = EndsToken(lastEnd[-1]) ? lastEnd - 1 : RunBefore(lastEnd, lastFloor);
     }
 
     bool Stop(eSkimEnd end, const char* stop) {
-        KeepLastToken();
+        FindAnchor();
         skimmed.end = end;
         skimmed.stop = stop;
         return false;
     }
 
     const char* at;
-    const char* boundary;        // end of what was last looked at by itself: a boundary between tokens
-    std::size_t plainStarts = 0; // the last block starts, without marks, that `skimmed` does not know of yet
+    const char* boundary;            // end of what was last looked at by itself: a boundary between tokens
+    const char* lastEnd = nullptr;   // of the last token before it, if the anchor does not stand there yet
+    const char* lastFloor = nullptr; // a boundary between tokens before that token
+    std::size_t plainStarts = 0;     // the last block starts, without marks, that `skimmed` does not know of yet
     __m128i lineFeeds = _mm_setzero_si128(); // before skimmed.counted, in two parts
     eCarry carry{0, 1, 0, 0};
     eSkimmed skimmed;
