@@ -3,10 +3,13 @@
 #include <cstddef>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "sdl_skim.h"
 #include "support/long_tests.h"
 
 namespace {
@@ -28,6 +31,42 @@ std::string RandomText(std::mt19937& random, const std::vector<std::string>& pie
     for (auto left = random() % most; left > 0; --left)
         text += pieces[random() % pieces.size()];
     return text;
+}
+
+// The number of block starts before the end that skipping finds, and the marks of the last two.
+struct eMarks {
+    std::size_t starts = 0;
+    std::string last;
+    std::string before;
+
+    bool operator==(const eMarks&) const = default;
+};
+
+std::string Mark(std::string_view withHash) {
+    return std::string(withHash.empty() ? withHash : withHash.substr(1));
+}
+
+eMarks MarksByTokens(const std::string& text) {
+    eMarks marks;
+    const char* at = text.data();
+    int line = 1;
+    for (int depth = 0; depth >= 0;) {
+        xSDL::eLexeme token;
+        if (!xSDL::CutToken(&at, &line, &token) || token.type == sdlError)
+            break;
+        if (token.type == sdlBlockStart) {
+            ++marks.starts;
+            marks.before = std::exchange(marks.last, Mark({token.begin, token.length}));
+        }
+        depth += token.type == sdlBlockStart || token.type == sdlOpen;
+        depth -= token.type == sdlBlockEnd || token.type == sdlClose;
+    }
+    return marks;
+}
+
+eMarks MarksAtOnce(const std::string& text) {
+    const xSDL::eSkimmed skimmed = xSDL::eSkim(text.data(), 0).Run();
+    return {skimmed.starts, std::string(xSDL::MarkOf(skimmed.mark)), std::string(xSDL::MarkOf(skimmed.markBefore))};
 }
 
 } // namespace
@@ -69,6 +108,102 @@ TEST(SdlSkip, TakesEveryShortTextAsTheTokensDo) {
             if ((more = digit != 0))
                 break;
         }
+    }
+}
+
+TEST(SdlSkip, TakesEveryPieceAtEveryPlaceAsTheTokensDo) {
+    const std::vector<std::string> pieces = {"-12.5",
+                                             "+3.25-1.5e7",
+                                             "12.5.5",
+                                             "a12.5",
+                                             "-.5",
+                                             "12-.5",
+                                             "1e-5.5",
+                                             "1e+07",
+                                             "%5.5",
+                                             "(5.5)",
+                                             "((a)",
+                                             "){5.5}",
+                                             "}5.5",
+                                             "\"s\"5.5",
+                                             "=5.5",
+                                             "5/2.5",
+                                             "5*2.5",
+                                             "5/.5",
+                                             "*-5.5",
+                                             "0x5.5",
+                                             "0x1F}",
+                                             "1234567890123456789012345678901234567890.5",
+                                             "a2345678901234567890123456789012345678901.5",
+                                             "{{}{{}}}",
+                                             "}}",
+                                             "{}}",
+                                             "}{",
+                                             "{#m}",
+                                             "{##m",
+                                             "{#a#b+1 x}",
+                                             "{#5.5}",
+                                             "{#a*1.5}",
+                                             "{#a*#",
+                                             "{ #",
+                                             "{}#",
+                                             "\"{#\"#",
+                                             "{\"\"{#m\"\"}}",
+                                             "\"\"",
+                                             "\"} { ; ( ) # . , \xE4\"",
+                                             "\"\t\"",
+                                             "\"a\nb\"",
+                                             "\"a\rb\"",
+                                             "\"a\\\"b\\\\\"",
+                                             "\"a\\\nb\"}",
+                                             "\"open",
+                                             std::string("\"a\0b\"", 5),
+                                             std::string("\0}", 2),
+                                             ";",
+                                             "; it's \"so\" {\n",
+                                             "; one \"\r\n\t; two }\n",
+                                             ";\"\n\"}\";\"\n}",
+                                             "; {\n#",
+                                             "\\",
+                                             ",",
+                                             "\x0B",
+                                             "\xC3\xA4"};
+    const std::vector<std::string> tails = {"", "}", " b 1.5 {#c \"}\"} ; \"\n } {#d e}",
+                                            std::string(70, ' ') + "} 5 \"" + std::string(70, 'z') + "\"}"};
+    for (const std::string& piece : pieces)
+        for (std::size_t place = 0; place < 130; ++place)
+            for (const std::string& before :
+                 {std::string(place, ' '), std::string(place, 'a'), "{" + std::string(place, '7'),
+                  '"' + std::string(place, 's') + '"', "{#" + std::string(place, 'm') + " \"\" -",
+                  "; " + std::string(place, '"') + "\n {}"})
+                for (const std::string& tail : tails) {
+                    const std::string text = before + piece + tail;
+                    ASSERT_EQ(SkipAtOnce(text), SkipPlainly(text)) << text;
+                }
+}
+
+TEST(SdlSkip, TakesStringsAndNumbersOfEveryLengthAsTheTokensDo) {
+    for (std::size_t place = 0; place < 64; place += LongTests() ? 1u : 7u)
+        for (std::size_t length = 0; length < 200; ++length)
+            for (const std::string& run :
+                 {'"' + std::string(length, '}') + '"', '"' + std::string(length, ' '),
+                  std::string(length, '1') + ".5.", "-" + std::string(length, '1') + ".5",
+                  'e' + std::string(length, '1') + ".5", std::string(length, '-') + "1.5",
+                  std::string(length, '{') + std::string(length, '}'), "{#" + std::string(length, '#') + "5.5"})
+                for (const char* end : {"}", "\n}", "\\\"\"}"}) {
+                    const std::string text = std::string(place, ' ') + run + end;
+                    ASSERT_EQ(SkipAtOnce(text), SkipPlainly(text)) << text;
+                }
+}
+
+TEST(SdlSkip, KnowsTheMarksOfTheLastTwoBlockStarts) {
+    std::mt19937 random(9);
+    const std::vector<std::string> pieces = {"{#a ",    "{#b}", "{##c#d+ ", "{",     "{}",       "}", "}}", "\"{#s\"",
+                                             "; {#c\n", "12 ",  " word ",   " 1.5 ", "\"\\\"\"", "(", ") "};
+    for (int round = 0; round < 20'000; ++round) {
+        const std::string text = RandomText(random, pieces, 50) + std::string(xSDL::kTextEnd, '\0');
+        const eMarks marks = MarksByTokens(text);
+        ASSERT_EQ(MarksAtOnce(text), marks) << text;
     }
 }
 

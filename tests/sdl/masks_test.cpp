@@ -1,0 +1,84 @@
+#include "sdl_masks.h"
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "sdl_automaton.h"
+
+namespace {
+
+using namespace xSDL;
+
+// The 64 bits of a mask for a text that holds one character only, as that character's truth.
+bool Holds(std::uint64_t mask) {
+    EXPECT_TRUE(mask == 0 || mask == ~std::uint64_t{0});
+    return mask != 0;
+}
+
+eStep StepFrom(eLexerState state, char c) {
+    return kAutomaton[state][static_cast<unsigned char>(c)];
+}
+
+} // namespace
+
+TEST(SdlMasks, TellTheKindsAsTheLexerDoes) {
+    for (int code = 0; code < 256; ++code) {
+        const char c = static_cast<char>(code);
+        const std::string text(64, c);
+        const eMasks masks(text.data());
+        const eStep step = StepFrom(stBetween, c);
+        const bool blank = step.to == stBetween;
+        const bool brace = c == '{' || c == '}';
+        const bool digit = c >= '0' && c <= '9';
+        const bool number = digit || c == '*' || c == '+' || c == '-';
+        const bool point = c == '.' || c == '/';
+        const bool word = StepFrom(stIdent, c).to == stIdent;
+        EXPECT_EQ(Holds(masks.Quotes()), c == '"') << code;
+        EXPECT_EQ(Holds(masks.Starts()), c == '{') << code;
+        EXPECT_EQ(Holds(masks.Ends()), c == '}') << code;
+        EXPECT_EQ(Holds(masks.Between()), blank || brace || c == '"') << code;
+        EXPECT_EQ(Holds(masks.Numbers()), number) << code;
+        EXPECT_EQ(Holds(masks.Digits()), digit) << code;
+        EXPECT_EQ(Holds(masks.Points()), point) << code;
+        EXPECT_EQ(Holds(masks.Stops(0)), !(blank || brace || c == '"' || number || point || word)) << code;
+        const bool plainInString = c != 0 && StepFrom(stString, c).to == stString;
+        EXPECT_TRUE(Holds(masks.Stops(~std::uint64_t{0})) || plainInString || c == '"') << code;
+        EXPECT_TRUE(!Holds(masks.Stops(~std::uint64_t{0})) || !plainInString || c == '\t') << code;
+    }
+}
+
+TEST(SdlMasks, HoldEachCharacterAtItsPlace) {
+    for (std::size_t place = 0; place < 64; ++place) {
+        std::string text(64, ' ');
+        text[place] = '{';
+        EXPECT_EQ(eMasks(text.data()).Starts(), std::uint64_t{1} << place);
+        text[place] = '5';
+        EXPECT_EQ(eMasks(text.data()).Digits(), std::uint64_t{1} << place);
+        EXPECT_EQ(eMasks(text.data()).Between(), ~(std::uint64_t{1} << place));
+        text[place] = '#';
+        EXPECT_EQ(eMasks(text.data()).Stops(0), std::uint64_t{1} << place);
+    }
+}
+
+TEST(SdlMasks, InsideQuotesReachesFromEachOpeningQuoteToItsClosingOne) {
+    std::uint64_t random = 12345;
+    for (int round = 0; round < 1000; ++round) {
+        random = random * 6364136223846793005u + 1442695040888963407u;
+        const std::uint64_t quotes = random & (random >> 17) & (random << 9);
+        std::uint64_t expected = 0;
+        bool inside = false;
+        for (int place = 0; place < 64; ++place) {
+            inside ^= ((quotes >> place) & 1) != 0;
+            expected |= std::uint64_t{inside} << place;
+        }
+        EXPECT_EQ(InsideQuotes(quotes), expected);
+        const eBitCounts counts = CountBits(quotes, random);
+        EXPECT_EQ(counts.ofFirst, std::popcount(quotes));
+        EXPECT_EQ(counts.ofSecond, std::popcount(random));
+    }
+}
