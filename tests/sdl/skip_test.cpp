@@ -164,6 +164,10 @@ TEST(SdlSkip, TakesEveryPieceAtEveryPlaceAsTheTokensDo) {
                                              "; one \"\r\n\t; two }\n",
                                              ";\"\n\"}\";\"\n}",
                                              "; {\n#",
+                                             "; \t a \\ } \"\r}",
+                                             std::string("; a\0\n}", 6),
+                                             "a;" + std::string(70, '"') + "\n ;}\n} 5",
+
                                              "\\",
                                              ",",
                                              "\x0B",

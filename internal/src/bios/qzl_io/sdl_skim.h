@@ -98,7 +98,9 @@ private:
             if (!PassEachBrace(block, masks.Starts() & passed, masks.Ends() & passed, marks))
                 return false;
             at = block + std::countr_zero(stop);
-            if (!(inside & stop ? PassRestOfString(block, masks.Quotes() & left & (stop - 1)) : Pass(*at)))
+            if (*at == ';' && !(inside & stop))
+                PassComments(block, masks.Stops(AllIf(true)) & ~(stop - 1));
+            else if (!(inside & stop ? PassRestOfString(block, masks.Quotes() & left & (stop - 1)) : Pass(*at)))
                 return false;
             if (at - block >= 64) {
                 CountLines();
@@ -210,8 +212,6 @@ private:
                 return Stop(eSkimEnd::Terminator, at);
             --skimmed.depth;
             return PassToken(at, at + 1);
-        case ';':
-            return PassComments();
         case '.':
             return PassPoint();
         case '%':
@@ -232,17 +232,18 @@ private:
         return true;
     }
 
-    bool PassComments() {
-        if (const char* const end = EndBefore(at); end != boundary) {
-            lastEnd = end;
-            lastFloor = boundary;
-        }
-        do
-            at = PassWhile(PassComment(at + 1), IsBlank);
-        while (*at == ';');
+    // With the places in the block and from there on where the comment may end. A longer one is passed with those that
+    // follow.
+    void PassComments(const char* block, std::uint64_t ends) {
+        NoteLastEnd();
+        const char* const end = ends ? block + std::countr_zero(ends) : at;
+        at = EndsComment(*end) ? end : PassComment(at + 1);
+        while (at - block >= 64 && *(at = PassWhile(at, IsBlank)) == ';')
+            at = PassComment(at + 1);
         boundary = at;
-        return true;
     }
+
+    static bool EndsComment(char c) { return c == '\n' || c == '\r' || c == '\0'; }
 
     // What follows a brace directly is known as a mark, except at the beginning of a block.
     bool PassMark() {
@@ -331,12 +332,17 @@ private:
         return place;
     }
 
-    // Makes the last token before `at` the place to begin at, unless it is already.
-    void FindAnchor() {
+    // Remembers the last token before `at` if it was not looked at by itself.
+    void NoteLastEnd() {
         if (const char* const end = EndBefore(at); end != boundary) {
             lastEnd = end;
             lastFloor = boundary;
         }
+    }
+
+    // Makes the last token before `at` the place to begin at, unless it is already.
+    void FindAnchor() {
+        NoteLastEnd();
         if (!lastEnd)
             return;
         if (lastEnd[-1] == '"')
