@@ -92,7 +92,7 @@ private:
         const char* const block = at;
         const std::uint64_t marks = FindMarks(masks);
         std::uint64_t left = ~std::uint64_t{0};
-        while (const std::uint64_t stops = FindStops(masks, inside, points) & left & ~(marks & ~inside)) {
+        while (const std::uint64_t stops = FindStops(masks, inside, points) & left & ~marks) {
             const std::uint64_t stop = stops & (0 - stops);
             const std::uint64_t passed = left & (stop - 1) & ~inside;
             if (!PassEachBrace(block, masks.Starts() & passed, masks.Ends() & passed, marks))
