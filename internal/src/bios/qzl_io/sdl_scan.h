@@ -12,7 +12,8 @@
 // character of the text on, its terminating zero included, so a text ends with that many zeros.
 namespace xSDL {
 
-inline constexpr std::size_t kTextEnd = 64;
+// 64 characters at a time, and 16 from the last of them on.
+inline constexpr std::size_t kTextEnd = 80;
 
 inline __m128i Load16(const char* at) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
