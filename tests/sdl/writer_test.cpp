@@ -48,6 +48,59 @@ TEST(Writer, WritesNothingBeforeItIsClosed) {
     EXPECT_EQ(Content(target), "1 \"a\"");
 }
 
+TEST(Writer, TextsOfAnySizeReachTheirFileWhole) {
+    const eTempFolder folder;
+    const auto item = [](int index) { return std::string(1'000'000, static_cast<char>('a' + index % 26)); };
+    for (const int items : {10, 40, 140}) {
+        {
+            eSDLWriter writer(eFileName(folder.Name("large.sdl")), nullptr);
+            for (int i = 0; i < items; ++i)
+                writer << item(i) << endl;
+        }
+        IO::eFileStream file(eFileName(folder.Name("large.sdl")), IO::StreamMode::Read);
+        for (int i = 0; i < items; ++i)
+            ASSERT_TRUE(file.GetLine() == '"' + item(i) + '"') << i;
+        EXPECT_TRUE(file.Eos());
+    }
+}
+
+TEST(Writer, TextsThatFollowALargeOneReachTheirFileWhole) {
+    const eTempFolder folder;
+    IO::eFileStream file(eFileName(folder.Name("a.sdl")), IO::StreamMode::Write | IO::StreamMode::Create);
+    eSDLTextStream text;
+    const std::string large(50'000'000, 'a');
+    for (const std::string& item : {large, std::string("b"), large}) {
+        text.WriteString(item.c_str());
+        text.Flush(&file, nullptr);
+    }
+    file.Close();
+    EXPECT_TRUE(folder.Read("a.sdl") == '"' + large + "\"\"b\"\"" + large + '"');
+}
+
+TEST(Writer, ALargeTextThatItsFileRefusesIsGone) {
+    class eRefusingFile final : public IO::eFileStream {
+    public:
+        explicit eRefusingFile(const std::string& path)
+            : eFileStream(eFileName(path), IO::StreamMode::Write | IO::StreamMode::Create) {}
+
+    protected:
+        void Overflow() override {
+            if (Position() > 10'000'000)
+                throw std::runtime_error("full");
+            eFileStream::Overflow();
+        }
+    };
+    const eTempFolder folder;
+    eRefusingFile file(folder.Name("a.sdl"));
+    eSDLTextStream text;
+    text.WriteString(std::string(50'000'000, 'a').c_str());
+    EXPECT_THROW(text.Flush(&file, nullptr), std::runtime_error);
+    text.WriteInt(1);
+    IO::eMemoryStream rest;
+    text.Flush(&rest, nullptr);
+    EXPECT_EQ(Content(rest), "1");
+}
+
 TEST(Writer, GoesOnWhereTheTargetStands) {
     IO::eMemoryStream target;
     target.Write("head:", 5);

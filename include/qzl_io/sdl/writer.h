@@ -220,6 +220,8 @@ private:
     void OpenBlock();
     void CloseBlock();
     bool RemoveEmptyBlock();
+    void WriteReleasing(IO::eStream& target);
+    void Empty();
 
     static constexpr unsigned depthMask = 0xFFFF;
     static constexpr unsigned spacePending = 0x10000;

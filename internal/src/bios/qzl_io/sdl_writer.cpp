@@ -12,7 +12,9 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
+#include <qzl_io/streams/stream_file.h>
 
+#include "platform/memory.h"
 #include "sdl_copy.h"
 
 namespace {
@@ -26,6 +28,13 @@ constexpr int invalidFloatLine = 80;
 constexpr int utf8 = 65001;
 constexpr unsigned tabsAtOnce = 8;
 constexpr unsigned long long textCapacity = 1024;
+// Memory between these sizes lies in large pages. A larger one takes seconds to fill, in which the host of a virtual
+// machine takes the free large pages back; to have them again costs more than to fault at every small one.
+constexpr unsigned long long largePagesFrom = 16ULL << 20;
+constexpr unsigned long long largePagesTo = 128ULL << 20;
+// A larger block is never kept by the heap for the next one, so that it may as well go while it is written out.
+constexpr unsigned long long keptByHeap = 32ULL << 20;
+constexpr unsigned long long releasedAtOnce = 2ULL << 20;
 constexpr int noKeyword = -1;
 // Position of a block that cannot be removed any more: it has gone to the target, or an int cannot hold where it began.
 constexpr int outOfReach = INT_MAX;
@@ -95,6 +104,9 @@ void eSDLTextStream::Resize(unsigned long long capacity) {
     text.reset(resized);
     end = resized + size;
     roomEnd = resized + capacity;
+    if (capacity >= largePagesFrom)
+        IO::Platform::AdviseGrowing(
+            resized, capacity, capacity <= largePagesTo ? IO::Platform::ePages::Large : IO::Platform::ePages::Small);
 }
 
 char* eSDLTextStream::MakeRoom(unsigned long long room) {
@@ -253,8 +265,28 @@ void eSDLTextStream::Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> ciph
         end = Separate(0);
     if (target && cipher)
         WriteEncoded(*target, *cipher, text.get(), Size());
+    else if (Size() > keptByHeap && dynamic_cast<IO::eFileStreamBase*>(target))
+        WriteReleasing(*target);
     else if (target)
         target->Write(text.get(), Size());
+    Empty();
+}
+
+// The system caches a file in memory: what the file has taken gives its memory to what is still to come. The text is
+// emptied first, for a part of it is gone if the target throws.
+void eSDLTextStream::WriteReleasing(IO::eStream& target) {
+    const char* const textEnd = end;
+    Empty();
+    for (char* piece = end; piece != textEnd;) {
+        const auto size =
+            std::min<unsigned long long>(static_cast<unsigned long long>(textEnd - piece), releasedAtOnce);
+        target.Write(piece, size);
+        IO::Platform::ReleasePages(piece, size);
+        piece += size;
+    }
+}
+
+void eSDLTextStream::Empty() {
     end = text.get();
     std::erase_if(positions, [](int position) { return position < 0; });
     std::fill(positions.begin(), positions.end(), outOfReach);
