@@ -148,12 +148,15 @@ void AddTyped(eSuite& suite, unsigned kilobytes) {
 const eContender contender(2, [](eSuite& suite) {
     const eOptions& options = suite.Options();
     for (const unsigned kilobytes : options.kilobytes)
-        AddTyped(suite, kilobytes);
+        if (WantsTyped(suite, kilobytes))
+            AddTyped(suite, kilobytes);
+    if (!WantsBulk(suite))
+        return;
     const size_t pieces = BulkPieces(options);
     const size_t bytes = pieces * pieceSize;
     const auto count = static_cast<double>(pieces);
     const std::string bulk = BulkFile(options);
-    const std::string copy = WorkFile("limit_copy.bin");
+    const std::string copy = BulkTarget();
     suite.Add(BulkReadWork(options), count,
               {"raw calls with 32 KiB, pieces copied out",
                eKind::Limit,

@@ -54,6 +54,8 @@ std::uint64_t GetAll(const std::string& file, size_t sets) {
 const eContender contender(0, [](eSuite& suite) {
     const eOptions& options = suite.Options();
     for (const unsigned kilobytes : options.kilobytes) {
+        if (!WantsTyped(suite, kilobytes))
+            continue;
         const size_t sets = Sets(kilobytes);
         const std::string out = WorkFile("ours_typed.bin");
         suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),
@@ -71,9 +73,11 @@ const eContender contender(0, [](eSuite& suite) {
         suite.Add(TypedInWork(kilobytes), TypedCount(kilobytes),
                   {"eFileStream >>", eKind::Ours, 0, TypedBytes(kilobytes), {}, [=] { return GetAll(in, sets); }, {}});
     }
+    if (!WantsBulk(suite))
+        return;
     const size_t pieces = BulkPieces(options);
     const std::string bulk = BulkFile(options);
-    const std::string copy = WorkFile("ours_copy.bin");
+    const std::string copy = BulkTarget();
     suite.Add(BulkReadWork(options), static_cast<double>(pieces),
               {"eFileStream::Read", eKind::Ours, 0, pieces * pieceSize, {}, [=] { return ReadPieces(bulk); }, {}},
               "piece");

@@ -26,6 +26,8 @@ std::uint64_t GetAll(const std::string& file, size_t sets) {
 
 const eContender contender(1, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
+        if (!WantsTyped(suite, kilobytes))
+            continue;
         const size_t sets = Sets(kilobytes);
         const std::string out = WorkFile("protobuf_typed.bin");
         suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),

@@ -45,9 +45,11 @@ size_t Copy(const std::string& from, const std::string& to) {
 
 const eContender contender(1, [](eSuite& suite) {
     const eOptions& options = suite.Options();
+    if (!WantsBulk(suite))
+        return;
     const size_t pieces = BulkPieces(options);
     const std::string bulk = BulkFile(options);
-    const std::string copy = WorkFile("stdio_copy.bin");
+    const std::string copy = BulkTarget();
     suite.Add(BulkReadWork(options), static_cast<double>(pieces),
               {"C stdio fread", eKind::Peer, 0.85, pieces * pieceSize, {}, [=] { return ReadPieces(bulk); }, {}});
     suite.Add(BulkWriteWork(options), static_cast<double>(pieces),

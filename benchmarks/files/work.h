@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,11 @@ inline std::string BulkFile(const eOptions& options) {
     return name;
 }
 
+/// The file that all bulk writes and copies go to.
+inline std::string BulkTarget() {
+    return WorkFile("bulk_target.bin");
+}
+
 /// The checksum of what a bulk read of that file would tell, so that written and copied files can be compared.
 inline std::uint64_t SumOfFile(const std::string& file) {
     const std::string bytes = ReadWhole(file);
@@ -79,15 +85,27 @@ inline std::string CopyWork(const eOptions& options) {
 
 /// The file of typed values that every contender reads.
 inline std::string TypedFile(unsigned kilobytes) {
-    const std::string file = WorkFile("typed" + std::to_string(kilobytes) + ".bin");
-    WriteWhole(file, EncodedSets(Sets(kilobytes)));
-    return file;
+    static std::map<unsigned, std::string> made;
+    const auto [entry, isNew] = made.try_emplace(kilobytes);
+    if (isNew) {
+        entry->second = WorkFile("typed" + std::to_string(kilobytes) + ".bin");
+        WriteWhole(entry->second, EncodedSets(Sets(kilobytes)));
+    }
+    return entry->second;
 }
 inline std::string TypedOutWork(unsigned kilobytes) {
     return "typed values to a file, " + SizeName(kilobytes);
 }
 inline std::string TypedInWork(unsigned kilobytes) {
     return "typed values from a file, " + SizeName(kilobytes);
+}
+
+inline bool WantsBulk(const eSuite& suite) {
+    const eOptions& options = suite.Options();
+    return suite.Wants(BulkReadWork(options)) || suite.Wants(BulkWriteWork(options)) || suite.Wants(CopyWork(options));
+}
+inline bool WantsTyped(const eSuite& suite, unsigned kilobytes) {
+    return suite.Wants(TypedOutWork(kilobytes)) || suite.Wants(TypedInWork(kilobytes));
 }
 
 inline double TypedCount(unsigned kilobytes) {

@@ -10,6 +10,7 @@
 
 #include "../platform/process.h"
 #include "documents.h"
+#include "progress.h"
 #include "suite.h"
 #include "tables.h"
 #include "work_folder.h"
@@ -22,6 +23,11 @@ namespace bench {
 }
 
 namespace {
+
+constexpr int repetitions = 9;
+/// In a full run, a pass over so much data is repeated less often.
+constexpr size_t largeBytes = 100'000'000;
+constexpr int repetitionsOfLarge = 3;
 
 struct eArguments {
     eOptions options;
@@ -136,7 +142,30 @@ private:
     eMeasurements& measured;
 };
 
-void Measure(benchmark::State& state, const eWork& work, const eRow& row, eAgreement& agreement) {
+/// How often the row is repeated where that is not the run's choice, else 0.
+int OwnRepetitions(const eRow& row, const eOptions& options) {
+    if (row.repetitions > 0)
+        return row.repetitions;
+    return options.full && row.bytes > largeBytes ? repetitionsOfLarge : 0;
+}
+
+/// The checksum of a row's pass; what the row itself checks is checked once.
+class eChecked {
+public:
+    std::uint64_t Sum(const eRow& row, std::uint64_t passed) {
+        if (!row.check)
+            return passed;
+        const auto [entry, isFirst] = sums.try_emplace(&row);
+        if (isFirst)
+            entry->second = row.check();
+        return entry->second;
+    }
+
+private:
+    std::map<const eRow*, std::uint64_t> sums;
+};
+
+void Measure(benchmark::State& state, const eWork& work, const eRow& row, eAgreement& agreement, eChecked& checked) {
     std::uint64_t checksum = 0;
     for (auto _ : state) {
         if (row.before) {
@@ -147,15 +176,15 @@ void Measure(benchmark::State& state, const eWork& work, const eRow& row, eAgree
         checksum = MeasuredPass(row);
         benchmark::DoNotOptimize(checksum);
     }
-    if (row.check)
-        checksum = row.check();
-    if (!agreement.Agrees(work, checksum))
+    if (!agreement.Agrees(work, checked.Sum(row, checksum)))
         state.SkipWithError("reads other values than the first contender");
 }
 
-void MeasurePeaks(eSuite& suite, const eArguments& arguments, eMeasurements& measured) {
+void MeasurePeaks(eSuite& suite, const eArguments& arguments, eMeasurements& measured, eProgress& progress) {
+    size_t part = 0;
     for (const auto& work : suite.Works())
         for (const eRow& row : work->rows) {
+            progress.Next("peak", ++part, measured.size(), RowName(*work, row));
             std::vector<std::string> call = arguments.sizes;
             call.push_back("--peak");
             call.push_back("--row=" + RowName(*work, row));
@@ -173,8 +202,8 @@ std::string ProgramName(const char* path) {
 
 /// Google Benchmark's arguments: ours first, so that the caller's own ones win.
 std::vector<std::string> BenchmarkArguments(int count, char** arguments) {
-    std::vector<std::string> all{arguments[0], "--benchmark_repetitions=9", "--benchmark_min_time=0.02",
-                                 "--benchmark_enable_random_interleaving=true"};
+    std::vector<std::string> all{arguments[0], "--benchmark_repetitions=" + std::to_string(repetitions),
+                                 "--benchmark_min_time=0.02", "--benchmark_enable_random_interleaving=true"};
     all.insert(all.end(), arguments + 1, arguments + count);
     return all;
 }
@@ -190,20 +219,28 @@ int RunAll(eSuite& suite, const eArguments& arguments, int count, char** given) 
         return EXIT_FAILURE;
 
     eAgreement agreement;
+    eChecked checked;
+    eProgress progress(ProgramName(given[0]));
     eMeasurements measured;
     std::map<std::string, const eRow*> rows;
+    size_t runs = 0;
+    size_t allRuns = 0;
     for (const auto& work : suite.Works())
         for (const eRow& row : work->rows) {
             measured[&row];
             rows[RowName(*work, row)] = &row;
-            auto* registered = benchmark::RegisterBenchmark(
-                RowName(*work, row).c_str(), [&](benchmark::State& state) { Measure(state, *work, row, agreement); });
-            if (row.repetitions > 0)
-                registered->Repetitions(row.repetitions);
+            auto* registered = benchmark::RegisterBenchmark(RowName(*work, row).c_str(), [&](benchmark::State& state) {
+                progress.Next("run", ++runs, allRuns, RowName(*work, row));
+                Measure(state, *work, row, agreement, checked);
+            });
+            const int own = OwnRepetitions(row, arguments.options);
+            if (own > 0)
+                registered->Repetitions(own);
+            allRuns += static_cast<size_t>(own > 0 ? own : repetitions);
         }
     std::cout << Heading(ProgramName(given[0]), WorkFolder()) << std::flush;
     if (arguments.peaks)
-        MeasurePeaks(suite, arguments, measured);
+        MeasurePeaks(suite, arguments, measured, progress);
     eCollector collector(rows, measured);
     benchmark::RunSpecifiedBenchmarks(&collector);
     benchmark::Shutdown();

@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "../platform/process.h"
@@ -11,7 +10,7 @@
 namespace bench {
 namespace {
 
-constexpr size_t roomWanted = size_t{3} << 30;
+constexpr size_t roomWanted = size_t{4} << 30;
 
 class eFolder {
 public:
@@ -45,8 +44,11 @@ void WriteWhole(const std::string& file, const std::string& bytes) {
 }
 
 std::string ReadWhole(const std::string& file) {
+    std::string bytes(std::filesystem::file_size(file), '\0');
     std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    if (!in.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
+        throw std::runtime_error("cannot read " + file);
+    return bytes;
 }
 
 } // namespace bench
