@@ -28,10 +28,6 @@ constexpr int invalidFloatLine = 80;
 constexpr int utf8 = 65001;
 constexpr unsigned tabsAtOnce = 8;
 constexpr unsigned long long textCapacity = 1024;
-// Memory between these sizes lies in large pages. A larger one takes seconds to fill, in which the host of a virtual
-// machine takes the free large pages back; to have them again costs more than to fault at every small one.
-constexpr unsigned long long largePagesFrom = 16ULL << 20;
-constexpr unsigned long long largePagesTo = 128ULL << 20;
 // A larger block is never kept by the heap for the next one, so that it may as well go while it is written out.
 constexpr unsigned long long keptByHeap = 32ULL << 20;
 constexpr unsigned long long releasedAtOnce = 2ULL << 20;
@@ -104,9 +100,6 @@ void eSDLTextStream::Resize(unsigned long long capacity) {
     text.reset(resized);
     end = resized + size;
     roomEnd = resized + capacity;
-    if (capacity >= largePagesFrom)
-        IO::Platform::AdviseGrowing(
-            resized, capacity, capacity <= largePagesTo ? IO::Platform::ePages::Large : IO::Platform::ePages::Small);
 }
 
 char* eSDLTextStream::MakeRoom(unsigned long long room) {

@@ -10,11 +10,6 @@ namespace {
 
 constexpr std::uintptr_t kLargePage = 2 * 1024 * 1024;
 
-std::uintptr_t SmallPage() noexcept {
-    static const auto size = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
-    return size;
-}
-
 std::uintptr_t RoundedDown(std::uintptr_t address, std::uintptr_t page) noexcept {
     return address / page * page;
 }
@@ -35,15 +30,10 @@ void PreferLargePages(void* block, std::size_t size) noexcept {
     Advise(RoundedUp(address, kLargePage), RoundedDown(address + size, kLargePage), MADV_HUGEPAGE);
 }
 
-void AdviseGrowing(void* block, std::size_t size, ePages pages) noexcept {
-    const auto address = reinterpret_cast<std::uintptr_t>(block);
-    Advise(RoundedDown(address, SmallPage()), RoundedUp(address + size, SmallPage()),
-           pages == ePages::Large ? MADV_HUGEPAGE : MADV_NOHUGEPAGE);
-}
-
 void ReleasePages(void* block, std::size_t size) noexcept {
+    const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
     const auto address = reinterpret_cast<std::uintptr_t>(block);
-    Advise(RoundedUp(address, SmallPage()), RoundedDown(address + size, SmallPage()), MADV_DONTNEED);
+    Advise(RoundedUp(address, page), RoundedDown(address + size, page), MADV_DONTNEED);
 }
 
 } // namespace IO::Platform

@@ -4,7 +4,6 @@ namespace IO::Platform {
 
 // Large pages need a privilege here that applications do not have.
 void PreferLargePages(void*, std::size_t) noexcept {}
-void AdviseGrowing(void*, std::size_t, ePages) noexcept {}
 
 // The heap's own blocks are the heap's to give back.
 void ReleasePages(void*, std::size_t) noexcept {}
