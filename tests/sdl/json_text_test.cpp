@@ -97,6 +97,9 @@ TEST(JsonText, KnowsEscapedSurrogatesWithoutTheirOtherHalf) {
         {R"("\\\udf05")", true},
         {R"("\u12)", false},
         {R"("\uzzzz")", false},
+        {R"("\u00/0")", false},
+        {R"("\u00@0")", false},
+        {R"("\ud83c\udf0/")", true},
         {"\\", false},
         {"\\u", false},
     };

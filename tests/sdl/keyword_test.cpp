@@ -121,6 +121,16 @@ TEST(SdlKeyword, ANullTableHasNoEntries) {
     EXPECT_EQ(eSDLKeyword::FindIn(nullptr, 1), nullptr);
 }
 
+TEST(SdlKeyword, AnEntryWithoutANameStandsInNobodysWay) {
+    static eSDLKeyword* table;
+    static eSDLKeyword nameless(table, nullptr, 7);
+    static eSDLKeyword named(table, "a", 8);
+    EXPECT_EQ(table->Find("a"), 8);
+    EXPECT_EQ(table->Find("b"), 0);
+    EXPECT_STREQ(table->Find(7), nullptr);
+    EXPECT_STREQ(table->Find(8), "a");
+}
+
 TEST(SdlKeyword, OnlyAsciiLettersHaveTwoCases) {
     eTable table;
     table.Add("a@[`{1_\xC4\xE4", 7);

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -46,9 +45,12 @@ public:
 
     // All bytes of a file; fails the test when it cannot be read.
     std::string Read(std::string_view name) const {
-        std::ifstream file(path / name, std::ios::binary);
+        std::ifstream file(path / name, std::ios::binary | std::ios::ate);
         EXPECT_TRUE(file) << name;
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        std::string bytes(file ? static_cast<std::size_t>(file.tellg()) : 0, '\0');
+        file.seekg(0).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        EXPECT_EQ(file.gcount(), static_cast<std::streamsize>(bytes.size())) << name;
+        return bytes;
     }
 
     bool Exists(std::string_view name) const { return std::filesystem::exists(path / name); }

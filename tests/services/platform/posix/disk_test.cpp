@@ -48,6 +48,8 @@ TEST_F(Disk, ShowsItsSerialNumberInOneOfThreePlaces) {
     EXPECT_EQ("plain", SerialOf("sda"));
     temp.Write("sda/serial", "plainer");
     EXPECT_EQ("plainer", SerialOf("sda"));
+    temp.Write("sda/serial", "\n\n");
+    EXPECT_EQ("", SerialOf("sda"));
 }
 
 TEST_F(Disk, ThatShowsNoneGivesTheSystemsReason) {
