@@ -8,7 +8,7 @@ namespace bench::platform {
 /// Folder work through the system's own calls, as one would write it by hand for this one purpose.
 /// Folder names end in "/".
 
-/// Adds up the last letter of every file's name below the folder, plus one each.
+/// Adds up the first letter of every file's name below the folder, plus one each.
 std::uint64_t WalkByHand(const std::string& folder);
 /// Adds up the sizes of all files below the folder.
 std::uint64_t SizesByHand(const std::string& folder);

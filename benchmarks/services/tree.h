@@ -13,7 +13,7 @@ struct eFolderWays {
     std::string name;
     eKind kind;
     double target;
-    std::uint64_t (*walk)(const std::string& folder);  ///< adds up every file name's last letter, plus one each
+    std::uint64_t (*walk)(const std::string& folder);  ///< adds up every file name's first letter, plus one each
     std::uint64_t (*sizes)(const std::string& folder); ///< adds up the sizes of the files
     void (*copy)(const std::string& from, const std::string& to);
     void (*remove)(const std::string& folder);

@@ -24,7 +24,7 @@ namespace bench {
 
 namespace {
 
-constexpr int repetitions = 9;
+constexpr int repetitions = 15;
 /// In a full run, a pass over so much data is repeated less often.
 constexpr size_t largeBytes = 100'000'000;
 constexpr int repetitionsOfLarge = 3;
