@@ -2,10 +2,13 @@
 #include <chrono>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include <support/self_move.h>
 #include <support/wine.h>
 
 #include "real_tree.h"
@@ -268,6 +271,52 @@ TYPED_TEST(SearchServices, ACopyOutlivesTheOriginalsEnd) {
     for (; second.Valid(); second.Next())
         files += second.IsFile();
     EXPECT_EQ(2, files);
+}
+
+// Nothing may be asked of an entry that is not there.
+template <class Search>
+void ExpectNoEntry(Search& search) {
+    EXPECT_FALSE(search.Valid());
+    EXPECT_FALSE(search.IsFile());
+    EXPECT_FALSE(search.IsSubfolder());
+    EXPECT_FALSE(search.IsLink());
+    EXPECT_EQ(0, *search.Name());
+    EXPECT_EQ(0u, search.Size());
+    EXPECT_EQ(IO::eFileTime(), search.ModifyTime());
+}
+
+TYPED_TEST(SearchServices, AMovedFromSearchHasNoEntryAndIsSafeInEveryOperation) {
+    this->MakeFile("folder/file", "12345");
+    using eCursor = typename TypeParam::Search;
+    eCursor first(this->Folder("folder"), TypeParam::Of("file"));
+    eCursor second(std::move(first));
+    ExpectNoEntry(first);
+    first.Next();
+    ExpectNoEntry(first);
+    first.End();
+    ExpectNoEntry(first);
+    EXPECT_TRUE(second.IsFile());
+    EXPECT_EQ(5u, second.Size());
+    first = std::move(second);
+    ExpectNoEntry(second);
+    EXPECT_EQ(5u, first.Size());
+    eCursor copyOfNothing(second);
+    ExpectNoEntry(copyOfNothing);
+    second = first;
+    EXPECT_EQ(TypeParam::Of("file"), second.Name());
+    second = std::move(copyOfNothing);
+    ExpectNoEntry(second);
+    second.Begin(this->Folder("folder"), TypeParam::Of("f*"));
+    EXPECT_TRUE(second.IsFile());
+    static_assert(std::is_nothrow_move_constructible_v<eCursor> && std::is_nothrow_move_assignable_v<eCursor>);
+}
+
+TYPED_TEST(SearchServices, ASearchMovedOntoItselfStaysAsItIs) {
+    this->MakeFile("folder/file", "12345");
+    typename TypeParam::Search search(this->Folder("folder"), TypeParam::Of("file"));
+    MoveOntoItself(search);
+    EXPECT_TRUE(search.IsFile());
+    EXPECT_EQ(5u, search.Size());
 }
 
 TYPED_TEST(SearchServices, EntriesThatVanishDuringTheWalkDoNoHarm) {

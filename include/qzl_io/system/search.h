@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
@@ -48,7 +49,8 @@ QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<wchar_t>* record
 /// that is missing or may not be read has no entries.
 ///
 /// A mask means the same on both systems; ASCII letter case is ignored, on Windows all letter case. A "?" stands for
-/// one character, a code point on Linux.
+/// one character, a code point on Linux. On Windows an entry is found by its short name too, on volumes that keep such
+/// names: "*.htm" then finds "page.html", whose short name is "PAGE~1.HTM".
 ///
 /// | mask    | matches                                                                        |
 /// |---------|--------------------------------------------------------------------------------|
@@ -64,16 +66,29 @@ QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<wchar_t>* record
 /// vanished since it was listed.
 ///
 /// Copies have the same state and share the listing, so Next on one of them moves on for all. It is released once, by
-/// its last owner. A search is used by one thread at a time, and so are its copies taken together.
+/// its last owner. A search is used by one thread at a time, and so are its copies taken together. A search that was
+/// moved from is not valid and has no entry; it may still be asked, ended, assigned to and begun anew.
 template <class Char, class FileName>
 class eSearchOf {
 public:
     eSearchOf(const FileName& folder, const FileName& mask) { Begin(folder, mask); }
+    eSearchOf(const eSearchOf&) = default;
+    eSearchOf(eSearchOf&& other) noexcept { Take(other); }
+    eSearchOf& operator=(const eSearchOf&) = default;
+    eSearchOf& operator=(eSearchOf&& other) noexcept {
+        if (this != &other)
+            Take(other);
+        return *this;
+    }
+    ~eSearchOf() = default;
 
     /// Starts anew; what an earlier search held is released.
     void Begin(const FileName& folder, const FileName& mask) {
-        record = {};
-        handle = SearchSteps::First(folder.GetAdd(mask).c_str(), &record);
+        End();
+        valid = false;
+        Record first;
+        handle = SearchSteps::First(folder.GetAdd(mask).c_str(), &first);
+        record = std::move(first);
         valid = handle != nullptr;
     }
 
@@ -95,8 +110,9 @@ public:
     /// True for a folder other than "." and "..".
     bool IsSubfolder() const { return valid && (Attributes() & Record::Directory) != 0 && !IsDots(); }
 
-    /// True for an entry that leads elsewhere: a symbolic link, on Windows any reparse point. It is a file or a subfolder
-    /// besides; a walk that goes down into subfolders leaves the tree, or never ends, where it goes down into links.
+    /// True for an entry that leads elsewhere: a symbolic link, on Windows any reparse point. It is a file or a
+    /// subfolder besides; a walk that goes down into subfolders leaves the tree, or never ends, where it goes down into
+    /// links.
     bool IsLink() const { return valid && (Attributes() & Record::ReparsePoint) != 0; }
 
     /// The entry's name alone; empty without an entry. Valid until the search moves on.
@@ -110,6 +126,12 @@ public:
 
 private:
     using Record = eSearchRecord<Char>;
+
+    void Take(eSearchOf& other) noexcept {
+        handle = std::move(other.handle);
+        record = std::exchange(other.record, {});
+        valid = std::exchange(other.valid, false);
+    }
 
     bool IsDots() const {
         const auto& name = record.name;
