@@ -132,6 +132,30 @@ TYPED_TEST(FileServices, CopyExStoppedBeforehandCopiesNothingAndIsTrue) {
     }
 }
 
+TYPED_TEST(FileServices, CopyExStoppedBeforehandLeavesNoOldTargetEither) {
+    if (IsUnderWine())
+        GTEST_SKIP() << "Wine never calls the progress routine of CopyFileEx";
+    for (const std::size_t size : {1u, 5'000'000u}) {
+        this->MakeFile("from", std::string(size, 'x'));
+        this->MakeFile("to", "old");
+        bool cancel = true;
+        EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("from"), this->Named("to"), &cancel));
+        EXPECT_EQ(eNames{"from"}, this->Tree("")) << size;
+    }
+}
+
+TYPED_TEST(FileServices, CopyExStoppedBeforehandTouchesNothingThatItCannotCopyTo) {
+    this->MakeFile("file", "precious");
+    this->MakeFile("folder/file");
+    bool cancel = true;
+    EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("file"), this->Named("file"), &cancel));
+    EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("file"), this->Named("folder"), &cancel));
+    EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("folder"), this->Named("file"), &cancel));
+    EXPECT_FALSE(TypeParam::CopyFileEx(this->Named("missing"), this->Named("file"), &cancel));
+    EXPECT_EQ((eNames{"file", "folder/", "folder/file"}), this->Tree(""));
+    EXPECT_EQ("precious", this->Content("file"));
+}
+
 TYPED_TEST(FileServices, CopyExStoppedMidwayLeavesNoPartialTarget) {
     if (IsUnderWine())
         GTEST_SKIP() << "Wine never calls the progress routine of CopyFileEx";
@@ -221,12 +245,66 @@ TEST_F(RenameFile, FailsForAMissingSourceOrTargetFolder) {
     EXPECT_TRUE(Exists("from"));
 }
 
-TEST_F(RenameFile, OntoAnExistingFileDoesWhatTheRunTimeDoes) {
-    MakeFile("from", "new");
-    MakeFile("to", "old");
-    EXPECT_EQ(!hasDrives, File::Rename(Named("from"), Named("to")));
-    EXPECT_EQ(hasDrives ? "old" : "new", Content("to"));
-    EXPECT_EQ(hasDrives, Exists("from"));
+TEST_F(RenameFile, DoesWithAnExistingTargetWhatTheRunTimeDoes) {
+    struct eRow {
+        std::string from;
+        std::string to;
+        bool replacedWithoutDrives;
+    };
+    const eRow rows[] = {{"file", "other", true},      {"file", "empty", false},     {"file", "full", false},
+                         {"folder", "empty", true},    {"folder", "full", false},    {"folder", "other", false},
+                         {"full", "full/file", false}, {"full", "full/below", false}};
+    for (const eRow& row : rows) {
+        const std::string root = row.from + " to " + row.to + "/";
+        MakeFile(root + "file", "new");
+        MakeFile(root + "other", "old");
+        MakeFile(root + "folder/inside");
+        MakeFolder(root + "empty");
+        MakeFile(root + "full/file");
+        const eNames before = Tree(root);
+        const bool replaced = File::Rename(Named(root + row.from), Named(root + row.to));
+        EXPECT_EQ(row.replacedWithoutDrives && !hasDrives, replaced) << root;
+        EXPECT_EQ(!replaced, Exists(root + row.from)) << root;
+        EXPECT_EQ(!replaced, Tree(root) == before) << root;
+        EXPECT_EQ(replaced && row.from == "file" ? "new" : "old", Content(root + "other")) << root;
+        EXPECT_EQ(replaced && row.from == "folder", Exists(root + "empty/inside")) << root;
+    }
+}
+
+TEST_F(RenameFile, ChangesTheLetterCaseOfAName) {
+    if (IsUnderWine())
+        GTEST_SKIP() << "Wine leaves the letter case as it is";
+    MakeFile("name", "content");
+    EXPECT_TRUE(File::Rename(Named("name"), Named("NAME")));
+    EXPECT_EQ(eNames{"NAME"}, Tree(""));
+    EXPECT_EQ("content", Content("NAME"));
+}
+
+class RenameToAnotherVolume : public RenameFile {
+protected:
+    // A folder on another volume than the temporary files', or none.
+    static std::filesystem::path OtherVolume() {
+        const std::filesystem::path folder = hasDrives ? "z:/dev/shm" : "/dev/shm";
+        std::error_code error;
+        const auto other = std::filesystem::space(folder, error);
+        const auto own = std::filesystem::space(std::filesystem::temp_directory_path());
+        return error || other.capacity == own.capacity ? std::filesystem::path() : folder;
+    }
+};
+
+TEST_F(RenameToAnotherVolume, MovesFilesWhereThereAreDrivesAndNeverFolders) {
+    if (OtherVolume().empty())
+        GTEST_SKIP() << "no second volume is known here";
+    const auto away = OtherVolume() / temp.Path().filename();
+    MakeFile("file", "content");
+    MakeFile("folder/file");
+    const bool fileMoved = File::Rename(Named("file"), away.generic_string());
+    EXPECT_EQ(hasDrives, fileMoved);
+    EXPECT_EQ(!hasDrives, Exists("file"));
+    EXPECT_EQ(hasDrives, std::filesystem::remove(away));
+    EXPECT_FALSE(File::Rename(Named("folder"), away.generic_string()));
+    EXPECT_TRUE(Exists("folder/file"));
+    EXPECT_FALSE(std::filesystem::exists(away));
 }
 
 class WideNames : public eRealTree<eWide> {};

@@ -26,16 +26,28 @@ QZL_IO_API bool Access(const eFileName& name, eAccessMode mode);
 QZL_IO_API bool Copy(const eFileName& from, const eFileName& to);
 
 /// Copy that another thread can stop: the copy ends at its next look at `*cancel` after that byte became non-zero.
-/// It looks before the first byte and again at least once for each 4 MiB; on Windows whenever the system reports
-/// progress. A stopped copy leaves no partial target. `cancel` must stay valid during the call and must not be null.
+/// It looks when the target has been opened and again at least once for each 4 MiB; on Windows whenever the system
+/// reports progress. A stopped copy leaves no target, not even the one that stood there before; of a target that is a
+/// link, the file behind it goes. What could not be opened (a missing source, a target that may not be written) stays as
+/// it is, and so does a source that is its own target. `cancel` must stay valid during the call and must not be null.
 /// The result is that of Copy, whether stopped or not.
 QZL_IO_API bool CopyEx(const eFileName& from, const eFileName& to, bool* cancel);
 
 /// True when the file has been removed. A folder is not; of a link, the link itself is removed.
 QZL_IO_API bool Delete(const eFileName& name);
 
-/// Renames or moves within one volume by the C run-time's `rename`; true when that succeeded. An existing target makes
-/// it fail on Windows and is replaced on Linux.
+/// Renames or moves a file, or a folder with all in it, by the C run-time's `rename`; true when that succeeded.
+/// The target's folder must exist; of a link, the link itself is moved.
+///
+/// | the target                             | Windows                          | Linux                     |
+/// |----------------------------------------|----------------------------------|---------------------------|
+/// | is an existing file                    | refused                          | replaced, by files        |
+/// | is an existing folder                  | refused                          | an empty one, by folders  |
+/// | is the source in another letter case   | the case is changed              | is another name           |
+/// | lies on another volume                 | files are moved, folders refused | refused                   |
+/// | lies below the source                  | refused                          | refused                   |
+///
+/// On Windows a file that is open is as a rule refused, too.
 QZL_IO_API bool Rename(const eFileName& from, const eFileName& to);
 
 /// The file's length in bytes. 0 when it is missing, may not be read, or is a folder or a device.

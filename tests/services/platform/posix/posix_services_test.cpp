@@ -409,14 +409,6 @@ TYPED_TEST(PosixServices, CopyThatFindsNoRoomLeavesNoPartialTarget) {
     }
 }
 
-TYPED_TEST(PosixServices, CopyStoppedBeforehandLeavesAnOldTargetWhole) {
-    this->MakeFile("from", "new");
-    this->MakeFile("to", "old");
-    bool cancel = true;
-    EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("from"), this->Named("to"), &cancel));
-    EXPECT_EQ("old", this->Content("to"));
-}
-
 // --- Other kinds of files ---
 
 TYPED_TEST(PosixServices, PipesAndDevicesAreNeitherWaitedForNorCopied) {

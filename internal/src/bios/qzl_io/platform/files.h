@@ -11,7 +11,7 @@ bool MayAccess(const Char* name, int mode);
 template <class Char>
 void CopyWhole(const Char* from, const Char* to);
 
-/// The same; ends early when it sees `*cancel` non-zero.
+/// The same; ends early when it sees `*cancel` non-zero, and then no target is left, not even an old one.
 template <class Char>
 void CopyStoppable(const Char* from, const Char* to, const bool* cancel);
 

@@ -96,7 +96,7 @@ eCopyEnd CopyBytes(int source, int target, unsigned long long size, const bool* 
 void CopyRegularFile(ePlace from, ePlace to, eCopyLinks links, const bool* cancel) {
     struct stat source {};
     const eDescriptor input = Open(from, O_RDONLY | LinkFlag(links));
-    if (!IsRegular(input, &source) || (cancel && IsCancelled(cancel)))
+    if (!IsRegular(input, &source))
         return;
     const eDescriptor output = OpenTarget(to, links, source);
     if (!output.IsOpen())
