@@ -14,6 +14,9 @@ namespace IO {
 // Write cuts the file to length 0, Errors reports errors. The buffer holds 32768 bytes, or the whole file where that is
 // shorter and opened without Write. Other streams and processes may open the file at the same time.
 //
+// Opening to read waits for nobody: a pipe is refused as a folder is, by whatever name. A file whose length the system
+// does not tell is not opened.
+//
 // Copies share the handle, and the buffer until one of them refills it; the last owner closes the one and releases the
 // other. Reads that the system cuts short and writes that fail are not reported; they set Bad.
 class QZL_IO_API eFileStreamBase : public eStream {

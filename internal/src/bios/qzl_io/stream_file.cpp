@@ -95,7 +95,14 @@ void eFileStreamBase::Open(int mode) {
     offset = 0;
     const bool writes = Enabled(StreamMode::Write);
     const int openFlags = !writes ? kOpenRead : Enabled(StreamMode::Create) ? kOpenCreate : kOpenWrite;
-    while ((handle = CreateHandle(openFlags)) == -1) {
+    unsigned long long length = 0;
+    const auto openFile = [&] {
+        handle = CreateHandle(openFlags);
+        if (handle != -1 && !Platform::FileLength(handle, &length))
+            Platform::CloseFile(std::exchange(handle, -1));
+        return handle != -1;
+    };
+    while (!openFile()) {
         Enable(StreamMode::Failed);
         if (Disabled(StreamMode::Errors))
             return;
@@ -103,7 +110,6 @@ void eFileStreamBase::Open(int mode) {
     }
     flags = static_cast<unsigned short>(mode);
     direct = &kDirect;
-    const unsigned long long length = Platform::FileLength(handle);
     CreateBuffer(writes ? kLargestBuffer : std::min(length, kLargestBuffer), length);
     Underflow();
 }

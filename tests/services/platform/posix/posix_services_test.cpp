@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <support/platform/posix/open_descriptors.h>
+
 #include "../../real_tree.h"
 
 // What only this system can do to a tree: symbolic links, permissions, pipes, names that are no text.
@@ -261,13 +263,6 @@ TYPED_TEST(PosixServices, TreesOfAnyDepthNeedFewDescriptors) {
     EXPECT_TRUE(rootGone);
     EXPECT_TRUE(copyKept);
     EXPECT_TRUE(copyGone);
-}
-
-int OpenDescriptors() {
-    int count = 0;
-    for ([[maybe_unused]] const auto& entry : fs::directory_iterator("/proc/self/fd"))
-        ++count;
-    return count;
 }
 
 TYPED_TEST(PosixServices, NothingStaysOpen) {

@@ -4,9 +4,10 @@
 // interruption and short counts.
 namespace IO::Platform {
 
-// A handle of the C run-time for the file, or -1 when it cannot be opened or is a folder. The flags are the ones of the
-// run-time's binary mode: 0x8000 reads; 0x8102 reads and writes, and creates what is missing; 0x8302 also cuts to
-// length 0. Others may open the file meanwhile. Wide names are UTF-8 where names are bytes.
+// A handle of the C run-time for the file, or -1 when it cannot be opened or is a folder, or a pipe to be read: nobody
+// is waited for. The flags are the ones of the run-time's binary mode: 0x8000 reads; 0x8102 reads and writes, and
+// creates what is missing; 0x8302 also cuts to length 0. Others may open the file meanwhile. Wide names are UTF-8 where
+// names are bytes.
 int OpenFile(const char* name, int openFlags) noexcept;
 int OpenFile(const wchar_t* name, int openFlags);
 
@@ -28,8 +29,8 @@ unsigned long long CopyBetween(int source, unsigned long long from, int target, 
 // True when the system says that both handles stand for one file, or does not tell.
 bool MayBeOneFile(int one, int other) noexcept;
 
-// 0 when the system does not tell.
-unsigned long long FileLength(int handle) noexcept;
+// False when the system does not tell.
+bool FileLength(int handle, unsigned long long* length) noexcept;
 
 // Cuts the file, or makes it longer with zeros. False when the system refused.
 bool SetFileLength(int handle, unsigned long long length) noexcept;

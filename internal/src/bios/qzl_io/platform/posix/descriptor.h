@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <sys/types.h>
 #include <unistd.h>
 
 namespace IO::Platform {
@@ -24,6 +25,9 @@ public:
     bool IsOpen() const { return descriptor >= 0; }
     int Get() const { return descriptor; }
 
+    /// The descriptor becomes the caller's.
+    int Release() { return std::exchange(descriptor, -1); }
+
     /// An interrupted close has closed all the same; trying again could close another thread's descriptor.
     void Close() {
         if (descriptor >= 0)
@@ -34,7 +38,8 @@ private:
     int descriptor;
 };
 
-/// Repeats a call that a signal interrupted.
+/// Repeats a call that a signal interrupted. Every call is made through it that a signal can interrupt on any file
+/// system, and on some that is nearly every call.
 template <class Call>
 auto Uninterrupted(Call call) {
     for (;;) {
@@ -43,5 +48,13 @@ auto Uninterrupted(Call call) {
             return result;
     }
 }
+
+/// Opens without waiting for anybody, such as the writer of a pipe, and never as the terminal that controls the
+/// process. The descriptor does not wait either where that makes a difference: what it stands for is to be looked at
+/// first.
+eDescriptor OpenAtOnce(int folder, const char* name, int flags, mode_t mode = 0) noexcept;
+
+/// Reads and writes wait from now on. False where the system refuses.
+bool LetWait(const eDescriptor& file) noexcept;
 
 } // namespace IO::Platform

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/posix/descriptor.h"
 #include "platform/posix/native_name.h"
 
 namespace IO::Platform {
@@ -18,38 +19,33 @@ constexpr int kTruncate = 0x0200;
 
 constexpr mode_t kPermissions = 0666;
 
-int SystemFlags(int openFlags) {
-    int flags = O_CLOEXEC | ((openFlags & kReadWrite) ? O_RDWR : O_RDONLY);
+eDescriptor OpenForWriting(const char* name, int openFlags) noexcept {
+    int flags = O_CLOEXEC | O_RDWR;
     flags |= (openFlags & kCreate) ? O_CREAT : 0;
     flags |= (openFlags & kTruncate) ? O_TRUNC : 0;
-    return flags;
+    return eDescriptor(Uninterrupted([&] { return ::openat(AT_FDCWD, name, flags, kPermissions); }));
 }
 
-bool IsFolder(int handle) {
-    struct stat facts = {};
-    return fstat(handle, &facts) == 0 && S_ISDIR(facts.st_mode);
+bool Ask(int handle, struct stat* facts) noexcept {
+    return Uninterrupted([&] { return ::fstat(handle, facts); }) == 0;
 }
 
 ssize_t WriteSome(int handle, const char* source, unsigned long long n, unsigned long long position) {
-    const ssize_t written = pwrite(handle, source, n, static_cast<off_t>(position));
-    return written < 0 && errno == ESPIPE ? write(handle, source, n) : written;
-}
-
-bool Interrupted(ssize_t result) {
-    return result < 0 && errno == EINTR;
+    const ssize_t written = ::pwrite(handle, source, n, static_cast<off_t>(position));
+    return written < 0 && errno == ESPIPE ? ::write(handle, source, n) : written;
 }
 
 } // namespace
 
 int OpenFile(const char* name, int openFlags) noexcept {
-    int handle = -1;
-    do
-        handle = open(name, SystemFlags(openFlags), kPermissions);
-    while (Interrupted(handle));
-    if (handle < 0 || !IsFolder(handle))
-        return handle;
-    CloseFile(handle);
-    return -1;
+    const bool writes = (openFlags & kReadWrite) != 0;
+    eDescriptor file = writes ? OpenForWriting(name, openFlags) : OpenAtOnce(AT_FDCWD, name, O_RDONLY);
+    struct stat facts = {};
+    if (!file.IsOpen() || !Ask(file.Get(), &facts) || S_ISDIR(facts.st_mode))
+        return -1;
+    if (!writes && (S_ISFIFO(facts.st_mode) || (!S_ISREG(facts.st_mode) && !LetWait(file))))
+        return -1;
+    return file.Release();
 }
 
 int OpenFile(const wchar_t* name, int openFlags) {
@@ -57,18 +53,18 @@ int OpenFile(const wchar_t* name, int openFlags) {
 }
 
 void CloseFile(int handle) noexcept {
-    close(handle);
+    ::close(handle);
 }
 
 unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept {
     unsigned long long done = 0;
     while (done < n) {
-        const ssize_t read =
-            pread(handle, static_cast<char*>(target) + done, n - done, static_cast<off_t>(position + done));
-        if (read > 0)
-            done += static_cast<unsigned long long>(read);
-        else if (!Interrupted(read))
+        const ssize_t read = Uninterrupted([&] {
+            return ::pread(handle, static_cast<char*>(target) + done, n - done, static_cast<off_t>(position + done));
+        });
+        if (read <= 0)
             break;
+        done += static_cast<unsigned long long>(read);
     }
     return done;
 }
@@ -76,11 +72,11 @@ unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsign
 bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept {
     unsigned long long done = 0;
     while (done < n) {
-        const ssize_t written = WriteSome(handle, static_cast<const char*>(source) + done, n - done, position + done);
-        if (written > 0)
-            done += static_cast<unsigned long long>(written);
-        else if (!Interrupted(written))
+        const ssize_t written = Uninterrupted(
+            [&] { return WriteSome(handle, static_cast<const char*>(source) + done, n - done, position + done); });
+        if (written <= 0)
             return false;
+        done += static_cast<unsigned long long>(written);
     }
     return true;
 }
@@ -91,11 +87,11 @@ unsigned long long CopyBetween(int source, unsigned long long from, int target, 
     auto goal = static_cast<off_t>(to);
     unsigned long long done = 0;
     while (done < n) {
-        const ssize_t copied = copy_file_range(source, &at, target, &goal, n - done, 0);
-        if (copied > 0)
-            done += static_cast<unsigned long long>(copied);
-        else if (!Interrupted(copied))
+        const ssize_t copied =
+            Uninterrupted([&] { return ::copy_file_range(source, &at, target, &goal, n - done, 0); });
+        if (copied <= 0)
             break;
+        done += static_cast<unsigned long long>(copied);
     }
     return done;
 }
@@ -103,21 +99,20 @@ unsigned long long CopyBetween(int source, unsigned long long from, int target, 
 bool MayBeOneFile(int one, int other) noexcept {
     struct stat first = {};
     struct stat second = {};
-    const bool told = fstat(one, &first) == 0 && fstat(other, &second) == 0;
+    const bool told = Ask(one, &first) && Ask(other, &second);
     return !told || (first.st_dev == second.st_dev && first.st_ino == second.st_ino);
 }
 
-unsigned long long FileLength(int handle) noexcept {
+bool FileLength(int handle, unsigned long long* length) noexcept {
     struct stat facts = {};
-    return fstat(handle, &facts) == 0 ? static_cast<unsigned long long>(facts.st_size) : 0;
+    if (!Ask(handle, &facts))
+        return false;
+    *length = static_cast<unsigned long long>(facts.st_size);
+    return true;
 }
 
 bool SetFileLength(int handle, unsigned long long length) noexcept {
-    int result = -1;
-    do
-        result = ftruncate(handle, static_cast<off_t>(length));
-    while (Interrupted(result));
-    return result == 0;
+    return Uninterrupted([&] { return ::ftruncate(handle, static_cast<off_t>(length)); }) == 0;
 }
 
 } // namespace IO::Platform

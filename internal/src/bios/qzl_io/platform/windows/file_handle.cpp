@@ -84,9 +84,12 @@ bool MayBeOneFile(int one, int other) noexcept {
            first.nFileIndexLow == second.nFileIndexLow;
 }
 
-unsigned long long FileLength(int handle) noexcept {
-    const long long length = _filelengthi64(handle);
-    return length > 0 ? static_cast<unsigned long long>(length) : 0;
+// A console and other devices have no length; that is no failure.
+bool FileLength(int handle, unsigned long long* length) noexcept {
+    const long long told = _filelengthi64(handle);
+    *length = told > 0 ? static_cast<unsigned long long>(told) : 0;
+    const DWORD kind = told < 0 ? GetFileType(SystemHandle(handle)) : FILE_TYPE_DISK;
+    return told >= 0 || kind == FILE_TYPE_CHAR || kind == FILE_TYPE_PIPE;
 }
 
 bool SetFileLength(int handle, unsigned long long length) noexcept {
