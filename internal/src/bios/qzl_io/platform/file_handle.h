@@ -8,7 +8,7 @@ namespace IO::Platform {
 // is waited for. The flags are the ones of the run-time's binary mode: 0x8000 reads; 0x8102 reads and writes, and
 // creates what is missing; 0x8302 also cuts to length 0. Others may open the file meanwhile. Wide names are UTF-8 where
 // names are bytes.
-int OpenFile(const char* name, int openFlags) noexcept;
+int OpenFile(const char* name, int openFlags);
 int OpenFile(const wchar_t* name, int openFlags);
 
 // Never repeated: the handle is gone even when the system reports a failure.

@@ -37,7 +37,7 @@ ssize_t WriteSome(int handle, const char* source, unsigned long long n, unsigned
 
 } // namespace
 
-int OpenFile(const char* name, int openFlags) noexcept {
+int OpenFile(const char* name, int openFlags) {
     const bool writes = (openFlags & kReadWrite) != 0;
     eDescriptor file = writes ? OpenForWriting(name, openFlags) : OpenAtOnce(AT_FDCWD, name, O_RDONLY);
     struct stat facts = {};

@@ -10,6 +10,8 @@
 #include <share.h>
 #include <sys/stat.h>
 
+#include "native_name.h"
+
 namespace IO::Platform {
 namespace {
 
@@ -24,20 +26,23 @@ bool MoveTo(int handle, unsigned long long position) {
     return _lseeki64(handle, static_cast<long long>(position), SEEK_SET) >= 0 || _isatty(handle) != 0;
 }
 
+int Open(const eNativeName& name, int openFlags) {
+    int handle = -1;
+    return _wsopen_s(&handle, name.c_str(), openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0 ? handle : -1;
+}
+
 HANDLE SystemHandle(int handle) {
     return reinterpret_cast<HANDLE>(_get_osfhandle(handle));
 }
 
 } // namespace
 
-int OpenFile(const char* name, int openFlags) noexcept {
-    int handle = -1;
-    return _sopen_s(&handle, name, openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0 ? handle : -1;
+int OpenFile(const char* name, int openFlags) {
+    return Open(eNativeName(name), openFlags);
 }
 
 int OpenFile(const wchar_t* name, int openFlags) {
-    int handle = -1;
-    return _wsopen_s(&handle, name, openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0 ? handle : -1;
+    return Open(eNativeName(name), openFlags);
 }
 
 void CloseFile(int handle) noexcept {

@@ -1,12 +1,14 @@
 #include "../files.h"
 
-#include <cstdio>
+#include <windows.h>
 
 #include <fcntl.h>
+#include <io.h>
+#include <share.h>
 #include <sys/stat.h>
 
 #include "../cancel_flag.h"
-#include "service_calls.h"
+#include "native_name.h"
 
 namespace IO::Platform {
 
@@ -21,32 +23,33 @@ DWORD CALLBACK LookAtFlag(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INT
 
 template <class Char>
 bool MayAccess(const Char* name, int mode) {
-    return Calls::Access(name, mode) == 0;
+    return ::_waccess_s(eNativeName(name).c_str(), mode) == 0;
 }
 
 template <class Char>
 void CopyWhole(const Char* from, const Char* to) {
-    Calls::Copy(from, to);
+    ::CopyFileW(eNativeName(from).c_str(), eNativeName(to).c_str(), FALSE);
 }
 
 template <class Char>
 void CopyStoppable(const Char* from, const Char* to, const bool* cancel) {
-    Calls::CopyWith(from, to, &LookAtFlag, const_cast<bool*>(cancel), COPY_FILE_NO_BUFFERING);
+    ::CopyFileExW(eNativeName(from).c_str(), eNativeName(to).c_str(), &LookAtFlag, const_cast<bool*>(cancel), nullptr,
+                  COPY_FILE_NO_BUFFERING);
 }
 
 template <class Char>
 bool EraseFile(const Char* name) {
-    return Calls::Erase(name) != FALSE;
+    return ::DeleteFileW(eNativeName(name).c_str()) != FALSE;
 }
 
 bool RenameFile(const char* from, const char* to) {
-    return std::rename(from, to) == 0;
+    return ::_wrename(eNativeName(from).c_str(), eNativeName(to).c_str()) == 0;
 }
 
 template <class Char>
 unsigned long long FileSize(const Char* name) {
     int file = -1;
-    Calls::Open(&file, name, _O_RDONLY, _SH_DENYNO, _S_IREAD | _S_IWRITE);
+    ::_wsopen_s(&file, eNativeName(name).c_str(), _O_RDONLY, _SH_DENYNO, _S_IREAD | _S_IWRITE);
     if (file == -1)
         return 0;
     const long long length = ::_filelengthi64(file);

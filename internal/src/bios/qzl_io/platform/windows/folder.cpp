@@ -1,9 +1,13 @@
 #include "../folder.h"
 
+#include <string>
+#include <string_view>
 #include <utility>
 
+#include <windows.h>
+
+#include "native_name.h"
 #include "owned_handle.h"
-#include "service_calls.h"
 
 namespace IO::Platform {
 
@@ -15,10 +19,9 @@ constexpr DWORD noLinks = FILE_FLAG_OPEN_REPARSE_POINT;
 
 /// Without FILE_SHARE_DELETE: while the handle is open nobody can remove, rename or exchange the folder. Reading the
 /// list is what makes the system compare the sharing.
-template <class Char>
-eOpenHandle Pin(const Char* name, DWORD flags) {
-    return eOpenHandle(
-        Calls::OpenFile(name, FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, folderFlags | flags));
+eOpenHandle Pin(const std::wstring& name, DWORD flags) {
+    return eOpenHandle(::CreateFileW(name.c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     OPEN_EXISTING, folderFlags | flags, nullptr));
 }
 
 bool IsRealFolder(const BY_HANDLE_FILE_INFORMATION& opened) {
@@ -26,38 +29,40 @@ bool IsRealFolder(const BY_HANDLE_FILE_INFORMATION& opened) {
            (opened.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
 }
 
-template <class Data>
-eEntryKind KindOf(const Data& data) {
+eEntryKind KindOf(const WIN32_FIND_DATAW& data) {
     const bool isReparsePoint = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         return isReparsePoint ? eEntryKind::Link : eEntryKind::Folder;
     return isReparsePoint && data.dwReserved0 == IO_REPARSE_TAG_SYMLINK ? eEntryKind::Link : eEntryKind::File;
 }
 
-template <class Char>
-bool IsDots(const Char* name) {
-    return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
+/// "." and "..", and what would lead out of the folder that lists it, whoever keeps that.
+bool LeadsAway(std::wstring_view name) {
+    return name == L"." || name == L".." || name.find_first_of(L"\\/") != name.npos;
 }
 
-template <class Char>
-bool IsReparsePoint(const Char* name) {
-    Calls::eFindData<Char> data;
-    const eFindHandle found(Calls::FindFirst(name, &data));
+/// A root has its slash already.
+std::wstring WithSlash(std::wstring name) {
+    if (!name.ends_with(L'\\'))
+        name += L'\\';
+    return name;
+}
+
+bool IsReparsePoint(const std::wstring& name) {
+    WIN32_FIND_DATAW data;
+    const eFindHandle found(::FindFirstFileW(name.c_str(), &data));
     return found.IsOpen() && (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
 /// Holds the folder and so do all above it that were entered on the way: what their names say stays true meanwhile.
-template <class Char>
 class eWindowsFolder final : public eFolder {
 public:
-    using eText = std::basic_string<Char>;
-
-    /// The path ends in "/".
-    eWindowsFolder(eText fullPath, eOpenHandle opened, eFolderId identity)
+    /// The path is in extended form and ends in a back slash.
+    eWindowsFolder(std::wstring fullPath, eOpenHandle opened, eFolderId identity)
         : path(std::move(fullPath)), pin(std::move(opened)), id(identity) {}
 
-    static std::unique_ptr<eFolder> Open(const eText& name, eNamedLink link) {
-        eOpenHandle opened = Pin(name.c_str(), link == eNamedLink::Refuse ? noLinks : 0);
+    static std::unique_ptr<eFolder> Open(const std::wstring& name, eNamedLink link) {
+        eOpenHandle opened = Pin(name, link == eNamedLink::Refuse ? noLinks : 0);
         BY_HANDLE_FILE_INFORMATION information{};
         if (!opened.IsOpen() || !::GetFileInformationByHandle(opened.Get(), &information))
             return nullptr;
@@ -66,12 +71,12 @@ public:
         const auto number =
             static_cast<unsigned long long>(information.nFileIndexHigh) << 32 | information.nFileIndexLow;
         const eFolderId identity{information.dwVolumeSerialNumber, number};
-        return std::make_unique<eWindowsFolder>(name + Char('/'), std::move(opened), identity);
+        return std::make_unique<eWindowsFolder>(WithSlash(name), std::move(opened), identity);
     }
 
     bool Next(eEntry* entry) override {
         while (Advance()) {
-            if (IsDots(data.cFileName))
+            if (LeadsAway(data.cFileName))
                 continue;
             *entry = {KindOf(data), data.cFileName};
             return true;
@@ -81,24 +86,24 @@ public:
 
     std::unique_ptr<eFolder> Enter(const eEntry& entry) override { return Open(Named(entry), eNamedLink::Refuse); }
 
-    bool RemoveFile(const eEntry& entry) override { return Calls::Erase(Named(entry).c_str()) != FALSE; }
+    bool RemoveFile(const eEntry& entry) override { return ::DeleteFileW(Named(entry).c_str()) != FALSE; }
     bool RemoveLink(const eEntry& entry) override { return RemoveFile(entry) || RemoveFolder(entry); }
-    bool RemoveFolder(const eEntry& entry) override { return Calls::RemoveFolder(Named(entry).c_str()) != FALSE; }
-    bool MakeFolder(const eEntry& entry) override { return Calls::MakeFolder(Named(entry).c_str()) != FALSE; }
+    bool RemoveFolder(const eEntry& entry) override { return ::RemoveDirectoryW(Named(entry).c_str()) != FALSE; }
+    bool MakeFolder(const eEntry& entry) override { return ::CreateDirectoryW(Named(entry).c_str(), nullptr) != FALSE; }
 
     void CopyFileTo(eFolder& target, const eEntry& entry) override {
-        Calls::Copy(Named(entry).c_str(), Other(target).Named(entry).c_str());
+        ::CopyFileW(Named(entry).c_str(), Other(target).Named(entry).c_str(), FALSE);
     }
 
     void CopyLinkTo(eFolder& target, const eEntry& entry) override {
-        const eText from = Named(entry);
-        const eText to = Other(target).Named(entry);
-        if (Calls::MakeFolderLike(from.c_str(), to.c_str())) {
+        const std::wstring from = Named(entry);
+        const std::wstring to = Other(target).Named(entry);
+        if (::CreateDirectoryExW(from.c_str(), to.c_str(), nullptr)) {
             // A system that cannot recreate the link has made a plain folder of it.
-            if (!IsReparsePoint(to.c_str()))
-                Calls::RemoveFolder(to.c_str());
+            if (!IsReparsePoint(to))
+                ::RemoveDirectoryW(to.c_str());
         } else {
-            Calls::CopyWith(from.c_str(), to.c_str(), nullptr, nullptr, linkFlag);
+            ::CopyFileExW(from.c_str(), to.c_str(), nullptr, nullptr, nullptr, linkFlag);
         }
     }
 
@@ -111,54 +116,45 @@ public:
 private:
     bool Advance() {
         if (search.IsOpen())
-            return Calls::FindNext(search.Get(), &data) != FALSE;
+            return ::FindNextFileW(search.Get(), &data) != FALSE;
         if (std::exchange(listed, true))
             return false;
-        const Char all[] = {'*', '.', '*', 0};
-        search = eFindHandle(Calls::FindFirst((path + all).c_str(), &data));
+        search = eFindHandle(::FindFirstFileW((path + L'*').c_str(), &data));
         return search.IsOpen();
     }
 
-    eText Named(const eEntry& entry) const { return path + static_cast<const Char*>(entry.name); }
+    std::wstring Named(const eEntry& entry) const { return path + static_cast<const wchar_t*>(entry.name); }
 
     static eWindowsFolder& Other(eFolder& folder) { return static_cast<eWindowsFolder&>(folder); }
 
-    eText path;
+    std::wstring path;
     eOpenHandle pin;
     eFolderId id;
     bool listed = false;
     eFindHandle search;
-    Calls::eFindData<Char> data;
+    WIN32_FIND_DATAW data;
 };
-
-/// The slash of a drive's root belongs to its name.
-template <class Char>
-std::basic_string<Char> WithoutSlashes(std::basic_string<Char> name) {
-    while (name.size() > 1 && name.back() == Char('/') && name[name.size() - 2] != Char(':'))
-        name.pop_back();
-    return name;
-}
 
 } // namespace
 
 template <class Char>
 std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link) {
-    const auto text = WithoutSlashes(std::basic_string<Char>(name));
-    if (link == eNamedLink::Refuse && IsReparsePoint(text.c_str()))
+    const std::wstring folder = FolderName(name);
+    if (link == eNamedLink::Refuse && IsReparsePoint(folder))
         return nullptr;
-    return eWindowsFolder<Char>::Open(text, link);
+    return eWindowsFolder::Open(folder, link);
 }
 
 template <class Char>
 eMadeFolder MakeFolder(const Char* name) {
-    if (Calls::MakeFolder(name))
+    if (::CreateDirectoryW(eNativeName(name).c_str(), nullptr))
         return eMadeFolder::Made;
     return ::GetLastError() == ERROR_ALREADY_EXISTS ? eMadeFolder::Existed : eMadeFolder::Refused;
 }
 
 template <class Char>
 bool RemoveFolder(const Char* name) {
-    return Calls::RemoveFolder(name) != FALSE;
+    return ::RemoveDirectoryW(eNativeName(name).c_str()) != FALSE;
 }
 
 template <class Char>

@@ -1,7 +1,9 @@
 #include "../listing.h"
 
+#include <windows.h>
+
+#include "native_name.h"
 #include "owned_handle.h"
-#include "service_calls.h"
 
 namespace IO {
 
@@ -9,6 +11,7 @@ class eSearchHandle {
 public:
     explicit eSearchHandle(Platform::eFindHandle opened) : find(std::move(opened)) {}
 
+    bool IsOpen() const { return find.IsOpen(); }
     HANDLE Get() const { return find.Get(); }
 
 private:
@@ -19,34 +22,36 @@ namespace Platform {
 
 namespace {
 
-template <class Char, class Data>
-void Fill(const Data& data, eSearchRecord<Char>* record) {
+/// False for an entry without a name of this width.
+template <class Char>
+bool Fill(const WIN32_FIND_DATAW& data, eSearchRecord<Char>* record) {
+    if (!ListedName(data, &record->name))
+        return false;
     record->attributes = data.dwFileAttributes;
     record->size = static_cast<unsigned long long>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
     record->modified.dwLowDateTime = data.ftLastWriteTime.dwLowDateTime;
     record->modified.dwHighDateTime = data.ftLastWriteTime.dwHighDateTime;
-    record->name = data.cFileName;
+    return true;
 }
 
 } // namespace
 
 template <class Char>
 std::shared_ptr<eSearchHandle> FirstEntry(const Char* pattern, eSearchRecord<Char>* record) {
-    Calls::eFindData<Char> data;
-    eFindHandle found(Calls::FindFirst(pattern, &data));
-    if (!found.IsOpen())
-        return nullptr;
-    Fill(data, record);
-    return std::make_shared<eSearchHandle>(std::move(found));
+    WIN32_FIND_DATAW data;
+    const auto handle =
+        std::make_shared<eSearchHandle>(eFindHandle(::FindFirstFileW(eNativePattern(pattern).c_str(), &data)));
+    const bool found = handle->IsOpen() && (Fill(data, record) || NextEntry(*handle, record));
+    return found ? handle : nullptr;
 }
 
 template <class Char>
 bool NextEntry(eSearchHandle& handle, eSearchRecord<Char>* record) {
-    Calls::eFindData<Char> data;
-    if (!Calls::FindNext(handle.Get(), &data))
-        return false;
-    Fill(data, record);
-    return true;
+    WIN32_FIND_DATAW data;
+    while (::FindNextFileW(handle.Get(), &data))
+        if (Fill(data, record))
+            return true;
+    return false;
 }
 
 /// The listing tells everything at once: nothing is ever pending.

@@ -3,11 +3,48 @@
 #include <array>
 #include <memory>
 
-#include "service_calls.h"
+#include <windows.h>
 
 namespace IO::Platform {
 
 namespace {
+
+// The system's narrow call for narrow texts, its wide call for wide ones.
+namespace Calls {
+
+BOOL ComputerName(char* name, DWORD* size) {
+    return ::GetComputerNameA(name, size);
+}
+BOOL ComputerName(wchar_t* name, DWORD* size) {
+    return ::GetComputerNameW(name, size);
+}
+BOOL UserName(char* name, DWORD* size) {
+    return ::GetUserNameA(name, size);
+}
+BOOL UserName(wchar_t* name, DWORD* size) {
+    return ::GetUserNameW(name, size);
+}
+DWORD ModuleName(char* name, DWORD size) {
+    return ::GetModuleFileNameA(nullptr, name, size);
+}
+DWORD ModuleName(wchar_t* name, DWORD size) {
+    return ::GetModuleFileNameW(nullptr, name, size);
+}
+
+LSTATUS OpenKey(HKEY root, const char* name, REGSAM access, HKEY* key) {
+    return ::RegOpenKeyExA(root, name, 0, access, key);
+}
+LSTATUS OpenKey(HKEY root, const wchar_t* name, REGSAM access, HKEY* key) {
+    return ::RegOpenKeyExW(root, name, 0, access, key);
+}
+LSTATUS QueryValue(HKEY key, const char* name, void* buffer, DWORD* bytes) {
+    return ::RegQueryValueExA(key, name, nullptr, nullptr, static_cast<BYTE*>(buffer), bytes);
+}
+LSTATUS QueryValue(HKEY key, const wchar_t* name, void* buffer, DWORD* bytes) {
+    return ::RegQueryValueExW(key, name, nullptr, nullptr, static_cast<BYTE*>(buffer), bytes);
+}
+
+} // namespace Calls
 
 constexpr DWORD computerNameRoom = 16;
 constexpr DWORD userNameRoom = 257;
