@@ -18,6 +18,7 @@
 
 #include "sdl_source.h"
 #include "support/reports.h"
+#include "turning_cipher.h"
 
 namespace {
 
@@ -542,11 +543,28 @@ TEST(SdlParser, HasNoPlaceToShowWhileItsTextIsStillBeingRead) {
     const unsigned char bytes[] = {'a', 'b', ' ', 'c'};
     IO::eBufferStream stream(bytes, sizeof bytes, sizeof bytes + 5);
     const std::vector<eSDLKeyword*> tables;
-    eSDLParser parser("cut.sdl", stream, tables, {}, nullptr);
-    ASSERT_EQ(reports.errors().size(), 1u);
+    EXPECT_THROW(eSDLParser("cut.sdl", stream, tables, {}, nullptr), xError::eException);
+    ASSERT_EQ(reports.errors().size(), 2u);
     EXPECT_EQ(reports.errors()[0].message, "Attempt to read beyond the stream!");
     EXPECT_EQ(reports.errors()[0].context, "\"cut.sdl\", 1\n");
-    EXPECT_EQ(DumpAll(parser), "1[ab] 1[c] 0");
+    EXPECT_EQ(reports.errors()[1].message, "cut.sdl - read error!");
+}
+
+TEST(SdlParser, DoesNotTakeABadStreamForAWholeText) {
+    eTurningCipher cipher;
+    const auto notOwned = [](eSDLCipher*) {};
+    for (const char* name : {"bad.sdl", ""})
+        for (const bool enciphered : {false, true}) {
+            const std::string text = "1 2 3";
+            IO::eBufferStream stream(text);
+            stream.Enable(IO::StreamMode::Bad);
+            const std::vector<eSDLKeyword*> tables;
+            const std::shared_ptr<eSDLCipher> used(enciphered ? &cipher : nullptr, notOwned);
+            const auto load = [&] { eSDLParser parser(name, stream, tables, {}, used); };
+            EXPECT_EQ(FailureOf(load), (eFailure{"internal/src/bios/qzl_io/sdl_parser", 120,
+                                                 (*name ? name : std::string("Stream")) + " - read error!"}));
+            EXPECT_NE(ContextOf(load).find("The source could not be read to its end."), std::string::npos);
+        }
 }
 
 TEST(SdlParser, ShowsItsPlaceAtTheEdgesOfTheText) {

@@ -72,9 +72,10 @@ struct eDefine {
 class QZL_IO_API eSDLParser : public xDebug::eStackEntry {
 public:
     // Reads everything from the stream's position to its end, through the cipher if there is one, and replaces each
-    // %key by its value, key by key in ascending order. The name is the one that diagnostic texts show; a parser with a
-    // name is a file's. The list of keyword tables is only referred to and must outlive the parser's use; its last
-    // element, which may be null, is the table in force.
+    // %key by its value, key by key in ascending order. A stream that is Bad then is reported as "%1% - read error!"
+    // with the name ("Stream" without one), and the constructor throws if the report returns. The name is the one that
+    // diagnostic texts show; a parser with a name is a file's. The list of keyword tables is only referred to and must
+    // outlive the parser's use; its last element, which may be null, is the table in force.
     eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher);
     // Over a copy of the define's text, named "define 'NAME'".
@@ -89,7 +90,7 @@ public:
     std::string DSE_Title() const override;
     // ", " and the line number.
     std::string DSE_Brief() const override;
-    // GetContext, or that the file could not be opened.
+    // GetContext, or that the file could not be opened or read and why.
     std::string DSE_Full() const override;
 
     // Cuts the next token. False at the end of the text, and the token's type is then sdlNone. A character that no
@@ -165,6 +166,7 @@ private:
     void Analyse(const xSDL::eLexeme& lexeme);
     void ReadText(IO::eStream& stream, std::size_t size);
     void DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher);
+    void CheckRead(const IO::eStream& stream);
     void EndText();
     void Rewind();
     void JumpTo(const char* position, int line);
@@ -178,7 +180,7 @@ private:
     void Watch() const;
     // The state to which Back returns, its text in place.
     eSDLParserState StateBefore() const;
-    [[noreturn]] static void Fail(int line, const char* message);
+    [[noreturn]] static void Fail(int line, const std::string& message);
 
     mutable eSDLParserState current;
     eSDLParserState previous;
@@ -190,6 +192,6 @@ private:
     eTokenText previousText;
     mutable std::string room;     // for the text of a token, when that needs more or less than it has
     mutable bool watched = false; // somebody may hold a reference to the current token, and may change it
-    bool missing = false;         // the stream could not be opened
+    std::string failure;          // what went wrong with the source's file, as one sentence
     bool escaped = false;         // the token just cut is a string that holds a backslash
 };

@@ -28,8 +28,10 @@
 // Comments, included files and control blocks pass unseen: a control block is a comment, (+ 1 2 3) arithmetic that
 // reads as one float, or one of the words include, define and mod with whatever follows, which is skipped.
 //
-// Every syntax error is reported through xError::Error with a fixed message; the report's context shows the place.
-// Where the error handler returns, the reader throws xError::eException itself: it never goes on from a wrong place.
+// Every syntax error is reported through xError::Error with a fixed message; the report's context shows the place. A
+// source that could not be read to its end is reported as "%1% - read error!" with its name by whatever loads it, and
+// the context gives the system's reason. Where the error handler returns, the reader throws xError::eException itself:
+// it never goes on from a wrong place.
 //
 // Copies have the same state and read from the same sources, which close with the last of them; each copy looks
 // keywords up in its own tables. A reader is used by one thread at a time, and so are all its copies.

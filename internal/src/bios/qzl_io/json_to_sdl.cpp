@@ -14,6 +14,7 @@
 #include <qzl_io/sdl/writer.h>
 #include <qzl_io/streams.h>
 
+#include "failure_text.h"
 #include "json_document.h"
 #include "text_pieces.h"
 
@@ -58,45 +59,56 @@ private:
 // Names a file, and the place in it where the walk is, to the reports that are made meanwhile.
 class eFileAtWork : public xDebug::eStackEntry {
 public:
-    explicit eFileAtWork(const eFileName& path) : name(path.str()) {}
+    explicit eFileAtWork(const eFileName& path) : name(path) {}
     ~eFileAtWork() override { LeaveStack(); }
     eFileAtWork(const eFileAtWork&) = delete;
     eFileAtWork& operator=(const eFileAtWork&) = delete;
 
-    std::string DSE_Title() const override { return '"' + name + '"'; }
+    std::string DSE_Title() const override { return '"' + name.str() + '"'; }
     std::string DSE_Brief() const override { return place ? ", " + place->Path() : std::string(); }
+    std::string DSE_Full() const override { return failure; }
+
+    const eFileName& Name() const { return name; }
+
+    // Ends the work on the file with the message, which names it; the reports say what could not be done and why.
+    [[noreturn]] void Fail(const char* message, const char* notDone) {
+        failure = FailureText(notDone);
+        throw std::runtime_error((format(message) % name).str());
+    }
 
     const eJsonStep* place = nullptr;
 
 private:
-    std::string name;
+    const eFileName& name;
+    std::string failure;
 };
 
 // --- Files ---
 
-std::unique_ptr<IO::eStream> OpenFile(const eFileName& path, int mode) {
-    std::unique_ptr<IO::eStream> stream(IO::GetStream(path, mode));
+std::unique_ptr<IO::eStream> OpenFile(eFileAtWork* file, int mode) {
+    IO::Platform::TakeFailureReason(); // of something before
+    std::unique_ptr<IO::eStream> stream(IO::GetStream(file->Name(), mode));
     if (!stream || !stream->IsOpen())
-        throw std::runtime_error((format("%1% - open error!") % path).str());
+        file->Fail("%1% - open error!", "The file could not be opened");
     return stream;
 }
 
-std::string ReadFile(const eFileName& path) {
-    const std::unique_ptr<IO::eStream> stream = OpenFile(path, IO::StreamMode::Read);
+std::string ReadFile(eFileAtWork* file) {
+    const std::unique_ptr<IO::eStream> stream = OpenFile(file, IO::StreamMode::Read);
     std::string text(stream->Size() - stream->Position(), '\0');
     stream->Read(text.data(), text.size());
     if (stream->Enabled(IO::StreamMode::Bad))
-        throw std::runtime_error((format("%1% - read error!") % path).str());
+        file->Fail("%1% - read error!", "The file could not be read to its end");
     return text;
 }
 
-void WriteFile(const eFileName& path, const eTextPieces& beginning, eSDLWriter::eWriteStream* rest) {
-    const std::unique_ptr<IO::eStream> stream = OpenFile(path, IO::StreamMode::Write | IO::StreamMode::Create);
+void WriteFile(eFileAtWork* file, const eTextPieces& beginning, eSDLWriter::eWriteStream* rest) {
+    const std::unique_ptr<IO::eStream> stream = OpenFile(file, IO::StreamMode::Write | IO::StreamMode::Create);
     beginning.WriteTo(stream.get());
     rest->Flush(stream.get(), nullptr);
     stream->Flush();
     if (stream->Enabled(IO::StreamMode::Bad))
-        throw std::runtime_error((format("%1% - write error!") % path).str());
+        file->Fail("%1% - write error!", "The file could not be written to its end");
 }
 
 // --- The walk ---
@@ -234,7 +246,7 @@ bool Succeeds(int line, const eStep& step) {
 bool JsonToSdl(const eFileName& input, const eFileName& output) {
     eFileAtWork reading(input);
     value json;
-    if (!Succeeds(readingLine, [&] { json = ParseJson(ReadFile(input)); }))
+    if (!Succeeds(readingLine, [&] { json = ParseJson(ReadFile(&reading)); }))
         return false;
     // Without a target: the output is opened when its text is complete, so that a failure on the way leaves it alone.
     eSDLWriter writer;
@@ -243,6 +255,6 @@ bool JsonToSdl(const eFileName& input, const eFileName& output) {
     eJsonWalk walk(&writer.Stream(), &beginning, &reading.place);
     if (!Succeeds(walkingLine, [&] { walk.WriteJsonValue(std::move(json)); }))
         return false;
-    const eFileAtWork writing(output);
-    return Succeeds(writingLine, [&] { WriteFile(output, beginning, &writer.Stream()); });
+    eFileAtWork writing(output);
+    return Succeeds(writingLine, [&] { WriteFile(&writing, beginning, &writer.Stream()); });
 }

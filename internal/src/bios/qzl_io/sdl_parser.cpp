@@ -8,6 +8,7 @@
 #include <qzl_base/format.h>
 #include <qzl_io/streams.h>
 
+#include "failure_text.h"
 #include "platform/memory.h"
 #include "sdl_lexer.h"
 #include "sdl_number.h"
@@ -17,7 +18,7 @@ namespace {
 
 constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_parser";
 
-enum eCheck : int { kOpenRequired = 301, kCloseRequired = 306 };
+enum eCheck : int { kReadError = 120, kOpenRequired = 301, kCloseRequired = 306 };
 
 // The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
 constexpr std::size_t kPiece = 64 * 1024;
@@ -45,13 +46,24 @@ eSDLCipher::~eSDLCipher() = default;
 
 eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
                        const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher)
-    : isFile(!parserName.empty()), keywords(&tables), name(parserName), missing(!stream.IsOpen()) {
+    : isFile(!parserName.empty()), keywords(&tables), name(parserName) {
+    if (!stream.IsOpen())
+        failure = FailureText("The file could not be opened");
+    else if (stream.Disabled(IO::StreamMode::Bad))
+        IO::Platform::TakeFailureReason(); // of something before
     if (const std::size_t size = RemainingSize(stream); cipher)
         DecodeText(stream, size, *cipher);
     else
         ReadText(stream, size);
     Rewind();
     ProcessParams(parameters);
+}
+
+void eSDLParser::CheckRead(const IO::eStream& stream) {
+    if (stream.Disabled(IO::StreamMode::Bad))
+        return;
+    failure = FailureText("The source could not be read to its end");
+    Fail(kReadError, (format("%1% - read error!") % (isFile ? name : "Stream")).str());
 }
 
 eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
@@ -73,7 +85,7 @@ eSDLParser::eSDLParser(const eSDLParser& other)
       currentText(other.currentText),
       previousText(other.previousText),
       watched(other.watched),
-      missing(other.missing),
+      failure(other.failure),
       escaped(other.escaped) {
     const auto moved = [&](const char* at) { return at ? text.data() + (at - other.text.data()) : nullptr; };
     current.position = moved(other.current.position);
@@ -96,12 +108,14 @@ void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
         stream.Read(text.data() + done, piece);
         done += piece;
     }
+    CheckRead(stream);
     EndText();
 }
 
 void eSDLParser::DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher) {
     const auto encoded = std::make_unique<char[]>(size);
     stream.Read(encoded.get(), size);
+    CheckRead(stream);
     text.reserve(size + xSDL::kTextEnd);
     text.resize(size);
     text.resize(std::min(cipher.Encode(text.data(), size, encoded.get(), size), size));
@@ -320,7 +334,7 @@ std::string eSDLParser::GetParameter() {
     return std::string(begin, end);
 }
 
-void eSDLParser::Fail(int line, const char* message) {
+void eSDLParser::Fail(int line, const std::string& message) {
     xError::Fatal(kSource, line, message);
 }
 
@@ -353,5 +367,5 @@ std::string eSDLParser::DSE_Brief() const {
 }
 
 std::string eSDLParser::DSE_Full() const {
-    return missing ? "The file could not be opened." : GetContext();
+    return failure.empty() ? GetContext() : failure;
 }

@@ -11,6 +11,7 @@
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/streams.h>
 
+#include "platform/file_handle.h"
 #include "sdl_plain.h"
 #include "sdl_skim.h"
 
@@ -63,6 +64,7 @@ std::string LowerCased(std::string text) {
 
 template <class Name>
 std::unique_ptr<IO::eStream> OpenSource(const Name& file) {
+    IO::Platform::TakeFailureReason(); // of something before
     std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
     if (!stream)
         throw std::bad_alloc();

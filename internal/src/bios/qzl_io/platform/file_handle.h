@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 // Files by handle, as a stream needs them. Sizes and positions are in bytes; reads and writes of any size survive
 // interruption and short counts.
 namespace IO::Platform {
@@ -10,6 +12,10 @@ namespace IO::Platform {
 // names are bytes.
 int OpenFile(const char* name, int openFlags);
 int OpenFile(const wchar_t* name, int openFlags);
+
+// Why the system refused the last OpenFile, ReadAt or WriteAt of this thread that it did refuse, in its own words; empty
+// when it has refused none since this was asked before.
+std::string TakeFailureReason();
 
 // Never repeated: the handle is gone even when the system reports a failure.
 void CloseFile(int handle) noexcept;

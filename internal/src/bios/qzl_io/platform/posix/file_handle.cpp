@@ -1,6 +1,8 @@
 #include "platform/file_handle.h"
 
 #include <cerrno>
+#include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,6 +20,14 @@ constexpr int kCreate = 0x0100;
 constexpr int kTruncate = 0x0200;
 
 constexpr mode_t kPermissions = 0666;
+
+// The system's number for what TakeFailureReason is to tell, 0 for nothing.
+thread_local int lastFailure = 0;
+
+int NotOpened(int failure) noexcept {
+    lastFailure = failure;
+    return -1;
+}
 
 eDescriptor OpenForWriting(const char* name, int openFlags) noexcept {
     int flags = O_CLOEXEC | O_RDWR;
@@ -41,15 +51,24 @@ int OpenFile(const char* name, int openFlags) {
     const bool writes = (openFlags & kReadWrite) != 0;
     eDescriptor file = writes ? OpenForWriting(name, openFlags) : OpenAtOnce(AT_FDCWD, name, O_RDONLY);
     struct stat facts = {};
-    if (!file.IsOpen() || !Ask(file.Get(), &facts) || S_ISDIR(facts.st_mode))
-        return -1;
-    if (!writes && (S_ISFIFO(facts.st_mode) || (!S_ISREG(facts.st_mode) && !LetWait(file))))
-        return -1;
+    if (!file.IsOpen() || !Ask(file.Get(), &facts))
+        return NotOpened(errno);
+    if (S_ISDIR(facts.st_mode))
+        return NotOpened(EISDIR);
+    if (!writes && S_ISFIFO(facts.st_mode))
+        return NotOpened(ENOTSUP);
+    if (!writes && !S_ISREG(facts.st_mode) && !LetWait(file))
+        return NotOpened(errno);
     return file.Release();
 }
 
 int OpenFile(const wchar_t* name, int openFlags) {
     return OpenFile(eNativeName(name).c_str(), openFlags);
+}
+
+std::string TakeFailureReason() {
+    const int failure = std::exchange(lastFailure, 0);
+    return failure != 0 ? std::system_category().message(failure) : std::string();
 }
 
 void CloseFile(int handle) noexcept {
@@ -62,6 +81,8 @@ unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsign
         const ssize_t read = Uninterrupted([&] {
             return ::pread(handle, static_cast<char*>(target) + done, n - done, static_cast<off_t>(position + done));
         });
+        if (read < 0)
+            lastFailure = errno;
         if (read <= 0)
             break;
         done += static_cast<unsigned long long>(read);
@@ -74,8 +95,10 @@ bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long
     while (done < n) {
         const ssize_t written = Uninterrupted(
             [&] { return WriteSome(handle, static_cast<const char*>(source) + done, n - done, position + done); });
-        if (written <= 0)
+        if (written <= 0) {
+            lastFailure = written < 0 ? errno : ENOSPC;
             return false;
+        }
         done += static_cast<unsigned long long>(written);
     }
     return true;

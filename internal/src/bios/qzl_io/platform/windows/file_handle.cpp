@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <system_error>
+#include <utility>
 
 #include <windows.h>
 
@@ -18,6 +22,9 @@ namespace {
 // The run-time's counts are int: larger requests go in pieces.
 constexpr unsigned long long kLargestPiece = 1u << 30;
 
+// The system's number for what TakeFailureReason is to tell, 0 for nothing.
+thread_local unsigned long lastFailure = 0;
+
 unsigned int Piece(unsigned long long n) {
     return static_cast<unsigned int>(std::min(n, kLargestPiece));
 }
@@ -28,7 +35,10 @@ bool MoveTo(int handle, unsigned long long position) {
 
 int Open(const eNativeName& name, int openFlags) {
     int handle = -1;
-    return _wsopen_s(&handle, name.c_str(), openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0 ? handle : -1;
+    if (_wsopen_s(&handle, name.c_str(), openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0)
+        return handle;
+    lastFailure = _doserrno;
+    return -1;
 }
 
 HANDLE SystemHandle(int handle) {
@@ -45,18 +55,27 @@ int OpenFile(const wchar_t* name, int openFlags) {
     return Open(eNativeName(name), openFlags);
 }
 
+std::string TakeFailureReason() {
+    const unsigned long failure = std::exchange(lastFailure, 0);
+    return failure != 0 ? std::system_category().message(static_cast<int>(failure)) : std::string();
+}
+
 void CloseFile(int handle) noexcept {
     _close(handle);
 }
 
 unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept {
     unsigned long long done = 0;
-    if (!MoveTo(handle, position))
+    if (!MoveTo(handle, position)) {
+        lastFailure = _doserrno;
         return 0;
+    }
     while (done < n) {
         const int read = _read(handle, static_cast<char*>(target) + done, Piece(n - done));
-        if (read <= 0)
+        if (read <= 0) {
+            lastFailure = read < 0 ? _doserrno : lastFailure;
             break;
+        }
         done += static_cast<unsigned long long>(read);
     }
     return done;
@@ -64,12 +83,16 @@ unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsign
 
 bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept {
     unsigned long long done = 0;
-    if (!MoveTo(handle, position))
+    if (!MoveTo(handle, position)) {
+        lastFailure = _doserrno;
         return false;
+    }
     while (done < n) {
         const int written = _write(handle, static_cast<const char*>(source) + done, Piece(n - done));
-        if (written <= 0)
+        if (written <= 0) {
+            lastFailure = written < 0 ? _doserrno : ERROR_DISK_FULL;
             return false;
+        }
         done += static_cast<unsigned long long>(written);
     }
     return true;
