@@ -68,7 +68,7 @@ public:
 protected:
     eFileNameBase() = default;
     eFileNameBase(const eFileNameBase&) = default; // the text as it stands
-    eFileNameBase(eFileNameBase&&) noexcept = default;
+    eFileNameBase(eFileNameBase&& other) noexcept : text(std::exchange(other.text, eText())) {}
     ~eFileNameBase() = default;
 
     void Set(const eFileNameBase& other);
@@ -80,6 +80,7 @@ protected:
     void Unpath() noexcept;
     void Add(const eText& other);
     void Trim(const eText& base);
+    void Item(eFileNameItem item);
     void GetItem(eText* out, eFileNameItem item) const;
 
     // What stream operators read into.
@@ -96,7 +97,7 @@ class QZL_IO_API eFileName : public eFileNameBase<char> {
 public:
     eFileName() = default;
     eFileName(const eFileName& other) : eFileNameBase(other) { Validate(); }
-    eFileName(eFileName&& other) noexcept { Take(std::move(other)); }
+    eFileName(eFileName&& other) noexcept = default; // the text as it stands
     eFileName(const eText& other) { Set(other); }
     eFileName(const char* other) { Set(other); }
     ~eFileName() = default;
@@ -112,18 +113,31 @@ public:
     eFileName& Path() { return eFileNameBase::Path(), *this; }
     // Removes one "/" from the end, if there is one.
     eFileName& Unpath() noexcept { return eFileNameBase::Unpath(), *this; }
-    eFileName GetPath() const { return eFileName(*this).Path(); }
-    eFileName GetUnpath() const { return eFileName(*this).Unpath(); }
+    eFileName GetPath() const {
+        eFileName path(*this);
+        path.Path();
+        return path;
+    }
+    eFileName GetUnpath() const {
+        eFileName name(*this);
+        name.Unpath();
+        return name;
+    }
 
     // Appends the other text as it stands: no "/" is put in between.
     eFileName& Add(const eFileName& other) { return eFileNameBase::Add(other.str()), *this; }
-    eFileName GetAdd(const eFileName& other) const { return eFileName(*this).Add(other); }
+    eFileName GetAdd(const eFileName& other) const {
+        eFileName sum(*this);
+        sum.Add(other);
+        return sum;
+    }
 
     // Removes the base from the beginning, if the text begins with it (letter case counts).
     eFileName& Trim(const eFileName& base) { return eFileNameBase::Trim(base.str()), *this; }
 
-    // Replaces the text by a piece of it; another number than those of eFileNameItem gives the empty text.
-    eFileName& Item(eFileNameItem item) { return *this = GetItem(item); }
+    // Replaces the text by a piece of it, as it stands; another number than those of eFileNameItem gives the empty
+    // text.
+    eFileName& Item(eFileNameItem item) { return eFileNameBase::Item(item), *this; }
     eFileName GetItem(eFileNameItem item) const {
         eFileName piece;
         GetItemTo(&piece, item);
@@ -145,7 +159,7 @@ class QZL_IO_API eFileNameW : public eFileNameBase<wchar_t> {
 public:
     eFileNameW() = default;
     eFileNameW(const eFileNameW& other) : eFileNameBase(other) { Validate(); }
-    eFileNameW(eFileNameW&& other) noexcept { Take(std::move(other)); }
+    eFileNameW(eFileNameW&& other) noexcept = default; // the text as it stands
     eFileNameW(const eText& other) { Set(other); }
     eFileNameW(const wchar_t* other) { Set(other); }
     ~eFileNameW() = default;
@@ -161,18 +175,31 @@ public:
     eFileNameW& Path() { return eFileNameBase::Path(), *this; }
     // Removes one "/" from the end, if there is one.
     eFileNameW& Unpath() noexcept { return eFileNameBase::Unpath(), *this; }
-    eFileNameW GetPath() const { return eFileNameW(*this).Path(); }
-    eFileNameW GetUnpath() const { return eFileNameW(*this).Unpath(); }
+    eFileNameW GetPath() const {
+        eFileNameW path(*this);
+        path.Path();
+        return path;
+    }
+    eFileNameW GetUnpath() const {
+        eFileNameW name(*this);
+        name.Unpath();
+        return name;
+    }
 
     // Appends the other text as it stands: no "/" is put in between.
     eFileNameW& Add(const eFileNameW& other) { return eFileNameBase::Add(other.str()), *this; }
-    eFileNameW GetAdd(const eFileNameW& other) const { return eFileNameW(*this).Add(other); }
+    eFileNameW GetAdd(const eFileNameW& other) const {
+        eFileNameW sum(*this);
+        sum.Add(other);
+        return sum;
+    }
 
     // Removes the base from the beginning, if the text begins with it (letter case counts).
     eFileNameW& Trim(const eFileNameW& base) { return eFileNameBase::Trim(base.str()), *this; }
 
-    // Replaces the text by a piece of it; another number than those of eFileNameItem gives the empty text.
-    eFileNameW& Item(eFileNameItem item) { return *this = GetItem(item); }
+    // Replaces the text by a piece of it, as it stands; another number than those of eFileNameItem gives the empty
+    // text.
+    eFileNameW& Item(eFileNameItem item) { return eFileNameBase::Item(item), *this; }
     eFileNameW GetItem(eFileNameItem item) const {
         eFileNameW piece;
         GetItemTo(&piece, item);

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include <qzl_io/file_name.h>
 #include <qzl_io/streams.h>
@@ -260,4 +262,51 @@ TEST(FileName, OnAStreamIsATextAndKeepsBackSlashesUntilAssigned) {
     target = static_cast<const eFileNameBase<char>&>(again);
     EXPECT_EQ(again.str(), "c\\d");
     EXPECT_EQ(target.str(), "c/d");
+}
+
+TEST(FileName, OnlyCopiesAndAssignmentsTurnTheBackSlashesOfAStream) {
+    struct eRow {
+        const char* operation;
+        std::function<eFileName(eFileName&)> apply;
+        const char* text;
+    };
+    const eFileName folder("p/");
+    const eRow rows[] = {
+        {"Path", [](eFileName& raw) { return raw.Path(), std::move(raw); }, "a\\b/c\\d.e\\f/"},
+        {"Unpath", [](eFileName& raw) { return raw.Unpath(), std::move(raw); }, "a\\b/c\\d.e\\f"},
+        {"Add", [](eFileName& raw) { return raw.Add("/g"), std::move(raw); }, "a\\b/c\\d.e\\f/g"},
+        {"Add to itself", [](eFileName& raw) { return raw.Add(raw), std::move(raw); }, "a\\b/c\\d.e\\fa\\b/c\\d.e\\f"},
+        {"Trim", [](eFileName& raw) { return raw.Trim("a/b/"), std::move(raw); }, "a\\b/c\\d.e\\f"},
+        {"Item", [](eFileName& raw) { return raw.Item(NameExt), std::move(raw); }, "c\\d.e\\f"},
+        {"GetItem", [](eFileName& raw) { return raw.GetItem(NameExt); }, "c\\d.e\\f"},
+        {"GetItem, the folder", [](eFileName& raw) { return raw.GetItem(Folder); }, "a\\b/"},
+        {"GetItem, the title", [](eFileName& raw) { return raw.GetItem(Title); }, "c\\d"},
+        {"GetItem, the extension", [](eFileName& raw) { return raw.GetItem(Extension); }, ".e\\f"},
+        {"Add of it", [&](eFileName& raw) { return std::move(eFileName(folder).Add(raw)); }, "p/a\\b/c\\d.e\\f"},
+        {"GetAdd of it", [&](eFileName& raw) { return folder.GetAdd(raw); }, "p/a\\b/c\\d.e\\f"},
+        {"GetAdd", [](eFileName& raw) { return raw.GetAdd("/g"); }, "a/b/c/d.e/f/g"},
+        {"GetPath", [](eFileName& raw) { return raw.GetPath(); }, "a/b/c/d.e/f/"},
+        {"GetUnpath", [](eFileName& raw) { return raw.GetUnpath(); }, "a/b/c/d.e/f"},
+        {"a copy", [](eFileName& raw) { return eFileName(raw); }, "a/b/c/d.e/f"},
+    };
+    for (const eRow& row : rows) {
+        IO::eMemoryStream stream;
+        stream << "a\\b/c\\d.e\\f";
+        stream.Reset();
+        eFileName raw;
+        stream >> raw;
+        EXPECT_EQ(row.apply(raw).str(), row.text) << row.operation;
+    }
+}
+
+TEST(FileName, GivesAPieceOfTheTextOfAStreamAsItStands) {
+    IO::eMemoryStream stream;
+    stream << "a\\b/c\\d";
+    stream.Reset();
+    eFileName raw, target("before");
+    stream >> raw;
+    raw.GetItemTo(&target, NameExt);
+    EXPECT_EQ(target.str(), "c\\d");
+    EXPECT_FALSE(target == raw.GetAdd(""));
+    EXPECT_FALSE(raw.IsValidName());
 }

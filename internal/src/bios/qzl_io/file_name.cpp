@@ -115,6 +115,13 @@ void eFileNameBase<T>::GetItem(eText* out, eFileNameItem item) const {
     }
 }
 
+template <class T>
+void eFileNameBase<T>::Item(eFileNameItem item) {
+    eText piece;
+    GetItem(&piece, item);
+    text = std::move(piece);
+}
+
 template class eFileNameBase<char>;
 template class eFileNameBase<wchar_t>;
 
