@@ -57,6 +57,18 @@ TYPED_TEST(MemoryStreams, StartWith256BytesOpenForWritingWithErrors) {
     EXPECT_EQ(std::count(stream.Buffer(), stream.Buffer() + 256, 0), 256);
 }
 
+TYPED_TEST(MemoryStreams, AreMembersThatNeedNoInitializer) {
+    struct eDocument {
+        int number;
+        TypeParam body;
+    };
+    eDocument document = {};
+    document.body << 1;
+    EXPECT_EQ(document.body.Size(), 4u);
+    const TypeParam empty = {};
+    EXPECT_EQ(empty.BufferSize(), 256u);
+}
+
 TYPED_TEST(MemoryStreams, DoubleWhenAByteEndsAtTheEndOfTheBuffer) {
     TypeParam stream;
     for (int i = 0; i < 255; ++i)

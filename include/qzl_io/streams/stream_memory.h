@@ -16,7 +16,8 @@ class QZL_IO_API eMemoryStream : public eStream {
 public:
     // size: bytes of room at the beginning. growBy: bytes of room added at each growth, 0 for doubling; values of up to
     // 8 bytes need a growBy of 0 or at least 8. A stream of size 0 that doubles has room only after ResizeBuffer.
-    explicit eMemoryStream(unsigned long long size = 256, unsigned long long growBy = 0);
+    explicit eMemoryStream(unsigned long long size, unsigned long long growBy = 0);
+    eMemoryStream() : eMemoryStream(256) {}
     eMemoryStream(const eMemoryStream& other) = default;
     eMemoryStream(eMemoryStream&& other) noexcept;
     ~eMemoryStream() override;
@@ -77,7 +78,8 @@ private:
 // A memory stream as a class of its own, with allocation hooks of its own.
 class QZL_IO_API eMemoryStream_t : public eMemoryStream {
 public:
-    explicit eMemoryStream_t(unsigned long long size = 256, unsigned long long growBy = 0);
+    explicit eMemoryStream_t(unsigned long long size, unsigned long long growBy = 0);
+    eMemoryStream_t() : eMemoryStream_t(256) {}
     eMemoryStream_t(const eMemoryStream_t&) = default;
     eMemoryStream_t(eMemoryStream_t&&) noexcept = default;
     ~eMemoryStream_t() override;
