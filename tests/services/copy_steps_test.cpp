@@ -38,6 +38,7 @@ const eRow rows[] = {
     {"it gives up in the middle", {4, -1}, {6}, {}, 10, eCopyEnd::Complete},
     {"both give up", {-1}, {-1}, {5, 5}, 10, eCopyEnd::Complete},
     {"the first ways see nothing of a file that has something", {0}, {0}, {3, 0}, 0, eCopyEnd::Complete},
+    {"how many there are is not known", {-1}, {-1}, {3, 3, 0}, 0, eCopyEnd::Complete},
     {"a file with nothing in it", {0}, {0}, {0}, 0, eCopyEnd::Complete},
     {"the first ways refuse, and there is nothing", {-1}, {-1}, {0}, 0, eCopyEnd::Complete},
     {"no way works", {-1}, {-1}, {-1}, 10, eCopyEnd::Failed},
@@ -64,12 +65,14 @@ TEST(CopyInSteps, AsksAgainBetweenAnyTwoSteps) {
     EXPECT_EQ(4, asked);
 }
 
-TEST(CopyInSteps, NeverAsksForMoreThanAStep) {
-    const eCopyWay way = [](std::size_t limit) -> long long {
-        EXPECT_EQ(64u, limit);
+TEST(CopyInSteps, NeverAsksForMoreThanAStepNorForMoreThanIsExpected) {
+    std::vector<std::size_t> asked;
+    const eCopyWay way = [&](std::size_t limit) {
+        asked.push_back(limit);
         return static_cast<long long>(limit);
     };
-    EXPECT_EQ(eCopyEnd::Complete, CopyInSteps({way}, 64, 1000, [] { return false; }));
+    EXPECT_EQ(eCopyEnd::Complete, CopyInSteps({way}, 64, 150, [] { return false; }));
+    EXPECT_EQ((std::vector<std::size_t>{64, 64, 22}), asked);
 }
 
 } // namespace

@@ -40,7 +40,7 @@ protected:
     std::vector<std::string> Tree(std::string_view relative) const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(At(relative))) {
-            const bool isFolder = entry.is_directory() && !entry.is_symlink();
+            const bool isFolder = !entry.is_symlink() && entry.is_directory();
             names.push_back(entry.path().lexically_relative(At(relative)).generic_string() + (isFolder ? "/" : ""));
         }
         std::sort(names.begin(), names.end());

@@ -19,10 +19,18 @@ enum eAccessMode : int {
 /// True when the file or folder exists and, for the other modes, this process may use it in that way.
 QZL_IO_API bool Access(const eFileName& name, eAccessMode mode);
 
-/// Copies a file, replacing an existing target; the target gets the source's permissions.
+/// Copies a file, replacing an existing target; of a target that is a link, the file behind it, which is made where it is
+/// missing. Copying a file onto itself leaves it as it is.
 /// The result tells only whether `from` exists: a copy that fails afterwards (the target's folder is missing, the disk
 /// is full, the target is locked) still gives true. Callers that must know look at the target. No half-written target
-/// stays behind. Copying a file onto itself leaves it as it is.
+/// stays behind.
+///
+/// On Windows the target gets the source's attributes. On Linux a new target gets the source's permissions under the
+/// umask and an existing one keeps its own, with its owner; the copy is made beside the target and takes its place in one
+/// step, so that a target that could not be replaced is as it was. Three kinds of targets are written in place, and keep
+/// what arrived before a failure: a file with another name besides (a hard link), a device or pipe, and a file that this
+/// process may write but not replace. Only files are copied: a device or pipe as source is left, and a pipe that nobody
+/// reads is not waited for.
 QZL_IO_API bool Copy(const eFileName& from, const eFileName& to);
 
 /// Copy that another thread can stop: the copy ends at its next look at `*cancel` after that byte became non-zero.

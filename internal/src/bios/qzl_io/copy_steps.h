@@ -12,19 +12,21 @@ using eCopyWay = std::function<long long(std::size_t limit)>;
 
 enum class eCopyEnd { Complete, Stopped, Failed };
 
-/// Moves bytes in steps until `expected` of them have arrived or there are no more. Ways are tried in order: each goes
-/// on where the one before it gave up. That a way finds nothing at all is believed only of the last: some files show
-/// their content only to plain reading. Asks `stop` before the first step and between any two.
+/// Moves bytes in steps until `expected` of them have arrived or there are no more; 0: how many there are is not known.
+/// Ways are tried in order: each goes on where the one before it gave up. That a way finds nothing at all is believed
+/// only of the last: some files show their content only to plain reading. Asks `stop` before the first step and between
+/// any two.
 template <class Stop>
 eCopyEnd CopyInSteps(std::initializer_list<eCopyWay> ways, std::size_t step, unsigned long long expected, Stop stop) {
     unsigned long long arrived = 0;
     for (const eCopyWay& way : ways) {
         for (long long moved = 1; moved > 0; arrived += moved > 0 ? static_cast<unsigned long long>(moved) : 0) {
-            if (arrived != 0 && arrived >= expected)
+            const unsigned long long left = expected - arrived;
+            if (expected != 0 && left == 0)
                 return eCopyEnd::Complete;
             if (stop())
                 return eCopyEnd::Stopped;
-            moved = way(step);
+            moved = way(expected != 0 && left < step ? static_cast<std::size_t>(left) : step);
             if (moved == 0 && (arrived != 0 || &way == ways.end() - 1))
                 return eCopyEnd::Complete;
         }

@@ -33,9 +33,13 @@ ssize_t simulated_getdents64(int folder, void* entries, std::size_t size) {
 #define getdents64 simulated_getdents64
 #include "platform/posix/entries.cpp"
 #undef getdents64
+#include "platform/posix/copy_content.cpp"
+#include "platform/posix/descriptor.cpp"
 #include "platform/posix/file_copy.cpp"
 #include "platform/posix/folder.cpp"
 #include "platform/posix/listing.cpp"
+#include "platform/posix/real_place.cpp"
+#include "platform/posix/replacement.cpp"
 
 #include <gtest/gtest.h>
 

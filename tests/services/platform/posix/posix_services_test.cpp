@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <support/platform/posix/as_nobody.h>
 #include <support/platform/posix/open_descriptors.h>
 
 #include "../../real_tree.h"
@@ -31,21 +32,6 @@ protected:
     bool IsLink(std::string_view name) const { return fs::is_symlink(fs::symlink_status(this->At(name))); }
 };
 TYPED_TEST_SUITE(PosixServices, eWidths, eWidthNames);
-
-constexpr int heldInChild = 0;
-
-// Runs in a child whom permissions bind, and gives its exit status. The work must not use the test framework.
-int AsNobody(const std::function<int()>& work) {
-    constexpr uid_t nobody = 65534;
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const bool bound = ::geteuid() != 0 || (::setgid(nobody) == 0 && ::setuid(nobody) == 0);
-        ::_exit(bound ? work() : 99);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 98;
-}
 
 // --- Links ---
 
@@ -366,18 +352,6 @@ TYPED_TEST(PosixServices, AccessAndSizeLookBehindLinks) {
     EXPECT_FALSE(this->Exists("copy"));
 }
 
-TYPED_TEST(PosixServices, CopyGivesTheTargetTheSourcesPermissions) {
-    this->MakeFile("from");
-    for (const mode_t permissions : {0600u, 0644u, 0444u, 0755u, 0777u, 04755u}) {
-        fs::remove(this->At("to"));
-        ASSERT_EQ(0, ::chmod(this->At("from").c_str(), permissions));
-        EXPECT_TRUE(TypeParam::CopyFile(this->Named("from"), this->Named("to")));
-        struct stat status {};
-        ASSERT_EQ(0, ::stat(this->At("to").c_str(), &status));
-        EXPECT_EQ(permissions & 0777, status.st_mode & 07777);
-    }
-}
-
 TYPED_TEST(PosixServices, CopyThatIsRefusedLeavesTheTargetAsItWas) {
     this->MakeFile("from", "new");
     this->MakeFile("to", "old");
@@ -421,20 +395,6 @@ TYPED_TEST(PosixServices, PipesAndDevicesAreNeitherWaitedForNorCopied) {
     EXPECT_TRUE(typename TypeParam::Search(this->Folder("from"), TypeParam::Of("pipe")).IsFile());
     TypeParam::Delete(this->Named("from"), true);
     EXPECT_FALSE(this->Exists("from"));
-}
-
-TYPED_TEST(PosixServices, FilesThatShowNoSizeAreCopiedByReading) {
-    EXPECT_TRUE(TypeParam::CopyFile(TypeParam::Of("/proc/self/status"), this->Named("status")));
-    EXPECT_NE(std::string::npos, this->Content("status").find("Name:"));
-}
-
-TYPED_TEST(PosixServices, CopyWritesThroughALinkToAFile) {
-    this->MakeFile("from", "new");
-    this->MakeFile("real", "old");
-    this->MakeLink("real", "link");
-    EXPECT_TRUE(TypeParam::CopyFile(this->Named("from"), this->Named("link")));
-    EXPECT_EQ("new", this->Content("real"));
-    EXPECT_TRUE(this->IsLink("link"));
 }
 
 TYPED_TEST(PosixServices, CopyThroughALinkOntoItselfLeavesTheFileWhole) {

@@ -28,11 +28,9 @@ public:
     /// The descriptor becomes the caller's.
     int Release() { return std::exchange(descriptor, -1); }
 
-    /// An interrupted close has closed all the same; trying again could close another thread's descriptor.
-    void Close() {
-        if (descriptor >= 0)
-            ::close(std::exchange(descriptor, -1));
-    }
+    /// False when the system could not keep what was written; closed it is all the same. So is an interrupted close:
+    /// trying again could close another thread's descriptor.
+    bool Close() { return descriptor < 0 || ::close(std::exchange(descriptor, -1)) == 0 || errno == EINTR; }
 
 private:
     int descriptor;

@@ -1,111 +1,166 @@
 #include "file_copy.h"
 
-#include <array>
-#include <memory>
+#include <cerrno>
+#include <csignal>
+#include <ctime>
 
 #include <fcntl.h>
-#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "../../copy_steps.h"
-#include "../cancel_flag.h"
-#include "descriptor.h"
+#include "copy_content.h"
+#include "replacement.h"
 
 namespace IO::Platform {
 
 namespace {
 
-using System::CopyInSteps;
 using System::eCopyEnd;
-using System::eCopyWay;
 
-constexpr std::size_t copyStep = std::size_t{4} << 20;
-constexpr std::size_t plainStep = std::size_t{64} << 10;
-constexpr mode_t permissionBits = 0777;
+constexpr mode_t ownersAlone = 0600;
 
-int LinkFlag(eCopyLinks links) {
-    return links == eCopyLinks::Refuse ? O_NOFOLLOW : 0;
-}
+struct eOpened {
+    eDescriptor file;
+    struct stat facts {};
 
-/// Never waits for the other end of a pipe.
-eDescriptor Open(ePlace place, int flags, mode_t mode = 0) {
-    return eDescriptor(Uninterrupted(
-        [&] { return ::openat(place.folder, place.name, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode); }));
-}
-
-bool IsRegular(const eDescriptor& file, struct stat* status) {
-    return file.IsOpen() && ::fstat(file.Get(), status) == 0 && S_ISREG(status->st_mode);
-}
-
-/// Opens the existing target for writing, empty. Not open when it is the source or no regular file.
-eDescriptor OpenExisting(ePlace to, eCopyLinks links, const struct stat& source) {
-    eDescriptor target = Open(to, O_WRONLY | LinkFlag(links));
-    struct stat status {};
-    if (!IsRegular(target, &status) || (status.st_dev == source.st_dev && status.st_ino == source.st_ino))
-        return eDescriptor();
-    if (status.st_size != 0 && Uninterrupted([&] { return ::ftruncate(target.Get(), 0); }) != 0)
-        return eDescriptor();
-    return target;
-}
-
-eDescriptor OpenTarget(ePlace to, eCopyLinks links, const struct stat& source) {
-    eDescriptor target = Open(to, O_WRONLY | O_CREAT | O_EXCL, source.st_mode & permissionBits);
-    if (!target.IsOpen() && errno == EEXIST)
-        target = OpenExisting(to, links, source);
-    return target;
-}
-
-bool WriteAll(int target, const char* bytes, std::size_t count) {
-    while (count != 0) {
-        const ssize_t written = Uninterrupted([&] { return ::write(target, bytes, count); });
-        if (written <= 0)
-            return false;
-        bytes += written;
-        count -= static_cast<std::size_t>(written);
+    eOpened(ePlace place, int flags) : file(OpenAtOnce(place.folder, place.name, flags)) {
+        if (file.IsOpen() && Uninterrupted([&] { return ::fstat(file.Get(), &facts); }) != 0)
+            file.Close();
     }
-    return true;
+
+    bool IsRegular() const { return file.IsOpen() && S_ISREG(facts.st_mode); }
+};
+
+bool IsSame(const struct stat& one, const struct stat& other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-long long PlainStep(int source, int target, std::size_t limit) {
-    const auto buffer = std::make_unique_for_overwrite<char[]>(plainStep);
-    const std::size_t most = limit < plainStep ? limit : plainStep;
-    const ssize_t count = Uninterrupted([&] { return ::read(source, buffer.get(), most); });
-    if (count > 0 && !WriteAll(target, buffer.get(), static_cast<std::size_t>(count)))
-        return -1;
-    return count;
+bool Stands(const eRealPlace& place, const struct stat& facts) {
+    struct stat there {};
+    const auto ask = [&] { return ::fstatat(place.folder.Get(), place.name.c_str(), &there, AT_SYMLINK_NOFOLLOW); };
+    return Uninterrupted(ask) == 0 && IsSame(there, facts);
 }
 
-eCopyEnd CopyBytes(int source, int target, unsigned long long size, const bool* cancel) {
-    const eCopyWay inKernel = [=](std::size_t limit) -> long long {
-        return Uninterrupted([&] { return ::copy_file_range(source, nullptr, target, nullptr, limit, 0); });
-    };
-    const eCopyWay byPages = [=](std::size_t limit) -> long long {
-        return Uninterrupted([&] { return ::sendfile(target, source, nullptr, limit); });
-    };
-    const eCopyWay plain = [=](std::size_t limit) { return PlainStep(source, target, limit); };
-    const auto stop = [cancel] { return cancel && IsCancelled(cancel); };
-    // The kernel's own ways cost more to set up than one read and one write.
-    if (size <= plainStep)
-        return CopyInSteps({plain}, plainStep, size, stop);
-    return CopyInSteps({inKernel, byPages, plain}, copyStep, size, stop);
+void Remove(int folder, const char* name) {
+    Uninterrupted([&] { return ::unlinkat(folder, name, 0); });
+}
+
+/// While it lives, the calling thread survives a pipe whose reader goes away.
+class eBrokenPipeSurvived {
+public:
+    eBrokenPipeSurvived() {
+        sigemptyset(&signal);
+        sigaddset(&signal, SIGPIPE);
+        sigset_t pending;
+        ::sigpending(&pending);
+        wasPending = sigismember(&pending, SIGPIPE) == 1;
+        ::pthread_sigmask(SIG_BLOCK, &signal, &before);
+    }
+    ~eBrokenPipeSurvived() {
+        const timespec atOnce{};
+        if (!wasPending)
+            Uninterrupted([&] { return ::sigtimedwait(&signal, nullptr, &atOnce); });
+        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    }
+    eBrokenPipeSurvived(const eBrokenPipeSurvived&) = delete;
+    eBrokenPipeSurvived& operator=(const eBrokenPipeSurvived&) = delete;
+
+private:
+    sigset_t signal;
+    sigset_t before;
+    bool wasPending;
+};
+
+/// One copy onto something that is there.
+class eOverwriting {
+public:
+    eOverwriting(const eOpened& from, const eOpened& to, const eRealPlace* toPlace, const bool* stopFlag)
+        : source(from), target(to), place(toPlace), cancel(stopFlag) {}
+
+    void Run() {
+        if (!place || !target.IsRegular() || target.facts.st_nlink != 1 || !Replace())
+            WriteInPlace();
+    }
+
+private:
+    /// False where the target can be written at most.
+    bool Replace() {
+        eReplacement replacement(*place, ownersAlone);
+        if (!replacement.IsOpen())
+            return !IsForbidden(errno);
+        if (!replacement.Resemble(target.file.Get(), target.facts))
+            return false;
+        const eCopyEnd end = CopyContent(source.file.Get(), source.facts, replacement.Get(), eCopyHoles::Keep, cancel);
+        if (end == eCopyEnd::Stopped)
+            Remove(place->folder.Get(), place->name.c_str());
+        return end != eCopyEnd::Complete || replacement.TakePlace() || !IsForbidden(errno);
+    }
+
+    static bool IsForbidden(int error) { return error == EACCES || error == EPERM || error == EBUSY; }
+
+    void WriteInPlace() {
+        const eBrokenPipeSurvived survived;
+        const int to = target.file.Get();
+        const bool rewound = Uninterrupted([&] { return ::lseek(source.file.Get(), 0, SEEK_SET); }) == 0;
+        if (!rewound || !LetWait(target.file))
+            return;
+        const eCopyEnd end = CopyContent(source.file.Get(), source.facts, to, eCopyHoles::Fill, cancel);
+        if (!target.IsRegular())
+            return;
+        const off_t arrived = Uninterrupted([&] { return ::lseek(to, 0, SEEK_CUR); });
+        if (end == eCopyEnd::Stopped && place)
+            Remove(place->folder.Get(), place->name.c_str());
+        else if (end == eCopyEnd::Complete || arrived > 0)
+            Uninterrupted([&] { return ::ftruncate(to, arrived); });
+    }
+
+    const eOpened& source;
+    const eOpened& target;
+    const eRealPlace* place;
+    const bool* cancel;
+};
+
+void CopyAnew(const eOpened& source, const eRealPlace& place, const bool* cancel) {
+    eReplacement target(place, source.facts.st_mode & permissionBits);
+    if (target.IsOpen() &&
+        CopyContent(source.file.Get(), source.facts, target.Get(), eCopyHoles::Keep, cancel) == eCopyEnd::Complete)
+        target.TakePlace();
+}
+
+void CopyOpened(const eOpened& source, ePlace to, eLastLinks links, const bool* cancel) {
+    const eOpened existing(to, O_WRONLY | (links == eLastLinks::Refuse ? O_NOFOLLOW : 0));
+    const bool isNew = !existing.file.IsOpen() && errno == ENOENT;
+    if (!isNew && (!existing.file.IsOpen() || IsSame(existing.facts, source.facts)))
+        return;
+    const auto place = RealPlace(to, links);
+    if (isNew && place)
+        CopyAnew(source, *place, cancel);
+    else if (!isNew)
+        eOverwriting(source, existing, place && Stands(*place, existing.facts) ? &*place : nullptr, cancel).Run();
 }
 
 } // namespace
 
-void CopyRegularFile(ePlace from, ePlace to, eCopyLinks links, const bool* cancel) {
-    struct stat source {};
-    const eDescriptor input = Open(from, O_RDONLY | LinkFlag(links));
-    if (!IsRegular(input, &source))
+void CopyRegularFile(ePlace from, ePlace to, const bool* cancel) {
+    const eOpened source(from, O_RDONLY);
+    if (source.IsRegular())
+        CopyOpened(source, to, eLastLinks::Follow, cancel);
+}
+
+void CopyNewFile(ePlace from, ePlace to) {
+    const eOpened source(from, O_RDONLY | O_NOFOLLOW);
+    if (!source.IsRegular())
         return;
-    const eDescriptor output = OpenTarget(to, links, source);
-    if (!output.IsOpen())
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL;
+    eDescriptor target = OpenAtOnce(to.folder, to.name, flags, source.facts.st_mode & permissionBits);
+    if (!target.IsOpen()) {
+        if (errno == EEXIST)
+            CopyOpened(source, to, eLastLinks::Refuse, nullptr);
         return;
-    const auto size = static_cast<unsigned long long>(source.st_size);
-    if (CopyBytes(input.Get(), output.Get(), size, cancel) == eCopyEnd::Complete)
-        ::fchmod(output.Get(), source.st_mode & permissionBits);
-    else
-        ::unlinkat(to.folder, to.name, 0);
+    }
+    const eCopyEnd end = CopyContent(source.file.Get(), source.facts, target.Get(), eCopyHoles::Keep, nullptr);
+    if (end != eCopyEnd::Complete || !target.Close())
+        Remove(to.folder, to.name);
 }
 
 } // namespace IO::Platform

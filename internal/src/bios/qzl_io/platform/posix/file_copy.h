@@ -1,18 +1,19 @@
 #pragma once
 
+#include "real_place.h"
+
 namespace IO::Platform {
 
-/// A file's place: a name within an open folder, or AT_FDCWD for one that stands alone.
-struct ePlace {
-    int folder;
-    const char* name;
-};
+/// Copies one regular file's bytes and puts the copy in the target's place in one step, through a file beside it: until
+/// then the target is as it was. A new target has the source's permissions as far as the process gives them to new
+/// files (umask); an existing one keeps its own, with its owner. With `cancel`, as long as the byte it points to is
+/// zero; a stopped copy leaves no target. The source, met again as the target, is left alone.
+///
+/// Written in place, so that what arrived before a failure stays: a target with another name besides (a hard link), one
+/// that is no regular file, and one that this process may write but not replace.
+void CopyRegularFile(ePlace from, ePlace to, const bool* cancel);
 
-/// What happens to links in the last component of either name.
-enum class eCopyLinks { Follow, Refuse };
-
-/// Copies one regular file's bytes and permissions; with `cancel`, as long as the byte it points to is zero. A target
-/// that could not be completed is removed; the source, met again as the target, is left alone.
-void CopyRegularFile(ePlace from, ePlace to, eCopyLinks links, const bool* cancel);
+/// The same where the target is to be new and no name may be a link: no file beside it is needed, a failure removes it.
+void CopyNewFile(ePlace from, ePlace to);
 
 } // namespace IO::Platform

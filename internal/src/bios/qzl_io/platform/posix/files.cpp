@@ -17,14 +17,15 @@ namespace {
 template <class Char>
 void CopyNamed(const Char* from, const Char* to, const bool* cancel) {
     const eNativeName source(from), target(to);
-    CopyRegularFile({AT_FDCWD, source.c_str()}, {AT_FDCWD, target.c_str()}, eCopyLinks::Follow, cancel);
+    CopyRegularFile({AT_FDCWD, source.c_str()}, {AT_FDCWD, target.c_str()}, cancel);
 }
 
 } // namespace
 
 template <class Char>
 bool MayAccess(const Char* name, int mode) {
-    return ::faccessat(AT_FDCWD, eNativeName(name).c_str(), mode, AT_EACCESS) == 0;
+    const eNativeName native(name);
+    return Uninterrupted([&] { return ::faccessat(AT_FDCWD, native.c_str(), mode, AT_EACCESS); }) == 0;
 }
 
 template <class Char>
@@ -39,11 +40,12 @@ void CopyStoppable(const Char* from, const Char* to, const bool* cancel) {
 
 template <class Char>
 bool EraseFile(const Char* name) {
-    return ::unlink(eNativeName(name).c_str()) == 0;
+    const eNativeName native(name);
+    return Uninterrupted([&] { return ::unlink(native.c_str()); }) == 0;
 }
 
 bool RenameFile(const char* from, const char* to) {
-    return std::rename(from, to) == 0;
+    return Uninterrupted([&] { return std::rename(from, to); }) == 0;
 }
 
 /// Asks without opening: opening a device or a pipe has effects of its own.
@@ -51,7 +53,8 @@ template <class Char>
 unsigned long long FileSize(const Char* name) {
     struct stat status {};
     const eNativeName native(name);
-    if (::stat(native.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || !MayAccess(native.c_str(), R_OK))
+    const bool told = Uninterrupted([&] { return ::stat(native.c_str(), &status); }) == 0;
+    if (!told || !S_ISREG(status.st_mode) || !MayAccess(native.c_str(), R_OK))
         return 0;
     return static_cast<unsigned long long>(status.st_size);
 }

@@ -62,8 +62,7 @@ public:
     bool MakeFolder(const eEntry& entry) override { return ::mkdirat(folder.Get(), NameOf(entry), newFolderMode) == 0; }
 
     void CopyFileTo(eFolder& target, const eEntry& entry) override {
-        const ePlace to{Descriptor(target), NameOf(entry)};
-        CopyRegularFile({folder.Get(), NameOf(entry)}, to, eCopyLinks::Refuse, nullptr);
+        CopyNewFile({folder.Get(), NameOf(entry)}, {Descriptor(target), NameOf(entry)});
     }
 
     void CopyLinkTo(eFolder& target, const eEntry& entry) override {

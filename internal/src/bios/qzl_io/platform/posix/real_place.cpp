@@ -1,0 +1,37 @@
+#include "real_place.h"
+
+#include <cerrno>
+#include <climits>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace IO::Platform {
+
+std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links) {
+    constexpr int mostLinks = 40;
+    eRealPlace real{eDescriptor(), place.name};
+    int begin = place.folder;
+    for (int followed = 0; followed <= mostLinks; ++followed) {
+        const std::size_t cut = real.name.rfind('/') + 1;
+        const std::string above = cut == 0 ? "." : real.name.substr(0, cut);
+        real.name.erase(0, cut);
+        real.folder = eDescriptor(
+            Uninterrupted([&] { return ::openat(begin, above.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
+        if (!real.folder.IsOpen() || real.name.empty())
+            return {};
+        begin = real.folder.Get();
+        std::vector<char> text(PATH_MAX);
+        const ssize_t length =
+            Uninterrupted([&] { return ::readlinkat(begin, real.name.c_str(), text.data(), text.size()); });
+        if (length < 0 && (errno == EINVAL || errno == ENOENT))
+            return real;
+        if (length < 0 || links == eLastLinks::Refuse)
+            return {};
+        real.name.assign(text.data(), static_cast<std::size_t>(length));
+    }
+    return {};
+}
+
+} // namespace IO::Platform
