@@ -156,7 +156,7 @@ private:
     bool CutWord(xSDL::eTokenBegin begin, const eSDLKeyword* table);
     bool CutPlainBlockStart(xSDL::eTokenBegin begin);
     bool CutBlockEnd(xSDL::eTokenBegin begin);
-    char SeePlainToken();
+    char SeePlainToken(bool included);
     void SetInt(int value);
     void Accept(eSDLParserLexType type, int line, const char* begin, const char* end, const char* next);
     bool IsAsInSource() const;

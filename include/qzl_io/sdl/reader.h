@@ -176,6 +176,7 @@ private:
     void CheckSignature(const char* signature, int notSDLLine);
     const std::string& ReadSignature(int notSDLLine);
     eSDLParserLexType Next();
+    char SeePlainToken();
     eSDLParserLexType NextWord();
     bool EnterBlock();
     // Is there a mark that the next block start would displace?

@@ -158,10 +158,13 @@ inline void eSDLParser::ForgetPrevious() {
 }
 
 // The character that the next token begins with, when it tells by itself what that token is to a reader; 0 otherwise.
-// A plain one leaves the state that cutting it and going back would leave.
-[[gnu::always_inline]] inline char eSDLParser::SeePlainToken() {
+// A plain one leaves the state that cutting it and going back would leave. A string that the text ends in is no token:
+// in an included source another one may follow, in the last it is as good as one.
+[[gnu::always_inline]] inline char eSDLParser::SeePlainToken(bool included) {
     const char* const begin = FindToken().at;
     if (xSDL::Begins(*begin) == xSDL::eBegins::Other || (begin[0] == '{' && begin[1] == '#'))
+        return 0;
+    if (included && *begin == '"' && *xSDL::PassStringBody(begin + 1) != '"')
         return 0;
     ForgetPrevious();
     return *begin;

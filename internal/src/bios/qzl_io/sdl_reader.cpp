@@ -352,13 +352,17 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
     return matches;
 }
 
+[[gnu::always_inline]] inline char eSDLReader::SeePlainToken() {
+    return AreMarksKept() ? 0 : parsers.back()->SeePlainToken(parsers.size() > 1);
+}
+
 bool eSDLReader::Start() {
-    const char seen = AreMarksKept() ? 0 : parsers.back()->SeePlainToken();
+    const char seen = SeePlainToken();
     return seen ? seen == '{' : Test(sdlBlockStart);
 }
 
 bool eSDLReader::End() {
-    const char seen = AreMarksKept() ? 0 : parsers.back()->SeePlainToken();
+    const char seen = SeePlainToken();
     return seen ? seen == '}' : Test(sdlBlockEnd);
 }
 
