@@ -31,6 +31,7 @@ public:
     std::string DSE_Full() const override { return full; }
 
     void Leave() { LeaveStack(); }
+    void Enter() { EnterStack(); }
 
 private:
     std::string title;
@@ -108,6 +109,79 @@ TEST(DiagnosticStack, LeavingTwiceIsLeavingOnce) {
     first.Leave();
     first.Leave();
     EXPECT_EQ("2\n", Context());
+}
+
+TEST(DiagnosticStack, AnEntryMayEnterAgainAsTheInnermostOne) {
+    ePlace first("1", "", "");
+    ePlace second("2", "", "");
+    const ePlace third("3", "", "");
+    first.Enter();
+    EXPECT_EQ("1\n3\n2\n", Context());
+    first.Enter();
+    second.Leave();
+    second.Enter();
+    EXPECT_EQ("2\n1\n3\n", Context());
+}
+
+TEST(DiagnosticStack, AnEntryMayEnterTheStackOfAnotherThread) {
+    ePlace wanderer("wanderer", "", "");
+    std::string there;
+    std::thread([&] {
+        const ePlace own("own", "", "");
+        wanderer.Enter();
+        there = Context();
+    }).join();
+    EXPECT_EQ("wanderer\nown\n", there);
+    EXPECT_EQ("", Context());
+    wanderer.Enter();
+    EXPECT_EQ("wanderer\n", Context());
+}
+
+TEST(DiagnosticStack, AnEntryMayEnterAgainWhileItIsDescribed) {
+    class eEnterer : public xDebug::eStackEntry {
+    public:
+        eEnterer* self = this;
+        std::string DSE_Title() const override {
+            self->EnterStack();
+            return "enterer";
+        }
+    };
+    auto enterer = std::make_unique<eEnterer>();
+    const ePlace outer("outer", "", "");
+    EXPECT_EQ("outer\nenterer\n", Context());
+    EXPECT_EQ("enterer\nouter\n", Context());
+    std::thread([&] { enterer.reset(); }).join();
+    EXPECT_EQ("outer\n", Context());
+}
+
+TEST(DiagnosticStack, DescribesEightOfManyAndCountsTheRest) {
+    class eOneOfMany : public xDebug::eStackEntry {
+    public:
+        explicit eOneOfMany(int theNumber) : eStackEntry(eNumber::Many), number(theNumber) {}
+        std::string DSE_Title() const override { return std::to_string(number); }
+
+    private:
+        int number;
+    };
+    const ePlace outer("outer", "", "");
+    std::vector<std::unique_ptr<eOneOfMany>> many;
+    for (int number = 0; number < 8; ++number)
+        many.push_back(std::make_unique<eOneOfMany>(number));
+    EXPECT_EQ("7\n6\n5\n4\n3\n2\n1\n0\nouter\n", Context());
+    const ePlace inner("inner", "", "");
+    many.push_back(std::make_unique<eOneOfMany>(8));
+    const eOneOfMany copy(*many.back());
+    EXPECT_EQ("8\n8\ninner\n7\n6\n5\n4\n3\n2\n... and 2 more\nouter\n", Context());
+}
+
+TEST(DiagnosticStack, DescribesAnyNumberOfOthers) {
+    std::vector<std::unique_ptr<ePlace>> places;
+    std::string expected;
+    for (int number = 0; number < 3000; ++number) {
+        places.push_back(std::make_unique<ePlace>(std::to_string(number), "", ""));
+        expected.insert(0, std::to_string(number) + "\n");
+    }
+    EXPECT_EQ(expected, Context());
 }
 
 TEST(DiagnosticStack, ACopyIsAnEntryOfItsOwn) {

@@ -22,6 +22,8 @@ struct eLexeme;
 struct eTokenBegin;
 } // namespace xSDL
 
+class eSDLReader;
+
 // Kinds of token of an SDL text.
 enum eSDLParserLexType : int {
     sdlError = -1,     // a character that no token begins with, or a string broken by an end of line
@@ -90,7 +92,8 @@ public:
     std::string DSE_Title() const override;
     // ", " and the line number.
     std::string DSE_Brief() const override;
-    // GetContext, or that the file could not be opened or read and why.
+    // GetContext, of which no more than 100 characters of a line before and behind the place ("..." stands for the
+    // rest); or that the file could not be opened or read, and why.
     std::string DSE_Full() const override;
 
     // Cuts the next token. False at the end of the text, and the token's type is then sdlNone. A character that no
@@ -146,6 +149,11 @@ private:
         eHome home = Source;
     };
 
+    // For a reader, whose other sources a read error names too.
+    eSDLParser(const eSDLReader* reader, const std::string& name, IO::eStream& stream,
+               const std::vector<eSDLKeyword*>& keywords, const std::map<eStringKey, eStringKey>& parameters,
+               eSDLCipher* cipher);
+
     bool Cut();
     bool CutAny(xSDL::eTokenBegin begin);
     xSDL::eTokenBegin FindToken() const;
@@ -164,9 +172,9 @@ private:
     void RememberText();
     void ForgetPrevious();
     void Analyse(const xSDL::eLexeme& lexeme);
-    void ReadText(IO::eStream& stream, std::size_t size);
-    void DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher);
-    void CheckRead(const IO::eStream& stream);
+    void ReadText(const eSDLReader* reader, IO::eStream& stream, std::size_t size);
+    void DecodeText(const eSDLReader* reader, IO::eStream& stream, std::size_t size, eSDLCipher& cipher);
+    void CheckRead(const eSDLReader* reader, const IO::eStream& stream);
     void EndText();
     void Rewind();
     void JumpTo(const char* position, int line);
@@ -180,7 +188,9 @@ private:
     void Watch() const;
     // The state to which Back returns, its text in place.
     eSDLParserState StateBefore() const;
-    [[noreturn]] static void Fail(int line, const std::string& message);
+    std::string TakeParameter(const eSDLReader* reader);
+    std::string Listing(std::size_t around) const;
+    [[noreturn]] void Fail(const eSDLReader* reader, int line, const std::string& message);
 
     mutable eSDLParserState current;
     eSDLParserState previous;

@@ -128,7 +128,9 @@ public:
 
     eGrate& Grate() { return grate; }
 
-    // Goes on with the file's content and then with what follows here. The file is closed when this returns.
+    // Goes on with the file's content and then with what follows here. The file is closed when this returns. One that
+    // cannot be opened is an empty source: reading goes on with what follows, and the context of the reader's next
+    // report names the file and says why it could not be opened.
     void Include(const eFileName& file);
 
     // The calling thread's list of mode names, empty at first, for the application's use.
@@ -166,12 +168,14 @@ protected:
     bool ProcessControlBlock();
 
 private:
+    friend class eSDLParser;
     friend QZL_IO_API eSDLReader& begb(eSDLReader& reader);
     friend QZL_IO_API eSDLReader& endb(eSDLReader& reader);
     friend QZL_IO_API eSDLReader& begc(eSDLReader& reader);
     friend QZL_IO_API eSDLReader& endc(eSDLReader& reader);
 
     class eSkipping;
+    class eUnopened;
 
     void CheckSignature(const char* signature, int notSDLLine);
     const std::string& ReadSignature(int notSDLLine);
@@ -191,7 +195,9 @@ private:
     void CheckControlWord();
     void TakePositional(std::map<eStringKey, eStringKey>* parameters);
     void TakeNamed(std::map<eStringKey, eStringKey>* parameters);
-    [[noreturn]] static void Fail(int line, const std::string& message);
+    void NoteUnopened(const eSDLParser& parser);
+    void EnterSources() const;
+    [[noreturn]] void Fail(int line, const std::string& message);
 
     std::map<eStringKey, eDefine> defines;
     int skipDepth = 0; // above 0 control blocks and marked blocks are delivered as they stand
@@ -204,6 +210,7 @@ private:
     std::string blockMark;
     std::string previousBlockMark;
     std::shared_ptr<eSDLCipher> cipher;
+    std::vector<std::shared_ptr<eUnopened>> unopened;   // left since the last report
     int exceptionsAtStart = std::uncaught_exceptions(); // exceptions under way when the reader was made
 };
 

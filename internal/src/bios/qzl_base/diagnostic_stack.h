@@ -3,7 +3,6 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include <qzl_base/stack_entry.h>
 
@@ -12,12 +11,14 @@ namespace xDebug {
 // The texts of the calling thread's diagnostic stack, as a report carries them.
 std::string DiagnosticContext();
 
-// The entries of all threads in the order of construction. No virtual function of an entry is called under the lock:
-// an entry is claimed for the time of its description instead, and removal by another thread waits for its release.
+// The entries of all threads in the order in which they were put there. No virtual function of an entry is called under
+// the lock: an entry is claimed for the time of its description instead, and removal by another thread waits for its
+// release.
 class eDiagnosticStack {
 public:
     static eDiagnosticStack& Instance();
 
+    // As the innermost entry of the calling thread, wherever it was.
     void Enter(eStackEntry& entry) noexcept;
     void Leave(eStackEntry& entry) noexcept;
 
@@ -25,11 +26,9 @@ public:
     std::string Describe();
 
 private:
-    std::vector<eStackEntry*> EntriesOf(unsigned long long thread);
-    bool Listed(const eStackEntry* entry) const noexcept;
-    bool Claim(eStackEntry* entry);
-    void Release(eStackEntry* entry);
-    void Unlink(eStackEntry& entry) noexcept;
+    class eDescription;
+
+    void Remove(eStackEntry& entry, std::unique_lock<std::mutex>& lock) noexcept;
 
     std::mutex mutex;
     std::condition_variable released;

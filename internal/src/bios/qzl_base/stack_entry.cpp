@@ -1,5 +1,9 @@
 #include <qzl_base/stack_entry.h>
 
+#include <cstddef>
+#include <new>
+#include <vector>
+
 #include "diagnostic_stack.h"
 #include "thread_number.h"
 
@@ -47,7 +51,11 @@ std::string DiagnosticContext() {
     if (describing)
         return {};
     const eFlagged flagged(describing);
-    return eDiagnosticStack::Instance().Describe();
+    try {
+        return eDiagnosticStack::Instance().Describe();
+    } catch (const std::bad_alloc&) {
+        return {}; // rather than no report at all
+    }
 }
 
 // Never destroyed, since static objects may be entries.
@@ -56,8 +64,93 @@ eDiagnosticStack& eDiagnosticStack::Instance() {
     return stack;
 }
 
+// The entries that one report describes, each null from when it leaves the stack.
+class eDiagnosticStack::eDescription {
+public:
+    explicit eDescription(eDiagnosticStack& theStack) : stack(theStack) {
+        std::lock_guard lock(stack.mutex);
+        Note(ThreadNumber());
+    }
+    ~eDescription() {
+        std::lock_guard lock(stack.mutex);
+        for (eStackEntry* const entry : entries)
+            if (entry)
+                entry->awaited = nullptr;
+    }
+    eDescription(const eDescription&) = delete;
+    eDescription& operator=(const eDescription&) = delete;
+
+    std::string Text() {
+        std::string text;
+        for (eStackEntry*& entry : entries) {
+            text += Describe(entry);
+            if (&entry == lastOfMany)
+                text += "... and " + std::to_string(more) + " more\n";
+        }
+        return text;
+    }
+
+private:
+    static constexpr std::size_t describedOfMany = 8;
+
+    void Note(unsigned long long thread) {
+        std::size_t many = 0;
+        std::size_t last = 0;
+        for (eStackEntry* entry = stack.newest; entry; entry = entry->older) {
+            if (entry->thread != thread)
+                continue;
+            if (entry->oneOfMany && ++many > describedOfMany)
+                continue;
+            if (entry->oneOfMany)
+                last = entries.size();
+            entries.push_back(entry);
+        }
+        for (eStackEntry*& entry : entries)
+            entry->awaited = &entry;
+        if (many > describedOfMany) {
+            more = many - describedOfMany;
+            lastOfMany = &entries[last];
+        }
+    }
+
+    std::string Describe(eStackEntry*& noted) {
+        eStackEntry* const entry = Claim(noted);
+        if (!entry)
+            return {};
+        std::string texts = TextsOrNothing(*entry);
+        Release(noted);
+        return texts;
+    }
+
+    eStackEntry* Claim(eStackEntry*& noted) {
+        std::lock_guard lock(stack.mutex);
+        if (noted)
+            noted->described = true;
+        return noted;
+    }
+
+    void Release(eStackEntry*& noted) {
+        {
+            std::lock_guard lock(stack.mutex);
+            if (noted)
+                noted->described = false;
+        }
+        stack.released.notify_all();
+    }
+
+    eDiagnosticStack& stack;
+    std::vector<eStackEntry*> entries;
+    eStackEntry** lastOfMany = nullptr; // the place behind which `more` are left out; null when all are described
+    std::size_t more = 0;
+};
+
+std::string eDiagnosticStack::Describe() {
+    return eDescription(*this).Text();
+}
+
 void eDiagnosticStack::Enter(eStackEntry& entry) noexcept {
-    std::lock_guard lock(mutex);
+    std::unique_lock lock(mutex);
+    Remove(entry, lock);
     entry.thread = ThreadNumber();
     entry.older = newest;
     if (newest)
@@ -67,75 +160,39 @@ void eDiagnosticStack::Enter(eStackEntry& entry) noexcept {
 
 void eDiagnosticStack::Leave(eStackEntry& entry) noexcept {
     std::unique_lock lock(mutex);
-    if (entry.thread == 0)
-        return;
-    if (entry.thread != ThreadNumber())
-        released.wait(lock, [&entry] { return !entry.described; });
-    Unlink(entry);
+    Remove(entry, lock);
 }
 
-void eDiagnosticStack::Unlink(eStackEntry& entry) noexcept {
+// An entry that another thread is describing is waited for.
+void eDiagnosticStack::Remove(eStackEntry& entry, std::unique_lock<std::mutex>& lock) noexcept {
+    if (entry.thread != ThreadNumber())
+        released.wait(lock, [&entry] { return !entry.described; });
+    if (entry.thread == 0)
+        return;
     if (entry.older)
         entry.older->newer = entry.newer;
     if (entry.newer)
         entry.newer->older = entry.older;
     else
         newest = entry.older;
+    if (entry.awaited)
+        *entry.awaited = nullptr;
     entry.older = nullptr;
     entry.newer = nullptr;
+    entry.awaited = nullptr;
     entry.thread = 0;
-}
-
-std::string eDiagnosticStack::Describe() {
-    std::string context;
-    for (eStackEntry* entry : EntriesOf(ThreadNumber())) {
-        if (!Claim(entry))
-            continue;
-        const std::string texts = TextsOrNothing(*entry);
-        Release(entry);
-        context += texts;
-    }
-    return context;
-}
-
-std::vector<eStackEntry*> eDiagnosticStack::EntriesOf(unsigned long long thread) {
-    std::lock_guard lock(mutex);
-    std::vector<eStackEntry*> entries;
-    for (eStackEntry* entry = newest; entry; entry = entry->older)
-        if (entry->thread == thread)
-            entries.push_back(entry);
-    return entries;
-}
-
-bool eDiagnosticStack::Listed(const eStackEntry* sought) const noexcept {
-    for (const eStackEntry* entry = newest; entry; entry = entry->older)
-        if (entry == sought)
-            return true;
-    return false;
-}
-
-bool eDiagnosticStack::Claim(eStackEntry* entry) {
-    std::lock_guard lock(mutex);
-    if (!Listed(entry) || entry->thread != ThreadNumber())
-        return false;
-    entry->described = true;
-    return true;
-}
-
-void eDiagnosticStack::Release(eStackEntry* entry) {
-    {
-        std::lock_guard lock(mutex);
-        if (Listed(entry))
-            entry->described = false;
-    }
-    released.notify_all();
+    entry.described = false;
 }
 
 eStackEntry::eStackEntry() {
     EnterStack();
 }
 
-eStackEntry::eStackEntry(const eStackEntry&) {
+eStackEntry::eStackEntry(eNumber number) : oneOfMany(number == eNumber::Many) {
+    EnterStack();
+}
+
+eStackEntry::eStackEntry(const eStackEntry& other) : oneOfMany(other.oneOfMany) {
     EnterStack();
 }
 

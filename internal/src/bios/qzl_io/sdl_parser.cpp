@@ -6,6 +6,7 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
+#include <qzl_io/sdl/reader.h>
 #include <qzl_io/streams.h>
 
 #include "failure_text.h"
@@ -25,6 +26,9 @@ constexpr std::size_t kPiece = 64 * 1024;
 
 constexpr int kContextLines = 5;
 constexpr char kContextMark = '\xAB';
+
+// Characters of a line that a report shows before the place and behind it: a text may be one line.
+constexpr std::size_t kShown = 100;
 
 std::string Replaced(const std::string& text, const std::string& pattern, const std::string& value) {
     std::string result;
@@ -46,29 +50,37 @@ eSDLCipher::~eSDLCipher() = default;
 
 eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
                        const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher)
-    : isFile(!parserName.empty()), keywords(&tables), name(parserName) {
+    : eSDLParser(nullptr, parserName, stream, tables, parameters, cipher.get()) {}
+
+eSDLParser::eSDLParser(const eSDLReader* reader, const std::string& parserName, IO::eStream& stream,
+                       const std::vector<eSDLKeyword*>& tables, const std::map<eStringKey, eStringKey>& parameters,
+                       eSDLCipher* cipher)
+    : eStackEntry(eNumber::Many), isFile(!parserName.empty()), keywords(&tables), name(parserName) {
     if (!stream.IsOpen())
         failure = FailureText("The file could not be opened");
     else if (stream.Disabled(IO::StreamMode::Bad))
         IO::Platform::TakeFailureReason(); // of something before
     if (const std::size_t size = RemainingSize(stream); cipher)
-        DecodeText(stream, size, *cipher);
+        DecodeText(reader, stream, size, *cipher);
     else
-        ReadText(stream, size);
+        ReadText(reader, stream, size);
     Rewind();
     ProcessParams(parameters);
 }
 
-void eSDLParser::CheckRead(const IO::eStream& stream) {
+void eSDLParser::CheckRead(const eSDLReader* reader, const IO::eStream& stream) {
     if (stream.Disabled(IO::StreamMode::Bad))
         return;
     failure = FailureText("The source could not be read to its end");
-    Fail(kReadError, (format("%1% - read error!") % (isFile ? name : "Stream")).str());
+    Fail(reader, kReadError, (format("%1% - read error!") % (isFile ? name : "Stream")).str());
 }
 
 eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
                        const std::map<eStringKey, eStringKey>& parameters)
-    : text(define.text), keywords(&tables), name((format("define '%1%'") % define.name).str()) {
+    : eStackEntry(eNumber::Many),
+      text(define.text),
+      keywords(&tables),
+      name((format("define '%1%'") % define.name).str()) {
     EndText();
     Rewind();
     ProcessParams(parameters);
@@ -98,7 +110,7 @@ eSDLParser::~eSDLParser() {
     LeaveStack();
 }
 
-void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
+void eSDLParser::ReadText(const eSDLReader* reader, IO::eStream& stream, std::size_t size) {
     text.reserve(size + xSDL::kTextEnd);
     IO::Platform::PreferLargePages(text.data(), size);
     auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
@@ -108,14 +120,14 @@ void eSDLParser::ReadText(IO::eStream& stream, std::size_t size) {
         stream.Read(text.data() + done, piece);
         done += piece;
     }
-    CheckRead(stream);
+    CheckRead(reader, stream);
     EndText();
 }
 
-void eSDLParser::DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher) {
+void eSDLParser::DecodeText(const eSDLReader* reader, IO::eStream& stream, std::size_t size, eSDLCipher& cipher) {
     const auto encoded = std::make_unique<char[]>(size);
     stream.Read(encoded.get(), size);
-    CheckRead(stream);
+    CheckRead(reader, stream);
     text.reserve(size + xSDL::kTextEnd);
     text.resize(size);
     text.resize(std::min(cipher.Encode(text.data(), size, encoded.get(), size), size));
@@ -322,40 +334,60 @@ void eSDLParser::StatePrev(const eSDLParserState& state) {
 }
 
 std::string eSDLParser::GetParameter() {
+    return TakeParameter(nullptr);
+}
+
+std::string eSDLParser::TakeParameter(const eSDLReader* reader) {
     if (*current.position != '(') {
         current.position += *current.position != 0;
-        Fail(kOpenRequired, "'(' required");
+        Fail(reader, kOpenRequired, "'(' required");
     }
     const char* const begin = ++current.position;
     const char* const end = std::strchr(begin, ')');
     if (!end)
-        Fail(kCloseRequired, "')' required");
+        Fail(reader, kCloseRequired, "')' required");
     current.position = end + 1;
     return std::string(begin, end);
 }
 
-void eSDLParser::Fail(int line, const std::string& message) {
+// What the context names first is this source, then the others of the reader that it is read by.
+void eSDLParser::Fail(const eSDLReader* reader, int line, const std::string& message) {
+    if (reader)
+        reader->EnterSources();
+    EnterStack();
     xError::Fatal(kSource, line, message);
 }
 
 std::string eSDLParser::GetContext() const {
-    const char* at = current.position;
-    if (!at)
+    return Listing(std::string::npos);
+}
+
+// The five lines. A line is cut so many characters before the read position, and so many behind it or the line's
+// beginning, where the listing then ends.
+std::string eSDLParser::Listing(std::size_t around) const {
+    const char* const position = current.position;
+    if (!position)
         return {};
-    while (at > text.data() && at[-1] != '\n')
+    const char* const first = position - std::min(static_cast<std::size_t>(position - text.data()), around);
+    const char* at = position;
+    while (at > first && at[-1] != '\n')
         --at;
-    std::string context;
+    const bool cut = at > text.data() && at[-1] != '\n';
+    std::string listing;
     for (int line = 0; line < kContextLines && *at; ++line) {
-        context += ToString(current.line + line, false) + ": ";
+        listing += ToString(current.line + line, false) + (cut && line == 0 ? ": ..." : ": ");
+        std::size_t left = around;
         for (bool ended = false; *at && !ended; ++at) {
-            if (at == current.position)
-                context += kContextMark;
+            if (at == position)
+                listing += kContextMark;
+            if (at >= position && *at != '\n' && left-- == 0)
+                return listing + "...";
             if (*at != '\r')
-                context += *at;
+                listing += *at;
             ended = *at == '\n';
         }
     }
-    return context;
+    return listing;
 }
 
 std::string eSDLParser::DSE_Title() const {
@@ -367,5 +399,5 @@ std::string eSDLParser::DSE_Brief() const {
 }
 
 std::string eSDLParser::DSE_Full() const {
-    return failure.empty() ? GetContext() : failure;
+    return failure.empty() ? Listing(kShown) : failure;
 }

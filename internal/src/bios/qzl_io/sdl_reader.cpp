@@ -100,6 +100,24 @@ private:
     eSDLReader& reader;
 };
 
+// A file that was to be included and could not be opened, for the next report.
+class eSDLReader::eUnopened : public xDebug::eStackEntry {
+public:
+    eUnopened(std::string fileTitle, std::string whyNot) : title(std::move(fileTitle)), failure(std::move(whyNot)) {}
+    ~eUnopened() override { LeaveStack(); }
+    eUnopened(const eUnopened&) = delete;
+    eUnopened& operator=(const eUnopened&) = delete;
+
+    std::string DSE_Title() const override { return title; }
+    std::string DSE_Full() const override { return failure; }
+
+    void Enter() { EnterStack(); }
+
+private:
+    std::string title;
+    std::string failure;
+};
+
 eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
     : cipher(std::move(sourceCipher)) {
     Init();
@@ -138,7 +156,7 @@ eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourc
 eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher)
     : cipher(std::move(sourceCipher)) {
     Init();
-    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher));
+    PushParser(new eSDLParser(this, {}, *stream, keywords, {}, cipher.get()));
 }
 
 eSDLReader::eSDLReader(const eSDLReader& other) {
@@ -157,6 +175,7 @@ eSDLReader& eSDLReader::operator=(const eSDLReader& other) {
     blockMark = other.blockMark;
     previousBlockMark = other.previousBlockMark;
     cipher = other.cipher;
+    unopened = other.unopened;
     return *this;
 }
 
@@ -506,12 +525,12 @@ void eSDLReader::RequireBlockEnd() {
 
 eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher);
+    return new eSDLParser(this, file.str(), *stream, keywords, parameters, cipher.get());
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher);
+    return new eSDLParser(this, ToString(file.str()), *stream, keywords, {}, cipher.get());
 }
 
 void eSDLReader::PushParser(eSDLParser* parser) {
@@ -520,8 +539,19 @@ void eSDLReader::PushParser(eSDLParser* parser) {
 }
 
 void eSDLReader::PopParser() {
-    if (!parsers.empty())
-        parsers.pop_back();
+    if (parsers.empty())
+        return;
+    if (!parsers.back()->failure.empty())
+        NoteUnopened(*parsers.back());
+    parsers.pop_back();
+}
+
+// As many as a report's context names.
+void eSDLReader::NoteUnopened(const eSDLParser& parser) {
+    constexpr std::size_t kNamed = 8;
+    if (unopened.size() == kNamed)
+        unopened.erase(unopened.begin());
+    unopened.push_back(std::make_shared<eUnopened>(parser.DSE_Title(), parser.failure));
 }
 
 eSDLParser& eSDLReader::Parser() const {
@@ -557,7 +587,7 @@ void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     while (parser.current.token.type == sdlIdent || parser.current.token.type == sdlKeyword) {
         const eStringKey key = std::string(parser.Text());
-        (*parameters)[key] = parser.GetParameter();
+        (*parameters)[key] = parser.TakeParameter(this);
         parser.Get();
     }
 }
@@ -625,7 +655,20 @@ void eSDLReader::Calculate() {
     parser.StatePrev(stateBeforeControlBlock.Get());
 }
 
+// The current source becomes the innermost entry of the reporting thread, then come the files that could not be opened
+// and the including sources.
+void eSDLReader::EnterSources() const {
+    for (std::size_t outer = 0; outer + 1 < parsers.size(); ++outer)
+        parsers[outer]->EnterStack();
+    for (const auto& file : unopened)
+        file->Enter();
+    if (!parsers.empty())
+        parsers.back()->EnterStack();
+}
+
 void eSDLReader::Fail(int line, const std::string& message) {
+    EnterSources();
+    const auto told = std::exchange(unopened, {});
     xError::Fatal(kSource, line, message);
 }
 
