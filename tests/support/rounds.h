@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ctime>
+
+#include "long_tests.h"
+
+// The rounds of a test at random, counted from 0: up to `most` of them in a second of the processor's time, or
+// `mostInFull` in as long as they take where long tests are wanted. A slow machine sees the first of the same rounds.
+class eRounds {
+public:
+    eRounds(unsigned most, unsigned mostInFull) : end(LongTests() ? mostInFull : most) {}
+
+    bool Next() {
+        ++current;
+        return current < end && (LongTests() || std::clock() < until);
+    }
+    unsigned Current() const { return current; }
+
+private:
+    unsigned current = ~0u;
+    unsigned end;
+    std::clock_t until = std::clock() + CLOCKS_PER_SEC;
+};
