@@ -7,6 +7,7 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,6 +17,7 @@
 
 #include <qzl_io/streams.h>
 
+#include "sdl_number.h"
 #include "sdl_source.h"
 #include "support/reports.h"
 #include "turning_cipher.h"
@@ -222,6 +224,26 @@ TEST(SdlParser, FloatsAreTheNearestToTheirText) {
     eTextParser parser("-0.0");
     parser.Get();
     EXPECT_TRUE(std::signbit(parser.Token().floatValue));
+}
+
+TEST(SdlParser, NumbersWithExponentsAreTheNearestFloats) {
+    std::mt19937_64 random(13);
+    const std::vector<eSDLKeyword*> tables;
+    std::string text;
+    for (int i = 0; i < 20'000; ++i) {
+        std::string number = std::to_string((random() >> (random() % 64)) | 1);
+        if (random() % 2)
+            number.insert(1 + random() % number.size(), ".");
+        number += std::string(random() % 2 ? "e" : "E") + (random() % 2 ? "-" : "") + std::to_string(random() % 45);
+        text += number + "\n";
+    }
+    IO::eBufferStream stream(text);
+    eSDLParser parser({}, stream, tables, {}, nullptr);
+    while (parser.Get()) {
+        ASSERT_EQ(parser.Token().type, sdlFloat);
+        ASSERT_EQ(parser.Token().floatValue, xSDL::TextToFloat(parser.Token().text)) << parser.Token().text;
+    }
+    EXPECT_EQ(parser.Line(), 20'001);
 }
 
 TEST(SdlParser, CountsLinesByLineFeedsWhereverTheyStand) {
