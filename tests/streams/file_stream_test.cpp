@@ -129,10 +129,53 @@ TEST(FileStream, WriteCreatesAndCreateCuts) {
     EXPECT_EQ(folder.Read("old"), "");
 }
 
+TEST(FileStream, TheModeIsTheFlagWordAndAFailureAddsOneBit) {
+    struct eRow {
+        const char* name;
+        int mode;
+        unsigned short flags;
+        bool open;
+        std::string content;
+    };
+    const eRow rows[] = {
+        {"there", 0x0000, 0x0000, false, "0123456789"},
+        {"there", 0x0001, 0x0001, true, "0123456789"},
+        {"there", 0x0005, 0x0005, true, "0123456789"},
+        {"there", 0x0002, 0x0002, true, "0123456789"},
+        {"there", 0x0003, 0x0003, true, "0123456789"},
+        {"there", 0x0203, 0x0203, true, "0123456789"},
+        {"there", 0x0007, 0x0007, true, ""},
+        {"there", 0x0206, 0x0206, true, ""},
+        {"missing", 0x0000, 0x2000, false, ""},
+        {"missing", 0x0001, 0x2001, false, ""},
+        {"missing", 0x0005, 0x2005, false, ""},
+        {"missing/file", 0x0003, 0x2003, false, ""},
+        {"missing/file", 0x0007, 0x2007, false, ""},
+    };
+    for (const eRow& row : rows) {
+        const eTempFolder folder;
+        folder.Write("there", "0123456789");
+        eFile stream(folder.Name(row.name), row.mode);
+        EXPECT_EQ(stream.Flags(), row.flags) << row.name << ", " << row.mode;
+        EXPECT_EQ(stream.IsOpen(), row.open) << row.name << ", " << row.mode;
+        EXPECT_EQ(stream.Size(), row.content.size()) << row.name << ", " << row.mode;
+        EXPECT_EQ(stream.Eos(), row.content.empty()) << row.name << ", " << row.mode;
+        EXPECT_FALSE(folder.Exists("missing"));
+        if (!row.content.empty()) {
+            EXPECT_EQ(stream.GetChar(), '0') << row.mode;
+        }
+        stream.Close();
+        EXPECT_EQ(stream.Flags(), row.flags) << row.name << ", " << row.mode;
+        if (row.name == std::string("there")) {
+            EXPECT_EQ(folder.Read("there"), row.content) << row.mode;
+        }
+    }
+}
+
 TEST(FileStream, AnOpenErrorIsReportedAndTriedAgain) {
     const eTempFolder folder;
-    ExpectOpenErrorsUntilItOpens<IO::eFileStream, eFileName>(folder, "narrow");
-    ExpectOpenErrorsUntilItOpens<IO::eFileStreamW, eFileNameW>(folder, "wide");
+    ExpectOpenErrorsUntilItOpens<IO::eFileStream, eFileName>(folder, "narrow %1% of %2%");
+    ExpectOpenErrorsUntilItOpens<IO::eFileStreamW, eFileNameW>(folder, "wide %1% of %2%");
 }
 
 TEST(FileStream, AnOpenErrorThatThrowsLeavesTheStreamFailed) {

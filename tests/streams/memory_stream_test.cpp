@@ -445,6 +445,35 @@ TEST(BufferStream, IsNotOpenUntilItHasBytes) {
     EXPECT_EQ(stream.GetChar(), 'a');
 }
 
+TEST(BufferStream, AssignKeepsEveryOtherFlag) {
+    unsigned char bytes[8] = {};
+    eView stream(bytes, 8, 0);
+    stream.Seek(5, eSeekDir::Begin);
+    stream.Disable(Mode::Write | Mode::Errors);
+    stream.Enable(Mode::Read | Mode::Modified | Mode::Bad | 0x1000);
+    stream.Assign(bytes + 4, 4, 3);
+    EXPECT_EQ(stream.Flags(), 0x0202 | 0x0001 | 0x4000 | 0x8000 | 0x1000);
+    EXPECT_EQ(stream.Buffer(), bytes + 4);
+    EXPECT_EQ(stream.Dump(), "BufferStream(off:0, ptr:0, end:4, eos:3, buff:4)");
+}
+
+TEST(BufferStream, OverNoBytesIsOpenAndTouchesNone) {
+    const eReports reports;
+    unsigned char byte = 7;
+    char target = '?';
+    eView stream;
+    stream.Assign(&byte, 0, 0);
+    EXPECT_TRUE(stream.IsOpen() && stream.Eos());
+    EXPECT_EQ(stream.Dump(), "BufferStream(off:0, ptr:0, end:0, eos:0, buff:0)");
+    stream.Read(&target, 1);
+    EXPECT_EQ(target, '?');
+    stream << 'x';
+    EXPECT_EQ(byte, 7);
+    ASSERT_EQ(reports.errors().size(), 2u);
+    EXPECT_EQ(reports.errors()[0].message, "Attempt to read beyond the stream!");
+    EXPECT_EQ(reports.errors()[1].message, "Attempt to write beyond the stream!");
+}
+
 TEST(BufferStream, ANullPointerIsNeverFollowed) {
     const eReports reports;
     eView stream(nullptr, 8, 8);
