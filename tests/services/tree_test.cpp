@@ -1,6 +1,8 @@
 #include "tree.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -13,13 +15,16 @@
 // a test wants them.
 namespace {
 
+using IO::eFileId;
+using IO::Platform::eAnswer;
 using IO::Platform::eEntry;
 using IO::Platform::eEntryKind;
 using IO::Platform::eFolder;
-using IO::Platform::eFolderId;
+using IO::Platform::eNamedLink;
 using IO::System::CopyContents;
 using IO::System::DeleteContents;
 using IO::System::eFolderStack;
+using IO::System::ePatience;
 using IO::System::PurgeContents;
 
 struct eNode;
@@ -31,6 +36,8 @@ struct eNode {
     eNodes below;
     bool locked = false;   // stays, whoever removes it
     bool unlisted = false; // may not be entered
+    int busy = 0;          // so many wishes are refused for a moment, of whatever kind
+    int lingering = 0;     // so often it is seen as full after its removal
 };
 
 std::shared_ptr<eNode> File(std::string content = "") {
@@ -63,7 +70,12 @@ using eShown = std::vector<std::string>;
 struct eWatch {
     int awake = 0;
     int mostAwake = 0;
+    bool linksRefused = false;
 };
+
+eAnswer Told(bool done) {
+    return done ? eAnswer::Done : eAnswer::Refused;
+}
 
 class eMemoryFolder : public eFolder {
 public:
@@ -85,21 +97,41 @@ public:
         }
         return false;
     }
-    std::unique_ptr<eFolder> Enter(const eEntry& entry) override {
+    eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) override {
         const auto found = Find(entry);
+        if (IsBusy(found))
+            return eAnswer::Busy;
         if (!found || found->kind != eEntryKind::Folder || found->unlisted)
-            return nullptr;
-        return std::make_unique<eMemoryFolder>(found, watch);
+            return eAnswer::Refused;
+        *opened = std::make_unique<eMemoryFolder>(found, watch);
+        return eAnswer::Done;
     }
-    bool RemoveFile(const eEntry& entry) override { return Remove(entry, eEntryKind::File); }
-    bool RemoveLink(const eEntry& entry) override { return Remove(entry, eEntryKind::Link); }
-    bool RemoveFolder(const eEntry& entry) override { return Remove(entry, eEntryKind::Folder); }
-    bool MakeFolder(const eEntry& entry) override {
-        return !resting && node->below.emplace(NameOf(entry), Folder()).second;
+    eAnswer RemoveFile(const eEntry& entry) override { return Remove(entry, eEntryKind::File); }
+    eAnswer RemoveLink(const eEntry& entry) override { return Remove(entry, eEntryKind::Link); }
+    eAnswer RemoveFolder(const eEntry& entry) override { return Remove(entry, eEntryKind::Folder); }
+    eAnswer MakeFolder(const eEntry& entry) override {
+        if (IsBusy(node))
+            return eAnswer::Busy;
+        return Told(!resting && node->below.emplace(NameOf(entry), Folder()).second);
     }
-    void CopyFileTo(eFolder& target, const eEntry& entry) override { CopyNode(target, entry); }
-    void CopyLinkTo(eFolder& target, const eEntry& entry) override { CopyNode(target, entry); }
-    eFolderId Id() override { return {1, reinterpret_cast<std::uintptr_t>(node.get())}; }
+    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
+        const auto found = Find(entry);
+        if (IsBusy(found))
+            return eAnswer::Busy;
+        if (link == eNamedLink::Follow)
+            return Told(found->content != "folder" && CopyNode(target, entry, File("behind " + found->content)));
+        return Told(CopyNode(target, entry, std::make_shared<eNode>(*found)));
+    }
+    eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
+        const auto found = Find(entry);
+        if (IsBusy(found))
+            return eAnswer::Busy;
+        return Told(!watch->linksRefused && CopyNode(target, entry, std::make_shared<eNode>(*found)));
+    }
+    const eFileId& Id() override {
+        id = {1, 0, reinterpret_cast<std::uintptr_t>(node.get()), {}};
+        return id;
+    }
     void Rest() override {
         EXPECT_FALSE(std::exchange(resting, true));
         Count(-1);
@@ -123,20 +155,26 @@ private:
         return resting || found == node->below.end() ? nullptr : found->second;
     }
 
-    bool Remove(const eEntry& entry, eEntryKind kind) {
+    static bool IsBusy(const std::shared_ptr<eNode>& found) { return found && found->busy > 0 && found->busy-- > 0; }
+
+    eAnswer Remove(const eEntry& entry, eEntryKind kind) {
         const auto found = Find(entry);
-        if (!found || found->kind != kind || found->locked || !found->below.empty())
-            return false;
+        if (IsBusy(found))
+            return eAnswer::Busy;
+        if (!found || found->kind != kind || found->locked)
+            return eAnswer::Refused;
+        if (!found->below.empty() || (found->lingering > 0 && found->lingering-- > 0))
+            return eAnswer::Full;
         node->below.erase(NameOf(entry));
-        return true;
+        return eAnswer::Done;
     }
 
-    void CopyNode(eFolder& target, const eEntry& entry) {
+    bool CopyNode(eFolder& target, const eEntry& entry, std::shared_ptr<eNode> copy) {
         auto& other = static_cast<eMemoryFolder&>(target);
-        if (!resting && !other.resting)
-            other.node->below.emplace(NameOf(entry), std::make_shared<eNode>(*Find(entry)));
+        return !resting && !other.resting && other.node->below.emplace(NameOf(entry), std::move(copy)).second;
     }
 
+    eFileId id;
     std::shared_ptr<eNode> node;
     eWatch* watch;
     std::vector<std::string> names;
@@ -146,20 +184,22 @@ private:
 
 class Tree : public testing::Test {
 protected:
-    void Delete(const std::shared_ptr<eNode>& folder) {
+    bool Delete(const std::shared_ptr<eNode>& folder) {
         eMemoryFolder opened(folder, &watch);
-        DeleteContents(opened);
+        return DeleteContents(opened, patience);
     }
-    void Purge(const std::shared_ptr<eNode>& folder) {
+    bool Purge(const std::shared_ptr<eNode>& folder) {
         eMemoryFolder opened(folder, &watch);
-        PurgeContents(opened);
+        return PurgeContents(opened, patience);
     }
     void Copy(const std::shared_ptr<eNode>& from, const std::shared_ptr<eNode>& to) {
         eMemoryFolder source(from, &watch), target(to, &watch);
-        CopyContents(source, target);
+        CopyContents(source, target, patience);
     }
 
     eWatch watch;
+    int pauses = 0;
+    ePatience patience{[this](ePatience::ePause) { ++pauses; }};
 };
 
 std::shared_ptr<eNode> Chain(int depth, const std::shared_ptr<eNode>& bottom) {
@@ -196,16 +236,16 @@ TEST_F(Tree, DeletionRemovesALinkThatHasTakenAFoldersPlace) {
     class eExchanging : public eMemoryFolder {
     public:
         using eMemoryFolder::eMemoryFolder;
-        std::unique_ptr<eFolder> Enter(const eEntry& entry) override {
+        eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* entered) override {
             shared->below.begin()->second = Link("out");
-            return eMemoryFolder::Enter(entry);
+            return eMemoryFolder::Enter(entry, entered);
         }
         std::shared_ptr<eNode> shared;
     };
     auto root = Folder({{"sub", Folder({{"file", File()}})}});
     eExchanging opened(root, &watch);
     opened.shared = root;
-    DeleteContents(opened);
+    DeleteContents(opened, patience);
     EXPECT_EQ(eShown(), Shown(root));
 }
 
@@ -284,8 +324,81 @@ TEST_F(Tree, AFolderThatCannotBeReachedAgainEndsTheWorkThereAndNothingElse) {
     const int depth = static_cast<int>(eFolderStack::keptOpen) + 5;
     auto root = Chain(depth, Folder());
     eLost opened(root, &watch);
-    DeleteContents(opened);
+    DeleteContents(opened, patience);
     EXPECT_EQ((eShown{"down/", "file=" + std::to_string(depth - 1)}), Shown(root));
+}
+
+TEST_F(Tree, OfFileLinksThatCannotBeMadeAgainTheContentIsCopied) {
+    auto from = Folder({{"a", Link("file")}, {"b", Link("folder")}, {"c", Folder({{"d", Link("file")}})}});
+    auto to = Folder();
+    watch.linksRefused = true;
+    Copy(from, to);
+    EXPECT_EQ((eShown{"a=behind file", "c/", "c/d=behind file"}), Shown(to));
+}
+
+// --- What is refused for a moment ---
+
+TEST_F(Tree, DeletionTriesAgainWhatIsBusyForAMoment) {
+    auto file = File(), link = Link("out"), folder = Folder({{"file", file}, {"link", link}});
+    file->busy = link->busy = 2;
+    folder->busy = 1;
+    auto root = Folder({{"folder", folder}});
+    EXPECT_TRUE(Delete(root));
+    EXPECT_EQ(eShown(), Shown(root));
+    EXPECT_EQ(5, pauses);
+}
+
+TEST_F(Tree, AnEmptiedFolderIsWaitedForAsLongAsItSeemsFull) {
+    auto folder = Folder({{"file", File()}}), empty = Folder();
+    folder->lingering = empty->lingering = 3;
+    auto root = Folder({{"folder", folder}, {"empty", empty}});
+    EXPECT_TRUE(Delete(root));
+    EXPECT_EQ(eShown(), Shown(root));
+    EXPECT_EQ(6, pauses);
+    empty = Folder({{"inner", Folder()}});
+    empty->lingering = 1;
+    root = Folder({{"empty", empty}});
+    EXPECT_TRUE(Purge(root));
+    EXPECT_EQ(eShown(), Shown(root));
+    EXPECT_EQ(7, pauses);
+}
+
+TEST_F(Tree, NobodyWaitsForAFolderInWhichSomethingStays) {
+    auto kept = File(), sealed = Folder({{"file", File()}});
+    kept->locked = sealed->unlisted = true;
+    auto root = Folder({{"a", Folder({{"b", Folder({{"kept", kept}})}})}, {"sealed", sealed}});
+    EXPECT_FALSE(Delete(root));
+    EXPECT_EQ((eShown{"a/", "a/b/", "a/b/kept", "sealed/", "sealed/file"}), Shown(root));
+    root = Folder({{"a", Folder({{"file", File()}, {"l", Folder({{"link", Link("out")}})}})}});
+    EXPECT_FALSE(Purge(root));
+    EXPECT_EQ((eShown{"a/", "a/file", "a/l/", "a/l/link=out"}), Shown(root));
+    EXPECT_EQ(0, pauses);
+}
+
+TEST_F(Tree, CopyingTriesAgainWhatIsBusyForAMoment) {
+    auto file = File("1"), link = Link("out"), folder = Folder({{"file", file}, {"link", link}});
+    file->busy = link->busy = folder->busy = 2;
+    auto from = Folder({{"folder", folder}}), to = Folder();
+    to->busy = 1;
+    Copy(from, to);
+    file->busy = link->busy = folder->busy = 0;
+    EXPECT_EQ((eShown{"folder/", "folder/file=1", "folder/link=out"}), Shown(to));
+    EXPECT_EQ(7, pauses);
+}
+
+TEST_F(Tree, ManyBusyEntriesHoldADeletionUpForAboutASecondInAll) {
+    auto root = Folder();
+    for (int number = 0; number < 1000; ++number) {
+        auto file = File();
+        file->busy = 1'000'000;
+        root->below.emplace(std::to_string(number), file);
+    }
+    std::chrono::milliseconds waited{0};
+    patience = ePatience([&](ePatience::ePause pause) { waited += pause; });
+    EXPECT_FALSE(Delete(root));
+    EXPECT_EQ(1000u, root->below.size());
+    EXPECT_GE(waited, std::chrono::milliseconds(1000));
+    EXPECT_LT(waited, std::chrono::milliseconds(1250));
 }
 
 } // namespace

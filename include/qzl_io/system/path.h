@@ -8,8 +8,12 @@
 // Whole folders. A back slash in a folder's name counts as a slash. Only Create tells of failure; the other tree
 // operations skip what the system refuses and go on.
 //
-// Links (symbolic links, on Windows also junctions and every other reparse point that is a folder) never lead a tree
-// operation out of the tree, not even when somebody exchanges a folder for a link while it runs.
+// Links (symbolic links and junctions: what eSearch::IsLink tells) never lead a tree operation out of the tree, not
+// even when somebody exchanges a folder for a link while it runs.
+//
+// What Windows refuses because somebody has it open, or because a deletion is not through yet, is tried again for up to
+// a quarter of a second. When a second of such waiting has been in vain the operation waits no more. A read-only file
+// or folder is not waited for and stays.
 
 namespace IO::System::Path {
 
@@ -25,8 +29,8 @@ namespace IO::System::Path {
 QZL_IO_API bool Create(const eFileName& folder);
 
 /// Copies a folder tree. FIRST DELETES `to` WITH EVERYTHING IN IT, whatever it held; afterwards `to` holds what `from`
-/// held. Links are recreated where the system allows it and never followed; devices and pipes are left out.
-/// An empty name on either side does nothing.
+/// held. Links are recreated; where the system refuses that, a link to a file becomes a copy of that file, and any
+/// other link is left out. Devices and pipes are left out, too. An empty name on either side does nothing.
 ///
 /// Do not copy a folder onto itself, into one of its own subfolders or over a folder that contains it: the deletion
 /// comes first and destroys what was to be copied.

@@ -14,7 +14,7 @@ namespace IO {
 template <class Char>
 struct eSearchRecord {
     static constexpr unsigned int Directory = 0x10;
-    static constexpr unsigned int ReparsePoint = 0x400;
+    static constexpr unsigned int Link = 0x400; ///< what leads elsewhere; any other reparse point does not have it
 
     unsigned int attributes = 0;
     bool kindPending = false;    ///< the attributes are still to be asked for
@@ -113,7 +113,7 @@ public:
     /// True for an entry that leads elsewhere: a symbolic link, on Windows any reparse point. It is a file or a
     /// subfolder besides; a walk that goes down into subfolders leaves the tree, or never ends, where it goes down into
     /// links.
-    bool IsLink() const { return valid && (Attributes() & Record::ReparsePoint) != 0; }
+    bool IsLink() const { return valid && (Attributes() & Record::Link) != 0; }
 
     /// The entry's name alone; empty without an entry. Valid until the search moves on.
     const Char* Name() const { return record.name.c_str(); }

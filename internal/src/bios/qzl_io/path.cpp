@@ -4,6 +4,7 @@
 #include <qzl_io/system/search.h>
 
 #include "path_text.h"
+#include "patience.h"
 #include "platform/files.h"
 #include "platform/folder.h"
 #include "platform/machine.h"
@@ -13,9 +14,6 @@ namespace IO::System {
 
 namespace {
 
-using Platform::eNamedLink;
-using Platform::OpenFolder;
-
 /// Names of 2-byte characters belong to the system that has drives.
 constexpr eNameRoot nameRoot = sizeof(wchar_t) == 2 ? eNameRoot::Drive : eNameRoot::Slash;
 
@@ -24,25 +22,34 @@ bool NamesNothing(const Name& folder) {
     return *folder.c_str() == 0;
 }
 
+/// Null when it cannot be opened.
 template <class Char>
-bool CreateFolder(const std::basic_string<Char>& folder) {
+std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience& patience) {
+    std::unique_ptr<eFolder> opened;
+    patience.Get([&] { return Platform::OpenFolder(name, link, &opened); });
+    return opened;
+}
+
+template <class Char>
+bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience) {
     if (folder.empty() || Platform::MayAccess(folder.c_str(), File::Exist))
         return true;
-    const auto makeFolder = [](const std::basic_string<Char>& part) {
-        return Platform::MakeFolder(part.c_str()) != Platform::eMadeFolder::Refused;
+    const auto makeFolder = [&](const std::basic_string<Char>& part) {
+        return patience.Get([&] { return Platform::MakeFolder(part.c_str()); });
     };
     return MakeParts(folder, FirstPart(std::basic_string_view<Char>(folder), nameRoot), makeFolder);
 }
 
 template <class Name>
-void DeleteFolder(const Name& folder, bool recursive) {
+void DeleteFolder(const Name& folder, bool recursive, ePatience& patience) {
     if (NamesNothing(folder))
         return;
     const Name path = Name(folder).GetPath();
+    bool emptied = false;
     if (recursive)
-        if (const auto opened = OpenFolder(path.c_str(), eNamedLink::Refuse))
-            DeleteContents(*opened);
-    if (!Platform::RemoveFolder(path.c_str()))
+        if (const auto opened = OpenFolder(path.c_str(), eNamedLink::Refuse, patience))
+            emptied = DeleteContents(*opened, patience);
+    if (!patience.GetRemoved(emptied, [&] { return Platform::RemoveFolder(path.c_str()); }))
         Platform::RemoveFolderLink(path.c_str());
 }
 
@@ -52,25 +59,28 @@ void CopyFolder(const Name& from, const Name& to) {
         return;
     const Name source = Name(from).GetPath();
     const Name target = Name(to).GetPath();
-    DeleteFolder(target, true);
-    CreateFolder(target.str());
-    const auto openedSource = OpenFolder(source.c_str(), eNamedLink::Follow);
-    const auto openedTarget = OpenFolder(target.c_str(), eNamedLink::Refuse);
+    ePatience patience;
+    DeleteFolder(target, true, patience);
+    CreateFolder(target.str(), patience);
+    const auto openedSource = OpenFolder(source.c_str(), eNamedLink::Follow, patience);
+    const auto openedTarget = OpenFolder(target.c_str(), eNamedLink::Refuse, patience);
     if (openedSource && openedTarget)
-        CopyContents(*openedSource, *openedTarget);
+        CopyContents(*openedSource, *openedTarget, patience);
 }
 
 template <class Search, class Name, class Char>
 void PurgeFolder(const Name& folder, const Char* mask) {
     const Name prefix(folder);
+    ePatience patience;
     for (Search search(prefix, mask); search.Valid(); search.Next()) {
         if (!search.IsSubfolder() || search.IsLink())
             continue;
         // Joined as text: on Linux a listed name may hold a back slash, which a name value would turn.
         const auto subfolder = prefix.str() + search.Name() + Char('/');
-        if (const auto opened = OpenFolder(subfolder.c_str(), eNamedLink::Refuse))
-            PurgeContents(*opened);
-        Platform::RemoveFolder(subfolder.c_str());
+        bool emptied = false;
+        if (const auto opened = OpenFolder(subfolder.c_str(), eNamedLink::Refuse, patience))
+            emptied = PurgeContents(*opened, patience);
+        patience.GetRemoved(emptied, [&] { return Platform::RemoveFolder(subfolder.c_str()); });
     }
 }
 
@@ -101,13 +111,15 @@ std::basic_string<Char> CutPath(const std::basic_string<Char>& path, std::basic_
 namespace Path {
 
 bool Create(const eFileName& folder) {
-    return CreateFolder(eFileName(folder).str());
+    ePatience patience;
+    return CreateFolder(eFileName(folder).str(), patience);
 }
 void Copy(const eFileName& from, const eFileName& to) {
     CopyFolder(from, to);
 }
 void Delete(const eFileName& folder, bool recursive) {
-    DeleteFolder(folder, recursive);
+    ePatience patience;
+    DeleteFolder(folder, recursive, patience);
 }
 void PurgeEmpty(const eFileName& folder) {
     PurgeFolder<eSearch>(folder, "*.*");
@@ -127,13 +139,15 @@ std::string WorkingDir() {
 namespace PathW {
 
 bool Create(const eFileNameW& folder) {
-    return CreateFolder(eFileNameW(folder).str());
+    ePatience patience;
+    return CreateFolder(eFileNameW(folder).str(), patience);
 }
 void Copy(const eFileNameW& from, const eFileNameW& to) {
     CopyFolder(from, to);
 }
 void Delete(const eFileNameW& folder, bool recursive) {
-    DeleteFolder(folder, recursive);
+    ePatience patience;
+    DeleteFolder(folder, recursive, patience);
 }
 void PurgeEmpty(const eFileNameW& folder) {
     PurgeFolder<eSearchW>(folder, L"*.*");

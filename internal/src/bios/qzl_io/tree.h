@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "patience.h"
 #include "platform/folder.h"
 
 // Walks over folder trees: what is entered, removed and copied, and what is left alone. The walks use no recursion,
@@ -14,7 +15,7 @@ namespace IO::System {
 using Platform::eEntry;
 using Platform::eEntryKind;
 using Platform::eFolder;
-using Platform::eFolderId;
+using Platform::eNamedLink;
 
 /// The folders from a root, which is the caller's, down to where a walk stands. Only the lowest ones are kept open.
 class eFolderStack {
@@ -50,12 +51,12 @@ private:
 /// entries; Enter for a subfolder that has been opened, and where that gives false it is left out; Leave when all in
 /// the subfolder has been visited, or when it could not be opened.
 template <class Visitor>
-void WalkTree(eFolder& root, Visitor visitor) {
+void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
     eFolderStack folders(root);
     std::vector<eEntry> path;
     const auto goDown = [&](const eEntry& entry) {
-        auto folder = folders.Top().Enter(entry);
-        if (!folder) {
+        std::unique_ptr<eFolder> folder;
+        if (!patience.Get([&] { return folders.Top().Enter(entry, &folder); })) {
             visitor.Leave(folders.Top(), entry, false);
         } else if (visitor.Enter(*folder, entry)) {
             folders.Push(std::move(folder));
@@ -80,44 +81,94 @@ void WalkTree(eFolder& root, Visitor visitor) {
     }
 }
 
-/// Removes everything in the folder that the system lets go; links themselves, never what they point to.
-inline void DeleteContents(eFolder& root) {
-    struct eDeletion {
-        void File(eFolder& folder, const eEntry& entry) { folder.RemoveFile(entry); }
-        void Link(eFolder& folder, const eEntry& entry) { folder.RemoveLink(entry); }
-        bool Enter(eFolder&, const eEntry&) { return true; }
-        void Leave(eFolder& parent, const eEntry& entry, bool) {
+/// For visitors that remove folders after what is in them. Notes where something stays: of such a folder the system says
+/// for good that it is not empty.
+class eEmptying {
+public:
+    explicit eEmptying(ePatience& waiting) : patience(waiting), keeping(1, false) {}
+
+    bool Enter(eFolder&, const eEntry&) {
+        keeping.push_back(false);
+        return true;
+    }
+
+    /// Whether everything in the folder where the walk stands has been removed.
+    bool Emptied() const { return !keeping.back(); }
+
+protected:
+    bool RemoveFolder(eFolder& parent, const eEntry& entry, bool entered) {
+        const bool emptied = entered && Emptied();
+        if (entered)
+            keeping.pop_back();
+        return patience.GetRemoved(emptied, [&] { return parent.RemoveFolder(entry); });
+    }
+
+    void Note(bool removed) {
+        if (!removed)
+            keeping.back() = true;
+    }
+
+    ePatience& patience;
+
+private:
+    std::vector<bool> keeping; ///< for each folder from the root down to where the walk stands
+};
+
+/// Removes everything in the folder that the system lets go; links themselves, never what they point to. True when
+/// nothing stays.
+inline bool DeleteContents(eFolder& root, ePatience& patience) {
+    class eDeletion : public eEmptying {
+    public:
+        using eEmptying::eEmptying;
+
+        void File(eFolder& folder, const eEntry& entry) {
+            Note(patience.Get([&] { return folder.RemoveFile(entry); }));
+        }
+        void Link(eFolder& folder, const eEntry& entry) {
+            Note(patience.Get([&] { return folder.RemoveLink(entry); }));
+        }
+        void Leave(eFolder& parent, const eEntry& entry, bool entered) {
             // Exchanged for a link since it was listed: then the link goes.
-            if (!parent.RemoveFolder(entry))
-                parent.RemoveLink(entry);
+            Note(RemoveFolder(parent, entry, entered) || parent.RemoveLink(entry) == eAnswer::Done);
         }
     };
-    WalkTree(root, eDeletion());
+    eDeletion deletion(patience);
+    WalkTree(root, patience, deletion);
+    return deletion.Emptied();
 }
 
-/// Removes the subfolders that hold no file and no link anywhere below them, deepest first.
-inline void PurgeContents(eFolder& root) {
-    struct ePurge {
-        void File(eFolder&, const eEntry&) {}
-        void Link(eFolder&, const eEntry&) {}
-        bool Enter(eFolder&, const eEntry&) { return true; }
-        void Leave(eFolder& parent, const eEntry& entry, bool) { parent.RemoveFolder(entry); }
+/// Removes the subfolders that hold no file and no link anywhere below them, deepest first. True when nothing stays.
+inline bool PurgeContents(eFolder& root, ePatience& patience) {
+    class ePurge : public eEmptying {
+    public:
+        using eEmptying::eEmptying;
+
+        void File(eFolder&, const eEntry&) { Note(false); }
+        void Link(eFolder&, const eEntry&) { Note(false); }
+        void Leave(eFolder& parent, const eEntry& entry, bool entered) { Note(RemoveFolder(parent, entry, entered)); }
     };
-    WalkTree(root, ePurge());
+    ePurge purge(patience);
+    WalkTree(root, patience, purge);
+    return purge.Emptied();
 }
 
 /// Copies what one folder holds into another. Subfolders that the target has already are emptied first. Where the
-/// target lies below the source it is not copied into itself.
-inline void CopyContents(eFolder& source, eFolder& target) {
+/// target lies below the source it is not copied into itself. Of a link to a file that the system does not make again
+/// the content is copied; any other such link is left out.
+inline void CopyContents(eFolder& source, eFolder& target, ePatience& patience) {
     class eCopy {
     public:
-        explicit eCopy(eFolder& root) : targets(root), rootId(root.Id()) {}
+        eCopy(eFolder& root, ePatience& waiting) : targets(root), rootId(root.Id()), patience(waiting) {}
 
-        void File(eFolder& folder, const eEntry& entry) { folder.CopyFileTo(targets.Top(), entry); }
-        void Link(eFolder& folder, const eEntry& entry) { folder.CopyLinkTo(targets.Top(), entry); }
+        void File(eFolder& folder, const eEntry& entry) { CopyFile(folder, entry, eNamedLink::Refuse); }
+
+        void Link(eFolder& folder, const eEntry& entry) {
+            if (!patience.Get([&] { return folder.CopyLinkTo(targets.Top(), entry); }))
+                CopyFile(folder, entry, eNamedLink::Follow);
+        }
 
         bool Enter(eFolder& folder, const eEntry& entry) {
-            if (folder.Id() == rootId)
+            if (AreOneFolder(folder.Id(), rootId))
                 return false;
             auto copy = EmptyFolder(entry);
             if (!copy)
@@ -134,18 +185,24 @@ inline void CopyContents(eFolder& source, eFolder& target) {
         }
 
     private:
+        void CopyFile(eFolder& folder, const eEntry& entry, eNamedLink link) {
+            patience.Get([&] { return folder.CopyFileTo(targets.Top(), entry, link); });
+        }
+
         std::unique_ptr<eFolder> EmptyFolder(const eEntry& entry) {
-            const bool isNew = targets.Top().MakeFolder(entry);
-            auto folder = targets.Top().Enter(entry);
-            if (folder && !isNew)
-                DeleteContents(*folder);
+            const bool isNew = patience.Get([&] { return targets.Top().MakeFolder(entry); });
+            std::unique_ptr<eFolder> folder;
+            if (patience.Get([&] { return targets.Top().Enter(entry, &folder); }) && !isNew)
+                DeleteContents(*folder, patience);
             return folder;
         }
 
         eFolderStack targets;
-        eFolderId rootId;
+        const eFileId rootId;
+        ePatience& patience;
     };
-    WalkTree(source, eCopy(target));
+    eCopy copy(target, patience);
+    WalkTree(source, patience, copy);
 }
 
 } // namespace IO::System

@@ -1,11 +1,14 @@
 // The units under test are compiled here, so that a folder can be exchanged between any two of their steps, and with
 // listings that do not tell what their entries are, as those of some file systems.
+#include <cerrno>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <dirent.h>
+#include <unistd.h>
 
 namespace {
 
@@ -15,6 +18,16 @@ struct eListing {
 };
 
 eListing theListing;
+
+bool noLinks = false;
+
+int simulated_symlinkat(const char* target, int folder, const char* name) {
+    if (noLinks) {
+        errno = EPERM;
+        return -1;
+    }
+    return symlinkat(target, folder, name);
+}
 
 ssize_t simulated_getdents64(int folder, void* entries, std::size_t size) {
     const ssize_t count = getdents64(folder, entries, size);
@@ -36,7 +49,9 @@ ssize_t simulated_getdents64(int folder, void* entries, std::size_t size) {
 #include "platform/posix/copy_content.cpp"
 #include "platform/posix/descriptor.cpp"
 #include "platform/posix/file_copy.cpp"
+#define symlinkat simulated_symlinkat
 #include "platform/posix/folder.cpp"
+#undef symlinkat
 #include "platform/posix/listing.cpp"
 #include "platform/posix/real_place.cpp"
 #include "platform/posix/replacement.cpp"
@@ -45,9 +60,12 @@ ssize_t simulated_getdents64(int folder, void* entries, std::size_t size) {
 
 #include <support/temp_folder.h>
 
+#include "tree.h"
+
 namespace {
 
 namespace fs = std::filesystem;
+using IO::Platform::eAnswer;
 using IO::Platform::eEntry;
 using IO::Platform::eEntryKind;
 using IO::Platform::eFolder;
@@ -57,13 +75,16 @@ class OpenedFolder : public testing::Test {
 protected:
     OpenedFolder() {
         theListing = eListing();
+        noLinks = false;
         for (const char* name : {"from", "to", "outside"})
             fs::create_directory(temp.Path() / name);
         temp.Write("outside/file", "precious");
     }
 
     std::unique_ptr<eFolder> Open(std::string_view name) const {
-        return IO::Platform::OpenFolder(temp.Name(name).c_str(), eNamedLink::Refuse);
+        std::unique_ptr<eFolder> opened;
+        EXPECT_EQ(eAnswer::Done, IO::Platform::OpenFolder(temp.Name(name).c_str(), eNamedLink::Refuse, &opened));
+        return opened;
     }
 
     eTempFolder temp;
@@ -76,7 +97,7 @@ protected:
 TEST_F(OpenedFolder, CopiesNoFileThatHasBecomeALink) {
     const auto from = Open("from"), to = Open("to");
     fs::create_symlink("../outside/file", temp.Path() / "from/file");
-    from->CopyFileTo(*to, file);
+    from->CopyFileTo(*to, file, eNamedLink::Refuse);
     EXPECT_FALSE(temp.Exists("to/file"));
 }
 
@@ -84,35 +105,37 @@ TEST_F(OpenedFolder, CopiesThroughNoLinkInTheTarget) {
     const auto from = Open("from"), to = Open("to");
     temp.Write("from/file", "other");
     fs::create_symlink("../outside/file", temp.Path() / "to/file");
-    from->CopyFileTo(*to, file);
+    from->CopyFileTo(*to, file, eNamedLink::Refuse);
     EXPECT_EQ("precious", temp.Read("outside/file"));
 }
 
 TEST_F(OpenedFolder, EntersNoFolderThatHasBecomeALink) {
     const auto from = Open("from");
     fs::create_directory_symlink("../outside", temp.Path() / "from/sub");
-    EXPECT_EQ(nullptr, from->Enter(sub));
+    std::unique_ptr<eFolder> opened;
+    EXPECT_EQ(eAnswer::Refused, from->Enter(sub, &opened));
+    EXPECT_EQ(nullptr, opened);
 }
 
 TEST_F(OpenedFolder, WakesOnlyAsTheFolderThatItWas) {
     const auto from = Open("from");
-    ASSERT_TRUE(from->MakeFolder(sub));
+    ASSERT_EQ(eAnswer::Done, from->MakeFolder(sub));
     temp.Write("from/other", "x");
     eEntry entry;
     ASSERT_TRUE(from->Next(&entry));
-    const auto child = from->Enter(sub);
-    ASSERT_NE(nullptr, child);
+    std::unique_ptr<eFolder> child;
+    ASSERT_EQ(eAnswer::Done, from->Enter(sub, &child));
     from->Rest();
     fs::rename(temp.Path() / "from/sub", temp.Path() / "outside/sub");
     from->Wake(*child);
     from->RemoveFile(file);
     EXPECT_FALSE(from->Next(&entry));
-    EXPECT_FALSE(from->MakeFolder({eEntryKind::Folder, "new"}));
+    EXPECT_EQ(eAnswer::Refused, from->MakeFolder({eEntryKind::Folder, "new"}));
     EXPECT_TRUE(temp.Exists("outside/file"));
     fs::rename(temp.Path() / "outside/sub", temp.Path() / "from/sub");
     from->Wake(*child);
     EXPECT_TRUE(from->Next(&entry));
-    EXPECT_TRUE(from->MakeFolder({eEntryKind::Folder, "new"}));
+    EXPECT_EQ(eAnswer::Done, from->MakeFolder({eEntryKind::Folder, "new"}));
     EXPECT_TRUE(temp.Exists("from/new"));
 }
 
@@ -153,6 +176,31 @@ TEST_F(OpenedFolder, IsSearchedRightlyWhereTheListingDoesNotTellWhatAnEntryIs) {
                                                    {"..", eRecord::Directory},
                                                    {"file", 0},
                                                    {"folder", eRecord::Directory},
-                                                   {"link", eRecord::Directory | eRecord::ReparsePoint}}),
+                                                   {"link", eRecord::Directory | eRecord::Link}}),
               attributes);
+}
+
+// As file systems do that came from elsewhere.
+TEST_F(OpenedFolder, CopiesTheContentOfFileLinksWhereNoLinksCanBeMade) {
+    fs::create_directory(temp.Path() / "outside/inner");
+    fs::create_symlink("../outside/file", temp.Path() / "from/to file");
+    fs::create_symlink("../outside/inner", temp.Path() / "from/to folder");
+    fs::create_symlink("nowhere", temp.Path() / "from/to nothing");
+    fs::create_symlink("/dev/null", temp.Path() / "from/to device");
+    noLinks = true;
+    IO::System::ePatience patience;
+    IO::System::CopyContents(*Open("from"), *Open("to"), patience);
+    EXPECT_FALSE(fs::is_symlink(temp.Path() / "to/to file"));
+    EXPECT_EQ("precious", temp.Read("to/to file"));
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(temp.Path() / "to"))
+        names.push_back(entry.path().filename().string());
+    EXPECT_EQ(std::vector<std::string>{"to file"}, names);
+}
+
+TEST_F(OpenedFolder, IsKnownByItsNumbers) {
+    const auto from = Open("from"), same = Open("from"), to = Open("to");
+    EXPECT_TRUE(from->Id().IsNumbered());
+    EXPECT_TRUE(AreOneFolder(from->Id(), same->Id()));
+    EXPECT_FALSE(AreOneFolder(from->Id(), to->Id()));
 }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <memory>
-#include <string>
+
+#include "../file_id.h"
 
 namespace IO::Platform {
 
-/// What an entry of a folder is to those who walk a tree. A link is what leads elsewhere (a symbolic link, a junction,
-/// any other folder that is a reparse point): nobody enters it.
+/// What an entry of a folder is to those who walk a tree. A link is what leads elsewhere (a symbolic link, a junction):
+/// nobody enters it.
 enum class eEntryKind : unsigned char { File, Folder, Link };
 
 /// One entry of a folder's listing. The name is in the system's own form, which only folders opened in the same way
@@ -16,13 +17,12 @@ struct eEntry {
     const void* name = nullptr;
 };
 
-/// Tells folders apart, whatever names lead to them.
-struct eFolderId {
-    unsigned long long volume = 0;
-    unsigned long long number = 0;
+/// What a system says to a wish. Busy: not now, but the same may be had a moment later. Full: the folder is not empty,
+/// or not yet, for what was removed from it may go a moment later. A system that knows no such moments says neither.
+enum class eAnswer : unsigned char { Done, Busy, Full, Refused };
 
-    friend constexpr bool operator==(const eFolderId&, const eFolderId&) = default;
-};
+/// Whether a name may be a link to what is meant.
+enum class eNamedLink { Follow, Refuse };
 
 /// An open folder. Everything is done within this very folder: whoever exchanges it, or one above it, for a link in the
 /// meantime cannot lead it elsewhere. Names passed in may come from the listing of another folder.
@@ -33,18 +33,20 @@ public:
     /// The next entry other than "." and ".."; false when there are no more.
     virtual bool Next(eEntry* entry) = 0;
 
-    /// Opens the subfolder of that name. Null when it is missing, may not be listed or has become a link.
-    virtual std::unique_ptr<eFolder> Enter(const eEntry& entry) = 0;
+    /// Opens the subfolder of that name. Refused when it is missing, may not be listed or has become a link.
+    virtual eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) = 0;
 
-    // Each of these gives false, or does nothing, where the system refuses.
-    virtual bool RemoveFile(const eEntry& entry) = 0;
-    virtual bool RemoveLink(const eEntry& entry) = 0;   ///< never what it points to
-    virtual bool RemoveFolder(const eEntry& entry) = 0; ///< an empty one
-    virtual bool MakeFolder(const eEntry& entry) = 0;   ///< false for an existing one too
-    virtual void CopyFileTo(eFolder& target, const eEntry& entry) = 0;
-    virtual void CopyLinkTo(eFolder& target, const eEntry& entry) = 0; ///< the link itself
+    virtual eAnswer RemoveFile(const eEntry& entry) = 0;
+    virtual eAnswer RemoveLink(const eEntry& entry) = 0;   ///< never what it points to
+    virtual eAnswer RemoveFolder(const eEntry& entry) = 0; ///< an empty one
+    virtual eAnswer MakeFolder(const eEntry& entry) = 0;   ///< Refused for an existing one too
+    /// Copies a file's content; with Follow the entry is a link, and a file behind it is meant. Nobody asks whether it
+    /// worked, only whether it is Busy.
+    virtual eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) = 0;
+    virtual eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) = 0; ///< the link itself
 
-    virtual eFolderId Id() = 0;
+    /// With the final name where it has no number; empty when the system tells nothing.
+    virtual const eFileId& Id() = 0;
 
     /// Gives back what the system counts (a descriptor) while the walk is far below. Until woken it has no entries and
     /// refuses everything.
@@ -53,22 +55,17 @@ public:
     virtual void Wake(eFolder& child) = 0;
 };
 
-/// Whether a folder's own name may be a link to it.
-enum class eNamedLink { Follow, Refuse };
-
-/// Opens a folder by its name, which ends in "/". Null when it is missing, may not be listed, or is a link refused.
+/// Opens a folder by its name, which ends in "/". Refused when it is missing, may not be listed, or is a link refused.
 template <class Char>
-std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link);
+eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* opened);
 
-enum class eMadeFolder { Made, Existed, Refused };
-
-/// Makes one folder whose parent exists. Something else of that name counts as existed.
+/// Makes one folder whose parent exists. Done, too, when something of that name exists.
 template <class Char>
-eMadeFolder MakeFolder(const Char* name);
+eAnswer MakeFolder(const Char* name);
 
-/// Removes an empty folder; false where the system refuses.
+/// Removes an empty folder.
 template <class Char>
-bool RemoveFolder(const Char* name);
+eAnswer RemoveFolder(const Char* name);
 
 /// Removes a link to a folder, where RemoveFolder has not done so already; false for anything else.
 template <class Char>

@@ -147,8 +147,8 @@ void CopyRegularFile(ePlace from, ePlace to, const bool* cancel) {
         CopyOpened(source, to, eLastLinks::Follow, cancel);
 }
 
-void CopyNewFile(ePlace from, ePlace to) {
-    const eOpened source(from, O_RDONLY | O_NOFOLLOW);
+void CopyNewFile(ePlace from, ePlace to, eNamedLink link) {
+    const eOpened source(from, O_RDONLY | (link == eNamedLink::Refuse ? O_NOFOLLOW : 0));
     if (!source.IsRegular())
         return;
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../folder.h"
 #include "real_place.h"
 
 namespace IO::Platform {
@@ -13,7 +14,8 @@ namespace IO::Platform {
 /// that is no regular file, and one that this process may write but not replace.
 void CopyRegularFile(ePlace from, ePlace to, const bool* cancel);
 
-/// The same where the target is to be new and no name may be a link: no file beside it is needed, a failure removes it.
-void CopyNewFile(ePlace from, ePlace to);
+/// The same where the target is to be new and its name may not be a link: no file beside it is needed, a failure removes
+/// it. `link` says whether the source's name may be one.
+void CopyNewFile(ePlace from, ePlace to, eNamedLink link);
 
 } // namespace IO::Platform

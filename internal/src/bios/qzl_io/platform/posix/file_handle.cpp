@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "file_id.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_name.h"
 
@@ -120,10 +121,16 @@ unsigned long long CopyBetween(int source, unsigned long long from, int target, 
 }
 
 bool MayBeOneFile(int one, int other) noexcept {
-    struct stat first = {};
-    struct stat second = {};
-    const bool told = Ask(one, &first) && Ask(other, &second);
-    return !told || (first.st_dev == second.st_dev && first.st_ino == second.st_ino);
+    const auto id = [](int handle) {
+        eFileId told;
+        struct stat facts = {};
+        if (Ask(handle, &facts)) {
+            told.volume = facts.st_dev;
+            told.low = facts.st_ino;
+        }
+        return told;
+    };
+    return IO::MayBeOneFile(id(one), id(other));
 }
 
 bool FileLength(int handle, unsigned long long* length) noexcept {

@@ -25,6 +25,10 @@ eDescriptor OpenDescriptor(int parent, const char* name, int flags) {
     return eDescriptor(Uninterrupted([&] { return ::openat(parent, name, folderFlags | flags); }));
 }
 
+eAnswer Told(bool done) {
+    return done ? eAnswer::Done : eAnswer::Refused;
+}
+
 const char* NameOf(const eEntry& entry) {
     return static_cast<const char*>(entry.name);
 }
@@ -49,33 +53,42 @@ public:
         return true;
     }
 
-    std::unique_ptr<eFolder> Enter(const eEntry& entry) override {
-        eDescriptor opened = OpenDescriptor(folder.Get(), NameOf(entry), O_NOFOLLOW);
-        return opened.IsOpen() ? std::make_unique<ePosixFolder>(std::move(opened)) : nullptr;
+    static eAnswer Open(int parent, const char* name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
+        eDescriptor descriptor = OpenDescriptor(parent, name, link == eNamedLink::Refuse ? O_NOFOLLOW : 0);
+        if (!descriptor.IsOpen())
+            return eAnswer::Refused;
+        *opened = std::make_unique<ePosixFolder>(std::move(descriptor));
+        return eAnswer::Done;
     }
 
-    bool RemoveFile(const eEntry& entry) override { return ::unlinkat(folder.Get(), NameOf(entry), 0) == 0; }
-    bool RemoveLink(const eEntry& entry) override { return ::unlinkat(folder.Get(), NameOf(entry), 0) == 0; }
-    bool RemoveFolder(const eEntry& entry) override {
-        return ::unlinkat(folder.Get(), NameOf(entry), AT_REMOVEDIR) == 0;
-    }
-    bool MakeFolder(const eEntry& entry) override { return ::mkdirat(folder.Get(), NameOf(entry), newFolderMode) == 0; }
-
-    void CopyFileTo(eFolder& target, const eEntry& entry) override {
-        CopyNewFile({folder.Get(), NameOf(entry)}, {Descriptor(target), NameOf(entry)});
+    eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) override {
+        return Open(folder.Get(), NameOf(entry), eNamedLink::Refuse, opened);
     }
 
-    void CopyLinkTo(eFolder& target, const eEntry& entry) override {
+    eAnswer RemoveFile(const eEntry& entry) override { return Told(::unlinkat(folder.Get(), NameOf(entry), 0) == 0); }
+    eAnswer RemoveLink(const eEntry& entry) override { return RemoveFile(entry); }
+    eAnswer RemoveFolder(const eEntry& entry) override {
+        return Told(::unlinkat(folder.Get(), NameOf(entry), AT_REMOVEDIR) == 0);
+    }
+    eAnswer MakeFolder(const eEntry& entry) override {
+        return Told(::mkdirat(folder.Get(), NameOf(entry), newFolderMode) == 0);
+    }
+
+    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
+        CopyNewFile({folder.Get(), NameOf(entry)}, {Descriptor(target), NameOf(entry)}, link);
+        return eAnswer::Done;
+    }
+
+    eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
         std::vector<char> text(PATH_MAX + 1);
         const ssize_t length = ::readlinkat(folder.Get(), NameOf(entry), text.data(), PATH_MAX);
-        if (length > 0) [[maybe_unused]]
-            const int refused = ::symlinkat(text.data(), Descriptor(target), NameOf(entry));
+        return Told(length > 0 && ::symlinkat(text.data(), Descriptor(target), NameOf(entry)) == 0);
     }
 
-    eFolderId Id() override {
+    const eFileId& Id() override {
         struct stat status {};
-        if (id == eFolderId() && ::fstat(folder.Get(), &status) == 0)
-            id = {status.st_dev, status.st_ino};
+        if (!id.IsNumbered() && ::fstat(folder.Get(), &status) == 0)
+            id = IdOf(status);
         return id;
     }
 
@@ -87,7 +100,7 @@ public:
     void Wake(eFolder& child) override {
         eDescriptor opened = OpenDescriptor(Descriptor(child), "..", 0);
         struct stat status {};
-        if (opened.IsOpen() && ::fstat(opened.Get(), &status) == 0 && Id() == eFolderId{status.st_dev, status.st_ino})
+        if (opened.IsOpen() && ::fstat(opened.Get(), &status) == 0 && AreOneFolder(Id(), IdOf(status)))
             folder = std::move(opened);
     }
 
@@ -126,10 +139,12 @@ private:
         return S_ISDIR(status.st_mode) ? eEntryKind::Folder : eEntryKind::File;
     }
 
+    static eFileId IdOf(const struct stat& status) { return {status.st_dev, 0, status.st_ino, {}}; }
+
     static int Descriptor(eFolder& other) { return static_cast<ePosixFolder&>(other).folder.Get(); }
 
     eDescriptor folder;
-    eFolderId id; ///< of no folder until asked for
+    eFileId id; ///< of no folder until asked for
     bool listed = false;
     std::vector<char> listing;
     std::size_t position = 0;
@@ -146,22 +161,18 @@ std::string WithoutSlashes(const char* name) {
 } // namespace
 
 template <class Char>
-std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link) {
-    const std::string bytes = WithoutSlashes(eNativeName(name).c_str());
-    eDescriptor opened = OpenDescriptor(AT_FDCWD, bytes.c_str(), link == eNamedLink::Refuse ? O_NOFOLLOW : 0);
-    return opened.IsOpen() ? std::make_unique<ePosixFolder>(std::move(opened)) : nullptr;
+eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
+    return ePosixFolder::Open(AT_FDCWD, WithoutSlashes(eNativeName(name).c_str()).c_str(), link, opened);
 }
 
 template <class Char>
-eMadeFolder MakeFolder(const Char* name) {
-    if (::mkdir(eNativeName(name).c_str(), newFolderMode) == 0)
-        return eMadeFolder::Made;
-    return errno == EEXIST ? eMadeFolder::Existed : eMadeFolder::Refused;
+eAnswer MakeFolder(const Char* name) {
+    return Told(::mkdir(eNativeName(name).c_str(), newFolderMode) == 0 || errno == EEXIST);
 }
 
 template <class Char>
-bool RemoveFolder(const Char* name) {
-    return ::rmdir(eNativeName(name).c_str()) == 0;
+eAnswer RemoveFolder(const Char* name) {
+    return Told(::rmdir(eNativeName(name).c_str()) == 0);
 }
 
 template <class Char>
@@ -173,12 +184,12 @@ bool RemoveFolderLink(const Char* name) {
            S_ISDIR(target.st_mode) && ::unlink(link.c_str()) == 0;
 }
 
-template std::unique_ptr<eFolder> OpenFolder(const char*, eNamedLink);
-template std::unique_ptr<eFolder> OpenFolder(const wchar_t*, eNamedLink);
-template eMadeFolder MakeFolder(const char*);
-template eMadeFolder MakeFolder(const wchar_t*);
-template bool RemoveFolder(const char*);
-template bool RemoveFolder(const wchar_t*);
+template eAnswer OpenFolder(const char*, eNamedLink, std::unique_ptr<eFolder>*);
+template eAnswer OpenFolder(const wchar_t*, eNamedLink, std::unique_ptr<eFolder>*);
+template eAnswer MakeFolder(const char*);
+template eAnswer MakeFolder(const wchar_t*);
+template eAnswer RemoveFolder(const char*);
+template eAnswer RemoveFolder(const wchar_t*);
 template bool RemoveFolderLink(const char*);
 template bool RemoveFolderLink(const wchar_t*);
 

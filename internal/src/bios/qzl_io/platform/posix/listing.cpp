@@ -39,7 +39,7 @@ namespace Platform {
 namespace {
 
 constexpr unsigned int directory = eSearchRecord<char>::Directory;
-constexpr unsigned int reparsePoint = eSearchRecord<char>::ReparsePoint;
+constexpr unsigned int link = eSearchRecord<char>::Link;
 
 eFileTime FileTimeOf(const timespec& time) {
     constexpr unsigned long long ticksPerSecond = 10'000'000;
@@ -102,7 +102,7 @@ void CompleteKind(eSearchHandle& handle, eSearchRecord<Char>* record) {
         return;
     const bool isLink = S_ISLNK(own.st_mode);
     const bool isFolder = isLink ? Ask(handle, *record, 0, &target) && S_ISDIR(target.st_mode) : S_ISDIR(own.st_mode);
-    record->attributes = (isLink ? reparsePoint : 0) | (isFolder ? directory : 0);
+    record->attributes = (isLink ? link : 0) | (isFolder ? directory : 0);
 }
 
 template <class Char>

@@ -14,6 +14,7 @@
 #include <share.h>
 #include <sys/stat.h>
 
+#include "file_numbers.h"
 #include "native_name.h"
 
 namespace IO::Platform {
@@ -103,13 +104,7 @@ unsigned long long CopyBetween(int, unsigned long long, int, unsigned long long,
 }
 
 bool MayBeOneFile(int one, int other) noexcept {
-    BY_HANDLE_FILE_INFORMATION first = {};
-    BY_HANDLE_FILE_INFORMATION second = {};
-    if (!GetFileInformationByHandle(SystemHandle(one), &first) ||
-        !GetFileInformationByHandle(SystemHandle(other), &second))
-        return true;
-    return first.dwVolumeSerialNumber == second.dwVolumeSerialNumber && first.nFileIndexHigh == second.nFileIndexHigh &&
-           first.nFileIndexLow == second.nFileIndexLow;
+    return IO::MayBeOneFile(NumberedId(SystemHandle(one)), NumberedId(SystemHandle(other)));
 }
 
 // A console and other devices have no length; that is no failure.

@@ -6,6 +6,9 @@
 
 #include <windows.h>
 
+#include "../../listed_kind.h"
+#include "../../patience.h"
+#include "file_numbers.h"
 #include "native_name.h"
 #include "owned_handle.h"
 
@@ -24,16 +27,32 @@ eOpenHandle Pin(const std::wstring& name, DWORD flags) {
                                      OPEN_EXISTING, folderFlags | flags, nullptr));
 }
 
-bool IsRealFolder(const BY_HANDLE_FILE_INFORMATION& opened) {
-    return (opened.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
-           (opened.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+/// Of what was opened as itself.
+bool IsRealFolder(const eOpenHandle& opened) {
+    FILE_ATTRIBUTE_TAG_INFO told{};
+    if (::GetFileInformationByHandleEx(opened.Get(), FileAttributeTagInfo, &told, sizeof(told)))
+        return ListedKind(told.FileAttributes, told.ReparseTag) == eEntryKind::Folder;
+    // A file system that has no tags has no links either.
+    BY_HANDLE_FILE_INFORMATION plain{};
+    constexpr DWORD looked = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    return ::GetFileInformationByHandle(opened.Get(), &plain) &&
+           (plain.dwFileAttributes & looked) == FILE_ATTRIBUTE_DIRECTORY;
 }
 
-eEntryKind KindOf(const WIN32_FIND_DATAW& data) {
-    const bool isReparsePoint = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        return isReparsePoint ? eEntryKind::Link : eEntryKind::Folder;
-    return isReparsePoint && data.dwReserved0 == IO_REPARSE_TAG_SYMLINK ? eEntryKind::Link : eEntryKind::File;
+constexpr DWORD anyAttribute = ~DWORD{0};
+
+/// False for what cannot be seen, as it is while its deletion is not through.
+bool Has(const std::wstring& name, DWORD attributes) {
+    const DWORD seen = ::GetFileAttributesW(name.c_str());
+    return seen != INVALID_FILE_ATTRIBUTES && (seen & attributes) != 0;
+}
+
+/// What a call's result means. Access is denied for good where the name can be seen to have one of the attributes.
+eAnswer Told(BOOL done, const std::wstring& name, DWORD denying) {
+    if (done)
+        return eAnswer::Done;
+    const DWORD error = ::GetLastError();
+    return System::AnswerTo(error, error == ERROR_ACCESS_DENIED && Has(name, denying));
 }
 
 /// "." and "..", and what would lead out of the folder that lists it, whoever keeps that.
@@ -48,66 +67,84 @@ std::wstring WithSlash(std::wstring name) {
     return name;
 }
 
-bool IsReparsePoint(const std::wstring& name) {
+bool IsLink(const std::wstring& name) {
     WIN32_FIND_DATAW data;
     const eFindHandle found(::FindFirstFileW(name.c_str(), &data));
-    return found.IsOpen() && (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    return found.IsOpen() && IsListedLink(data.dwFileAttributes, data.dwReserved0);
 }
 
 /// Holds the folder and so do all above it that were entered on the way: what their names say stays true meanwhile.
 class eWindowsFolder final : public eFolder {
 public:
     /// The path is in extended form and ends in a back slash.
-    eWindowsFolder(std::wstring fullPath, eOpenHandle opened, eFolderId identity)
-        : path(std::move(fullPath)), pin(std::move(opened)), id(identity) {}
+    eWindowsFolder(std::wstring fullPath, eOpenHandle opened) : path(std::move(fullPath)), pin(std::move(opened)) {}
 
-    static std::unique_ptr<eFolder> Open(const std::wstring& name, eNamedLink link) {
-        eOpenHandle opened = Pin(name, link == eNamedLink::Refuse ? noLinks : 0);
-        BY_HANDLE_FILE_INFORMATION information{};
-        if (!opened.IsOpen() || !::GetFileInformationByHandle(opened.Get(), &information))
-            return nullptr;
-        if (link == eNamedLink::Refuse && !IsRealFolder(information))
-            return nullptr;
-        const auto number =
-            static_cast<unsigned long long>(information.nFileIndexHigh) << 32 | information.nFileIndexLow;
-        const eFolderId identity{information.dwVolumeSerialNumber, number};
-        return std::make_unique<eWindowsFolder>(WithSlash(name), std::move(opened), identity);
+    static eAnswer Open(const std::wstring& name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
+        eOpenHandle pin = Pin(name, link == eNamedLink::Refuse ? noLinks : 0);
+        if (!pin.IsOpen())
+            return Told(FALSE, name, anyAttribute);
+        if (!IsRealFolder(pin))
+            return eAnswer::Refused;
+        *opened = std::make_unique<eWindowsFolder>(WithSlash(name), std::move(pin));
+        return eAnswer::Done;
     }
 
     bool Next(eEntry* entry) override {
         while (Advance()) {
             if (LeadsAway(data.cFileName))
                 continue;
-            *entry = {KindOf(data), data.cFileName};
+            *entry = {ListedKind(data.dwFileAttributes, data.dwReserved0), data.cFileName};
             return true;
         }
         return false;
     }
 
-    std::unique_ptr<eFolder> Enter(const eEntry& entry) override { return Open(Named(entry), eNamedLink::Refuse); }
-
-    bool RemoveFile(const eEntry& entry) override { return ::DeleteFileW(Named(entry).c_str()) != FALSE; }
-    bool RemoveLink(const eEntry& entry) override { return RemoveFile(entry) || RemoveFolder(entry); }
-    bool RemoveFolder(const eEntry& entry) override { return ::RemoveDirectoryW(Named(entry).c_str()) != FALSE; }
-    bool MakeFolder(const eEntry& entry) override { return ::CreateDirectoryW(Named(entry).c_str(), nullptr) != FALSE; }
-
-    void CopyFileTo(eFolder& target, const eEntry& entry) override {
-        ::CopyFileW(Named(entry).c_str(), Other(target).Named(entry).c_str(), FALSE);
+    eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) override {
+        return Open(Named(entry), eNamedLink::Refuse, opened);
     }
 
-    void CopyLinkTo(eFolder& target, const eEntry& entry) override {
+    eAnswer RemoveFile(const eEntry& entry) override {
+        const std::wstring name = Named(entry);
+        return Told(::DeleteFileW(name.c_str()), name, FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY);
+    }
+    eAnswer RemoveLink(const eEntry& entry) override {
+        return Has(Named(entry), FILE_ATTRIBUTE_DIRECTORY) ? RemoveFolder(entry) : RemoveFile(entry);
+    }
+    eAnswer RemoveFolder(const eEntry& entry) override {
+        const std::wstring name = Named(entry);
+        return Told(::RemoveDirectoryW(name.c_str()), name, FILE_ATTRIBUTE_READONLY);
+    }
+    eAnswer MakeFolder(const eEntry& entry) override {
+        const std::wstring name = Named(entry);
+        return Told(::CreateDirectoryW(name.c_str(), nullptr), name, anyAttribute);
+    }
+
+    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
         const std::wstring from = Named(entry);
         const std::wstring to = Other(target).Named(entry);
-        if (::CreateDirectoryExW(from.c_str(), to.c_str(), nullptr)) {
-            // A system that cannot recreate the link has made a plain folder of it.
-            if (!IsReparsePoint(to))
-                ::RemoveDirectoryW(to.c_str());
-        } else {
-            ::CopyFileExW(from.c_str(), to.c_str(), nullptr, nullptr, nullptr, linkFlag);
-        }
+        if (link == eNamedLink::Follow && Has(from, FILE_ATTRIBUTE_DIRECTORY))
+            return eAnswer::Refused;
+        return Told(::CopyFileW(from.c_str(), to.c_str(), FALSE), to, anyAttribute);
     }
 
-    eFolderId Id() override { return id; }
+    eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
+        const std::wstring from = Named(entry);
+        const std::wstring to = Other(target).Named(entry);
+        if (!Has(from, FILE_ATTRIBUTE_DIRECTORY))
+            return Told(::CopyFileExW(from.c_str(), to.c_str(), nullptr, nullptr, nullptr, linkFlag), to, anyAttribute);
+        const eAnswer made = Told(::CreateDirectoryExW(from.c_str(), to.c_str(), nullptr), to, anyAttribute);
+        if (made != eAnswer::Done || IsLink(to))
+            return made;
+        // A system that cannot recreate the link has made a plain folder of it.
+        ::RemoveDirectoryW(to.c_str());
+        return eAnswer::Refused;
+    }
+
+    const eFileId& Id() override {
+        if (!std::exchange(identified, true))
+            id = FolderId(pin.Get());
+        return id;
+    }
 
     /// Letting go would allow the exchange; handles are not short.
     void Rest() override {}
@@ -129,7 +166,8 @@ private:
 
     std::wstring path;
     eOpenHandle pin;
-    eFolderId id;
+    eFileId id;
+    bool identified = false;
     bool listed = false;
     eFindHandle search;
     WIN32_FIND_DATAW data;
@@ -138,23 +176,24 @@ private:
 } // namespace
 
 template <class Char>
-std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link) {
+eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
     const std::wstring folder = FolderName(name);
-    if (link == eNamedLink::Refuse && IsReparsePoint(folder))
-        return nullptr;
-    return eWindowsFolder::Open(folder, link);
+    if (link == eNamedLink::Refuse && IsLink(folder))
+        return eAnswer::Refused;
+    return eWindowsFolder::Open(folder, link, opened);
 }
 
 template <class Char>
-eMadeFolder MakeFolder(const Char* name) {
-    if (::CreateDirectoryW(eNativeName(name).c_str(), nullptr))
-        return eMadeFolder::Made;
-    return ::GetLastError() == ERROR_ALREADY_EXISTS ? eMadeFolder::Existed : eMadeFolder::Refused;
+eAnswer MakeFolder(const Char* name) {
+    const std::wstring folder = eNativeName(name).c_str();
+    const BOOL done = ::CreateDirectoryW(folder.c_str(), nullptr) || ::GetLastError() == ERROR_ALREADY_EXISTS;
+    return Told(done, folder, anyAttribute);
 }
 
 template <class Char>
-bool RemoveFolder(const Char* name) {
-    return ::RemoveDirectoryW(eNativeName(name).c_str()) != FALSE;
+eAnswer RemoveFolder(const Char* name) {
+    const std::wstring folder = eNativeName(name).c_str();
+    return Told(::RemoveDirectoryW(folder.c_str()), folder, FILE_ATTRIBUTE_READONLY);
 }
 
 template <class Char>
@@ -162,12 +201,12 @@ bool RemoveFolderLink(const Char*) {
     return false;
 }
 
-template std::unique_ptr<eFolder> OpenFolder(const char*, eNamedLink);
-template std::unique_ptr<eFolder> OpenFolder(const wchar_t*, eNamedLink);
-template eMadeFolder MakeFolder(const char*);
-template eMadeFolder MakeFolder(const wchar_t*);
-template bool RemoveFolder(const char*);
-template bool RemoveFolder(const wchar_t*);
+template eAnswer OpenFolder(const char*, eNamedLink, std::unique_ptr<eFolder>*);
+template eAnswer OpenFolder(const wchar_t*, eNamedLink, std::unique_ptr<eFolder>*);
+template eAnswer MakeFolder(const char*);
+template eAnswer MakeFolder(const wchar_t*);
+template eAnswer RemoveFolder(const char*);
+template eAnswer RemoveFolder(const wchar_t*);
 template bool RemoveFolderLink(const char*);
 template bool RemoveFolderLink(const wchar_t*);
 

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "../../listed_kind.h"
 #include "native_name.h"
 #include "owned_handle.h"
 
@@ -27,7 +28,9 @@ template <class Char>
 bool Fill(const WIN32_FIND_DATAW& data, eSearchRecord<Char>* record) {
     if (!ListedName(data, &record->name))
         return false;
-    record->attributes = data.dwFileAttributes;
+    const bool isLink = IsListedLink(data.dwFileAttributes, data.dwReserved0);
+    record->attributes =
+        (data.dwFileAttributes & ~eSearchRecord<Char>::Link) | (isLink ? eSearchRecord<Char>::Link : 0);
     record->size = static_cast<unsigned long long>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
     record->modified.dwLowDateTime = data.ftLastWriteTime.dwLowDateTime;
     record->modified.dwHighDateTime = data.ftLastWriteTime.dwHighDateTime;
