@@ -298,11 +298,10 @@ protected:
     unsigned char* buffer = nullptr;
     unsigned char* bufferEnd = nullptr; // one past the buffer's last byte
     unsigned long long bufferSize = 0;  // capacity with which the buffer was created
-    // The two that change with every value stand together, so that a processor stores them together.
-    unsigned char* eos = nullptr;  // one past the last byte of data
-    unsigned char* ptr = nullptr;  // the current position
-    unsigned long long offset = 0; // position of the buffer's first byte
-    unsigned short flags = 0;      // StreamMode
+    unsigned long long offset = 0;      // position of the buffer's first byte
+    unsigned char* eos = nullptr;       // one past the last byte of data
+    unsigned char* ptr = nullptr;       // the current position
+    unsigned short flags = 0;           // StreamMode
 
 private:
     friend class eFileStreamBase;

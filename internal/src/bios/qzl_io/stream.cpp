@@ -29,9 +29,9 @@ eStream::eStream(const eStream& other) noexcept
     : buffer(other.buffer),
       bufferEnd(other.bufferEnd),
       bufferSize(other.bufferSize),
+      offset(other.offset),
       eos(other.eos),
       ptr(other.ptr),
-      offset(other.offset),
       flags(other.flags),
       direct(other.direct) {}
 
@@ -39,9 +39,9 @@ eStream& eStream::operator=(const eStream& other) noexcept {
     buffer = other.buffer;
     bufferEnd = other.bufferEnd;
     bufferSize = other.bufferSize;
+    offset = other.offset;
     eos = other.eos;
     ptr = other.ptr;
-    offset = other.offset;
     flags = other.flags;
     direct = other.direct;
     return *this;
@@ -51,9 +51,9 @@ eStream::eStream(eStream&& other) noexcept
     : buffer(std::exchange(other.buffer, nullptr)),
       bufferEnd(std::exchange(other.bufferEnd, nullptr)),
       bufferSize(std::exchange(other.bufferSize, 0ull)),
+      offset(std::exchange(other.offset, 0ull)),
       eos(std::exchange(other.eos, nullptr)),
       ptr(std::exchange(other.ptr, nullptr)),
-      offset(std::exchange(other.offset, 0ull)),
       flags(std::exchange(other.flags, static_cast<unsigned short>(0))),
       direct(std::exchange(other.direct, nullptr)) {}
 
