@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -36,6 +37,13 @@ enum class eSeekDir : int {
     Begin = 0,   // from the start
     Current = 1, // added to the position; two's complement for a backward move
     End = 2      // back from the end of the data
+};
+
+// What would be written as a bool by mistake: functions (manipulators of other classes among them) and all pointers but
+// those to characters.
+template <class T>
+concept eNotAValue = std::is_member_pointer_v<T> || requires(T value) {
+    requires std::is_pointer_v<decltype(+value)> && !std::convertible_to<T, const char*>;
 };
 
 struct eStreamDirect;
@@ -128,7 +136,8 @@ public:
     eStream& operator<<(double value) { return Put(value); } // the bits of an IEEE-754 binary64
     // On systems where the 64-bit integers of <cstdint> are long: the same 8 bytes as long long.
     template <class T>
-    requires(sizeof(T) == 8 && (std::same_as<T, long> || std::same_as<T, unsigned long>)) eStream& operator<<(T value) {
+    requires(sizeof(T) == 8 && (std::same_as<T, long> || std::same_as<T, unsigned long>)) eStream&
+    operator<<(const T& value) {
         return Put(value);
     }
 
@@ -142,8 +151,9 @@ public:
     eStream& operator<<(const std::wstring& text);
     // The count as 8 bytes, then each text.
     eStream& operator<<(const eStrings& texts);
-    // No value: keeps pointers from being written as a bool.
-    eStream& operator<<(const void*) = delete;
+    template <eNotAValue T>
+    eStream& operator<<(T) = delete;
+    eStream& operator<<(std::nullptr_t) = delete;
 
     // The low n bytes of a value, lowest first, for n from 1 to 4; any other n writes nothing.
     eStream& Bytes(int n, unsigned int value);

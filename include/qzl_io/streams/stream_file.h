@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <string>
 
 #include <qzl_io/export.h>
@@ -110,6 +111,12 @@ public:
     using eStream::operator<<;
     // Calls the manipulator on this stream.
     eFileStream& operator<<(eFileStream& (*manipulator)(eFileStream&)) { return manipulator(*this); }
+    template <eNotAValue T>
+    eFileStream& operator<<(T) = delete; // eStream's may count as hidden by the next
+    template <eNotAValue T>
+    requires std::convertible_to<T, eFileStream& (*)(eFileStream&)> eFileStream& operator<<(T manipulator) {
+        return manipulator(*this);
+    }
 
 protected:
     // "FileStream '%s'%s" with the name and the core's text.
@@ -142,6 +149,12 @@ public:
     using eStream::operator<<;
     // Calls the manipulator on this stream.
     eFileStreamW& operator<<(eFileStreamW& (*manipulator)(eFileStreamW&)) { return manipulator(*this); }
+    template <eNotAValue T>
+    eFileStreamW& operator<<(T) = delete; // eStream's may count as hidden by the next
+    template <eNotAValue T>
+    requires std::convertible_to<T, eFileStreamW& (*)(eFileStreamW&)> eFileStreamW& operator<<(T manipulator) {
+        return manipulator(*this);
+    }
 
 protected:
     // "FileStream '%s'%s" with the name as UTF-8 and the core's text.
