@@ -560,6 +560,27 @@ TEST(FileStream, APositionBehindTheEndBecomesDataOnceWritten) {
     EXPECT_TRUE(folder.Read("file") == "abc" + std::string(99997, '\0') + "x");
 }
 
+template <class Stream, class Name>
+void ExpectOpenedAgainByItsMode(const eTempFolder& folder, const Name& name) {
+    Stream stream(name, Mode::Write | Mode::Create);
+    stream.Write("abc", 3);
+    stream.Open(Mode::Read);
+    EXPECT_EQ(stream.Size(), 3u);
+    EXPECT_EQ(stream.GetChar(), 'a');
+    stream.Open(Mode::Write | Mode::Create);
+    EXPECT_EQ(stream.Size(), 0u);
+    stream.Open(name, Mode::Read);
+    EXPECT_TRUE(stream.IsOpen());
+    stream.Close();
+    EXPECT_EQ(folder.Read("file"), "");
+}
+
+TEST(FileStream, OpensItsNameAgainInAnotherMode) {
+    const eTempFolder folder;
+    ExpectOpenedAgainByItsMode<IO::eFileStream>(folder, eFileName(folder.Name("file")));
+    ExpectOpenedAgainByItsMode<IO::eFileStreamW>(folder, eFileNameW(folder.NameW(L"file")));
+}
+
 TEST(FileStream, OpeningAgainClosesWhatWasOpen) {
     const eTempFolder folder;
     eFile stream(folder.Name("first"), kNew);

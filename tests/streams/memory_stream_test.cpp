@@ -3,6 +3,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <type_traits>
 
 #include <qzl_base/error.h>
 #include <qzl_io/streams.h>
@@ -428,6 +429,15 @@ TEST(BufferStream, ViewsTheCallersBytes) {
     EXPECT_EQ(std::string(bytes, bytes + 8), "abcdefgh");
     EXPECT_EQ(stream.Size(), 8u);
     EXPECT_EQ(eView(bytes, 8, 0).Size(), 8u);
+}
+
+TEST(BufferStream, IsNotMadeFromATextThatIsGoneBeforeIt) {
+    EXPECT_TRUE((std::is_constructible_v<IO::eBufferStream, std::string&>));
+    EXPECT_TRUE((std::is_constructible_v<IO::eBufferStream, const std::string&>));
+    EXPECT_FALSE((std::is_constructible_v<IO::eBufferStream, std::string>));
+    EXPECT_FALSE((std::is_constructible_v<IO::eBufferStream, const std::string>));
+    EXPECT_FALSE((std::is_constructible_v<IO::eBufferStream, const char*>));
+    EXPECT_FALSE((std::is_constructible_v<IO::eBufferStream, const char(&)[4]>));
 }
 
 TEST(BufferStream, IsNotOpenUntilItHasBytes) {

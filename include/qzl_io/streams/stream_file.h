@@ -106,6 +106,7 @@ public:
     eFileStream& operator=(const eFileStream&) = default;
     eFileStream& operator=(eFileStream&&) noexcept = default;
 
+    using eFileStreamBase::Open;
     void Open(const eFileName& name, int mode);
 
     using eStream::operator<<;
@@ -144,6 +145,7 @@ public:
     eFileStreamW& operator=(const eFileStreamW&) = default;
     eFileStreamW& operator=(eFileStreamW&&) noexcept = default;
 
+    using eFileStreamBase::Open;
     void Open(const eFileNameW& name, int mode);
 
     using eStream::operator<<;

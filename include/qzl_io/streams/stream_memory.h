@@ -104,6 +104,7 @@ public:
     eBufferStream(const unsigned char* data, unsigned long long size, unsigned long long used);
     // The text's own characters.
     explicit eBufferStream(const std::string& text);
+    explicit eBufferStream(const std::string&& text) = delete; // it would be gone before the stream
     eBufferStream(const eBufferStream&) noexcept = default;
     eBufferStream(eBufferStream&&) noexcept = default;
     ~eBufferStream() override;
