@@ -41,6 +41,20 @@ private:
     unsigned long long most;
 };
 
+// For a stream of 16 bytes that doubles.
+void ExpectStepsOfABulkWrite(IO::eMemoryStream& stream) {
+    const auto room = [&] { return (stream.*&eMemory::Dump)(); };
+    stream << 1;
+    stream.Write(std::string(3000, 'x').data(), 3000);
+    EXPECT_EQ(room(), "MemoryStream(off:0, ptr:3004, end:4096, eos:3004, buff:4096)");
+    const eReports reports;
+    stream.Seek(1000000, eSeekDir::Begin);
+    EXPECT_EQ(room(), "MemoryStream(off:0, ptr:1000000, end:8192, eos:3004, buff:8192)");
+    stream.Write("lost", 4);
+    EXPECT_EQ(room(), "MemoryStream(off:0, ptr:1000000, end:16384, eos:3004, buff:16384)")
+        << "a position far behind the buffer asks for one step";
+}
+
 } // namespace
 
 template <class Stream>
@@ -285,12 +299,10 @@ TEST(MemoryStream, BeforeTheStartNothingIsTouchedAndEachCallReports) {
     stream.Write("abc", 3);
     stream.Seek(10, eSeekDir::End);
     char bytes[4] = "zzz";
-    IO::eMemoryStream other;
     const std::vector<std::pair<const char*, std::function<void()>>> calls = {
         {"Attempt to read beyond the stream!", [&] { EXPECT_EQ(stream.GetInt32(), 0); }},
         {"Attempt to read beyond the stream!", [&] { EXPECT_EQ(stream.Int64(), 0); }},
         {"Attempt to read beyond the stream!", [&] { stream.Read(bytes, 3); }},
-        {"Attempt to read beyond the stream!", [&] { stream.CopyTo(other, 2); }},
         {"Attempt to read beyond the stream!", [&] { EXPECT_EQ(*stream.Take(1), 0); }},
         {"Attempt to read beyond the stream!", [&] { EXPECT_EQ(*stream.Look(1), 0); }},
         {"Attempt to write beyond the stream!", [&] { stream << 1; }},
@@ -340,18 +352,44 @@ TEST(MemoryStream, HooksOfTheApplicationServeGrowth) {
     EXPECT_EQ(stream.GetInt32(), 0);
 }
 
-TEST(MemoryStream, ABulkWriteGrowsOnceToWhereItsStepsLead) {
-    eLimited stream(1u << 20);
-    stream << 1;
-    stream.Write(std::string(3000, 'x').data(), 3000);
-    EXPECT_EQ(stream.blocks, 1);
-    EXPECT_EQ(stream.BufferSize(), 4096u);
-    EXPECT_EQ(stream.Size(), 3004u);
-    const eReports reports;
-    stream.Seek(1000000, eSeekDir::Begin);
-    EXPECT_EQ(stream.BufferSize(), 8192u);
-    stream.Write("lost", 4);
-    EXPECT_EQ(stream.BufferSize(), 16384u) << "a position far behind the buffer asks for one step";
+TYPED_TEST(MemoryStreams, ABulkWriteLeadsToTheSizeOfItsSteps) {
+    TypeParam derived(16);
+    ExpectStepsOfABulkWrite(derived);
+}
+
+TEST(MemoryStream, ABulkWriteGrowsTheLibrarysOwnClassesToTheSizeOfItsSteps) {
+    IO::eMemoryStream own(16);
+    IO::eMemoryStream_t other(16);
+    ExpectStepsOfABulkWrite(own);
+    ExpectStepsOfABulkWrite(other);
+}
+
+TEST(MemoryStream, AHookOfTheApplicationSeesOneStepPerCall) {
+    struct eOverflowing : eMemory {
+        using eMemory::eMemory;
+        void Overflow() override {
+            sizes.push_back(bufferSize);
+            eMemory::Overflow();
+        }
+        std::vector<unsigned long long> sizes;
+    };
+    eOverflowing doubling(16), stepping(16, 100);
+    doubling.Write(std::string(100, 'x').data(), 100);
+    stepping.Write(std::string(300, 'x').data(), 300);
+    EXPECT_EQ(doubling.sizes, (std::vector<unsigned long long>{16, 32, 64}));
+    EXPECT_EQ(stepping.sizes, (std::vector<unsigned long long>{16, 116, 216}));
+    EXPECT_EQ(Content(stepping), std::string(300, 'x'));
+    eLimited limited(1u << 20);
+    limited << 1;
+    limited.Write(std::string(3000, 'x').data(), 3000);
+    EXPECT_EQ(limited.blocks, 8);
+    EXPECT_EQ(limited.BufferSize(), 4096u);
+    eMemory source(4000);
+    source.Write(std::string(3900, 'x').data(), 3900);
+    source.Reset();
+    eLimited copied(1u << 20);
+    source.CopyTo(copied, 0);
+    EXPECT_EQ(copied.blocks, 8);
 }
 
 TEST(MemoryStream, GrowthClearsWhatLiesBehindTheData) {

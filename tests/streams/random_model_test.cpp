@@ -454,3 +454,34 @@ TEST(RandomModel, AnyCallsStayWithinMemoryWhenReportsThrow) {
         }
     }
 }
+
+TEST(RandomModel, ReportsThatThrowLeaveAStreamAsThoseThatReturnDo) {
+    std::vector<unsigned char> block(3000, 0x5A);
+    int thrown = 0;
+    for (int round = 0; round < Rounds(400); ++round) {
+        const unsigned long long size = static_cast<unsigned long long>(round / 2) % 7;
+        std::vector<unsigned char> bytes(size, 1), sameBytes(size, 1);
+        eMemory memory(size, round % 3 == 0 ? 3 : 0), sameMemory(size, round % 3 == 0 ? 3 : 0);
+        eView view(bytes.data(), size, size / 2), sameView(sameBytes.data(), size, size / 2);
+        IO::eStream& stream = round % 2 == 0 ? static_cast<IO::eStream&>(memory) : view;
+        IO::eStream& same = round % 2 == 0 ? static_cast<IO::eStream&>(sameMemory) : sameView;
+        eRandom random(static_cast<unsigned>(round)), sameRandom(static_cast<unsigned>(round));
+        for (int step = 0; step < 60 && memory.BufferSize() < (1ull << 20); ++step) {
+            {
+                const eReports reports;
+                AnyCall(same, sameRandom, block);
+            }
+            try {
+                const eReports reports(eReports::Throws);
+                AnyCall(stream, random, block);
+            } catch (const xError::eException&) {
+                ++thrown;
+            }
+            ASSERT_EQ(memory.Dump() + view.Dump(), sameMemory.Dump() + sameView.Dump()) << round << ", " << step;
+            ASSERT_EQ(memory.Flags() + view.Flags(), sameMemory.Flags() + sameView.Flags()) << round << ", " << step;
+            ASSERT_TRUE(bytes == sameBytes) << round << ", " << step;
+            ASSERT_EQ(std::memcmp(memory.Buffer(), sameMemory.Buffer(), memory.Buffer() ? memory.BufferSize() : 0), 0);
+        }
+    }
+    EXPECT_GT(thrown, 1000);
+}

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -222,6 +224,71 @@ TEST(StreamCore, OverflowRefillsInputAndOnlyReBasesOutput) {
     EXPECT_EQ(output.Position(), 4u);
 }
 
+TEST(StreamCore, AHookFindsBadAsItIs) {
+    struct eAsking : eBareStream {
+        using eBareStream::eBareStream;
+        void Overflow() override {
+            bad.push_back(Enabled(Mode::Bad) && Eos());
+            eBareStream::Overflow();
+        }
+        void Underflow() override {
+            bad.push_back(Enabled(Mode::Bad) && Eos());
+            eBareStream::Underflow();
+        }
+        std::vector<bool> bad;
+    };
+    const eReports reports;
+    for (const bool before : {false, true}) {
+        unsigned char bytes[4] = {1, 2, 3, 4};
+        eAsking stream(bytes, 4, 4, Mode::Read);
+        stream.Enable(before ? Mode::Bad : Mode::Read);
+        stream.Skip(3);
+        stream.GetUint8();
+        stream.Write("x", 1);
+        stream.Seek(0, eSeekDir::Begin);
+        stream.Write("abcdef", 6);
+        EXPECT_GE(stream.bad.size(), 4u);
+        EXPECT_EQ(stream.bad, std::vector<bool>(stream.bad.size(), before));
+        EXPECT_EQ(stream.Enabled(Mode::Bad), before);
+    }
+}
+
+TEST(StreamCore, AHookThatFailsIsNotReportedTwice) {
+    enum class eHow { Reports, ReportsNothing, OnlySetsBad };
+    struct eFailing : eBareStream {
+        using eBareStream::eBareStream;
+        void Overflow() override {
+            if (how == eHow::Reports)
+                Fail("the hook", 7, "cannot");
+            if (how == eHow::OnlySetsBad)
+                Enable(Mode::Bad);
+        }
+        eHow how = eHow::Reports;
+    };
+    struct eRow {
+        eHow how;
+        bool before;
+        std::vector<std::string> messages;
+    };
+    for (const eRow& row :
+         {eRow{eHow::Reports, false, {"cannot"}}, eRow{eHow::Reports, true, {"cannot"}},
+          eRow{eHow::OnlySetsBad, false, {}}, eRow{eHow::OnlySetsBad, true, {"Attempt to write beyond the stream!"}},
+          eRow{eHow::ReportsNothing, false, {"Attempt to write beyond the stream!"}},
+          eRow{eHow::ReportsNothing, true, {"Attempt to write beyond the stream!"}}}) {
+        const eReports reports;
+        unsigned char bytes[4] = {};
+        eFailing stream(bytes, 4, 4, Mode::Errors);
+        stream.how = row.how;
+        stream.Enable(row.before ? Mode::Bad : Mode::Errors);
+        stream.Write("abcdefgh", 8);
+        std::vector<std::string> messages;
+        for (const xError::eReport& report : reports.errors())
+            messages.push_back(report.message);
+        EXPECT_EQ(messages, row.messages) << static_cast<int>(row.how) << row.before;
+        EXPECT_TRUE(stream.Enabled(Mode::Bad));
+    }
+}
+
 TEST(StreamCore, OverflowFlushesBeforeItRefills) {
     struct eWatched : eBareStream {
         using eBareStream::eBareStream;
@@ -323,6 +390,56 @@ TEST(StreamCore, CopyToCopiesTheRestOrWhatThereIs) {
         EXPECT_TRUE(source.Disabled(Mode::Bad));
     }
     EXPECT_TRUE(reports.errors().empty());
+}
+
+TEST(StreamCore, CopyingFromAnExhaustedSourceReportsNothingInAnyState) {
+    unsigned char bytes[4] = {'a', 'b', 'c', 'd'};
+    struct eRow {
+        const char* what;
+        std::function<void(eMemory&)> prepare;
+    };
+    const eRow rows[] = {
+        {"at the end", [](eMemory& s) { s.Skip(4); }},
+        {"Bad at the end", [](eMemory& s) { s.Skip(4).Enable(Mode::Bad); }},
+        {"beyond the end", [](eMemory& s) { s.Take(9); }},
+        {"before the start", [](eMemory& s) { s.Seek(9, eSeekDir::End); }},
+        {"to refill", [](eMemory& s) { s.Enable(Mode::Read), s.Skip(4); }},
+        {"Failed", [](eMemory& s) { s.Skip(4).Enable(Mode::Failed); }},
+        {"empty", [](eMemory& s) { s.Clear(); }},
+    };
+    for (const eRow& row : rows)
+        for (const unsigned long long n : {0u, 3u}) {
+            eMemory source = Holding("abcd");
+            row.prepare(source);
+            IO::eMemoryStream target;
+            const eReports reports;
+            source.CopyTo(target, n);
+            EXPECT_EQ(target.Size(), 0u) << row.what;
+            EXPECT_TRUE(reports.errors().empty()) << row.what;
+        }
+    const eReports reports;
+    IO::eMemoryStream target;
+    IO::eBufferStream claiming(bytes, 4, 9), none(nullptr, 4, 4);
+    claiming.CopyTo(target, 0);
+    EXPECT_EQ(Content(target), "abcd");
+    EXPECT_TRUE(claiming.Enabled(Mode::Bad)) << "it said that there was more";
+    none.CopyTo(target, 0);
+    IO::eBufferStream().CopyTo(target, 5);
+    eBareStream bare(bytes, 4, 9, Mode::Read | Mode::Errors);
+    bare.Skip(4).CopyTo(target, 0);
+    EXPECT_TRUE(reports.errors().empty());
+}
+
+TEST(StreamCore, CopyingLetsThroughWhatTheSourcesHookThrows) {
+    struct eThrowing : eBareStream {
+        using eBareStream::eBareStream;
+        void Underflow() override { throw std::runtime_error("from the hook"); }
+    };
+    unsigned char bytes[4] = {'a', 'b', 'c', 'd'};
+    eThrowing source(bytes, 4, 9, Mode::Errors);
+    IO::eMemoryStream target;
+    EXPECT_THROW(source.CopyTo(target, 0), std::runtime_error);
+    EXPECT_EQ(Content(target), "abcd");
 }
 
 TEST(StreamCore, CopyingMovesTheSourceByItsSkip) {

@@ -47,13 +47,19 @@ concept eNotAValue = std::is_member_pointer_v<T> || requires(T value) {
 };
 
 struct eStreamDirect;
+class eStreamOperation;
 
 // A sequence of bytes with a position, seen through a buffer. It owns no storage: memory, buffer and file streams bring
 // theirs and override the five hooks Trunc, Flush, Overflow, Underflow and Skip.
 //
-// Values are stored little-endian and without padding; nothing marks their type. Every operation leaves the stream in a
-// consistent state whether a report (xError::Error, made only while Errors is set unless said otherwise) throws or
-// returns, and none ever touches memory outside the buffer. A stream is used by one thread at a time.
+// Values are stored little-endian and without padding; nothing marks their type. No operation ever touches memory
+// outside the buffer. A stream is used by one thread at a time.
+//
+// Reports (xError::Error, made only while Errors is set unless said otherwise) may throw or return; the stream is the
+// same after either, for an operation makes its reports at its end: the bytes are stored, the position is moved, the
+// target of >> is assigned. What a Get function would have returned is lost when the report throws, but its bytes lie
+// before the position. What Overflow and Underflow of a derived class throw waits likewise. (A list is written text by
+// text; a hook that is called from outside reports at once.)
 class QZL_IO_API eStream {
 public:
     virtual ~eStream(); // releases nothing: the buffer is the subclass's
@@ -161,22 +167,27 @@ public:
     // --- Values, read. The position moves on. Fixed-width values do not look where the data end: behind it they give
     // what the buffer holds, and zero for bytes outside the buffer. ---
 
-    eStream& operator>>(bool& value) { return value = GetBool(), *this; }
-    eStream& operator>>(char& value) { return value = Get<char>(), *this; }
-    eStream& operator>>(unsigned char& value) { return value = Get<unsigned char>(), *this; }
-    eStream& operator>>(short& value) { return value = Get<short>(), *this; }
-    eStream& operator>>(unsigned short& value) { return value = Get<unsigned short>(), *this; }
-    eStream& operator>>(int& value) { return value = Get<int>(), *this; }
-    eStream& operator>>(unsigned int& value) { return value = Get<unsigned int>(), *this; }
-    eStream& operator>>(long long& value) { return value = Get<long long>(), *this; }
-    eStream& operator>>(unsigned long long& value) { return value = Get<unsigned long long>(), *this; }
-    eStream& operator>>(float& value) { return value = Get<float>(), *this; }
-    eStream& operator>>(double& value) { return value = Get<double>(), *this; }
+    eStream& operator>>(bool& value) {
+        if (Shows(1)) [[likely]]
+            value = *ptr++ != 0;
+        else
+            GetToFallback(&value);
+        return *this;
+    }
+    eStream& operator>>(char& value) { return GetTo(value); }
+    eStream& operator>>(unsigned char& value) { return GetTo(value); }
+    eStream& operator>>(short& value) { return GetTo(value); }
+    eStream& operator>>(unsigned short& value) { return GetTo(value); }
+    eStream& operator>>(int& value) { return GetTo(value); }
+    eStream& operator>>(unsigned int& value) { return GetTo(value); }
+    eStream& operator>>(long long& value) { return GetTo(value); }
+    eStream& operator>>(unsigned long long& value) { return GetTo(value); }
+    eStream& operator>>(float& value) { return GetTo(value); }
+    eStream& operator>>(double& value) { return GetTo(value); }
     template <class T>
     requires(sizeof(T) == 8 && (std::same_as<T, long> || std::same_as<T, unsigned long>)) eStream&
     operator>>(T& value) {
-        value = Get<T>();
-        return *this;
+        return GetTo(value);
     }
 
     // A text. Its length is the first byte, or where that is 255 the byte behind it (of a long length only the low 8
@@ -210,7 +221,8 @@ public:
     unsigned int GetTbyte();      // three bytes, zero-extended
     unsigned int GetBytes(int n); // n bytes, zero-extended, for n from 1 to 4; else 0, and nothing is read
     std::string GetString();      // as operator>>
-    // The characters up to the delimiter, which is consumed and left out, or to the end of the data.
+    // The characters up to the delimiter, which is consumed and left out, or to the end of the data. The line of a
+    // report that throws lies between the position before the call and the one after it.
     std::string GetLine(char delimiter);
 
     // --- Values, looked at. The same without moving the position. ---
@@ -244,7 +256,8 @@ protected:
     // bytes until the next operation. Where the buffer has no room for the request even then, the pointer leads to a
     // block apart: Look and Take put the bytes into it that there are and zeros for the rest, and what is written to
     // that of Place is dropped. Where the stream has no buffer or stands before its start, Bad is set, a read or write
-    // beyond the stream is reported, and the position stays.
+    // beyond the stream is reported, and the position stays. A report that throws finds the position moved by Take, but
+    // not by Place, as nobody is going to store the bytes.
 
     // The n bytes at the position, which stays.
     unsigned char* Look(unsigned long long n) { return Fits(n) ? ptr : LookFallback(n); }
@@ -285,7 +298,7 @@ protected:
     void RaiseEnd() noexcept;
     // A position beyond the data sets Bad and is reported as "Invalid read location!".
     void CheckReadLocation();
-    // Sets Bad and, if Errors, reports.
+    // Sets Bad and, if Errors, reports; while an operation is under way, at its end.
     void Fail(const char* source, int line, const char* message);
 
     // A pointer n bytes on, which may lie outside every block of memory and is then only a number.
@@ -316,6 +329,7 @@ protected:
 private:
     friend class eFileStreamBase;
     friend class eMemoryStream;
+    friend class eStreamOperation;
 
     static constexpr std::size_t kLongText = 255; // lengths from here on take four bytes
 
@@ -384,22 +398,35 @@ private:
         return PutHere(sizeof(T), store) ? *this : PutFallback(Bits(value), sizeof(T));
     }
     template <class T>
+    T Shown() const noexcept {
+        T value;
+        std::memcpy(&value, ptr, sizeof(T));
+        return value;
+    }
+    template <class T>
+    T TakeShown() noexcept {
+        const T value = Shown<T>();
+        ptr += sizeof(T);
+        return value;
+    }
+    template <class T>
     T Get() {
-        if (Shows(sizeof(T))) [[likely]] {
-            T value;
-            std::memcpy(&value, ptr, sizeof(T));
-            ptr += sizeof(T);
-            return value;
-        }
+        if (Shows(sizeof(T))) [[likely]]
+            return TakeShown<T>();
         return FromBits<T>(GetFallback(sizeof(T)));
     }
     template <class T>
+    eStream& GetTo(T& value) {
+        if (Shows(sizeof(T))) [[likely]]
+            value = TakeShown<T>();
+        else
+            GetToFallback(&value, sizeof(T));
+        return *this;
+    }
+    template <class T>
     T Peek() {
-        if (Shows(sizeof(T))) [[likely]] {
-            T value;
-            std::memcpy(&value, ptr, sizeof(T));
-            return value;
-        }
+        if (Shows(sizeof(T))) [[likely]]
+            return Shown<T>();
         return FromBits<T>(PeekFallback(sizeof(T)));
     }
 
@@ -464,6 +491,8 @@ private:
     // The same for requests at or beyond the end of the buffer. A value is the low bytes of bits.
     eStream& PutFallback(unsigned long long bits, unsigned long long n);
     unsigned long long GetFallback(unsigned long long n);
+    void GetToFallback(void* target, unsigned long long n);
+    void GetToFallback(bool* target);
     unsigned long long PeekFallback(unsigned long long n);
     eStream& PutTextFallback(const char* text, unsigned long long length);
     eStream& GetTextFallback(std::string* text);
@@ -480,19 +509,36 @@ private:
     void FlushBeforeMove();
     eStream& FinishMove();
     void Refill();
-    // Calls a hook; true when it has set Bad.
-    bool Fails(void (eStream::*hook)());
+    // To whoever handles errors, Errors set or not; while an operation is under way, at its end.
+    void Report(const char* source, int line, const std::string& message);
+
+    // --- Steps of the operation under way ---
+
     // Make something readable or writable at the position by a refill or an overflow. False when there is nothing,
     // which has then been reported.
-    bool MakeData();
-    bool MakeRoom(unsigned long long n);
-    // Calls Overflow for a value. False when nothing can be touched at the position even then, which has been reported.
-    bool ReachToRead();
-    bool ReachToWrite(unsigned long long n);
+    bool MakeData(eStreamOperation& operation);
+    bool MakeRoom(eStreamOperation& operation, unsigned long long n);
+    // The same for a copy from this stream, whose end is not reported.
+    bool HasMoreToCopy();
+    // Call Overflow for a value. False when nothing can be touched at the position even then, which has been reported.
+    bool ReachToRead(eStreamOperation& operation);
+    bool ReachToWrite(eStreamOperation& operation, unsigned long long n);
+    bool Reach(eStreamOperation& operation, int line, const char* message);
     void WrittenTo(unsigned long long n);
-    bool Reach(int line, const char* message);
     unsigned char* Apart(unsigned long long n);
+    unsigned char* LookAt(eStreamOperation& operation, unsigned long long n);
     unsigned long long BitsHere(unsigned long long n) const noexcept;
+    unsigned long long TakeBits(eStreamOperation& operation, unsigned long long n);
+    void PutBits(eStreamOperation& operation, unsigned long long bits, unsigned long long n);
+    void ReadAll(eStreamOperation& operation, void* target, unsigned long long n);
+    bool WriteAll(eStreamOperation& operation, const unsigned char* source, unsigned long long n);
+    bool WritePieces(eStreamOperation& operation, const unsigned char* source, unsigned long long n);
+    bool HoldsInBuffer(const unsigned char* place) const noexcept;
+    void PutLength(eStreamOperation& operation, unsigned long long length);
+    bool GetLength(eStreamOperation& operation, unsigned int* length);
+    bool GetText(eStreamOperation& operation, std::string* text);
+    eStream& PutUnits(const void* units, unsigned long long count);
+    bool AppendUpTo(char delimiter, std::string* line);
 
     const eStreamDirect* Direct() const;
     // Whole buffers that lie before the last one which n more bytes touch, in bytes.
@@ -503,16 +549,9 @@ private:
     void PassWritten(unsigned long long whole);
     unsigned long long CopyInSystem(eStream& target, unsigned long long n);
     bool CopyDirect(eStream& target, unsigned long long* n);
-    bool WriteAll(const unsigned char* source, unsigned long long n);
-    bool WritePieces(const unsigned char* source, unsigned long long n);
-    bool HoldsInBuffer(const unsigned char* place) const noexcept;
-
-    void PutLength(unsigned long long length);
-    bool GetLength(unsigned int* length);
-    bool GetText(std::string* text);
 
     const eStreamDirect* direct = nullptr;  // how to go past the buffer, null where that is not possible
-    unsigned long long wanted = 0;          // room that a bulk write asks of Overflow, 0 for one step
+    eStreamOperation* underWay = nullptr;   // the innermost operation that has begun and not ended
     std::unique_ptr<unsigned char[]> apart; // the block that stands in for bytes outside the buffer
 };
 

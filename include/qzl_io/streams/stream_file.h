@@ -87,7 +87,7 @@ private:
     void Fill();
     void FillIfDataRemain();
     // Bytes of the current line that are in the buffer, after a refill where there are none.
-    unsigned long long LinePiece(bool* complete);
+    unsigned long long LinePiece(eStreamOperation& operation, bool* complete);
 
     eShare bufferOwners;
     eShare handleOwners;

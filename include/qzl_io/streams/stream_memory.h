@@ -65,7 +65,7 @@ private:
     void Grow(unsigned long long size);
     // One step on; the size itself where there is none.
     unsigned long long NextSize(unsigned long long size) const;
-    bool HasOwnHooks() const;
+    bool IsOfLibraryClass() const; // exactly: a derived class may have hooks of its own
     unsigned char* NewBlock(unsigned long long size) const;
     // The first kept bytes of the buffer and zeros behind them: in a new block, or in the buffer's own, which is then
     // not the stream's any more. Null when there is no memory; the buffer is then as it was.
@@ -96,7 +96,13 @@ protected:
 // in place, even when they were handed over as constant. Copies address the same bytes.
 //
 // A value that ends exactly at the last byte is read or written, yet also reported ("Attempt to write beyond the
-// stream!"), and Bad is set; Read and Write are not reported unless they pass it.
+// stream!"), and Bad is set; Read and Write are not reported unless they pass it. Two ways to take values up to the end
+// of a packet of n bytes without a report (examples/parse_packet.cpp):
+//
+//     IO::eBufferStream packet(bytes, n + 1, n); // where one byte more may be addressed, as behind every std::string
+//
+//     IO::eBufferStream packet(bytes, n, n);     // where not
+//     packet.Disable(IO::StreamMode::Errors);    // Bad then says no more than that the end was reached
 class QZL_IO_API eBufferStream : public eStream {
 public:
     eBufferStream() noexcept = default; // not open until Assign

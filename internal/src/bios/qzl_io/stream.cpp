@@ -8,6 +8,7 @@
 #include <qzl_base/error.h>
 
 #include "stream_direct.h"
+#include "stream_operation.h"
 #include "stream_reports.h"
 
 namespace IO {
@@ -105,7 +106,7 @@ void eStream::PlaceBuffer() {
     if (ptr == buffer)
         return;
     if ((Distance(buffer, ptr) < 0 && BeforeStart()) || Remaining() < 0)
-        xError::Error(kSource, kPlaceBufferLine, kPlaceBuffer + Dump(), true);
+        Report(kSource, kPlaceBufferLine, kPlaceBuffer + Dump());
     const unsigned long long capacity = Capacity();
     const unsigned long long shift = Address(ptr) - Address(buffer);
     if (buffer && shift < capacity)
@@ -171,23 +172,17 @@ void eStream::CheckReadLocation() {
 
 void eStream::Fail(const char* source, int line, const char* message) {
     Enable(StreamMode::Bad);
+    if (underWay)
+        underWay->CountFailure();
     if (Enabled(StreamMode::Errors))
-        xError::Error(source, line, message, true);
+        Report(source, line, message);
 }
 
-bool eStream::Fails(void (eStream::*hook)()) {
-    const auto before = static_cast<unsigned short>(flags & StreamMode::Bad);
-    Disable(StreamMode::Bad);
-    try {
-        (this->*hook)();
-    } catch (...) {
-        Enable(before);
-        wanted = 0;
-        throw;
-    }
-    const bool fails = Enabled(StreamMode::Bad);
-    Enable(before);
-    return fails;
+void eStream::Report(const char* source, int line, const std::string& message) {
+    if (underWay)
+        underWay->Keep(source, line, message);
+    else
+        xError::Error(source, line, message, true);
 }
 
 void eStream::Refill() {
@@ -204,10 +199,14 @@ void eStream::FlushBeforeMove() {
 }
 
 eStream& eStream::FinishMove() {
+    if (Remaining() >= 0 && !OutsideBuffer())
+        return *this;
+    eStreamOperation operation(*this);
     if (Remaining() < 0)
         Fail(kSource, kInvalidSeekLine, kInvalidSeek);
     if (OutsideBuffer())
-        Overflow();
+        operation.Fails(&eStream::Overflow);
+    operation.End();
     return *this;
 }
 
@@ -233,15 +232,17 @@ eStream& eStream::Reset() {
 }
 
 eStream& eStream::Clear() {
+    eStreamOperation operation(*this);
     Reset();
     Trunc();
+    operation.End();
     return *this;
 }
 
 // --- Bulk operations ---
 
-bool eStream::MakeData() {
-    const bool reported = !BeforeStart() && Fails(&eStream::Refill);
+bool eStream::MakeData(eStreamOperation& operation) {
+    const bool reported = !BeforeStart() && operation.Fails(&eStream::Refill);
     if (DataInBuffer() > 0)
         return true;
     if (!reported)
@@ -249,10 +250,17 @@ bool eStream::MakeData() {
     return false;
 }
 
-bool eStream::MakeRoom(unsigned long long n) {
-    wanted = n;
-    const bool reported = !BeforeStart() && Fails(&eStream::Overflow);
-    wanted = 0;
+bool eStream::HasMoreToCopy() {
+    eStreamOperation refill(*this);
+    const bool more = MakeData(refill);
+    if (!more)
+        refill.DropReports();
+    refill.End();
+    return more;
+}
+
+bool eStream::MakeRoom(eStreamOperation& operation, unsigned long long n) {
+    const bool reported = !BeforeStart() && operation.Fails(&eStream::Overflow, n);
     if (RoomInBuffer() > 0)
         return true;
     if (!reported)
@@ -261,18 +269,28 @@ bool eStream::MakeRoom(unsigned long long n) {
 }
 
 eStream& eStream::Read(void* target, unsigned long long n) {
+    if (n > 0 && n <= DataInBuffer()) {
+        std::memmove(target, ptr, n);
+        ptr += n;
+    } else if (n > 0) {
+        eStreamOperation operation(*this);
+        ReadAll(operation, target, n);
+        operation.End();
+    }
+    return *this;
+}
+
+void eStream::ReadAll(eStreamOperation& operation, void* target, unsigned long long n) {
     auto* to = static_cast<unsigned char*>(target);
     while (n > 0) {
-        if (Remaining() <= 0) {
-            Fail(kSource, kReadEndLine, kReadBeyond);
-            break;
-        }
+        if (Remaining() <= 0)
+            return Fail(kSource, kReadEndLine, kReadBeyond);
         if (DataInBuffer() == 0) {
             const unsigned long long past = ReadDirect(to, n);
             to += past;
             n -= past;
-            if (!MakeData())
-                break;
+            if (!MakeData(operation))
+                return;
         }
         const unsigned long long run = std::min(n, DataInBuffer());
         std::memmove(to, ptr, run);
@@ -280,7 +298,6 @@ eStream& eStream::Read(void* target, unsigned long long n) {
         to += run;
         n -= run;
     }
-    return *this;
 }
 
 unsigned long long eStream::AppendTo(std::string* text, unsigned long long n) {
@@ -298,30 +315,32 @@ eStream& eStream::Write(const void* source, unsigned long long n) {
         std::memmove(ptr, from, n);
         Written(n);
     } else if (n > 0) {
-        WriteAll(from, n);
+        eStreamOperation operation(*this);
+        WriteAll(operation, from, n);
+        operation.End();
     }
     return *this;
 }
 
 // Growth releases the buffer, and a refill changes it: bytes of its own are set aside before.
-bool eStream::WriteAll(const unsigned char* source, unsigned long long n) {
+bool eStream::WriteAll(eStreamOperation& operation, const unsigned char* source, unsigned long long n) {
     if (n <= RoomInBuffer() || !HoldsInBuffer(source))
-        return WritePieces(source, n);
+        return WritePieces(operation, source, n);
     const unsigned long long held = std::min(n, Capacity() - (Address(source) - Address(buffer)));
     const std::vector<unsigned char> copy(source, source + held);
-    return WritePieces(copy.data(), held);
+    return WritePieces(operation, copy.data(), held);
 }
 
 bool eStream::HoldsInBuffer(const unsigned char* place) const noexcept {
     return buffer && Address(place) - Address(buffer) < Capacity();
 }
 
-bool eStream::WritePieces(const unsigned char* source, unsigned long long n) {
+bool eStream::WritePieces(eStreamOperation& operation, const unsigned char* source, unsigned long long n) {
     while (n > 0) {
         const unsigned long long past = WriteDirect(source, n);
         source += past;
         n -= past;
-        if (RoomInBuffer() == 0 && !MakeRoom(n))
+        if (RoomInBuffer() == 0 && !MakeRoom(operation, n))
             return false;
         const unsigned long long run = std::min(n, RoomInBuffer());
         std::memmove(ptr, source, run);
@@ -336,12 +355,14 @@ eStream& eStream::CopyTo(eStream& target, unsigned long long n) {
     if (n == 0 || Size() == 0)
         n = Address(eos) - Address(ptr);
     while (n > 0 && Remaining() > 0) {
-        if (DataInBuffer() == 0 && (!CopyDirect(target, &n) || !MakeData()))
+        if (DataInBuffer() == 0 && (!CopyDirect(target, &n) || !HasMoreToCopy()))
             break;
         const unsigned long long chunk = std::min(n, DataInBuffer());
-        const bool written = target.WriteAll(ptr, chunk);
+        eStreamOperation writing(target);
+        const bool written = target.WriteAll(writing, ptr, chunk);
         Skip(chunk);
         n -= chunk;
+        writing.End();
         if (!written)
             break;
     }
@@ -421,11 +442,12 @@ bool eStream::CopyDirect(eStream& target, unsigned long long* n) {
         return true;
     if (Enabled(StreamMode::Modified))
         Flush();
+    eStreamOperation writing(target);
     while (whole > 0) {
         unsigned long long run = CopyInSystem(target, whole);
         if (run == 0) {
-            if (target.RoomInBuffer() == 0 && !target.MakeRoom(whole))
-                return false;
+            if (target.RoomInBuffer() == 0 && !target.MakeRoom(writing, whole))
+                break;
             run = std::min(whole, target.RoomInBuffer());
             direct->read(*this, target.ptr, Position(), run);
             target.Written(run);
@@ -434,13 +456,14 @@ bool eStream::CopyDirect(eStream& target, unsigned long long* n) {
         whole -= run;
         *n -= run;
     }
-    return true;
+    writing.End();
+    return whole == 0;
 }
 
 // --- Primitives outside the common case ---
 
-bool eStream::Reach(int line, const char* message) {
-    const bool reported = !BeforeStart() && Fails(&eStream::Overflow);
+bool eStream::Reach(eStreamOperation& operation, int line, const char* message) {
+    const bool reported = !BeforeStart() && operation.Fails(&eStream::Overflow);
     if (!Blocked())
         return true;
     if (!reported)
@@ -448,15 +471,15 @@ bool eStream::Reach(int line, const char* message) {
     return false;
 }
 
-bool eStream::ReachToRead() {
-    return Reach(kValueReadLine, kReadBeyond);
+bool eStream::ReachToRead(eStreamOperation& operation) {
+    return Reach(operation, kValueReadLine, kReadBeyond);
 }
 // One step of a growing buffer can be less than a value: it overflows again as long as that gives more room.
-bool eStream::ReachToWrite(unsigned long long n) {
+bool eStream::ReachToWrite(eStreamOperation& operation, unsigned long long n) {
     unsigned long long before = 0;
     do {
         before = RoomInBuffer();
-        if (!Reach(kValueWriteLine, kWriteBeyond))
+        if (!Reach(operation, kValueWriteLine, kWriteBeyond))
             return false;
     } while (RoomInBuffer() < n && RoomInBuffer() > before);
     return true;
@@ -467,8 +490,8 @@ unsigned char* eStream::Apart(unsigned long long n) {
     return apart.get();
 }
 
-unsigned char* eStream::LookFallback(unsigned long long n) {
-    if (!ReachToRead())
+unsigned char* eStream::LookAt(eStreamOperation& operation, unsigned long long n) {
+    if (!ReachToRead(operation))
         return Apart(n);
     const unsigned long long room = RoomInBuffer();
     if (n <= room)
@@ -479,15 +502,27 @@ unsigned char* eStream::LookFallback(unsigned long long n) {
     return block;
 }
 
+unsigned char* eStream::LookFallback(unsigned long long n) {
+    eStreamOperation operation(*this);
+    unsigned char* const bytes = LookAt(operation, n);
+    operation.End();
+    return bytes;
+}
+
 unsigned char* eStream::TakeFallback(unsigned long long n) {
-    unsigned char* const bytes = LookFallback(n);
+    eStreamOperation operation(*this);
+    unsigned char* const bytes = LookAt(operation, n);
     if (!Blocked())
         MoveTo(Shifted(ptr, n));
+    operation.End();
     return bytes;
 }
 
 unsigned char* eStream::PlaceFallback(unsigned long long n) {
-    if (!ReachToWrite(n))
+    eStreamOperation operation(*this);
+    const bool reached = ReachToWrite(operation, n);
+    operation.End();
+    if (!reached)
         return Apart(n);
     unsigned char* const place = n <= RoomInBuffer() ? ptr : Apart(n);
     WrittenTo(n);

@@ -12,6 +12,7 @@
 
 #include "platform/file_handle.h"
 #include "stream_direct.h"
+#include "stream_operation.h"
 #include "stream_reports.h"
 #include "wide_units.h"
 
@@ -137,7 +138,7 @@ void eFileStreamBase::CreateBuffer(unsigned long long capacity, unsigned long lo
     if (buffer && length == 0)
         std::memset(buffer, 0, capacity);
     if (capacity > 0 && !buffer)
-        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 void eFileStreamBase::ReleaseBuffer() noexcept {
@@ -160,7 +161,7 @@ void eFileStreamBase::Detach() {
     UseBuffer(block, capacity, static_cast<unsigned long long>(length));
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
     if (!block)
-        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 void eFileStreamBase::Fill() {
@@ -264,9 +265,9 @@ unsigned long long eFileStreamBase::DirectCopy(eStream& source, eStream& target,
 
 // --- Lines ---
 
-unsigned long long eFileStreamBase::LinePiece(bool* complete) {
+unsigned long long eFileStreamBase::LinePiece(eStreamOperation& operation, bool* complete) {
     *complete = true;
-    if (Remaining() <= 0 || (DataInBuffer() == 0 && !MakeData()))
+    if (Remaining() <= 0 || (DataInBuffer() == 0 && !MakeData(operation)))
         return 0;
     const unsigned long long run = DataInBuffer();
     const auto* const feed = static_cast<const unsigned char*>(std::memchr(ptr, '\n', run));
@@ -276,24 +277,28 @@ unsigned long long eFileStreamBase::LinePiece(bool* complete) {
 
 std::string eFileStreamBase::GetLine() {
     std::string line;
+    eStreamOperation operation(*this);
     for (bool complete = false; !complete;) {
-        const unsigned long long piece = LinePiece(&complete);
+        const unsigned long long piece = LinePiece(operation, &complete);
         AppendWithoutLineEnds(&line, ptr, piece);
         ptr = Shifted(ptr, piece);
     }
+    operation.End();
     return line;
 }
 
 unsigned long long eFileStreamBase::GetLineLength() {
     unsigned long long length = 0;
+    eStreamOperation operation(*this);
     for (bool complete = false; !complete;) {
-        const unsigned long long piece = LinePiece(&complete);
+        const unsigned long long piece = LinePiece(operation, &complete);
         ptr = Shifted(ptr, piece);
         length += piece;
     }
     MoveTo(Shifted(ptr, 0 - length));
     if (OutsideBuffer())
-        Refill();
+        operation.Fails(&eStream::Refill);
+    operation.End();
     return length;
 }
 

@@ -6,8 +6,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include <qzl_base/error.h>
-
+#include "stream_operation.h"
 #include "stream_reports.h"
 
 namespace IO {
@@ -73,14 +72,14 @@ void eMemoryStream::DeallocateBuffer(unsigned char*& block) const {
     FreeHeapBlock(block);
 }
 
-bool eMemoryStream::HasOwnHooks() const {
+bool eMemoryStream::IsOfLibraryClass() const {
     return typeid(*this) == typeid(eMemoryStream) || typeid(*this) == typeid(eMemoryStream_t);
 }
 
 // The library's own hooks give cleared bytes; an application's need not.
 unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
     unsigned char* const block = AllocateBuffer(size);
-    if (block && !HasOwnHooks())
+    if (block && !IsOfLibraryClass())
         std::memset(block, 0, size);
     return block;
 }
@@ -96,7 +95,7 @@ void eMemoryStream::CreateBuffer(unsigned long long size, unsigned long long use
     ReleaseBuffer();
     UseBuffer(size > 0 ? NewBlock(size) : nullptr, size, used);
     if (size > 0 && !buffer)
-        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 unsigned char* eMemoryStream::CopiedBlock(unsigned long long size, unsigned long long kept) const {
@@ -120,13 +119,13 @@ void eMemoryStream::Grow(unsigned long long size) {
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);
     const auto kept = std::min(static_cast<unsigned long long>(std::max(length, 0ll)), Capacity());
-    const bool extends = buffer && kept > size / 4 && owners.Sole() && HasOwnHooks();
+    const bool extends = buffer && kept > size / 4 && owners.Sole() && IsOfLibraryClass();
     unsigned char* const block = extends ? ExtendedBlock(size, kept) : CopiedBlock(size, kept);
     ReleaseBuffer();
     UseBuffer(block, size, static_cast<unsigned long long>(length));
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
     if (!block)
-        xError::Error(kSource, kNoMemoryLine, StreamReport::kNoMemory, true);
+        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 void eMemoryStream::ResizeBuffer(unsigned long long size, bool extend) {
@@ -153,8 +152,9 @@ void eMemoryStream::Flush() {
     RaiseEnd();
 }
 
-// A bulk write gets at once the size that the steps which it needs would lead to.
+// The library's own classes get at once, for a bulk write, the size that the steps which it needs would lead to.
 void eMemoryStream::Overflow() {
+    const unsigned long long wanted = underWay && IsOfLibraryClass() ? underWay->Wanted() : 0;
     const bool bulk = wanted > 0 && (ptr == bufferEnd || Blocked());
     const unsigned long long needed = bulk ? Address(ptr) - Address(buffer) + wanted : 0;
     unsigned long long size = NextSize(bufferSize);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "stream_operation.h"
 #include "stream_reports.h"
 #include "wide_units.h"
 
@@ -25,14 +26,13 @@ bool IsByteCount(int n) {
 
 // --- Fixed width ---
 
-eStream& eStream::PutFallback(unsigned long long bits, unsigned long long n) {
-    if (!ReachToWrite(n))
-        return *this;
+void eStream::PutBits(eStreamOperation& operation, unsigned long long bits, unsigned long long n) {
+    if (!Fits(n) && !ReachToWrite(operation, n))
+        return;
     const unsigned long long fits = std::min(n, RoomInBuffer());
     if (fits > 0)
         std::memcpy(ptr, &bits, fits);
     WrittenTo(n);
-    return *this;
 }
 
 unsigned long long eStream::BitsHere(unsigned long long n) const noexcept {
@@ -43,16 +43,45 @@ unsigned long long eStream::BitsHere(unsigned long long n) const noexcept {
     return bits;
 }
 
-unsigned long long eStream::PeekFallback(unsigned long long n) {
-    return ReachToRead() ? BitsHere(n) : 0;
-}
-
-unsigned long long eStream::GetFallback(unsigned long long n) {
-    if (!ReachToRead())
+unsigned long long eStream::TakeBits(eStreamOperation& operation, unsigned long long n) {
+    if (!Fits(n) && !ReachToRead(operation))
         return 0;
     const unsigned long long bits = BitsHere(n);
     MoveTo(Shifted(ptr, n));
     return bits;
+}
+
+eStream& eStream::PutFallback(unsigned long long bits, unsigned long long n) {
+    eStreamOperation operation(*this);
+    PutBits(operation, bits, n);
+    operation.End();
+    return *this;
+}
+
+unsigned long long eStream::PeekFallback(unsigned long long n) {
+    eStreamOperation operation(*this);
+    const unsigned long long bits = ReachToRead(operation) ? BitsHere(n) : 0;
+    operation.End();
+    return bits;
+}
+
+unsigned long long eStream::GetFallback(unsigned long long n) {
+    unsigned long long bits = 0;
+    GetToFallback(&bits, n);
+    return bits;
+}
+
+void eStream::GetToFallback(void* target, unsigned long long n) {
+    eStreamOperation operation(*this);
+    const unsigned long long bits = TakeBits(operation, n);
+    std::memcpy(target, &bits, n);
+    operation.End();
+}
+
+void eStream::GetToFallback(bool* target) {
+    eStreamOperation operation(*this);
+    *target = TakeBits(operation, 1) != 0;
+    operation.End();
 }
 
 eStream& eStream::Bytes(int n, unsigned int value) {
@@ -93,13 +122,11 @@ unsigned int eStream::GetTbyte() {
 
 // --- Texts, written ---
 
-void eStream::PutLength(unsigned long long length) {
-    if (length < kLongMark) {
-        Put(static_cast<unsigned char>(length));
-        return;
-    }
-    Put(kLongMark);
-    Bytes(kLongLengthBytes, static_cast<unsigned int>(length & kTbyteMask));
+void eStream::PutLength(eStreamOperation& operation, unsigned long long length) {
+    if (length < kLongMark)
+        return PutBits(operation, length, 1);
+    PutBits(operation, kLongMark, 1);
+    PutBits(operation, length & kTbyteMask, kLongLengthBytes);
 }
 
 eStream& eStream::PutUpToNul(const char* text) {
@@ -107,18 +134,27 @@ eStream& eStream::PutUpToNul(const char* text) {
 }
 
 eStream& eStream::PutTextFallback(const char* text, unsigned long long length) {
-    PutLength(length);
-    return Write(text, length);
+    eStreamOperation operation(*this);
+    PutLength(operation, length);
+    WriteAll(operation, reinterpret_cast<const unsigned char*>(text), length);
+    operation.End();
+    return *this;
+}
+
+eStream& eStream::PutUnits(const void* units, unsigned long long count) {
+    eStreamOperation operation(*this);
+    PutLength(operation, count);
+    WriteAll(operation, static_cast<const unsigned char*>(units), count * sizeof(char16_t));
+    operation.End();
+    return *this;
 }
 
 eStream& eStream::operator<<(const std::wstring& text) {
     if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
-        PutLength(text.size());
-        return Write(text.data(), text.size() * sizeof(char16_t));
+        return PutUnits(text.data(), text.size());
     } else {
         const std::u16string units = UnitsOf(text);
-        PutLength(units.size());
-        return Write(units.data(), units.size() * sizeof(char16_t));
+        return PutUnits(units.data(), units.size());
     }
 }
 
@@ -132,21 +168,21 @@ eStream& eStream::operator<<(const eStrings& texts) {
 // --- Texts, read ---
 
 // The result is false when the data ended before the length did, which has then been reported.
-bool eStream::GetLength(unsigned int* length) {
-    *length = GetUint8();
+bool eStream::GetLength(eStreamOperation& operation, unsigned int* length) {
+    *length = Shows(1) ? *ptr++ : static_cast<unsigned int>(TakeBits(operation, 1));
     if (*length != kLongMark)
         return true;
     unsigned char bytes[kLongLengthBytes] = {};
     const bool complete = Remaining() >= static_cast<long long>(kLongLengthBytes);
-    Read(bytes, kLongLengthBytes);
+    ReadAll(operation, bytes, kLongLengthBytes);
     *length = bytes[0];
     return complete;
 }
 
 // The result is false when the data ended before the text did, which has then been reported.
-bool eStream::GetText(std::string* text) {
+bool eStream::GetText(eStreamOperation& operation, std::string* text) {
     unsigned int length = 0;
-    const bool measured = GetLength(&length);
+    const bool measured = GetLength(operation, &length);
     if (length <= DataInBuffer()) {
         AssignText(text, ptr, length);
         ptr = Shifted(ptr, length);
@@ -154,12 +190,14 @@ bool eStream::GetText(std::string* text) {
     }
     const bool complete = measured && Remaining() >= static_cast<long long>(length);
     text->assign(length, '\0');
-    Read(text->data(), length);
+    ReadAll(operation, text->data(), length);
     return complete;
 }
 
 eStream& eStream::GetTextFallback(std::string* text) {
-    GetText(text);
+    eStreamOperation operation(*this);
+    GetText(operation, text);
+    operation.End();
     return *this;
 }
 
@@ -170,56 +208,67 @@ std::string eStream::GetString() {
 }
 
 eStream& eStream::operator>>(std::wstring& text) {
+    eStreamOperation operation(*this);
     char16_t units[kLongestShown] = {};
     unsigned int length = 0;
-    GetLength(&length);
-    Read(units, length * sizeof(char16_t));
+    GetLength(operation, &length);
+    ReadAll(operation, units, length * sizeof(char16_t));
     if constexpr (sizeof(wchar_t) == sizeof(char16_t))
         text.assign(units, units + length);
     else
         text = WideOf({units, length});
+    operation.End();
     return *this;
 }
 
 eStream& eStream::operator>>(eStrings& texts) {
-    const unsigned long long count = GetUint64();
+    eStreamOperation operation(*this);
+    const unsigned long long count = TakeBits(operation, sizeof count);
     const unsigned long long possible = std::min(DataInBuffer(), kReservedTexts); // a text takes a byte at least
     if (texts.empty())
         texts.Reserve(static_cast<std::size_t>(std::min(count, possible)));
-    for (unsigned long long read = 0; read < count; ++read) {
+    bool complete = true;
+    for (unsigned long long read = 0; read < count && complete; ++read) {
         if (Enabled(StreamMode::Bad) || Remaining() <= 0) {
             Fail(kSource, kListEndLine, kReadBeyond);
             break;
         }
         std::string text;
-        const bool complete = GetText(&text);
+        complete = GetText(operation, &text) && !operation.Threw();
         texts.Add(std::move(text));
-        if (!complete)
-            break;
     }
+    operation.End();
     return *this;
 }
 
-// Up to the byte that ends at the end of the buffer, which is left to Overflow, whole runs are searched.
+// Takes the bytes up to the delimiter, or to the byte that ends at the end of the buffer, which is left to Overflow.
+// True when the delimiter was there.
+bool eStream::AppendUpTo(char delimiter, std::string* line) {
+    const unsigned long long run = std::min(DataInBuffer(), std::max(RoomInBuffer(), 1ull) - 1);
+    if (run == 0)
+        return false;
+    const auto* const from = reinterpret_cast<const char*>(ptr);
+    const auto* const end = static_cast<const char*>(std::memchr(from, delimiter, run));
+    line->append(from, end ? end : from + run);
+    ptr += end ? end + 1 - from : static_cast<std::ptrdiff_t>(run);
+    return end != nullptr;
+}
+
 std::string eStream::GetLine(char delimiter) {
     std::string line;
-    while (!Eos()) {
-        const unsigned long long run = std::min(DataInBuffer(), std::max(RoomInBuffer(), 1ull) - 1);
-        if (run == 0) {
-            const bool readable = !Blocked() || ReachToRead();
-            const char next = readable ? GetChar() : delimiter;
-            if (next == delimiter)
-                break;
-            line.push_back(next);
-            continue;
-        }
-        const auto* const from = reinterpret_cast<const char*>(ptr);
-        const auto* const end = static_cast<const char*>(std::memchr(from, delimiter, run));
-        line.append(from, end ? end : from + run);
-        ptr += end ? end + 1 - from : static_cast<std::ptrdiff_t>(run);
-        if (end)
+    if (Eos() || AppendUpTo(delimiter, &line))
+        return line;
+    eStreamOperation operation(*this);
+    while (!Eos() && !operation.Threw()) {
+        const bool readable = !Blocked() || ReachToRead(operation);
+        const char next = readable ? static_cast<char>(TakeBits(operation, 1)) : delimiter;
+        if (next == delimiter)
+            break;
+        line.push_back(next);
+        if (Eos() || AppendUpTo(delimiter, &line))
             break;
     }
+    operation.End();
     return line;
 }
 

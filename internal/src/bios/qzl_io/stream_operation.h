@@ -1,0 +1,87 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <qzl_base/error.h>
+#include <qzl_io/streams/stream.h>
+
+namespace IO {
+
+// One operation of a stream under way. Until its end it keeps what the stream reports and what a hook throws, so that
+// whoever hears of either finds the operation complete. An operation that a hook begins hands its reports on to the one
+// that has called the hook.
+class eStreamOperation {
+public:
+    explicit eStreamOperation(eStream& of) noexcept : stream(&of), outer(std::exchange(of.underWay, this)) {}
+    ~eStreamOperation() { Leave(); }
+
+    eStreamOperation(const eStreamOperation&) = delete;
+    eStreamOperation& operator=(const eStreamOperation&) = delete;
+
+    // Calls a hook, from which a bulk write wants that much room. True when it failed: it set Bad, failed by the core's
+    // Fail or threw. Once one has thrown, none is called any more.
+    bool Fails(void (eStream::*hook)(), unsigned long long room = 0) {
+        if (thrown)
+            return true;
+        const int failuresBefore = failures;
+        const bool bad = stream->Enabled(StreamMode::Bad);
+        wanted = room;
+        try {
+            (stream->*hook)();
+        } catch (...) {
+            thrown = std::current_exception();
+        }
+        wanted = 0;
+        return thrown || failures != failuresBefore || (!bad && stream->Enabled(StreamMode::Bad));
+    }
+    bool Threw() const noexcept { return thrown != nullptr; }
+    // The room asked of the hook that runs, 0 for one step.
+    unsigned long long Wanted() const noexcept { return wanted; }
+
+    void CountFailure() noexcept { ++failures; }
+    void Keep(const char* source, int line, const std::string& message) {
+        if (!thrown)
+            reports.push_back({source, line, message});
+    }
+    void DropReports() noexcept { reports.clear(); }
+
+    // Makes the reports; then throws what a hook has thrown.
+    void End() {
+        eStreamOperation* const next = outer;
+        Leave();
+        for (const eReport& report : reports)
+            if (next)
+                next->Keep(report.source, report.line, report.message);
+            else
+                xError::Error(report.source, report.line, report.message, true);
+        if (next)
+            next->failures += failures;
+        if (thrown)
+            std::rethrow_exception(thrown);
+    }
+
+private:
+    struct eReport {
+        const char* source;
+        int line;
+        std::string message;
+    };
+
+    void Leave() noexcept {
+        if (stream)
+            stream->underWay = outer;
+        stream = nullptr;
+    }
+
+    eStream* stream; // null after the end
+    eStreamOperation* const outer;
+    unsigned long long wanted = 0;
+    int failures = 0;
+    std::exception_ptr thrown;
+    std::vector<eReport> reports;
+};
+
+} // namespace IO
