@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <limits>
+#include <new>
+#include <set>
 #include <string>
 #include <type_traits>
 
@@ -390,6 +392,110 @@ TEST(MemoryStream, AHookOfTheApplicationSeesOneStepPerCall) {
     eLimited copied(1u << 20);
     source.CopyTo(copied, 0);
     EXPECT_EQ(copied.blocks, 8);
+}
+
+// --- Blocks and who made them ---
+
+namespace {
+
+// Hooks that know their own blocks.
+class eOwnBlocks : public eMemory {
+public:
+    using eMemory::eMemory;
+    eOwnBlocks(const eOwnBlocks&) = default;
+    eOwnBlocks(eOwnBlocks&&) noexcept = default;
+    eOwnBlocks& operator=(const eOwnBlocks&) = default;
+    eOwnBlocks& operator=(eOwnBlocks&&) noexcept = default;
+    ~eOwnBlocks() override { ReleaseBuffer(); }
+
+    void Begin() { CreateBuffer(8, 0); }
+
+    static inline std::set<const unsigned char*> alive;
+    static inline int strangers = 0; // blocks handed in that are not ours
+
+protected:
+    unsigned char* AllocateBuffer(unsigned long long size) const override {
+        auto* const block = new unsigned char[size];
+        alive.insert(block);
+        return block;
+    }
+    void DeallocateBuffer(unsigned char*& block) const override {
+        if (!block)
+            return;
+        strangers += alive.erase(block) == 0;
+        delete[] block;
+        block = nullptr;
+    }
+};
+
+} // namespace
+
+TEST(MemoryStream, EachBlockGoesBackToTheHookThatMadeIt) {
+    const std::string text(200, 'x');
+    const auto write = [&](eOwnBlocks& stream) { stream.Write(text.data(), text.size()); };
+    const std::function<void()> lives[] = {
+        [] { eOwnBlocks never_grown(16); },
+        [] { eOwnBlocks without(0, 0); },
+        [&] {
+            eOwnBlocks grown(16);
+            write(grown);
+            EXPECT_EQ(eOwnBlocks::alive.size(), 1u);
+        },
+        [&] {
+            eOwnBlocks resized(16);
+            resized.ResizeBuffer(100, false);
+            resized.ResizeBuffer(200, true);
+        },
+        [&] {
+            eOwnBlocks begun(16);
+            begun.Begin();
+        },
+        [&] {
+            eOwnBlocks first(16), second(first), third(16);
+            third = second;
+            write(first);
+            write(third);
+            second = first;
+            EXPECT_EQ(eOwnBlocks::alive.size(), 2u);
+        },
+        [&] {
+            eOwnBlocks grown(16);
+            write(grown);
+            eOwnBlocks copy(grown), assigned(16);
+            assigned = copy;
+            assigned = *&assigned;
+        },
+        [&] {
+            eOwnBlocks first(16), grown(16);
+            write(grown);
+            eOwnBlocks moved(std::move(first)), movedGrown(std::move(grown));
+            moved = std::move(movedGrown);
+            movedGrown = eOwnBlocks(16);
+            write(movedGrown);
+        },
+    };
+    for (const auto& live : lives) {
+        live();
+        EXPECT_TRUE(eOwnBlocks::alive.empty()) << "each of the class's own is released";
+        EXPECT_EQ(eOwnBlocks::strangers, 0) << "and no other is handed to it";
+    }
+}
+
+TEST(MemoryStream, ABlockThatCannotBeMadeLeavesTheOldOne) {
+    struct eRefusing : eOwnBlocks {
+        using eOwnBlocks::eOwnBlocks;
+        ~eRefusing() override { ReleaseBuffer(); }
+        unsigned char* AllocateBuffer(unsigned long long) const override { throw std::bad_alloc(); }
+    };
+    {
+        eRefusing stream(4);
+        EXPECT_THROW(stream << 0x61616161, std::bad_alloc);
+        EXPECT_EQ(Content(stream), "aaaa") << "what fits";
+        EXPECT_THROW(stream << 'b', std::bad_alloc);
+        EXPECT_THROW(stream.ResizeBuffer(100, false), std::bad_alloc);
+        EXPECT_EQ(stream.BufferSize(), 4u);
+    }
+    EXPECT_EQ(eOwnBlocks::strangers, 0);
 }
 
 TEST(MemoryStream, GrowthClearsWhatLiesBehindTheData) {

@@ -38,8 +38,12 @@ protected:
     std::string Dump() const override;
 
     // Where the bytes come from and go to: the heap. AllocateBuffer gives size bytes or null; DeallocateBuffer releases
-    // them and sets the pointer to null, and takes null too. A class that overrides them calls ReleaseBuffer in its own
-    // destructor: eMemoryStream's constructor and destructor know only the heap.
+    // them and sets the pointer to null, and takes null too.
+    //
+    // A class that overrides them calls ReleaseBuffer in its own destructor. Its stream remembers who made the buffer:
+    // the one that eMemoryStream's constructor makes goes back to the heap, every later one to the hook of the class.
+    // So its copies have to be of the same class; a copy as an eMemoryStream knows the heap alone.
+    // examples/own_allocation.cpp shows one.
     virtual unsigned char* AllocateBuffer(unsigned long long size) const;
     virtual void DeallocateBuffer(unsigned char*& block) const;
 
@@ -67,12 +71,14 @@ private:
     unsigned long long NextSize(unsigned long long size) const;
     bool IsOfLibraryClass() const; // exactly: a derived class may have hooks of its own
     unsigned char* NewBlock(unsigned long long size) const;
+    void UseNewBlock(unsigned char* block, unsigned long long size, unsigned long long length);
     // The first kept bytes of the buffer and zeros behind them: in a new block, or in the buffer's own, which is then
     // not the stream's any more. Null when there is no memory; the buffer is then as it was.
     unsigned char* CopiedBlock(unsigned long long size, unsigned long long kept) const;
     unsigned char* ExtendedBlock(unsigned long long size, unsigned long long kept);
 
-    eShare owners; // of the buffer
+    eShare owners;         // of the buffer
+    bool fromHeap = false; // the buffer was made by eMemoryStream's own hook
 };
 
 // A memory stream as a class of its own, with allocation hooks of its own.

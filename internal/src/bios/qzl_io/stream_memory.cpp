@@ -37,7 +37,10 @@ eMemoryStream::eMemoryStream(unsigned long long size, unsigned long long growth)
 }
 
 eMemoryStream::eMemoryStream(eMemoryStream&& other) noexcept
-    : eStream(std::move(other)), growBy(std::exchange(other.growBy, 0ull)), owners(std::move(other.owners)) {}
+    : eStream(std::move(other)),
+      growBy(std::exchange(other.growBy, 0ull)),
+      owners(std::move(other.owners)),
+      fromHeap(std::exchange(other.fromHeap, false)) {}
 
 eMemoryStream::~eMemoryStream() {
     ReleaseBuffer();
@@ -50,6 +53,7 @@ eMemoryStream& eMemoryStream::operator=(const eMemoryStream& other) {
         eStream::operator=(other);
         growBy = other.growBy;
         owners = std::move(joined);
+        fromHeap = other.fromHeap;
     }
     return *this;
 }
@@ -60,6 +64,7 @@ eMemoryStream& eMemoryStream::operator=(eMemoryStream&& other) noexcept {
         eStream::operator=(std::move(other));
         growBy = std::exchange(other.growBy, 0ull);
         owners = std::move(other.owners);
+        fromHeap = std::exchange(other.fromHeap, false);
     }
     return *this;
 }
@@ -72,6 +77,7 @@ void eMemoryStream::DeallocateBuffer(unsigned char*& block) const {
     FreeHeapBlock(block);
 }
 
+// While eMemoryStream's constructor and destructor run, an object of any class is one.
 bool eMemoryStream::IsOfLibraryClass() const {
     return typeid(*this) == typeid(eMemoryStream) || typeid(*this) == typeid(eMemoryStream_t);
 }
@@ -84,16 +90,25 @@ unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
     return block;
 }
 
+void eMemoryStream::UseNewBlock(unsigned char* block, unsigned long long size, unsigned long long length) {
+    UseBuffer(block, size, length);
+    fromHeap = IsOfLibraryClass();
+}
+
 void eMemoryStream::ReleaseBuffer() {
-    if (buffer && owners.Sole())
-        DeallocateBuffer(buffer);
+    if (buffer && owners.Sole()) {
+        if (fromHeap)
+            eMemoryStream::DeallocateBuffer(buffer);
+        else
+            DeallocateBuffer(buffer);
+    }
     owners.Leave();
     UseBuffer(nullptr, 0, 0);
 }
 
 void eMemoryStream::CreateBuffer(unsigned long long size, unsigned long long used) {
     ReleaseBuffer();
-    UseBuffer(size > 0 ? NewBlock(size) : nullptr, size, used);
+    UseNewBlock(size > 0 ? NewBlock(size) : nullptr, size, used);
     if (size > 0 && !buffer)
         Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
 }
@@ -119,10 +134,10 @@ void eMemoryStream::Grow(unsigned long long size) {
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);
     const auto kept = std::min(static_cast<unsigned long long>(std::max(length, 0ll)), Capacity());
-    const bool extends = buffer && kept > size / 4 && owners.Sole() && IsOfLibraryClass();
+    const bool extends = buffer && kept > size / 4 && owners.Sole() && fromHeap && IsOfLibraryClass();
     unsigned char* const block = extends ? ExtendedBlock(size, kept) : CopiedBlock(size, kept);
     ReleaseBuffer();
-    UseBuffer(block, size, static_cast<unsigned long long>(length));
+    UseNewBlock(block, size, static_cast<unsigned long long>(length));
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
     if (!block)
         Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
