@@ -560,6 +560,49 @@ TEST(FileStream, APositionBehindTheEndBecomesDataOnceWritten) {
     EXPECT_TRUE(folder.Read("file") == "abc" + std::string(99997, '\0') + "x");
 }
 
+template <class Stream>
+std::vector<std::string> MessagesOfALateWrite(std::size_t n, const std::string& name) {
+    const eReports reports;
+    Stream stream(name, kReadWrite | Mode::Errors);
+    stream.Seek(32768, eSeekDir::Begin);
+    const std::string bytes(n, 'x');
+    stream.Write(bytes.data(), n);
+    stream.Close();
+    std::vector<std::string> messages;
+    for (const xError::eReport& report : reports.errors())
+        messages.push_back(report.message);
+    return messages;
+}
+
+TEST(FileStream, AWriteAtTheEndOfTheBufferBehindTheDataIsReportedWhateverItsSize) {
+    const eTempFolder folder;
+    const std::vector<std::string> expected = {
+        "Invalid seek location!",
+        "Stream.PlaceBuffer: FileStream '" + folder.Name("file") + "'(off:0, ptr:32768, end:32768, eos:2, buff:32768)",
+        "Invalid read location!",
+    };
+    for (const std::size_t n : {1u, 32767u, 32768u, 32769u, 65536u, 200000u}) {
+        const std::string name = folder.Write("file", "ab");
+        EXPECT_EQ(MessagesOfALateWrite<IO::eFileStream>(n, name), expected) << n;
+        EXPECT_TRUE(folder.Read("file") == "ab" + std::string(32766, '\0') + std::string(n, 'x')) << n;
+        folder.Write("file", "ab");
+        EXPECT_EQ(MessagesOfALateWrite<eFile>(n, name), expected) << n;
+    }
+}
+
+TEST(FileStream, ACopyToTheEndOfTheBufferBehindTheDataIsReportedToo) {
+    const eTempFolder folder;
+    const eReports reports;
+    IO::eFileStream source(folder.Write("source", std::string(200000, 'x')), Mode::Read);
+    IO::eFileStream target(folder.Write("file", "ab"), kReadWrite | Mode::Errors);
+    source.Seek(32768, eSeekDir::Begin);
+    target.Seek(32768, eSeekDir::Begin);
+    source.CopyTo(target, 0);
+    EXPECT_EQ(reports.errors().size(), 3u);
+    target.Close();
+    EXPECT_TRUE(folder.Read("file") == "ab" + std::string(32766, '\0') + std::string(200000 - 32768, 'x'));
+}
+
 template <class Stream, class Name>
 void ExpectOpenedAgainByItsMode(const eTempFolder& folder, const Name& name) {
     Stream stream(name, Mode::Write | Mode::Create);
@@ -778,6 +821,39 @@ TEST(FileStream, LinesAreWholeAcrossRefillsAndBeyondTheBuffer) {
         EXPECT_TRUE(stream.GetLine('\n') == line) << length;
         EXPECT_TRUE(stream.GetLine('\n') == line + "\r") << length;
         EXPECT_EQ(stream.GetLine('\n'), "last");
+    }
+}
+
+TEST(FileStream, ALineThatCrossesTheEndOfTheBufferMovesToItsStart) {
+    const eTempFolder folder;
+    struct eRow {
+        std::size_t start, length; // of the line, without its line feed
+        bool more;                 // data behind it
+        std::string state;
+    };
+    const eRow rows[] = {
+        {32701, 200, true, "(off:32701, ptr:201, end:32768, eos:50201, buff:32768)"},
+        {32701, 66, true, "(off:0, ptr:32768, end:32768, eos:82768, buff:32768)"},
+        {32701, 67, true, "(off:32701, ptr:68, end:32768, eos:50068, buff:32768)"},
+        {32701, 200, false, "(off:32701, ptr:200, end:32768, eos:200, buff:32768)"},
+        {32701, 67, false, "(off:0, ptr:32768, end:32768, eos:32768, buff:32768)"},
+        {1, 32767, true, "(off:1, ptr:32768, end:32768, eos:82768, buff:32768)"},
+        {32768, 5, true, "(off:32768, ptr:6, end:32768, eos:50006, buff:32768)"},
+    };
+    for (const eRow& row : rows) {
+        const std::string before = std::string(row.start - 1, 'a') + "\n";
+        const std::string text =
+            before + std::string(row.length, 'b') + (row.more ? "\n" + std::string(50000, 'c') : "");
+        eFile stream(folder.Write("file", text), Mode::Read);
+        EXPECT_EQ(stream.GetLine().size(), row.start - 1);
+        EXPECT_TRUE(stream.GetLine() == std::string(row.length, 'b'));
+        EXPECT_EQ(stream.Dump(), "FileStream '" + folder.Name("file") + "'" + row.state);
+        eFile measured(folder.Name("file"), Mode::Read);
+        measured.GetLine();
+        EXPECT_EQ(measured.GetLineLength(), row.length + (row.more ? 1 : 0));
+        EXPECT_EQ(measured.Position(), row.start);
+        EXPECT_TRUE(measured.GetLine() == std::string(row.length, 'b'));
+        EXPECT_EQ(measured.Dump(), stream.Dump());
     }
 }
 

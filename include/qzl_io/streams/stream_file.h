@@ -86,7 +86,10 @@ private:
     // Reads the buffer from the file.
     void Fill();
     void FillIfDataRemain();
-    // Bytes of the current line that are in the buffer, after a refill where there are none.
+    // Bytes of the current line that are in the buffer, its line feed included; complete tells whether it has one
+    // there.
+    unsigned long long LineInBuffer(bool* complete) const noexcept;
+    // The same after a refill where that brings more of the line. Complete too where no data remain.
     unsigned long long LinePiece(eStreamOperation& operation, bool* complete);
 
     eShare bufferOwners;

@@ -399,9 +399,10 @@ unsigned long long eStream::ReadDirect(unsigned char* target, unsigned long long
     return whole;
 }
 
+// A position beyond the data is left to Overflow, which reports it.
 bool eStream::TakesWholeBuffers() const {
     const bool empty = ptr == buffer || RoomInBuffer() == 0;
-    return empty && !Blocked() && Enabled(StreamMode::Write) && Direct();
+    return empty && Remaining() >= 0 && !Blocked() && Enabled(StreamMode::Write) && Direct();
 }
 
 // Behind whole buffers that were written directly.

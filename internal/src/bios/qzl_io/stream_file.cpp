@@ -265,14 +265,23 @@ unsigned long long eFileStreamBase::DirectCopy(eStream& source, eStream& target,
 
 // --- Lines ---
 
+unsigned long long eFileStreamBase::LineInBuffer(bool* complete) const noexcept {
+    const unsigned long long run = DataInBuffer();
+    const auto* const feed = static_cast<const unsigned char*>(run > 0 ? std::memchr(ptr, '\n', run) : nullptr);
+    *complete = feed != nullptr;
+    return feed ? static_cast<unsigned long long>(feed - ptr) + 1 : run;
+}
+
+// A line that goes on behind the buffer becomes its first bytes, so that it is in one piece where it fits.
 unsigned long long eFileStreamBase::LinePiece(eStreamOperation& operation, bool* complete) {
     *complete = true;
     if (Remaining() <= 0 || (DataInBuffer() == 0 && !MakeData(operation)))
         return 0;
-    const unsigned long long run = DataInBuffer();
-    const auto* const feed = static_cast<const unsigned char*>(std::memchr(ptr, '\n', run));
-    *complete = feed != nullptr;
-    return feed ? static_cast<unsigned long long>(feed - ptr) + 1 : run;
+    const unsigned long long piece = LineInBuffer(complete);
+    if (*complete || ptr == buffer || Remaining() <= static_cast<long long>(piece))
+        return piece;
+    operation.Fails(&eStream::Refill);
+    return LineInBuffer(complete);
 }
 
 std::string eFileStreamBase::GetLine() {
