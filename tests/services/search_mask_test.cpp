@@ -72,8 +72,27 @@ constexpr eMaskRow maskRows[] = {
     {L"*b*", L"b", true},
     {L"*b*", L"ac", false},
     {L"**a", L"bba", true},
-    {L"*a*b.", L"xaxb.", true},
+    {L"*a*b.", L"xaxb", true},
+    {L"*a*b.", L"xaxb.", false},
     {L"a*b*.", L"ab.b", true},
+    {L"*..", L"name", true},
+    {L"*..", L"name.txt", false},
+    {L"*. .", L"name.txt", false},
+    {L"*. ", L"name.txt", true},
+    {L"*.*.", L"name.txt", true},
+    {L"*.*.", L"name", true},
+    {L"?.", L"a", true},
+    {L"?.", L".", false},
+    {L"a?.", L"ab", true},
+    {L"a*b. ", L"axb", true},
+    {L"a*b. ", L"axb. ", false},
+    {L"a.", L"a", false},
+    {L"a.", L"a.", true},
+    {L"a ", L"a", false},
+    {L"a ", L"a ", true},
+    {L".", L".", true},
+    {L".", L"a", false},
+    {L"..", L"..", true},
     {L"...", L"...", true},
     {L"a[b]", L"a[b]", true},
     {L"a b.c", L"A B.C", true},
@@ -112,44 +131,53 @@ TEST(SearchMask, KnowsWhenItMatchesAll) {
         EXPECT_FALSE(eSearchMask(mask).MatchesAll()) << Shown(mask);
 }
 
-// The rules once more, by trying every way.
-bool TriesEveryWay(std::wstring_view mask, std::wstring_view name) {
-    if (mask.empty())
-        return name.empty();
-    const bool nameHasDot = name.find(L'.') != name.npos;
-    const wchar_t next = mask.size() > 1 ? mask[1] : L'\0';
-    switch (mask[0]) {
-    case L'*':
-    case L'<': {
-        const bool stopsAtLastDot = mask[0] == L'<' || next == L'.';
-        for (std::size_t taken = 0; taken <= name.size(); ++taken) {
-            if (TriesEveryWay(mask.substr(1), name.substr(taken)))
-                return true;
-            const bool atLastDot = nameHasDot && taken == name.rfind(L'.');
-            if (stopsAtLastDot && atLastDot)
-                return false;
-        }
-        return false;
+// The system's own way, tried in every way: the file search turns a mask into an expression with three operators more,
+// "<" (any characters, which may not take the last dot), ">" (one character; nothing at a dot or the end) and "\"" (a
+// dot; nothing at the end), and the file system compares names with that.
+std::wstring SystemExpression(std::wstring_view mask) {
+    if (mask.find_first_of(L"*?") == mask.npos)
+        return std::wstring(mask);
+    std::wstring expression(mask.substr(0, mask.find_last_not_of(L". ") + 1));
+    if (expression == L"*.*")
+        return L"*";
+    for (std::size_t at = 0; at < expression.size(); ++at) {
+        const bool wild = expression[at] == L'?' || expression[at] == L'*';
+        if (expression[at] == L'?')
+            expression[at] = L'>';
+        if (at > 0 && wild && expression[at - 1] == L'.')
+            expression[at - 1] = L'"';
+        if (at > 0 && expression[at] == L'.' && expression[at - 1] == L'*')
+            expression[at - 1] = L'<';
     }
-    case L'?':
-        if (name.empty() || name[0] == L'.')
-            return TriesEveryWay(mask.substr(1), name);
-        return TriesEveryWay(mask.substr(1), name.substr(1));
-    case L'.':
-        if (name.empty())
-            return (next == L'*' || next == L'?' || next == L'<') && TriesEveryWay(mask.substr(1), name);
-        return name[0] == L'.' && TriesEveryWay(mask.substr(1), name.substr(1));
+    if (mask.ends_with(L'.') && expression.ends_with(L'*'))
+        expression.back() = L'<';
+    return expression;
+}
+
+bool InExpression(std::wstring_view expression, std::wstring_view name) {
+    if (expression.empty())
+        return name.empty();
+    const bool atDot = name.starts_with(L'.');
+    const bool atLastDot = atDot && name.find(L'.', 1) == name.npos;
+    const auto skip = [&] { return InExpression(expression.substr(1), name); };
+    const auto take = [&] { return !name.empty() && InExpression(expression.substr(1), name.substr(1)); };
+    const auto stay = [&] { return !name.empty() && InExpression(expression, name.substr(1)); };
+    switch (expression[0]) {
+    case L'*':
+        return skip() || stay();
+    case L'<':
+        return skip() || (!atLastDot && stay());
+    case L'>':
+        return name.empty() || atDot ? skip() : take();
+    case L'"':
+        return name.empty() ? skip() : atDot && take();
     default:
-        return !name.empty() && name[0] == mask[0] && TriesEveryWay(mask.substr(1), name.substr(1));
+        return name.starts_with(expression[0]) && take();
     }
 }
 
-bool MatchesSlowly(std::wstring mask, std::wstring_view name) {
-    if (mask.empty() || mask == L"*.*")
-        return !mask.empty();
-    if (mask.ends_with(L"*."))
-        mask.replace(mask.size() - 2, 2, L"<");
-    return TriesEveryWay(mask, name);
+bool MatchesInTheSystem(std::wstring_view mask, std::wstring_view name) {
+    return !mask.empty() && InExpression(SystemExpression(mask), name);
 }
 
 // All texts over the letters, up to the length, the empty one included.
@@ -164,13 +192,16 @@ std::vector<std::wstring> AllTexts(std::wstring_view letters, std::size_t longes
     return texts;
 }
 
-TEST(SearchMask, AgreesWithTryingEveryWayOnAllShortMasksAndNames) {
+TEST(SearchMask, AgreesWithTheSystemsOwnRulesOnAllShortMasksAndNames) {
     std::vector<std::wstring> names = AllTexts(L"ab.", 5);
     names.erase(names.begin());
-    for (const std::wstring& mask : AllTexts(L"a.*?", 5)) {
+    std::vector<std::wstring> masks = AllTexts(L"a.*?", 5);
+    for (const std::wstring& mask : AllTexts(L".*? ", 4))
+        masks.push_back(mask);
+    for (const std::wstring& mask : masks) {
         const eSearchMask ready(mask);
         for (const std::wstring& name : names)
-            ASSERT_EQ(MatchesSlowly(mask, name), ready.Matches(name)) << Shown(mask) << " " << Shown(name);
+            ASSERT_EQ(MatchesInTheSystem(mask, name), ready.Matches(name)) << Shown(mask) << " " << Shown(name);
     }
 }
 

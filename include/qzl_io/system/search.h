@@ -59,7 +59,11 @@ QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<wchar_t>* record
 /// | "a.*"   | "a" and every name that begins with "a."                                       |
 /// | "*."    | names without a dot                                                            |
 /// | "?"     | one character other than a dot; none before a dot or the end: "a??.c" has "a.c" |
+/// | "?a."   | as "?a": dots and blanks at the end count for nothing, save for the dot of "*."  |
+/// | "a."    | "a." and nothing else: a mask without wild cards is a name                      |
 /// | ""      | nothing                                                                        |
+///
+/// The masks "." and ".." find the folder and its parent: on Linux by these names, on Windows by those that they have.
 ///
 /// A link to a folder is a subfolder, as Windows lists it, any other link a file; size and time are the link's own.
 /// Sizes of anything but files are 0. On Linux, size and time are asked for when first wanted: 0 for an entry that has

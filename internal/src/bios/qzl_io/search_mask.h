@@ -29,19 +29,23 @@ struct eSearchPattern {
 /// | "*.*" as the whole mask   | every name                                                          |
 /// | "*"                       | any characters, none too                                            |
 /// | "*" before "."            | the same, but never the name's last dot                             |
-/// | "*." at the end           | any characters but the last dot: so "*." is the names without dots  |
+/// | dots, blanks at the end   | nothing, in a mask with "*" or "?": so "?." is "?"                  |
+/// | "*" before these, "." last | any characters but the last dot: so "*." is the names without dots |
 /// | "?"                       | one character that is no dot; before a dot and at the end nothing   |
 /// | "." before "*" or "?"     | a dot, or the name's end: so "a.*" matches "a"                      |
 /// | other characters          | themselves                                                          |
 class eSearchMask {
 public:
     explicit eSearchMask(std::wstring_view mask) {
-        if (mask == L"*.*")
-            mask = L"*";
-        for (std::size_t at = 0; at < mask.size(); ++at)
-            items.push_back(ItemAt(mask, at));
-        if (mask.ends_with(L"*."))
-            items.pop_back();
+        const std::wstring_view kept = WithoutEnd(mask);
+        if (kept == L"*.*") {
+            items.push_back(ItemAt(L"*", 0));
+            return;
+        }
+        for (std::size_t at = 0; at < kept.size(); ++at)
+            items.push_back(ItemAt(kept, at));
+        if (mask.ends_with(L'.') && kept.ends_with(L'*'))
+            items.back().kind = eKind::RunBeforeLastDot;
     }
 
     bool MatchesAll() const { return items.size() == 1 && items.front().kind == eKind::Run; }
@@ -68,6 +72,12 @@ private:
 
     /// Which items of the mask may come next.
     using ePlaces = std::vector<bool>;
+
+    /// A mask without wild cards is a name, and names may end in anything.
+    static constexpr std::wstring_view WithoutEnd(std::wstring_view mask) {
+        const bool wild = mask.find_first_of(L"*?") != mask.npos;
+        return wild ? mask.substr(0, mask.find_last_not_of(L". ") + 1) : mask;
+    }
 
     static constexpr wchar_t Fold(wchar_t letter) {
         return letter >= L'A' && letter <= L'Z' ? static_cast<wchar_t>(letter - L'A' + L'a') : letter;
