@@ -66,8 +66,9 @@ QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<wchar_t>* record
 /// The masks "." and ".." find the folder and its parent: on Linux by these names, on Windows by those that they have.
 ///
 /// A link to a folder is a subfolder, as Windows lists it, any other link a file; size and time are the link's own.
-/// Sizes of anything but files are 0. On Linux, size and time are asked for when first wanted: 0 for an entry that has
-/// vanished since it was listed.
+/// Sizes of anything but files are 0. On Linux, size and time are those of the moment when one of them is first asked
+/// for or the search is copied: ask before the entry is deleted, renamed or written to. They are 0 for an entry that
+/// has vanished since it was listed.
 ///
 /// Copies have the same state and share the listing, so Next on one of them moves on for all. It is released once, by
 /// its last owner. A search is used by one thread at a time, and so are its copies taken together. A search that was
@@ -76,9 +77,14 @@ template <class Char, class FileName>
 class eSearchOf {
 public:
     eSearchOf(const FileName& folder, const FileName& mask) { Begin(folder, mask); }
-    eSearchOf(const eSearchOf&) = default;
+    eSearchOf(const eSearchOf& other) : handle(other.handle), record(other.Completed()), valid(other.valid) {}
     eSearchOf(eSearchOf&& other) noexcept { Take(other); }
-    eSearchOf& operator=(const eSearchOf&) = default;
+    eSearchOf& operator=(const eSearchOf& other) {
+        record = other.Completed();
+        handle = other.handle;
+        valid = other.valid;
+        return *this;
+    }
     eSearchOf& operator=(eSearchOf&& other) noexcept {
         if (this != &other)
             Take(other);
@@ -152,6 +158,11 @@ private:
         if (record.detailsPending)
             SearchSteps::AskDetails(handle.get(), &record);
         return record;
+    }
+
+    const Record& Completed() const {
+        Attributes();
+        return Details();
     }
 
     std::shared_ptr<eSearchHandle> handle;
