@@ -6,8 +6,8 @@
 
 // The machine that the program runs on. Each fact is found out at its first use and kept for the life of the process,
 // for the narrow and the wide form apart. An empty result is not kept: the next call tries again. A reference to a
-// non-empty text never changes, in address or text; one to an empty text stays empty. Any number of threads may call at
-// once.
+// non-empty text never changes, in address or text; one to an empty text stays empty. Both are good until the process
+// ends, also in destructors of static objects. Any number of threads may call at once.
 
 namespace IO::System {
 

@@ -7,7 +7,8 @@
 
 namespace IO::System {
 
-/// A text found out once. Invariant: once `filled` is set, the text is not empty and never changes.
+/// A text found out once. Invariant: once `filled` is set, the text is not empty and never changes. Those that last as
+/// long as the process are never destroyed, since the destructors of an application's static objects may ask, too.
 template <class Char>
 class eCachedText {
 public:
@@ -15,7 +16,7 @@ public:
     /// together: the first result that is not empty stays. An empty answer gives a text of its own, which stays empty.
     template <class Ask>
     const std::basic_string<Char>& Get(Ask ask) {
-        static const std::basic_string<Char> none;
+        static const auto& none = *new std::basic_string<Char>;
         if (!filled.load(std::memory_order_acquire))
             Keep(ask());
         return filled.load(std::memory_order_acquire) ? text : none;

@@ -28,12 +28,12 @@ std::string AskSerial() {
 } // namespace
 
 const std::string& HDDSerialNumber() {
-    static eCachedText<char> serial;
+    static eCachedText<char>& serial = *new eCachedText<char>;
     return serial.Get(AskSerial);
 }
 
 const std::wstring& HDDSerialNumberW() {
-    static eCachedText<wchar_t> serial;
+    static eCachedText<wchar_t>& serial = *new eCachedText<wchar_t>;
     return serial.Get([] { return StringToWideChar(AskSerial(), windows1252); });
 }
 

@@ -50,42 +50,42 @@ const xCollectors::xGlobal::eGlobalFunctionRegistrator fillNames("app", &FillNam
 } // namespace
 
 const std::string& MachineName() {
-    static eCachedText<char> name;
+    static eCachedText<char>& name = *new eCachedText<char>;
     return name.Get([] { return LowerCased(Platform::ComputerName<char>()); });
 }
 
 const std::wstring& MachineNameW() {
-    static eCachedText<wchar_t> name;
+    static eCachedText<wchar_t>& name = *new eCachedText<wchar_t>;
     return name.Get([] { return LowerCased(Platform::ComputerName<wchar_t>()); });
 }
 
 const std::string& UserName() {
-    static eCachedText<char> name;
+    static eCachedText<char>& name = *new eCachedText<char>;
     return name.Get([] { return LowerCased(Platform::AccountName<char>()); });
 }
 
 const std::wstring& UserNameW() {
-    static eCachedText<wchar_t> name;
+    static eCachedText<wchar_t>& name = *new eCachedText<wchar_t>;
     return name.Get([] { return LowerCased(Platform::AccountName<wchar_t>()); });
 }
 
 const std::string& ProductId() {
-    static eCachedText<char> id;
+    static eCachedText<char>& id = *new eCachedText<char>;
     return id.Get(AskProductId<char>);
 }
 
 const std::wstring& ProductIdW() {
-    static eCachedText<wchar_t> id;
+    static eCachedText<wchar_t>& id = *new eCachedText<wchar_t>;
     return id.Get(AskProductId<wchar_t>);
 }
 
 const std::string& WindowsVersion() {
-    static eCachedText<char> name;
+    static eCachedText<char>& name = *new eCachedText<char>;
     return name.Get(AskVersionName);
 }
 
 const std::wstring& WindowsVersionW() {
-    static eCachedText<wchar_t> name;
+    static eCachedText<wchar_t>& name = *new eCachedText<wchar_t>;
     return name.Get([] { return ToStringW(AskVersionName()); });
 }
 

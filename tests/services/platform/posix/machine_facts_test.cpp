@@ -1,4 +1,6 @@
 // The units under test are compiled here under other names, over a machine of the test's own.
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -14,8 +16,9 @@ namespace {
 struct eMachine {
     std::string serial;
     unsigned int failure = 0;
-    int asked = 0;
-    int accountsAsked = 0;
+    int serialsAsked = 0;
+    int versionsAsked = 0;
+    std::string namesAsked = {}; ///< "c" and "u" for the computer's and the user's name, "C" and "U" for the wide ones
 };
 
 eMachine theMachine;
@@ -31,12 +34,13 @@ namespace IO::Platform {
 
 template <class Char>
 std::basic_string<Char> ComputerName() {
+    theMachine.namesAsked += sizeof(Char) == 1 ? 'c' : 'C';
     return TextOf<Char>("WORKSTATION1");
 }
 
 template <class Char>
 std::basic_string<Char> AccountName() {
-    ++theMachine.accountsAsked;
+    theMachine.namesAsked += sizeof(Char) == 1 ? 'u' : 'U';
     return TextOf<Char>("Some User");
 }
 
@@ -46,11 +50,12 @@ eProductIdQuery OpenProductId() {
 }
 
 eSystemVersion SystemVersion() {
+    ++theMachine.versionsAsked;
     return {10, 0, true};
 }
 
 unsigned int AskDiskSerial(std::string* serial) {
-    ++theMachine.asked;
+    ++theMachine.serialsAsked;
     *serial = theMachine.serial;
     return theMachine.failure;
 }
@@ -72,11 +77,17 @@ unsigned int AskDiskSerial(std::string* serial) {
 
 namespace System = IO::System;
 
-TEST(MachineFacts, TheAppGroupAsksForTheUserOnceAndForAll) {
+const std::string namesAskedAtLoad = theMachine.namesAsked;
+
+TEST(MachineFacts, TheAppGroupAsksForTheNarrowNamesInOrderAndOnce) {
+    EXPECT_EQ("", namesAskedAtLoad);
     xCollectors::xGlobal::Init("app");
-    EXPECT_EQ(1, theMachine.accountsAsked);
-    EXPECT_EQ("some user", System::UserName());
-    EXPECT_EQ(1, theMachine.accountsAsked);
+    EXPECT_EQ("cu", theMachine.namesAsked);
+    System::UserName();
+    System::MachineName();
+    xCollectors::xGlobal::Exit("app");
+    xCollectors::xGlobal::Init("app");
+    EXPECT_EQ("cu", theMachine.namesAsked);
 }
 
 TEST(MachineFacts, NamesAreInLowerCase) {
@@ -91,13 +102,32 @@ TEST(MachineFacts, TheVersionIsNamedByItsNumbersAndRole) {
     EXPECT_EQ(L"windows_server_2016", System::WindowsVersionW());
 }
 
+struct eLastAsker {
+    ~eLastAsker() {
+        std::fprintf(stderr, "%s, %d questions", System::WindowsVersion().c_str(), theMachine.versionsAsked);
+    }
+};
+
+TEST(MachineFacts, AreThereForTheDestructorsOfStaticObjects) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process of its own, where nothing has been asked for yet
+    const auto askAndLeave = [] {
+        static const eLastAsker asker;
+        System::WindowsVersion();
+        std::exit(0);
+    };
+    EXPECT_EXIT(askAndLeave(), testing::ExitedWithCode(0), "windows_server_2016, 1 questions");
+}
+
 TEST(MachineFacts, ASerialNumberThatIsRefusedIsWarnedOfAndAskedForAgain) {
     const eReports reports;
     theMachine = {"half an answer", 5};
-    for (int call = 1; call <= 2; ++call) {
-        EXPECT_EQ("", System::HDDSerialNumber());
-        EXPECT_EQ(call, theMachine.asked);
-        ASSERT_EQ(static_cast<std::size_t>(call), reports.warnings().size());
+    for (int question = 1; question <= 4; ++question) {
+        if (question % 2 != 0)
+            EXPECT_EQ("", System::HDDSerialNumber());
+        else
+            EXPECT_EQ(L"", System::HDDSerialNumberW());
+        EXPECT_EQ(question, theMachine.serialsAsked);
+        ASSERT_EQ(static_cast<std::size_t>(question), reports.warnings().size());
         const xError::eReport& warning = reports.warnings().back();
         EXPECT_EQ("internal/src/bios/qzl_io/system_hdd", warning.file);
         EXPECT_EQ(92, warning.line);
@@ -105,10 +135,13 @@ TEST(MachineFacts, ASerialNumberThatIsRefusedIsWarnedOfAndAskedForAgain) {
     }
     theMachine = {"  S\xE9rie", 0};
     EXPECT_EQ("  S\xE9rie", System::HDDSerialNumber());
+    EXPECT_EQ(1, theMachine.serialsAsked);
     EXPECT_EQ(L"  S\u00e9rie", System::HDDSerialNumberW());
+    EXPECT_EQ(2, theMachine.serialsAsked);
     theMachine = {"another", 0};
     EXPECT_EQ("  S\xE9rie", System::HDDSerialNumber());
-    EXPECT_EQ(0, theMachine.asked);
-    EXPECT_EQ(2u, reports.warnings().size());
+    EXPECT_EQ(L"  S\u00e9rie", System::HDDSerialNumberW());
+    EXPECT_EQ(0, theMachine.serialsAsked);
+    EXPECT_EQ(4u, reports.warnings().size());
     EXPECT_TRUE(reports.errors().empty());
 }
