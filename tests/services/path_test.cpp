@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <concepts>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -283,7 +285,30 @@ TYPED_TEST(PathServices, WorkingPathsAreCopiedByValue) {
     EXPECT_NE(&first.Working(), &copy.Working());
     copy = first;
     EXPECT_EQ(first.Working(), copy.Working());
-    static_assert(std::has_virtual_destructor_v<WorkingPaths>);
+}
+
+TYPED_TEST(PathServices, WorkingPathsComeFromATextAndOutliveWhatTheyWereMadeFrom) {
+    using WorkingPaths = typename TypeParam::WorkingPaths;
+    const auto workingOf = [](const WorkingPaths& paths) { return paths.Working(); };
+    EXPECT_EQ(TypeParam::WorkingDir(), workingOf(TypeParam::Of("an application")));
+    auto first = std::make_unique<WorkingPaths>(TypeParam::Of("a"));
+    const WorkingPaths copy = *first, moved = std::move(*first);
+    EXPECT_EQ(TypeParam::WorkingDir(), first->MyDocuments());
+    first.reset();
+    EXPECT_EQ(TypeParam::WorkingDir(), copy.AppDataUser());
+    EXPECT_EQ(TypeParam::WorkingDir(), moved.AppDataAllUsers());
+}
+
+TYPED_TEST(PathServices, WorkingPathsMayBeDeletedThroughTheirBase) {
+    using WorkingPaths = typename TypeParam::WorkingPaths;
+    struct eOwnPaths : WorkingPaths {
+        eOwnPaths(bool* flag) : WorkingPaths(TypeParam::Of("a")), gone(flag) {}
+        ~eOwnPaths() override { *gone = true; }
+        bool* gone;
+    };
+    bool gone = false;
+    std::unique_ptr<WorkingPaths>(new eOwnPaths(&gone)).reset();
+    EXPECT_TRUE(gone);
 }
 
 } // namespace

@@ -14,7 +14,7 @@ namespace IO::System {
 class QZL_IO_API eWorkingPaths {
 public:
     /// The application's name has no influence on the folders.
-    explicit eWorkingPaths(const std::string& application);
+    eWorkingPaths(const std::string& application);
     eWorkingPaths(const eWorkingPaths&);
     eWorkingPaths& operator=(const eWorkingPaths&);
     virtual ~eWorkingPaths();
@@ -35,7 +35,7 @@ private:
 /// The same over wide text.
 class QZL_IO_API eWorkingPathsW {
 public:
-    explicit eWorkingPathsW(const std::wstring& application);
+    eWorkingPathsW(const std::wstring& application);
     eWorkingPathsW(const eWorkingPathsW&);
     eWorkingPathsW& operator=(const eWorkingPathsW&);
     virtual ~eWorkingPathsW();
