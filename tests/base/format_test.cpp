@@ -72,6 +72,21 @@ TEST(Format, TakesNumbersOfEveryKind) {
     EXPECT_EQ("0.5 0.1", (format("%1% %2%") % 0.5f % 0.1).str());
 }
 
+template <class T>
+constexpr bool takes = requires(T value) {
+    format("") % value;
+};
+
+TEST(Format, TakesPlainEnumerationsAsNumbers) {
+    enum eByDefault { Zero, One };
+    enum eBelow : long long { Lowest = std::numeric_limits<long long>::min() };
+    enum eCharacter : char { LetterA = 'A' };
+    enum eSwitch : bool { Off, On };
+    enum class eScoped { First };
+    EXPECT_EQ("1 -9223372036854775808 65 1", (format("%1% %2% %3% %4%") % One % Lowest % LetterA % On).str());
+    EXPECT_FALSE(takes<eScoped>);
+}
+
 TEST(Format, BecomesAString) {
     const std::string text = format("%1%") % 5;
     EXPECT_EQ("5", text);

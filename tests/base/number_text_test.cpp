@@ -132,6 +132,23 @@ TEST(IntText, CoversSixtyFourBits) {
     }
 }
 
+TEST(IntText, TakesEveryIntegerType) {
+    EXPECT_EQ("3", ToString(std::string("abc").size(), false));
+    EXPECT_EQ("0x1f", ToString(std::size_t{31}, true));
+    EXPECT_EQ("4294967295", ToString(std::numeric_limits<unsigned>::max(), false));
+    EXPECT_EQ("0xffffffff", ToString(std::numeric_limits<unsigned>::max(), true));
+    EXPECT_EQ("7", ToString(7ul, false));
+    EXPECT_EQ("-7", ToString(-7l, false));
+    EXPECT_EQ(sizeof(long) == 4 ? "0xfffffff9" : "0xfffffffffffffff9", ToString(-7l, true));
+    EXPECT_EQ("9223372036854775807", ToString(std::numeric_limits<long long>::max(), false));
+    EXPECT_EQ("-9223372036854775808", ToString(std::numeric_limits<long long>::min(), false));
+    EXPECT_EQ("0x8000000000000000", ToString(std::numeric_limits<long long>::min(), true));
+    EXPECT_EQ("-3", ToString(short{-3}, false));
+    EXPECT_EQ("0xfffffffd", ToString(short{-3}, true));
+    EXPECT_EQ("97", ToString('a', false));
+    EXPECT_EQ("1", ToString(true, false));
+}
+
 TEST(FloatText, IsTheShortestOfItsKind) {
     const struct {
         float value;

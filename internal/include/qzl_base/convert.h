@@ -1,8 +1,10 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include <qzl_base/export.h>
 
@@ -14,6 +16,17 @@
 // int -1 is "-1" or "0xffffffff".
 QZL_BASE_API std::string ToString(int value, bool hexadecimal);
 QZL_BASE_API std::string ToString(unsigned long long value, bool hexadecimal);
+
+// Every other integer type alike; in hexadecimal, the bits that the type has. Smaller ones than int count as int.
+template <std::integral T>
+requires(sizeof(T) >= sizeof(int)) std::string ToString(T value, bool hexadecimal) {
+    using eBits = std::make_unsigned_t<T>;
+    const bool negative = value < 0 && !hexadecimal;
+    const auto bits = static_cast<eBits>(value);
+    const std::string digits =
+        ToString(static_cast<unsigned long long>(negative ? eBits{0} - bits : bits), hexadecimal);
+    return negative ? '-' + digits : digits;
+}
 
 // The shortest text from which an SDL file's number reads back to the same bits, for every finite float: an integer
 // ("3"), digits with a point ("0.5", "-0."), or digits with an exponent ("1e10", "15e-4"). Of two equally short texts

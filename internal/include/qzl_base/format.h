@@ -3,6 +3,7 @@
 #include <concepts>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -19,42 +20,58 @@ public:
     explicit format(const char* pattern); // null is empty
     explicit format(std::string pattern);
 
-    // Gives the next argument. Numbers become decimal texts (floats the shortest text that keeps their value), wide
-    // texts UTF-8, a null text nothing, a bool 1 or 0; whatever has c_str() counts as its text.
-    friend format operator%(format text, const std::string& argument) { return std::move(text.Add(argument)); }
-    friend format operator%(format text, std::string_view argument) {
+    // The text with the next argument; this one stays as it is. Numbers become decimal texts (floats the shortest text
+    // that keeps their value), values of plain enumerations their numbers, wide texts UTF-8, a null text nothing, a
+    // bool 1 or 0; whatever has c_str() counts as its text.
+    [[nodiscard]] friend format operator%(format text, const std::string& argument) {
+        return std::move(text.Add(argument));
+    }
+    [[nodiscard]] friend format operator%(format text, std::string_view argument) {
         return std::move(text.Add(std::string(argument)));
     }
-    friend format operator%(format text, const char* argument) {
+    [[nodiscard]] friend format operator%(format text, const char* argument) {
         return std::move(text.Add(argument ? std::string(argument) : std::string()));
     }
-    friend format operator%(format text, const std::wstring& argument) { return std::move(text.AddWide(argument)); }
-    friend format operator%(format text, const wchar_t* argument) {
+    [[nodiscard]] friend format operator%(format text, const std::wstring& argument) {
+        return std::move(text.AddWide(argument));
+    }
+    [[nodiscard]] friend format operator%(format text, const wchar_t* argument) {
         return std::move(text.AddWide(argument ? std::wstring_view(argument) : std::wstring_view()));
     }
-    friend format operator%(format text, char argument) { return std::move(text.Add(std::string(1, argument))); }
+    [[nodiscard]] friend format operator%(format text, char argument) {
+        return std::move(text.Add(std::string(1, argument)));
+    }
     template <std::integral T>
-    friend format operator%(format text, T argument) {
+    [[nodiscard]] friend format operator%(format text, T argument) {
         if constexpr (std::signed_integral<T>)
             return std::move(text.AddSigned(argument));
         else
             return std::move(text.AddUnsigned(argument));
     }
-    friend format operator%(format text, float argument) { return std::move(text.AddFloat(argument)); }
-    friend format operator%(format text, double argument) { return std::move(text.AddDouble(argument)); }
+    template <class T>
+    requires(std::is_enum_v<T>&& std::convertible_to<T, long long>) [[nodiscard]] friend format operator%(format text,
+                                                                                                          T argument) {
+        return std::move(text) % +static_cast<std::underlying_type_t<T>>(argument);
+    }
+    [[nodiscard]] friend format operator%(format text, float argument) { return std::move(text.AddFloat(argument)); }
+    [[nodiscard]] friend format operator%(format text, double argument) { return std::move(text.AddDouble(argument)); }
     template <class T>
     requires requires(const T& value) {
         { value.c_str() } -> std::same_as<const char*>;
     }
-    friend format operator%(format text, const T& argument) { return std::move(text.Add(argument.c_str())); }
+    [[nodiscard]] friend format operator%(format text, const T& argument) {
+        return std::move(text.Add(argument.c_str()));
+    }
     template <class T>
     requires requires(const T& value) {
         { value.c_str() } -> std::same_as<const wchar_t*>;
     }
-    friend format operator%(format text, const T& argument) { return std::move(text.AddWide(argument.c_str())); }
+    [[nodiscard]] friend format operator%(format text, const T& argument) {
+        return std::move(text.AddWide(argument.c_str()));
+    }
 
     // The text with the arguments given so far in their places.
-    std::string str() const;
+    [[nodiscard]] std::string str() const;
     operator std::string() const { return str(); }
 
 private:
