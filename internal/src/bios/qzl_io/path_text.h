@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -68,14 +70,27 @@ bool MakeParts(const std::basic_string<Char>& folder, std::size_t first, MakeFol
     }
 }
 
+/// A full name as the system tells it, in its plain form: without the start of an extended one ("\\?\C:\x",
+/// "\\?\UNC\server\share\x") and with forward slashes.
+template <class Char>
+std::basic_string<Char> PlainName(std::basic_string<Char> name) {
+    constexpr Char extended[] = {Char('\\'), Char('\\'), Char('?'), Char('\\'), Char()};
+    constexpr Char share[] = {Char('U'), Char('N'), Char('C'), Char('\\'), Char()};
+    if (name.starts_with(extended)) {
+        name.erase(0, std::size(extended) - 1);
+        if (name.starts_with(share))
+            name.replace(0, std::size(share) - 2, 1, Char('\\'));
+    }
+    std::replace(name.begin(), name.end(), Char('\\'), Char('/'));
+    return name;
+}
+
 /// The folder of an executable's full name, with forward slashes and a trailing "/". Empty for a name of more than 519
 /// characters, and for a folder of more than 255.
 template <class Char>
-std::basic_string<Char> FolderOf(std::basic_string<Char> executable) {
+std::basic_string<Char> FolderOf(const std::basic_string<Char>& fullName) {
     constexpr std::size_t nameRoom = 519;
-    for (Char& letter : executable)
-        if (letter == Char('\\'))
-            letter = Char('/');
+    const std::basic_string<Char> executable = PlainName(fullName);
     const ePathParts<Char> parts(executable);
     if (executable.size() > nameRoom || parts.dir.size() > parts.partRoom)
         return {};
