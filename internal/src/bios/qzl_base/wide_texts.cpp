@@ -1,12 +1,19 @@
 #include <qzl_base/convert.h>
 
 #include <algorithm>
+#include <memory>
+
+#include <qzl_base/error.h>
 
 #include "platform/code_page.h"
 #include "unicode.h"
 #include "windows_1252.h"
 
 namespace {
+
+constexpr char kSource[] = "internal/src/bios/qzl_base/wide_texts";
+constexpr int kNotOpenedLine = 10;
+constexpr char kNotOpened[] = "The system has no file descriptor for a code page!";
 
 constexpr int kUtf8 = 65001;
 constexpr int kWindows1252 = 1252;
@@ -61,8 +68,18 @@ std::string NarrowAscii(std::wstring_view text) {
     return narrow;
 }
 
+// False, and reported, when the system cannot tell whether it knows the number.
+bool OpenPage(int codePage, std::unique_ptr<platform::eCodePage>* page) {
+    const bool told = platform::OpenCodePage(codePage, page);
+    if (!told)
+        xError::Error(kSource, kNotOpenedLine, kNotOpened, true);
+    return told;
+}
+
 std::wstring WidenBySystem(std::string_view text, int codePage) {
-    const auto page = platform::OpenCodePage(codePage);
+    std::unique_ptr<platform::eCodePage> page;
+    if (!OpenPage(codePage, &page))
+        return {};
     if (!page)
         return WidenAscii(text);
     std::wstring wide;
@@ -70,7 +87,9 @@ std::wstring WidenBySystem(std::string_view text, int codePage) {
 }
 
 std::string NarrowBySystem(std::wstring_view text, int codePage) {
-    const auto page = platform::OpenCodePage(codePage);
+    std::unique_ptr<platform::eCodePage> page;
+    if (!OpenPage(codePage, &page))
+        return {};
     if (!page)
         return NarrowAscii(text);
     std::string narrow;

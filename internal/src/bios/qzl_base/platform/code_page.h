@@ -17,7 +17,8 @@ public:
     virtual bool Narrow(std::wstring_view text, std::string* out) = 0;
 };
 
-// Null when the system does not know the number.
-std::unique_ptr<eCodePage> OpenCodePage(int number);
+// Null when the system does not know the number. False when it cannot tell, for want of file descriptors; for want of
+// memory std::bad_alloc is thrown.
+bool OpenCodePage(int number, std::unique_ptr<eCodePage>* page);
 
 } // namespace platform

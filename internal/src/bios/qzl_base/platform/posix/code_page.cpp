@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <new>
 #include <utility>
 
+#include <fcntl.h>
 #include <iconv.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace platform {
 
@@ -16,7 +20,7 @@ constexpr const char* kWide = "WCHAR_T";
 
 class eConverter {
 public:
-    eConverter(const char* to, const char* from) : descriptor(iconv_open(to, from)) {}
+    eConverter(const char* to, const char* from) : descriptor(iconv_open(to, from)), failure(IsOpen() ? 0 : errno) {}
     ~eConverter() {
         if (IsOpen())
             iconv_close(descriptor);
@@ -25,6 +29,7 @@ public:
     eConverter& operator=(const eConverter&) = delete;
 
     bool IsOpen() const { return descriptor != reinterpret_cast<iconv_t>(-1); }
+    int Failure() const { return failure; }
 
     // Appends the converted bytes; false, with a part of them appended, when the text cannot be converted wholly.
     bool Convert(std::string_view bytes, std::string* out) {
@@ -50,6 +55,7 @@ private:
     }
 
     iconv_t descriptor;
+    int failure;
 };
 
 std::string_view BytesOf(std::wstring_view text) {
@@ -60,7 +66,8 @@ class eIconvCodePage : public eCodePage {
 public:
     explicit eIconvCodePage(const std::string& name) : widener(kWide, name.c_str()), narrower(name.c_str(), kWide) {}
 
-    bool IsOpen() const { return widener.IsOpen() && narrower.IsOpen(); }
+    // 0, or the system's number for what one of the directions met.
+    int Failure() const { return widener.IsOpen() ? narrower.Failure() : widener.Failure(); }
 
     bool Widen(std::string_view text, std::wstring* out) override {
         std::string bytes;
@@ -103,11 +110,38 @@ std::string NameOf(int number) {
     return "CP" + std::to_string(number);
 }
 
+// The system's converters are files. Where it cannot open one, or has no room for it, it says that it knows no such
+// page; where the list of them was to be read just then, it says so of every page for good.
+
+bool HasDescriptors() {
+    const int probe = open("/", O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (probe < 0)
+        return errno != EMFILE && errno != ENFILE;
+    close(probe);
+    return true;
+}
+
+bool HasRoom() {
+    constexpr std::size_t moreThanAnyConverter = std::size_t{4} << 20;
+    void* const probe = mmap(nullptr, moreThanAnyConverter, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (probe == MAP_FAILED)
+        return false;
+    munmap(probe, moreThanAnyConverter);
+    return true;
+}
+
 } // namespace
 
-std::unique_ptr<eCodePage> OpenCodePage(int number) {
-    auto page = std::make_unique<eIconvCodePage>(NameOf(number));
-    return page->IsOpen() ? std::move(page) : nullptr;
+bool OpenCodePage(int number, std::unique_ptr<eCodePage>* page) {
+    if (!HasDescriptors())
+        return false;
+    auto opened = std::make_unique<eIconvCodePage>(NameOf(number));
+    const int failure = opened->Failure();
+    if (failure == ENOMEM || (failure == EINVAL && !HasRoom()))
+        throw std::bad_alloc();
+    if (failure == 0)
+        *page = std::move(opened);
+    return failure == 0 || (failure == EINVAL && HasDescriptors());
 }
 
 } // namespace platform

@@ -67,11 +67,11 @@ private:
 
 } // namespace
 
-std::unique_ptr<eCodePage> OpenCodePage(int number) {
-    const auto page = static_cast<unsigned>(number);
-    if (!IsValidCodePage(page) && page > CP_THREAD_ACP)
-        return nullptr;
-    return std::make_unique<eSystemCodePage>(page);
+bool OpenCodePage(int number, std::unique_ptr<eCodePage>* page) {
+    const auto asked = static_cast<unsigned>(number);
+    if (IsValidCodePage(asked) || asked <= CP_THREAD_ACP)
+        *page = std::make_unique<eSystemCodePage>(asked);
+    return true;
 }
 
 } // namespace platform

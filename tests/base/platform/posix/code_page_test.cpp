@@ -1,0 +1,114 @@
+// Code pages of the system, whose converters are files, while it has no descriptors or no memory left.
+#include <qzl_base/convert.h>
+
+#include <cerrno>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "support/platform/posix/fault.h"
+#include "support/reports.h"
+
+namespace {
+
+constexpr char kError[] = "The system has no file descriptor for a code page!";
+
+// Cyrillic in code page 866.
+const std::string narrow = "\x80\x81";
+const std::wstring wide = L"\u0410\u0411";
+
+// Takes all descriptors that the process may have.
+class eAllDescriptors {
+public:
+    eAllDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &limit);
+        const rlimit few{100, limit.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &few);
+        for (int taken = open("/", O_PATH | O_CLOEXEC); taken >= 0; taken = open("/", O_PATH | O_CLOEXEC))
+            descriptors.push_back(taken);
+    }
+    ~eAllDescriptors() {
+        for (const int taken : descriptors)
+            close(taken);
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    eAllDescriptors(const eAllDescriptors&) = delete;
+    eAllDescriptors& operator=(const eAllDescriptors&) = delete;
+
+private:
+    rlimit limit{};
+    std::vector<int> descriptors;
+};
+
+class CodePage : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!eFault::ReachesLibraries())
+            GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    }
+};
+
+} // namespace
+
+TEST(CodePages, LoseNothingForGoodWhenDescriptorsRunOut) {
+    const pid_t child = fork(); // a process that has not yet asked for any page
+    if (child == 0) {
+        const eReports reports;
+        bool right = true;
+        {
+            const eAllDescriptors taken;
+            right = StringToWideChar(narrow, 866).empty() && WideCharToString(wide, 866).empty();
+        }
+        right = right && reports.errors().size() == 2 && reports.errors()[0].message == kError;
+        right = right && StringToWideChar(narrow, 866) == wide && WideCharToString(wide, 866) == narrow;
+        _exit(right && reports.errors().size() == 2 ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(0, WEXITSTATUS(status));
+}
+
+TEST(CodePages, OfTheLibraryItselfNeedNoDescriptor) {
+    const eReports reports;
+    const eAllDescriptors taken;
+    EXPECT_EQ(L"\u20ac", StringToWideChar("\x80", 1252));
+    EXPECT_EQ(L"\u20ac", StringToWideChar("\xe2\x82\xac", 65001));
+    EXPECT_TRUE(reports.errors().empty());
+}
+
+TEST_F(CodePage, ThatCannotBeOpenedForWantOfMemoryThrowsBadAlloc) {
+    for (const int call : {1, 2}) {
+        const eFault fault("iconv_open", ENOMEM, call);
+        EXPECT_THROW(StringToWideChar(narrow, 866), std::bad_alloc);
+    }
+    const eFault fault("iconv_open", ENOMEM);
+    EXPECT_THROW(WideCharToString(wide, 866), std::bad_alloc);
+}
+
+TEST_F(CodePage, ThatCannotBeOpenedForWantOfDescriptorsIsReported) {
+    const eReports reports;
+    for (const int error : {EMFILE, ENFILE}) {
+        for (const char* function : {"iconv_open", "open"}) {
+            const eFault fault(function, error);
+            EXPECT_EQ(L"", StringToWideChar(narrow, 866)) << function;
+            EXPECT_TRUE(fault.Struck());
+        }
+    }
+    ASSERT_EQ(4u, reports.errors().size());
+    for (const xError::eReport& report : reports.errors())
+        EXPECT_EQ(kError, report.message);
+}
+
+TEST_F(CodePage, ThatTheSystemDoesNotKnowIsNoError) {
+    const eReports reports;
+    EXPECT_EQ(L"a\xfffd", StringToWideChar("a\x80", 99999));
+    EXPECT_TRUE(reports.errors().empty());
+}
