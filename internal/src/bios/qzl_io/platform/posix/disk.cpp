@@ -47,7 +47,8 @@ std::string DiskBelow(std::string device) {
             break;
         device += "/slaves/" + lower;
     }
-    const bool isPartition = ::access((device + "/partition").c_str(), F_OK) == 0;
+    const std::string partition = device + "/partition";
+    const bool isPartition = Uninterrupted([&] { return ::access(partition.c_str(), F_OK); }) == 0;
     return isPartition ? device + "/.." : device;
 }
 
@@ -74,7 +75,7 @@ unsigned int SerialShown(const std::string& disk, std::string* serial) {
 
 unsigned int AskDiskSerial(std::string* serial) {
     struct stat root {};
-    if (::stat("/", &root) != 0)
+    if (Uninterrupted([&] { return ::stat("/", &root); }) != 0)
         return static_cast<unsigned int>(errno);
     const std::string device =
         "/sys/dev/block/" + std::to_string(major(root.st_dev)) + ":" + std::to_string(minor(root.st_dev));

@@ -71,7 +71,8 @@ bool FillNext(eSearchHandle& handle, eSearchRecord<Char>* record) {
 
 template <class Char>
 bool Ask(const eSearchHandle& handle, const eSearchRecord<Char>& record, int flags, struct stat* status) {
-    return ::fstatat(handle.Folder(), eNativeName(record.name.c_str()).c_str(), status, flags) == 0;
+    const eNativeName name(record.name.c_str());
+    return Uninterrupted([&] { return ::fstatat(handle.Folder(), name.c_str(), status, flags); }) == 0;
 }
 
 } // namespace

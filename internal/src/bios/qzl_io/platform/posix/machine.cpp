@@ -37,7 +37,7 @@ std::string EffectiveUser() {
 
 std::string ExecutableBytes() {
     std::vector<char> name(PATH_MAX);
-    const ssize_t length = ::readlink("/proc/self/exe", name.data(), name.size());
+    const ssize_t length = Uninterrupted([&] { return ::readlink("/proc/self/exe", name.data(), name.size()); });
     return length > 0 ? std::string(name.data(), static_cast<std::size_t>(length)) : std::string();
 }
 

@@ -82,9 +82,11 @@ eReplacement::eReplacement(const eRealPlace& target, mode_t mode) : place(target
     pending = file.IsOpen();
 }
 
+// Tried twice: nobody else would ever remove it.
 eReplacement::~eReplacement() {
-    if (pending)
-        Uninterrupted([&] { return ::unlinkat(place.folder.Get(), name.c_str(), 0); });
+    const auto remove = [this] { return ::unlinkat(place.folder.Get(), name.c_str(), 0); };
+    if (pending && Uninterrupted(remove) != 0)
+        Uninterrupted(remove);
 }
 
 bool eReplacement::Resemble(int replaced, const struct stat& facts) {

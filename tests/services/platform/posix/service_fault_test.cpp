@@ -1,0 +1,154 @@
+// Every call that an operation makes of the system fails once, in turn, with each of several errors. Whatever the
+// operation then does, it touches nothing outside, leaves nothing of its own behind and takes targets as a whole or
+// not.
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include <support/platform/posix/fault.h>
+#include <support/platform/posix/open_descriptors.h>
+
+#include "../../real_tree.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int errors[] = {EINTR, EIO, ENOSPC, EACCES, ENOMEM, EMFILE};
+
+template <class Width>
+class ServiceFault : public eRealTree<Width> {
+protected:
+    void SetUp() override {
+        if (!eFault::ReachesLibraries())
+            GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    }
+
+    void MakeLink(std::string_view target, std::string_view link) const { fs::create_symlink(target, this->At(link)); }
+
+    // Makes everything anew, runs the operation with one call failing and looks at what is left; for every call and
+    // every error. After an interruption, and where no call failed, all is to be done.
+    void Sweep(const std::function<void()>& make, const std::function<void()>& operation,
+               const std::function<void(bool done)>& look) {
+        for (const int error : errors) {
+            for (int call = 1;; ++call) {
+                SCOPED_TRACE("call " + std::to_string(call) + ", error " + std::to_string(error));
+                for (const auto& entry : fs::directory_iterator(this->At("")))
+                    fs::remove_all(entry);
+                make();
+                const int before = OpenDescriptors();
+                bool struck = false;
+                {
+                    const eFault fault("", error, call);
+                    operation();
+                    struck = fault.Struck();
+                }
+                EXPECT_EQ(before, OpenDescriptors());
+                look(!struck || error == EINTR);
+                if (!struck || this->HasFailure())
+                    break;
+            }
+        }
+    }
+};
+
+TYPED_TEST_SUITE(ServiceFault, eWidths, eWidthNames);
+
+} // namespace
+
+TYPED_TEST(ServiceFault, ACopiedFileIsTheOldOneOrTheNewOne) {
+    struct eRow {
+        const char* promise;
+        const char* to;
+        const char* real;
+        bool existed;
+    };
+    const std::string old = "old and of another length", fresh(70'000, 'n');
+    for (const eRow& row : {eRow{"a new target", "to", "to", false}, eRow{"an existing one", "to", "to", true},
+                            eRow{"by a link", "link", "outside/file", true},
+                            eRow{"by a link to nothing", "link", "outside/file", false}}) {
+        SCOPED_TRACE(row.promise);
+        const auto make = [&] {
+            this->MakeFile("from", fresh);
+            this->MakeFolder("outside");
+            if (row.to != std::string(row.real))
+                this->MakeLink(row.real, row.to);
+            if (row.existed) {
+                this->MakeFile(row.real, old);
+                fs::permissions(this->At(row.real), fs::perms(0640));
+            }
+        };
+        const auto operation = [&] { TypeParam::CopyFile(this->Named("from"), this->Named(row.to)); };
+        const auto look = [&](bool done) {
+            eNames expected{"from", "outside/"};
+            if (row.to != std::string(row.real))
+                expected.insert(expected.begin() + 1, row.to);
+            const bool exists = this->Exists(row.real);
+            if (exists)
+                expected.push_back(row.real);
+            EXPECT_EQ(expected, this->Tree(""));
+            EXPECT_TRUE(exists || !row.existed);
+            EXPECT_EQ(fresh, this->Content("from"));
+            const std::string content = exists ? this->Content(row.real) : "";
+            EXPECT_TRUE(content == fresh || (!done && content == (row.existed ? old : "")));
+            if (row.existed) {
+                EXPECT_EQ(fs::perms(0640), fs::status(this->At(row.real)).permissions());
+            }
+        };
+        this->Sweep(make, operation, look);
+    }
+}
+
+TYPED_TEST(ServiceFault, ACopyWrittenInPlaceKeepsWhatArrivedAndTheOtherNameSeesIt) {
+    const std::string old = "old", fresh(70'000, 'n');
+    const auto make = [&] {
+        this->MakeFile("from", fresh);
+        this->MakeFile("to", old);
+        fs::create_hard_link(this->At("to"), this->At("other"));
+    };
+    const auto operation = [&] { TypeParam::CopyFile(this->Named("from"), this->Named("to")); };
+    const auto look = [&](bool done) {
+        EXPECT_EQ((eNames{"from", "other", "to"}), this->Tree(""));
+        const std::string content = this->Content("to");
+        EXPECT_EQ(content, this->Content("other"));
+        EXPECT_TRUE(content == fresh || (!done && (content == old || fresh.starts_with(content))));
+    };
+    this->Sweep(make, operation, look);
+}
+
+TYPED_TEST(ServiceFault, ACopyWithHolesIsWholeOrNotThere) {
+    const auto make = [&] {
+        this->MakeFile("from", "data");
+        fs::resize_file(this->At("from"), 300'000);
+        std::fstream(this->At("from"), std::ios::in | std::ios::out).seekp(200'000) << "more";
+    };
+    const auto operation = [&] { TypeParam::CopyFile(this->Named("from"), this->Named("to")); };
+    const auto look = [&](bool done) {
+        const bool made = this->Exists("to");
+        EXPECT_EQ(made ? (eNames{"from", "to"}) : eNames{"from"}, this->Tree(""));
+        EXPECT_TRUE(made ? this->Content("from") == this->Content("to") : !done);
+    };
+    this->Sweep(make, operation, look);
+}
+
+TYPED_TEST(ServiceFault, AStoppedCopyLeavesNothingOfItsOwn) {
+    bool cancel = true;
+    const auto make = [&] {
+        this->MakeFile("from", "new");
+        this->MakeFile("to", "old");
+    };
+    const auto operation = [&] { TypeParam::CopyFileEx(this->Named("from"), this->Named("to"), &cancel); };
+    const auto look = [&](bool done) {
+        const bool stands = this->Exists("to");
+        EXPECT_EQ(stands ? (eNames{"from", "to"}) : (eNames{"from"}), this->Tree(""));
+        EXPECT_TRUE(!stands || (!done && this->Content("to") == "old"));
+    };
+    this->Sweep(make, operation, look);
+}
