@@ -48,6 +48,7 @@ int simulated_fstat(int handle, struct stat* facts) {
     if (handle < 0)
         return -1;
     facts->st_mode = S_IFREG;
+    facts->st_dev = 1;
     facts->st_ino = static_cast<ino_t>(handle);
     facts->st_size = static_cast<off_t>(theSystem.file.size());
     return 0;
