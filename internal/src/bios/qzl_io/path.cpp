@@ -8,6 +8,7 @@
 #include "platform/files.h"
 #include "platform/folder.h"
 #include "platform/machine.h"
+#include "platform/unattended.h"
 #include "tree.h"
 
 namespace IO::System {
@@ -32,6 +33,7 @@ std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience
 
 template <class Char>
 bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience) {
+    const Platform::eUnattended unattended;
     if (folder.empty() || Platform::MayAccess(folder.c_str(), File::Exist))
         return true;
     const auto makeFolder = [&](const std::basic_string<Char>& part) {
@@ -42,6 +44,7 @@ bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience) {
 
 template <class Name>
 void DeleteFolder(const Name& folder, bool recursive, ePatience& patience) {
+    const Platform::eUnattended unattended;
     if (NamesNothing(folder))
         return;
     const Name path = Name(folder).GetPath();
@@ -55,6 +58,7 @@ void DeleteFolder(const Name& folder, bool recursive, ePatience& patience) {
 
 template <class Name>
 void CopyFolder(const Name& from, const Name& to) {
+    const Platform::eUnattended unattended;
     if (NamesNothing(from) || NamesNothing(to))
         return;
     const Name source = Name(from).GetPath();
@@ -70,6 +74,7 @@ void CopyFolder(const Name& from, const Name& to) {
 
 template <class Search, class Name, class Char>
 void PurgeFolder(const Name& folder, const Char* mask) {
+    const Platform::eUnattended unattended;
     const Name prefix(folder);
     ePatience patience;
     for (Search search(prefix, mask); search.Valid(); search.Next()) {

@@ -16,6 +16,7 @@
 
 #include "file_numbers.h"
 #include "native_name.h"
+#include "platform/unattended.h"
 
 namespace IO::Platform {
 namespace {
@@ -35,6 +36,7 @@ bool MoveTo(int handle, unsigned long long position) {
 }
 
 int Open(const eNativeName& name, int openFlags) {
+    const eUnattended unattended;
     int handle = -1;
     if (_wsopen_s(&handle, name.c_str(), openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0)
         return handle;

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include "../cancel_flag.h"
+#include "../unattended.h"
 #include "native_name.h"
 
 namespace IO::Platform {
@@ -23,31 +24,37 @@ DWORD CALLBACK LookAtFlag(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INT
 
 template <class Char>
 bool MayAccess(const Char* name, int mode) {
+    const eUnattended unattended;
     return ::_waccess_s(eNativeName(name).c_str(), mode) == 0;
 }
 
 template <class Char>
 void CopyWhole(const Char* from, const Char* to) {
+    const eUnattended unattended;
     ::CopyFileW(eNativeName(from).c_str(), eNativeName(to).c_str(), FALSE);
 }
 
 template <class Char>
 void CopyStoppable(const Char* from, const Char* to, const bool* cancel) {
+    const eUnattended unattended;
     ::CopyFileExW(eNativeName(from).c_str(), eNativeName(to).c_str(), &LookAtFlag, const_cast<bool*>(cancel), nullptr,
                   COPY_FILE_NO_BUFFERING);
 }
 
 template <class Char>
 bool EraseFile(const Char* name) {
+    const eUnattended unattended;
     return ::DeleteFileW(eNativeName(name).c_str()) != FALSE;
 }
 
 bool RenameFile(const char* from, const char* to) {
+    const eUnattended unattended;
     return ::_wrename(eNativeName(from).c_str(), eNativeName(to).c_str()) == 0;
 }
 
 template <class Char>
 unsigned long long FileSize(const Char* name) {
+    const eUnattended unattended;
     int file = -1;
     ::_wsopen_s(&file, eNativeName(name).c_str(), _O_RDONLY, _SH_DENYNO, _S_IREAD | _S_IWRITE);
     if (file == -1)

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "../../listed_kind.h"
+#include "../unattended.h"
 #include "native_name.h"
 #include "owned_handle.h"
 
@@ -41,6 +42,7 @@ bool Fill(const WIN32_FIND_DATAW& data, eSearchRecord<Char>* record) {
 
 template <class Char>
 std::shared_ptr<eSearchHandle> FirstEntry(const Char* pattern, eSearchRecord<Char>* record) {
+    const eUnattended unattended;
     WIN32_FIND_DATAW data;
     const auto handle =
         std::make_shared<eSearchHandle>(eFindHandle(::FindFirstFileW(eNativePattern(pattern).c_str(), &data)));
@@ -50,6 +52,7 @@ std::shared_ptr<eSearchHandle> FirstEntry(const Char* pattern, eSearchRecord<Cha
 
 template <class Char>
 bool NextEntry(eSearchHandle& handle, eSearchRecord<Char>* record) {
+    const eUnattended unattended;
     WIN32_FIND_DATAW data;
     while (::FindNextFileW(handle.Get(), &data))
         if (Fill(data, record))

@@ -1,0 +1,15 @@
+#include "../unattended.h"
+
+#include <windows.h>
+
+namespace IO::Platform {
+
+eUnattended::eUnattended() noexcept : before(::GetThreadErrorMode()) {
+    ::SetThreadErrorMode(before | SEM_FAILCRITICALERRORS, nullptr);
+}
+
+eUnattended::~eUnattended() {
+    ::SetThreadErrorMode(before, nullptr);
+}
+
+} // namespace IO::Platform
