@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <sstream>
@@ -151,8 +152,9 @@ const std::vector<eOperation> kOperations = {
 class eIncludedFiles {
 public:
     explicit eIncludedFiles(std::mt19937& random) {
-        for (int i = 0; i < 40; ++i) {
-            const std::string text = RandomSource(random, i % 4 == 0 ? 8 : 30);
+        const char* const ends[] = {"", " ", ";", "\"open", "\"cut \\", "{", "{#"};
+        for (std::size_t i = 0; i < 42; ++i) {
+            const std::string text = RandomSource(random, i % 4 == 0 ? 8 : 30) + ends[i % std::size(ends)];
             const std::string name = folder.Write(std::to_string(i) + ".sdl", text);
             texts[name] = text;
             names.push_back(name);

@@ -638,6 +638,48 @@ TEST(SdlReader, IncludedFilesKnowTheTablesOfTheMoment) {
     EXPECT_EQ(reader.GetKeyword(), 5);
 }
 
+TEST(SdlReader, WhatAnIncludedFileBeginsTheIncludingOneMayEnd) {
+    const struct {
+        const char* included;
+        const char* including;
+        void (*read)(eSDLReader&);
+    } rows[] = {
+        {"{", "light 1}", [](eSDLReader& r) { EXPECT_EQ(r.GetBlock(5), 5); }},
+        {"{ ; c", "scene 1}", [](eSDLReader& r) { EXPECT_EQ(r.GetSignature(), "scene"); }},
+        {"\"a\" \"b\"", "\"c\" 1",
+         [](eSDLReader& r) {
+             eStrings strings;
+             r >> strings;
+             EXPECT_EQ(strings.size(), 3u);
+         }},
+        {"(\"note\" x", "y) 1", [](eSDLReader&) {}},
+        {"(mod {x", "} ) 1", [](eSDLReader&) {}},
+        {"{##m {x", "} } 1", [](eSDLReader&) {}},
+        {"7", "1", [](eSDLReader& r) { EXPECT_TRUE(r.GetInt() == 7 && r.Test(sdlInt)); }},
+        {"{x", "} 1",
+         [](eSDLReader& r) { EXPECT_TRUE((r >> begb).Check(sdlIdent) && r.End() && r.Check(sdlBlockEnd)); }},
+    };
+    const eTempFolder folder;
+    for (const auto& row : rows) {
+        eSDLReader reader = WordReaderOf(row.including);
+        reader.Include(eFileName(folder.Write("a.sdl", row.included)));
+        row.read(reader);
+        EXPECT_EQ(reader.GetInt(), 1) << row.included;
+    }
+}
+
+TEST(SdlReader, AnExpressionEndsInItsSource) {
+    const eTempFolder folder;
+    for (const char* included : {"(+ 1 2", "(+", "(+ 1 \"open"}) {
+        eSDLReader reader = ReaderOf("3) 4");
+        reader.Include(eFileName(folder.Write("a.sdl", included)));
+        EXPECT_EQ(FailureOf([&] { reader.GetFloat(); }), ReaderFailure(308, "Number expected!")) << included;
+    }
+    eSDLReader reader = ReaderOf("+ 1 2)");
+    reader.Include(eFileName(folder.Write("a.sdl", "(")));
+    EXPECT_EQ(FailureOf([&] { reader.GetFloat(); }), ReaderFailure(352, "Identifier expected!"));
+}
+
 TEST(SdlReader, IncludedFilesAreClosedAtOnce) {
     const eTempFolder folder;
     const std::string name = folder.Write("a.sdl", "1 2");
@@ -660,6 +702,23 @@ TEST(SdlReader, ABlockMayGoOnInTheIncludingFile) {
             reader >> endb;
         EXPECT_EQ(reader.GetInt(), 6);
     }
+}
+
+TEST(SdlReader, OpenedWithATableLooksWordsUpInIt) {
+    const eTempFolder folder;
+    const eFileName plain(folder.Write("a.sdl", "Light light"));
+    const eFileName turned(folder.Write("b.sdl", Turned("Light light")));
+    for (const auto& cipher : {std::shared_ptr<eTurningCipher>(), std::make_shared<eTurningCipher>()}) {
+        eSDLReader reader(cipher ? turned : plain, words, cipher);
+        EXPECT_EQ(reader.Keywords(), words);
+        EXPECT_EQ(reader.GetKeyword(), 5);
+        reader.PopKeywords();
+        EXPECT_EQ(reader.Keywords(), nullptr);
+        EXPECT_EQ(reader.GetToken().type, sdlIdent);
+    }
+    eSDLReader reader(plain, static_cast<eSDLKeyword*>(nullptr), nullptr);
+    EXPECT_EQ(reader.Keywords(), nullptr);
+    EXPECT_EQ(reader.GetIdent(), "Light");
 }
 
 TEST(SdlReader, ReadsThroughTheCipherOfEverySource) {

@@ -17,6 +17,7 @@ public:
     }
     size_t Encode(void* dst, size_t dstCapacity, const void* src, size_t srcSize) override {
         capacities.push_back(dstCapacity);
+        inputs.push_back(srcSize);
         emptyTarget = dst == nullptr;
         if (failing)
             throw std::runtime_error("cipher failed");
@@ -29,6 +30,7 @@ public:
 
     std::vector<size_t> sizes;
     std::vector<size_t> capacities;
+    std::vector<size_t> inputs;
     size_t spare = 0;
     size_t overstated = 0;
     bool failing = false;

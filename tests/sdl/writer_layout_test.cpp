@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -236,6 +237,19 @@ TEST(WriterValues, InvalidFloatsAreZeroAfterOneWarning) {
         EXPECT_EQ(reports.warnings()[0].file, "internal/src/bios/qzl_io/sdl_writer");
         EXPECT_TRUE(reports.errors().empty());
     }
+}
+
+TEST(WriterValues, AHandlerThatThrowsAtAnInvalidFloatLeavesTheLayoutWhole) {
+    const auto previous = xError::SetWarningHandler([](const xError::eReport&) { throw std::range_error("invalid"); });
+    EXPECT_EQ(WrittenText([](eSDLWriter& w) {
+                  w << 1 << endl;
+                  EXPECT_THROW(w << std::nanf(""), std::range_error);
+                  w << 2 << 3;
+                  EXPECT_THROW(w << std::nanf(""), std::range_error);
+                  w << opening << endb;
+              }),
+              "1\r\n2 3 {}");
+    xError::SetWarningHandler(previous);
 }
 
 template <class T>
