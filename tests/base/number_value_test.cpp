@@ -175,8 +175,20 @@ TEST(FloatValue, IsReadAsFarAsTheTextIsANumber) {
         {"nan", 0, false},
         {"-nan", 0, false},
         {"+nan(1)", 0, false},
-        {"0x10", 0, false},
-        {"0x1p3", 0, false},
+        {"0x10", 16, true},
+        {"0x1F", 31, true},
+        {"0xffffffff", -1, true},
+        {"0x7fffffff", 2147483648.0f, true},
+        {"0x100000001", 1, false},
+        {"0x1p3", 1, false},
+        {"0x1.", 1, false},
+        {"0x", 0, false},
+        {"0xg", 0, false},
+        {"0X10", 0, false},
+        {"-0x10", 0, false},
+        {"+0x10", 0, false},
+        {"00x10", 0, false},
+        {"1x10", 1, false},
     };
     for (const auto& row : rows)
         CheckBothForms(row.text, row.value, row.whole);

@@ -55,7 +55,7 @@ QZL_BASE_API bool _FromString(int* value, const char* text);
 QZL_BASE_API bool _FromString(int* value, const char* begin, const char* end);
 
 // Decimal digits with an optional sign, point and exponent. Gives the nearest float; a number too large for a float
-// gives an infinity and one too small zero, each with its sign.
+// gives an infinity and one too small zero, each with its sign. "0x" and hexadecimal digits give the int that they are.
 QZL_BASE_API bool _FromString(float* value, const char* text);
 QZL_BASE_API bool _FromString(float* value, const char* begin, const char* end);
 

@@ -27,7 +27,12 @@ const char* SkipPlus(const char* begin, const char* end) {
     return end - begin >= 2 && *begin == '+' && begin[1] != '-' ? begin + 1 : begin;
 }
 
-bool HexadecimalFromString(int* value, const char* digits, const char* end) {
+bool IsHexadecimal(const char* begin, const char* end) {
+    return end - begin >= 2 && begin[0] == '0' && begin[1] == 'x';
+}
+
+bool HexadecimalFromString(int* value, const char* begin, const char* end) {
+    const char* const digits = begin + 2;
     unsigned bits = 0;
     bool fits = true;
     const char* at = digits;
@@ -37,6 +42,13 @@ bool HexadecimalFromString(int* value, const char* digits, const char* end) {
     }
     *value = static_cast<int>(bits);
     return fits && at == end && at != digits;
+}
+
+bool HexadecimalFromString(float* value, const char* begin, const char* end) {
+    int integer = 0;
+    const bool whole = HexadecimalFromString(&integer, begin, end);
+    *value = static_cast<float>(integer);
+    return whole;
 }
 
 bool DecimalFromString(int* value, const char* begin, const char* end) {
@@ -161,8 +173,8 @@ bool _FromString(int* value, const char* text) {
 }
 
 bool _FromString(int* value, const char* begin, const char* end) {
-    if (end - begin >= 2 && begin[0] == '0' && begin[1] == 'x')
-        return HexadecimalFromString(value, begin + 2, end);
+    if (IsHexadecimal(begin, end))
+        return HexadecimalFromString(value, begin, end);
     return DecimalFromString(value, begin, end);
 }
 
@@ -175,7 +187,7 @@ bool _FromString(float* value, const char* begin, const char* end) {
     const bool sign = negative || (begin != end && *begin == '+');
     if (const char* const stop = TakeOrdinary(value, begin + sign, end)) {
         *value = negative ? -*value : *value;
-        return stop == end;
+        return stop == end || (IsHexadecimal(begin, end) && HexadecimalFromString(value, begin, end));
     }
     return AnyFromString(value, begin, end);
 }
