@@ -129,6 +129,22 @@ TEST(SdlDerivedReader, ExecutesAControlBlockItself) {
     EXPECT_EQ(FailureOf([&] { reader.Execute(); }), ReaderFailure(466, "Invalid control block!"));
 }
 
+TEST(SdlDerivedReader, BackReturnsBeforeAnExpressionOfItsOwnWhateverOthersHaveRead) {
+    eMacroReader reader("7 (* 3 4) 21");
+    EXPECT_EQ(reader.GetInt(), 7);
+    {
+        eSDLReader other = ReaderOf("11 (+ 1 2) 12");
+        EXPECT_EQ(other.GetInt(), 11);
+        EXPECT_EQ(other.GetFloat(), 3.0f);
+    }
+    EXPECT_FALSE(reader.Execute());
+    EXPECT_EQ(reader.Token().floatValue, 12.0f);
+    reader.Back();
+    EXPECT_EQ(reader.Token().intValue, 7);
+    EXPECT_EQ(reader.GetFloat(), 12.0f);
+    EXPECT_EQ(reader.GetInt(), 21);
+}
+
 TEST(SdlDerivedReader, LeavesASourceBeforeItsEnd) {
     const eTempFolder folder;
     eMacroReader reader("1 2");

@@ -163,8 +163,8 @@ protected:
     // Reads a number of either kind as sdlFloat. Reports "Number expected!".
     void GetOperand(eSDLParserToken* token);
 
-    // Executes the control block whose ( has been read. True when it has been read up to its ), false when it has
-    // become a float, which is the current token.
+    // Executes the control block whose ( has been read last. True when it has been read up to its ), false when it has
+    // become a float, which is the current token and from which Back returns to before the (.
     bool ProcessControlBlock();
 
 private:

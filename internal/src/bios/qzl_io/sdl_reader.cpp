@@ -470,7 +470,6 @@ eSDLParserLexType eSDLReader::Next() {
         case sdlOpen:
             if (skipDepth > 0)
                 return type;
-            stateBeforeControlBlock.Get() = parser.StateBefore();
             if (!ProcessControlBlock())
                 return parser.current.token.type;
             break;
@@ -617,6 +616,7 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
 
 bool eSDLReader::ProcessControlBlock() {
     eSDLParser& parser = Parser();
+    stateBeforeControlBlock.Get() = parser.StateBefore();
     parser.Get();
     const eSDLParserLexType type = parser.current.token.type;
     if (type == sdlOperator) {
