@@ -7,6 +7,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -177,10 +178,43 @@ eArguments RandomArguments(std::mt19937& random, const eIncludedFiles& files) {
             random() % 2 == 0, tables[random() % 3], files.Any(random)};
 }
 
-// A reader and its model, and what has been asked of them.
+// A reader and its model.
 struct ePair {
     std::unique_ptr<eTestedReader> reader;
     eModelReader model;
+};
+
+// A pair and copies of it, which come, go and are assigned to each other.
+class eCopies {
+public:
+    explicit eCopies(ePair first) { pairs.push_back(std::move(first)); }
+
+    ePair& Any(std::mt19937& random) { return pairs[random() % pairs.size()]; }
+
+    const char* Change(std::mt19937& random) {
+        ePair& pair = Any(random);
+        ePair& other = Any(random);
+        switch (random() % 36) {
+        case 0:
+        case 1:
+            if (pairs.size() < 4)
+                pairs.push_back({std::make_unique<eTestedReader>(*pair.reader), pair.model});
+            return "copied, ";
+        case 2:
+            *pair.reader = *other.reader;
+            pair.model = eModelReader(other.model);
+            return "assigned, ";
+        case 3:
+            if (pairs.size() > 1)
+                std::swap(pair, pairs.back()), pairs.pop_back();
+            return "destroyed, ";
+        default:
+            return "";
+        }
+    }
+
+private:
+    std::vector<ePair> pairs;
 };
 
 // Where a reader stands; with a look at its token, which makes it keep the token's text at hand, or without.
@@ -193,26 +227,30 @@ std::string Place(eReader& reader, bool token) {
 
 } // namespace
 
-TEST(SdlReaderModel, EveryCallGivesWhatReadingTokenByTokenGives) {
+TEST(SdlReaderModel, EveryCallOfEveryCopyGivesWhatReadingTokenByTokenGives) {
     std::mt19937 filesRandom(1);
     const eIncludedFiles files(filesRandom);
     for (eRounds rounds(5'000, 300'000); rounds.Next();) {
         std::mt19937 random(rounds.Current());
         const std::string text = RandomSource(random, random() % 4 == 0 ? 90 : 30);
-        ePair pair{std::make_unique<eTestedReader>(text), eModelReader(text, files.Texts())};
+        eCopies copies({std::make_unique<eTestedReader>(text), eModelReader(text, files.Texts())});
+        const bool copying = random() % 2 == 0;
         const bool watching = random() % 2 == 0;
         std::string calls;
         int failures = 0;
         for (int left = 80; left > 0 && failures < 12; --left) {
+            if (copying)
+                calls += copies.Change(random);
+            auto& [reader, model] = copies.Any(random);
             const eOperation& operation = kOperations[random() % kOperations.size()];
             const eArguments arguments = RandomArguments(random, files);
-            if (&operation >= &kOperations[kOperations.size() - 2] && pair.model.Sources() > 6)
+            if (&operation >= &kOperations[kOperations.size() - 2] && model.Sources() > 6)
                 continue;
             calls += std::string(operation.name) + ", ";
-            const std::string result = operation.onReader(*pair.reader, arguments);
-            ASSERT_EQ(result, operation.onModel(pair.model, arguments)) << text << "\n" << calls;
+            const std::string result = operation.onReader(*reader, arguments);
+            ASSERT_EQ(result, operation.onModel(model, arguments)) << text << "\n" << calls;
             const bool token = watching || random() % 8 == 0;
-            ASSERT_EQ(Place(*pair.reader, token), Place(pair.model, token)) << text << "\n" << calls;
+            ASSERT_EQ(Place(*reader, token), Place(model, token)) << text << "\n" << calls;
             failures = result.starts_with("internal") ? failures + 1 : 0;
         }
     }

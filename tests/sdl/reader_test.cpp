@@ -721,6 +721,19 @@ TEST(SdlReader, OpenedWithATableLooksWordsUpInIt) {
     EXPECT_EQ(reader.GetIdent(), "Light");
 }
 
+TEST(SdlReader, ASourceThatWasSkippedToItsEndIsReadForItsCopiesToo) {
+    const eTempFolder folder;
+    const eFileName inner(folder.Write("b.sdl", "{x a b"));
+    const eFileName outer(folder.Write("a.sdl", "c} 7 8"));
+    eSDLReader reader(outer, nullptr);
+    reader.Include(inner);
+    eSDLReader copy(reader);
+    reader >> begb;
+    reader.SkipBlock();
+    EXPECT_EQ(reader.GetInt(), 7);
+    EXPECT_EQ(copy.GetInt(), 8);
+}
+
 TEST(SdlReader, ReadsThroughTheCipherOfEverySource) {
     const eTempFolder folder;
     const auto cipher = std::make_shared<eTurningCipher>();

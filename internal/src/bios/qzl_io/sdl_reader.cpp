@@ -414,9 +414,13 @@ bool eSDLReader::SkipInSource(int* depth) {
         previousBlockMark.swap(blockMark);
         blockMark = xSDL::MarkOf(skimmed.mark);
     }
-    if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1)
-        return false;
     parser.JumpTo(skimmed.anchor, parser.Line() + xSDL::LinesBefore(skimmed.anchor, skimmed));
+    if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1) {
+        while (parser.Cut())
+            if (parser.escaped)
+                ConvertEscSequence(&parser.OwnText(), false);
+        return false;
+    }
     eSDLParserLexType type;
     do
         type = Next();
