@@ -81,37 +81,38 @@ void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
     }
 }
 
-/// For visitors that remove folders after what is in them. Notes where something stays: of such a folder the system says
-/// for good that it is not empty.
+/// For visitors that remove folders after what is in them. Notes where something stays: of such a folder the system
+/// says for good that it is not empty.
 class eEmptying {
 public:
-    explicit eEmptying(ePatience& waiting) : patience(waiting), keeping(1, false) {}
+    explicit eEmptying(ePatience& waiting) : patience(waiting) {}
 
     bool Enter(eFolder&, const eEntry&) {
-        keeping.push_back(false);
+        above.push_back(emptied);
+        emptied = true;
         return true;
     }
 
     /// Whether everything in the folder where the walk stands has been removed.
-    bool Emptied() const { return !keeping.back(); }
+    bool Emptied() const { return emptied; }
 
 protected:
     bool RemoveFolder(eFolder& parent, const eEntry& entry, bool entered) {
-        const bool emptied = entered && Emptied();
-        if (entered)
-            keeping.pop_back();
-        return patience.GetRemoved(emptied, [&] { return parent.RemoveFolder(entry); });
+        const bool isEmpty = entered && emptied;
+        if (entered) {
+            emptied = above.back();
+            above.pop_back();
+        }
+        return patience.GetRemoved(isEmpty, [&] { return parent.RemoveFolder(entry); });
     }
 
-    void Note(bool removed) {
-        if (!removed)
-            keeping.back() = true;
-    }
+    void Note(bool removed) { emptied = emptied && removed; }
 
     ePatience& patience;
 
 private:
-    std::vector<bool> keeping; ///< for each folder from the root down to where the walk stands
+    bool emptied = true;
+    std::vector<bool> above; ///< the same of the folders above it
 };
 
 /// Removes everything in the folder that the system lets go; links themselves, never what they point to. True when

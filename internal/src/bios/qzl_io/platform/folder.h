@@ -19,7 +19,7 @@ struct eEntry {
 
 /// What a system says to a wish. Busy: not now, but the same may be had a moment later. Full: the folder is not empty,
 /// or not yet, for what was removed from it may go a moment later. A system that knows no such moments says neither.
-enum class eAnswer : unsigned char { Done, Busy, Full, Refused };
+enum class eAnswer : unsigned char { Done, Refused, Busy, Full };
 
 /// Whether a name may be a link to what is meant.
 enum class eNamedLink { Follow, Refuse };
