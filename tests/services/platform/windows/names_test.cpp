@@ -1,0 +1,454 @@
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <qzl_io/streams.h>
+
+#include <support/platform/windows/import_table.h>
+#include <support/platform/windows/strict_names.h>
+
+#include "../../real_tree.h"
+
+// Names that make trouble on this system alone: longer than its calls have room for, with a dot or a blank at the end,
+// taken for devices, outside the code page.
+namespace {
+
+template <class Text>
+Text Repeated(const Text& part, int times) {
+    Text text;
+    for (int time = 0; time < times; ++time)
+        text += part;
+    return text;
+}
+
+// A test's own folder, seen by way of extended names alone.
+template <class Width>
+class WindowsNames : public eRealTree<Width> {
+protected:
+    using Text = typename Width::Text;
+    using Name = typename Width::Name;
+
+    void TearDown() override { IO::System::PathW::Delete(eFileNameW(this->temp.NameW(L"root")), true); }
+
+    // Names below are relative to "root" in the test's folder, with forward slashes.
+    std::wstring OnDisk(std::wstring_view relative) const {
+        std::wstring name = L"\\\\?\\" + this->temp.NameW(L"root/" + std::wstring(relative));
+        std::replace(name.begin(), name.end(), L'/', L'\\');
+        while (name.ends_with(L'\\'))
+            name.pop_back();
+        return name;
+    }
+
+    void Make(std::wstring_view relative, std::string_view content) const {
+        for (std::size_t slash = 0; slash != relative.npos; slash = relative.find(L'/', slash + 1))
+            ::CreateDirectoryW(OnDisk(relative.substr(0, slash)).c_str(), nullptr);
+        if (relative.ends_with(L'/'))
+            return;
+        const HANDLE file =
+            ::CreateFileW(OnDisk(relative).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        ASSERT_NE(INVALID_HANDLE_VALUE, file);
+        DWORD written = 0;
+        EXPECT_TRUE(::WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr));
+        ::CloseHandle(file);
+    }
+
+    // "(none)" where there is no such file.
+    std::string Content(std::wstring_view relative) const {
+        const HANDLE file =
+            ::CreateFileW(OnDisk(relative).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+        if (file == INVALID_HANDLE_VALUE)
+            return "(none)";
+        std::string content(1000, '\0');
+        DWORD read = 0;
+        EXPECT_TRUE(::ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &read, nullptr));
+        ::CloseHandle(file);
+        content.resize(read);
+        return content;
+    }
+
+    bool Stands(std::wstring_view relative) const {
+        return ::GetFileAttributesW(OnDisk(relative).c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
+
+    Name Below(const Text& relative) const { return Name(Width::OfPath(this->temp.Path() / "root/") + relative); }
+};
+TYPED_TEST_SUITE(WindowsNames, eWidths, eWidthNames);
+
+constexpr std::string_view victim = "precious";
+
+// --- Outside the code page ---
+
+bool IsInNarrowCodePage(const std::wstring& text) {
+    BOOL replaced = FALSE;
+    ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
+                          &replaced);
+    return !replaced;
+}
+
+const std::wstring slashLike = L"..\xFF0F"; // a full-width slash, the best fit for which is a slash
+const std::wstring sun = L"\x65E5";
+const std::wstring cAcute = L"\x0107"; // the best fit for which is "c"
+const std::wstring eAcute = L"\x00E9";
+
+TYPED_TEST(WindowsNames, DeletionRemovesNamesOutsideTheCodePageAndNothingInTheirStead) {
+    this->Make(L"victim.txt", victim);
+    this->Make(L"tree/" + slashLike + L"victim.txt", "odd");
+    this->Make(L"tree/sub/" + slashLike + slashLike + L"victim.txt", "odd");
+    this->Make(L"tree/" + sun + L"/" + sun + L".txt", "odd");
+    TypeParam::Delete(this->Below(TypeParam::Of("tree")), true);
+    EXPECT_EQ(victim, this->Content(L"victim.txt"));
+    EXPECT_FALSE(this->Stands(L"tree"));
+}
+
+TYPED_TEST(WindowsNames, CopyingKeepsNamesOutsideTheCodePage) {
+    this->Make(L"victim.txt", victim);
+    this->Make(L"from/" + slashLike + L"victim.txt", "odd");
+    this->Make(L"from/" + sun + L"/" + sun + L".txt", "sun");
+    this->Make(L"from/" + cAcute, "accent");
+    this->Make(L"from/c", "none");
+    TypeParam::Copy(this->Below(TypeParam::Of("from")), this->Below(TypeParam::Of("to")));
+    EXPECT_EQ(victim, this->Content(L"victim.txt"));
+    EXPECT_EQ("odd", this->Content(L"to/" + slashLike + L"victim.txt"));
+    EXPECT_EQ("sun", this->Content(L"to/" + sun + L"/" + sun + L".txt"));
+    EXPECT_EQ("accent", this->Content(L"to/" + cAcute));
+    EXPECT_EQ("none", this->Content(L"to/c"));
+}
+
+TYPED_TEST(WindowsNames, PurgingStaysInTheTreeWhateverItsNames) {
+    this->Make(L"outside/", "");
+    this->Make(L"tree/" + slashLike + L"outside/", "");
+    this->Make(L"tree/sub/" + sun + L"/", "");
+    this->Make(L"tree/" + sun + L"/", "");
+    this->Make(L"tree/" + cAcute + L"/file", "kept");
+    this->Make(L"tree/c/", "");
+    TypeParam::PurgeEmpty(this->Below(TypeParam::Of("tree/")));
+    EXPECT_TRUE(this->Stands(L"outside"));
+    EXPECT_FALSE(this->Stands(L"tree/" + slashLike + L"outside"));
+    EXPECT_FALSE(this->Stands(L"tree/sub"));
+    EXPECT_FALSE(this->Stands(L"tree/" + sun));
+    EXPECT_EQ("kept", this->Content(L"tree/" + cAcute + L"/file"));
+    EXPECT_FALSE(this->Stands(L"tree/c"));
+}
+
+template <class Search, class Name, class Text>
+std::map<Text, unsigned long long> Found(const Name& folder, const Text& mask) {
+    std::map<Text, unsigned long long> found;
+    for (Search search(folder, mask); search.Valid(); search.Next())
+        if (search.IsFile() || search.IsSubfolder())
+            found[search.Name()] = search.Size();
+    return found;
+}
+
+class NarrowSearch : public WindowsNames<eNarrow> {
+protected:
+    void SetUp() override {
+        if (IsInNarrowCodePage(sun) || !IsInNarrowCodePage(eAcute))
+            GTEST_SKIP() << "the characters of these tests are for another code page";
+    }
+
+    std::map<std::string, unsigned long long> Entries() const {
+        return Found<IO::eSearch>(Below("tree/"), std::string("*.*"));
+    }
+
+    std::string ShortName(std::wstring_view relative) const {
+        WIN32_FIND_DATAW found{};
+        ::FindClose(::FindFirstFileW(OnDisk(relative).c_str(), &found));
+        const std::wstring name = found.cAlternateFileName;
+        return {name.begin(), name.end()};
+    }
+};
+
+TEST_F(NarrowSearch, GivesTheShortNameWhereNoNarrowNameLeadsToTheEntry) {
+    this->Make(L"tree/" + sun + L".txt", "1");
+    this->Make(L"tree/" + slashLike + L"x.txt", "22");
+    this->Make(L"tree/" + cAcute + L".txt", "333");
+    this->Make(L"tree/" + eAcute + L".txt", "4444");
+    this->Make(L"tree/plain", "55555");
+    std::map<std::string, unsigned long long> expected = {{"\xE9.txt", 4}, {"plain", 5}};
+    unsigned long long size = 0;
+    for (const std::wstring& name : {sun + L".txt", slashLike + L"x.txt", cAcute + L".txt"}) {
+        const std::string shortName = ShortName(L"tree/" + name);
+        if (shortName.empty())
+            GTEST_SKIP() << "the volume keeps no short names";
+        expected[shortName] = ++size;
+    }
+    EXPECT_EQ(expected, Entries());
+    for (const auto& [name, length] : expected)
+        EXPECT_EQ(length, IO::System::File::Size(Below("tree/" + name))) << name;
+}
+
+decltype(&::FindFirstFileW) systemsFirst;
+decltype(&::FindNextFileW) systemsNext;
+
+HANDLE WINAPI FirstWithoutShortName(LPCWSTR pattern, LPWIN32_FIND_DATAW found) {
+    const HANDLE search = systemsFirst(pattern, found);
+    found->cAlternateFileName[0] = 0;
+    return search;
+}
+BOOL WINAPI NextWithoutShortName(HANDLE search, LPWIN32_FIND_DATAW found) {
+    const BOOL moved = systemsNext(search, found);
+    found->cAlternateFileName[0] = 0;
+    return moved;
+}
+
+TEST_F(NarrowSearch, LeavesOutWhatNoNarrowNameLeadsToAndTheWideOneShowsIt) {
+    const eReplacedCall first("qzl_io.dll", "FindFirstFileW", &FirstWithoutShortName, &systemsFirst);
+    const eReplacedCall next("qzl_io.dll", "FindNextFileW", &NextWithoutShortName, &systemsNext);
+    this->Make(L"tree/" + sun + L".txt", "1");
+    this->Make(L"tree/" + slashLike + L"x.txt", "22");
+    EXPECT_TRUE(Entries().empty());
+    EXPECT_FALSE(IO::eSearch(Below("tree/"), "*.txt").Valid());
+    this->Make(L"tree/" + eAcute + L".txt", "4444");
+    EXPECT_EQ((std::map<std::string, unsigned long long>{{"\xE9.txt", 4}}), Entries());
+    const auto wide = Found<IO::eSearchW>(eFileNameW(this->temp.NameW(L"root/tree/")), std::wstring(L"*.txt"));
+    EXPECT_EQ((std::map<std::wstring, unsigned long long>{
+                  {sun + L".txt", 1}, {slashLike + L"x.txt", 2}, {eAcute + L".txt", 4}}),
+              wide);
+}
+
+// The code page of Japanese Windows, in which the second half of a character may look like a slash.
+decltype(&::MultiByteToWideChar) systemsWiden;
+decltype(&::WideCharToMultiByte) systemsNarrow;
+
+int WINAPI WidenJapanese(UINT, DWORD flags, LPCCH text, int size, LPWSTR room, int count) {
+    return systemsWiden(932, flags, text, size, room, count);
+}
+int WINAPI NarrowJapanese(UINT, DWORD flags, LPCWCH text, int size, LPSTR room, int count, LPCCH replacement,
+                          LPBOOL replaced) {
+    return systemsNarrow(932, flags, text, size, room, count, replacement, replaced);
+}
+
+class JapaneseNames : public WindowsNames<eNarrow> {
+protected:
+    const eReplacedCall<decltype(systemsWiden)> widened{"qzl_io.dll", "MultiByteToWideChar", &WidenJapanese,
+                                                        &systemsWiden};
+    const eReplacedCall<decltype(systemsNarrow)> narrowed{"qzl_io.dll", "WideCharToMultiByte", &NarrowJapanese,
+                                                          &systemsNarrow};
+};
+
+TEST_F(JapaneseNames, AreFoundAndOpenedByTheirBytes) {
+    this->Make(L"tree/" + sun + L".txt", "1");
+    this->Make(L"tree/\x30DD", "22"); // its second half is a vertical bar
+    EXPECT_EQ((std::map<std::string, unsigned long long>{{"\x93\xFA.txt", 1}, {"\x83|", 2}}),
+              Found<IO::eSearch>(Below("tree/"), std::string("*.*")));
+    EXPECT_EQ(1u, IO::System::File::Size(Below("tree/\x93\xFA.txt")));
+    EXPECT_EQ(2u, IO::System::File::Size(Below("tree/\x83|")));
+}
+
+TEST_F(JapaneseNames, WithAHalfThatAFileNameWouldTurnAreGivenByTheirShortNames) {
+    this->Make(L"tree/\x8868.txt", "1");  // its second half is a back slash
+    this->Make(L"tree/\x00A5.txt", "22"); // the best fit for which is a back slash
+    const auto found = Found<IO::eSearch>(Below("tree/"), std::string("*.*"));
+    for (const auto& [name, size] : found) {
+        EXPECT_EQ(name.npos, name.find_first_of("\\/")) << name;
+        EXPECT_EQ(size, IO::System::File::Size(Below("tree/" + name))) << name;
+    }
+}
+
+TEST_F(JapaneseNames, ThatAreIllFormedNameNothing) {
+    for (const char* name : {"\x81", "\x93 .txt", "\x81\x20"}) {
+        EXPECT_FALSE(IO::System::File::Access(Below(name), IO::System::File::Exist)) << name;
+        EXPECT_FALSE(IO::System::Path::Create(Below(name))) << name;
+        IO::eFileStream stream(Below(name), IO::StreamMode::Write);
+        EXPECT_FALSE(stream.IsOpen()) << name;
+    }
+}
+
+// --- Too long ---
+
+// Twenty components of a hundred characters.
+const std::string deepFolder = Repeated(std::string(99, 'd') + "/", 20);
+const std::wstring deepFolderW(deepFolder.begin(), deepFolder.end());
+
+TYPED_TEST(WindowsNames, LongFoldersAreMadeAndDeleted) {
+    const eStrictNames strict;
+    const auto deep = this->Below(TypeParam::Of("tree/" + deepFolder));
+    EXPECT_TRUE(TypeParam::Create(deep));
+    EXPECT_TRUE(this->Stands(L"tree/" + deepFolderW));
+    EXPECT_TRUE(TypeParam::MayAccess(deep, 0));
+    EXPECT_TRUE(TypeParam::Create(deep));
+    EXPECT_TRUE(TypeParam::Create(this->Below(TypeParam::Of("tree/" + deepFolder + "more"))));
+    TypeParam::Delete(this->Below(TypeParam::Of("tree/" + deepFolder + "more")), false);
+    EXPECT_FALSE(this->Stands(L"tree/" + deepFolderW + L"more"));
+    TypeParam::Delete(this->Below(TypeParam::Of("tree")), true);
+    EXPECT_FALSE(this->Stands(L"tree"));
+}
+
+TYPED_TEST(WindowsNames, LongFoldersAreSearchedCopiedAndPurged) {
+    const eStrictNames strict;
+    this->Make(L"from/" + deepFolderW + L"file.txt", "content");
+    this->Make(L"from/" + deepFolderW + L"empty/", "");
+    const auto found =
+        Found<typename TypeParam::Search>(this->Below(TypeParam::Of("from/" + deepFolder)), TypeParam::Of("f*.txt"));
+    EXPECT_EQ((std::map<typename TypeParam::Text, unsigned long long>{{TypeParam::Of("file.txt"), 7}}), found);
+    TypeParam::Copy(this->Below(TypeParam::Of("from")), this->Below(TypeParam::Of("to")));
+    EXPECT_EQ("content", this->Content(L"to/" + deepFolderW + L"file.txt"));
+    EXPECT_TRUE(this->Stands(L"to/" + deepFolderW + L"empty"));
+    TypeParam::PurgeEmpty(this->Below(TypeParam::Of("to/" + deepFolder)));
+    EXPECT_FALSE(this->Stands(L"to/" + deepFolderW + L"empty"));
+    EXPECT_EQ("content", this->Content(L"to/" + deepFolderW + L"file.txt"));
+    EXPECT_TRUE(TypeParam::DeleteFile(this->Below(TypeParam::Of("to/" + deepFolder + "file.txt"))));
+    TypeParam::PurgeEmpty(this->Below(TypeParam::Of("to/")));
+    EXPECT_TRUE(this->Stands(L"to"));
+    EXPECT_FALSE(this->Stands(L"to/" + std::wstring(99, L'd')));
+}
+
+TYPED_TEST(WindowsNames, LongFilesAreTestedCopiedMeasuredAndDeleted) {
+    const eStrictNames strict;
+    this->Make(L"tree/" + deepFolderW, "");
+    const auto file = this->Below(TypeParam::Of("tree/" + deepFolder + "file"));
+    const auto copy = this->Below(TypeParam::Of("tree/" + deepFolder + "copy"));
+    const auto other = this->Below(TypeParam::Of("tree/" + deepFolder + "other"));
+    this->Make(L"tree/" + deepFolderW + L"file", "content");
+    bool cancel = false;
+    EXPECT_TRUE(TypeParam::MayAccess(file, 6));
+    EXPECT_EQ(7u, TypeParam::Size(file));
+    EXPECT_TRUE(TypeParam::CopyFile(file, copy));
+    EXPECT_EQ("content", this->Content(L"tree/" + deepFolderW + L"copy"));
+    EXPECT_TRUE(TypeParam::CopyFileEx(copy, other, &cancel));
+    EXPECT_EQ("content", this->Content(L"tree/" + deepFolderW + L"other"));
+    EXPECT_TRUE(TypeParam::DeleteFile(file));
+    EXPECT_FALSE(this->Stands(L"tree/" + deepFolderW + L"file"));
+}
+
+// --- Ends that the plain form loses, and names of devices ---
+
+const char* const oddNames[] = {"dot.", "dots..", "blank ", "dot .", "...", ". ", "a.b."};
+
+TYPED_TEST(WindowsNames, FilesWithADotOrABlankAtTheEndAreFiles) {
+    const eStrictNames strict;
+    this->Make(L"tree/", "");
+    for (const std::string odd : oddNames) {
+        const std::wstring oddW(odd.begin(), odd.end());
+        const auto file = this->Below(TypeParam::Of("tree/" + odd));
+        const auto copy = this->Below(TypeParam::Of("tree/copy of " + odd));
+        this->Make(L"tree/" + oddW, "content");
+        EXPECT_TRUE(TypeParam::MayAccess(file, 0)) << odd;
+        EXPECT_EQ(7u, TypeParam::Size(file)) << odd;
+        EXPECT_TRUE(TypeParam::CopyFile(file, copy)) << odd;
+        EXPECT_EQ("content", this->Content(L"tree/copy of " + oddW)) << odd;
+        const auto found = Found<typename TypeParam::Search>(this->Below(TypeParam::Of("tree/")), TypeParam::Of(odd));
+        EXPECT_EQ(1u, found.size()) << odd;
+        EXPECT_EQ(1u, found.count(TypeParam::Of(odd))) << odd;
+        EXPECT_TRUE(TypeParam::DeleteFile(file)) << odd;
+        EXPECT_FALSE(this->Stands(L"tree/" + oddW)) << odd;
+    }
+}
+
+TYPED_TEST(WindowsNames, FoldersWithADotOrABlankAtTheEndAreFolders) {
+    const eStrictNames strict;
+    for (const std::string odd : oddNames) {
+        const std::wstring oddW(odd.begin(), odd.end());
+        const auto folder = this->Below(TypeParam::Of(odd + "/x"));
+        EXPECT_TRUE(TypeParam::Create(folder)) << odd;
+        EXPECT_TRUE(this->Stands(oddW + L"/x")) << odd;
+        this->Make(oddW + L"/" + oddW + L"/" + oddW, "content");
+        EXPECT_EQ(2u,
+                  Found<typename TypeParam::Search>(this->Below(TypeParam::Of(odd + "/")), TypeParam::Of("*.*")).size())
+            << odd;
+        TypeParam::Copy(this->Below(TypeParam::Of(odd)), this->Below(TypeParam::Of("copy/" + odd)));
+        EXPECT_EQ("content", this->Content(L"copy/" + oddW + L"/" + oddW + L"/" + oddW)) << odd;
+        TypeParam::PurgeEmpty(this->Below(TypeParam::Of(odd + "/")));
+        EXPECT_FALSE(this->Stands(oddW + L"/x")) << odd;
+        TypeParam::Delete(this->Below(TypeParam::Of(odd)), true);
+        EXPECT_FALSE(this->Stands(oddW)) << odd;
+    }
+    TypeParam::Delete(this->Below(TypeParam::Of("copy")), true);
+    EXPECT_FALSE(this->Stands(L"copy"));
+}
+
+TYPED_TEST(WindowsNames, AFolderOfDotsDoesNotLeadUp) {
+    this->Make(L"victim", victim);
+    this->Make(L"tree/.../victim", "odd");
+    this->Make(L"from/.../victim", "odd");
+    TypeParam::Delete(this->Below(TypeParam::Of("tree")), true);
+    TypeParam::Copy(this->Below(TypeParam::Of("from")), this->Below(TypeParam::Of("to")));
+    EXPECT_EQ(victim, this->Content(L"victim"));
+    EXPECT_FALSE(this->Stands(L"tree"));
+    EXPECT_EQ("odd", this->Content(L"to/.../victim"));
+}
+
+TYPED_TEST(WindowsNames, FilesNamedAsDevicesAreFilesInATree) {
+    for (const wchar_t* device : {L"con", L"nul.txt", L"aux", L"com1"}) {
+        this->Make(L"from/" + std::wstring(device), "content");
+        this->Make(L"from/sub/" + std::wstring(device) + L"/file", "content");
+    }
+    const eStrictNames strict;
+    TypeParam::Copy(this->Below(TypeParam::Of("from")), this->Below(TypeParam::Of("to")));
+    for (const std::wstring device : {L"con", L"nul.txt", L"aux", L"com1"}) {
+        EXPECT_EQ("content", this->Content(L"to/" + device));
+        EXPECT_EQ("content", this->Content(L"to/sub/" + device + L"/file"));
+    }
+    TypeParam::Delete(this->Below(TypeParam::Of("to")), true);
+    EXPECT_FALSE(this->Stands(L"to"));
+}
+
+TYPED_TEST(WindowsNames, ShortOnesReachTheSystemAsTheyAre) {
+    const eStrictNames strict;
+    for (const std::string name : {"nul", "con", "aux.txt", "q:missing/x", "missing/../x", "//./nul"}) {
+        const typename TypeParam::Name given(TypeParam::Of(name));
+        TypeParam::Size(given);
+        TypeParam::MayAccess(given, 0);
+        EXPECT_EQ((std::vector<std::wstring>(2, eWide::Of(name))),
+                  std::vector<std::wstring>(strict.Given().end() - 2, strict.Given().end()));
+    }
+}
+
+// What the system knows as the current folder, put back on destruction.
+class eCurrentFolder {
+public:
+    explicit eCurrentFolder(const std::wstring& folder) : before(std::filesystem::current_path()) {
+        EXPECT_TRUE(::SetCurrentDirectoryW(folder.c_str()));
+    }
+    ~eCurrentFolder() { std::filesystem::current_path(before); }
+    eCurrentFolder(const eCurrentFolder&) = delete;
+    eCurrentFolder& operator=(const eCurrentFolder&) = delete;
+
+private:
+    std::filesystem::path before;
+};
+
+TYPED_TEST(WindowsNames, RelativeOnesAreCountedFromTheCurrentFolder) {
+    const std::wstring folder = L"tree/" + std::wstring(120, L'c');
+    const std::string longName(120, 'x'), odd = "x.";
+    this->Make(folder + L"/", "");
+    const eCurrentFolder current(this->temp.NameW(L"root/" + folder));
+    const eStrictNames strict;
+    const std::string drive(1, static_cast<char>(std::filesystem::current_path().native()[0]));
+    const std::string rooted = std::filesystem::current_path().relative_path().generic_string();
+    for (const std::string& start : {std::string(), drive + ":", "/" + rooted + "/"})
+        for (const std::string& name : {longName, odd}) {
+            const auto relative = TypeParam::Of(start + name);
+            // Walks that would make the root first are refused.
+            EXPECT_EQ(!start.starts_with('/'), TypeParam::Create(relative + TypeParam::Of("/sub"))) << start;
+            this->Make(folder + L"/" + eWide::Of(name) + L"/sub/", "");
+            EXPECT_TRUE(TypeParam::MayAccess(relative, 0)) << start;
+            EXPECT_EQ(1u, Found<typename TypeParam::Search>(typename TypeParam::Name(relative).Path(),
+                                                            typename TypeParam::Name(TypeParam::Of("*.*")))
+                              .size())
+                << start;
+            TypeParam::Delete(relative, true);
+            EXPECT_FALSE(this->Stands(folder + L"/" + eWide::Of(name))) << start;
+        }
+}
+
+using LongNames = WindowsNames<eNarrow>;
+
+TEST_F(LongNames, AreRenamed) {
+    const eStrictNames strict;
+    this->Make(L"tree/" + deepFolderW + L"file", "content");
+    this->Make(L"tree/dot.", "odd");
+    EXPECT_TRUE(IO::System::File::Rename(Below("tree/" + deepFolder + "file"), Below("tree/" + deepFolder + "new")));
+    EXPECT_EQ("content", Content(L"tree/" + deepFolderW + L"new"));
+    EXPECT_TRUE(IO::System::File::Rename(Below("tree/dot."), Below("tree/blank ")));
+    EXPECT_EQ("odd", Content(L"tree/blank "));
+}
+
+} // namespace

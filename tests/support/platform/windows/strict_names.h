@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+// While one lives, the library's calls refuse what Windows refuses and Wine lets pass: plain names too long for the
+// call, and "\\?\" names that are not in the form on disk ("/" or "." or ".." in them). All names are kept, in order.
+class eStrictNames {
+public:
+    eStrictNames();
+    ~eStrictNames();
+    eStrictNames(const eStrictNames&) = delete;
+    eStrictNames& operator=(const eStrictNames&) = delete;
+
+    const std::vector<std::wstring>& Given() const;
+
+private:
+    struct eReplacements;
+    std::unique_ptr<eReplacements> replacements;
+};
