@@ -30,7 +30,8 @@ QZL_IO_API bool Create(const eFileName& folder);
 
 /// Copies a folder tree. FIRST DELETES `to` WITH EVERYTHING IN IT, whatever it held; afterwards `to` holds what `from`
 /// held. Links are recreated; where the system refuses that, a link to a file becomes a copy of that file, and any
-/// other link is left out. Devices and pipes are left out, too. An empty name on either side does nothing.
+/// other link is left out. Devices and pipes are left out, too. An empty name or a bare drive ("q:") on either side
+/// does nothing.
 ///
 /// Do not copy a folder onto itself, into one of its own subfolders or over a folder that contains it: the deletion
 /// comes first and destroys what was to be copied.
@@ -40,7 +41,8 @@ QZL_IO_API void Copy(const eFileName& from, const eFileName& to);
 
 /// Removes the folder. Recursive: everything in it goes first; a link is removed and what it points to stays; what the
 /// system refuses to remove stays, and so do the folders above it. Not recursive: the folder goes only if it is empty.
-/// `folder` may itself be a link to a folder: then the link goes and nothing else. An empty name does nothing.
+/// `folder` may itself be a link to a folder: then the link goes and nothing else. An empty name and a bare drive
+/// ("q:") name nothing: nothing is done.
 QZL_IO_API void Delete(const eFileName& folder, bool recursive);
 
 /// Removes every folder below `folder` that holds no file anywhere below it, deepest first. `folder` itself stays,

@@ -18,9 +18,11 @@ namespace {
 /// Names of 2-byte characters belong to the system that has drives.
 constexpr eNameRoot nameRoot = sizeof(wchar_t) == 2 ? eNameRoot::Drive : eNameRoot::Slash;
 
+/// Taken as paths, these would be a root with everything on it.
 template <class Name>
 bool NamesNothing(const Name& folder) {
-    return *folder.c_str() == 0;
+    const auto* text = folder.c_str();
+    return text[0] == 0 || (text[1] == ':' && text[2] == 0);
 }
 
 /// Null when it cannot be opened.

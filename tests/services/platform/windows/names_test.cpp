@@ -261,6 +261,20 @@ TEST_F(JapaneseNames, ThatAreIllFormedNameNothing) {
     }
 }
 
+// --- Bare drives ---
+
+TYPED_TEST(WindowsNames, ForABareDriveNothingIsDone) {
+    this->Make(L"other/file", "other");
+    const eStrictNames strict;
+    const typename TypeParam::Name bare(TypeParam::Of("1:")); // nobody has such a drive, should something be done
+    TypeParam::Delete(bare, true);
+    TypeParam::Delete(bare, false);
+    TypeParam::Copy(this->Below(TypeParam::Of("other")), bare);
+    TypeParam::Copy(bare, this->Below(TypeParam::Of("other")));
+    EXPECT_EQ(std::vector<std::wstring>(), strict.Given());
+    EXPECT_EQ("other", this->Content(L"other/file"));
+}
+
 // --- Too long ---
 
 // Twenty components of a hundred characters.
