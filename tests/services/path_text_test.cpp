@@ -11,6 +11,7 @@
 namespace {
 
 using IO::System::eNameRoot;
+using IO::System::ePathParts;
 using IO::System::FirstPart;
 using IO::System::FolderOf;
 using IO::System::MakeParts;
@@ -56,6 +57,33 @@ TYPED_TEST(PathText, IsSplitIntoDriveFolderNameAndExtension) {
         EXPECT_EQ(TypeParam::Of(std::string_view(row.name)), name) << row.path;
         EXPECT_EQ(TypeParam::Of(std::string_view(row.ext)), ext) << row.path;
         EXPECT_EQ(path, drive + dir + name + ext);
+    }
+}
+
+// The lead bytes of the Japanese code page 932, whose second halves reach over "\\" and all letters.
+bool IsJapaneseLead(char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    return (value >= 0x81 && value <= 0x9F) || (value >= 0xE0 && value <= 0xFC);
+}
+
+TEST(DoubleByteText, IsNotSplitWithinACharacter) {
+    const eSplitRow rows[] = {
+        {"c:\\\x95\\\\\x83\\.txt", "c:", "\\\x95\\\\", "\x83\\", ".txt"},
+        {"\x95\\", "", "", "\x95\\", ""},
+        {"\x95\\/\x95\\", "", "\x95\\/", "\x95\\", ""},
+        {"\x95\x95\\a", "", "\x95\x95\\", "a", ""},
+        {"a\\\xB1\\b", "", "a\\\xB1\\", "b", ""},
+        {"a/b.\x83.c", "", "a/", "b", ".\x83.c"},
+        {"a.b\x95", "", "", "a", ".b\x95"},
+        {"\x95", "", "", "\x95", ""},
+        {"\x95:x", "\x95:", "", "x", ""},
+    };
+    for (const eSplitRow& row : rows) {
+        const ePathParts<char> parts(row.path, IsJapaneseLead);
+        EXPECT_EQ(row.drive, parts.drive) << testing::PrintToString(row.path);
+        EXPECT_EQ(row.dir, parts.dir) << testing::PrintToString(row.path);
+        EXPECT_EQ(row.name, parts.name) << testing::PrintToString(row.path);
+        EXPECT_EQ(row.ext, parts.ext) << testing::PrintToString(row.path);
     }
 }
 

@@ -66,7 +66,8 @@ QZL_IO_API std::string SplitPath(const std::string& path, std::string* drive, st
                                  std::string* ext);
 
 /// The folder of the running program's executable, with forward slashes and a trailing "/": "C:/Prog/". Empty when the
-/// system does not tell it, or when it exceeds 519 characters in all or 255 for the folder.
+/// system does not tell it, or when it exceeds 519 characters in all or 255 for the folder. On Windows the narrow text
+/// holds short names where the code page lacks a character; it is empty where there are none.
 QZL_IO_API std::string WorkingDir();
 
 } // namespace IO::System::Path

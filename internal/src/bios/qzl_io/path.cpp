@@ -5,6 +5,7 @@
 
 #include "path_text.h"
 #include "patience.h"
+#include "platform/characters.h"
 #include "platform/files.h"
 #include "platform/folder.h"
 #include "platform/machine.h"
@@ -92,6 +93,14 @@ void PurgeFolder(const Name& folder, const Char* mask) {
 }
 
 template <class Char>
+bool IsLead(Char letter) {
+    if constexpr (sizeof(Char) == 1)
+        return Platform::IsLeadByte(letter);
+    else
+        return false;
+}
+
+template <class Char>
 void Assign(std::basic_string<Char>* target, std::basic_string_view<Char> part, bool fits) {
     if (target)
         *target = fits ? part : std::basic_string_view<Char>();
@@ -104,7 +113,7 @@ std::basic_string<Char> CutPath(const std::basic_string<Char>& path, std::basic_
     const std::basic_string<Char> text = path;
     if (text.empty())
         return text;
-    const ePathParts<Char> parts(text);
+    const ePathParts<Char> parts(text, &IsLead<Char>);
     const bool fits = parts.FitRoom();
     Assign(drive, parts.drive, fits);
     Assign(dir, parts.dir, fits);

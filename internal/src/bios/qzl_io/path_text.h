@@ -9,7 +9,25 @@
 // What path operations decide from texts alone.
 namespace IO::System {
 
-/// The parts of a path; put together in this order they are the path again.
+/// Calls visit with the position of every character other than the double-byte ones, which are no delimiters whatever
+/// their second halves look like.
+template <class Char, class IsLead, class Visit>
+constexpr void EachSingle(std::basic_string_view<Char> text, IsLead isLead, Visit visit) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (isLead(text[at]))
+            ++at;
+        else
+            visit(at);
+    }
+}
+
+template <class Char>
+constexpr bool IsSlash(Char letter) {
+    return letter == Char('/') || letter == Char('\\');
+}
+
+/// The parts of a path; put together in this order they are the path again. `isLead` tells the first halves of
+/// double-byte characters.
 template <class Char>
 struct ePathParts {
     static constexpr std::size_t driveRoom = 2; ///< in characters, as for the others
@@ -20,17 +38,21 @@ struct ePathParts {
     std::basic_string_view<Char> name;
     std::basic_string_view<Char> ext; ///< from the last dot after that slash
 
-    explicit constexpr ePathParts(std::basic_string_view<Char> path) {
-        constexpr Char slashes[] = {Char('/'), Char('\\'), Char()};
+    template <class IsLead>
+    constexpr ePathParts(std::basic_string_view<Char> path, IsLead isLead) {
         const std::size_t driveEnd = path.size() >= driveRoom && path[1] == Char(':') ? driveRoom : 0;
         drive = path.substr(0, driveEnd);
         path.remove_prefix(driveEnd);
-        const std::size_t dirEnd = path.find_last_of(slashes) + 1;
+        std::size_t dirEnd = 0, nameEnd = path.npos;
+        EachSingle(path, isLead, [&](std::size_t at) {
+            if (IsSlash(path[at]))
+                dirEnd = at + 1;
+            if (IsSlash(path[at]) || path[at] == Char('.'))
+                nameEnd = IsSlash(path[at]) ? path.npos : at;
+        });
         dir = path.substr(0, dirEnd);
-        path.remove_prefix(dirEnd);
-        const std::size_t dot = path.rfind(Char('.'));
-        name = path.substr(0, dot);
-        ext = path.substr(name.size());
+        name = path.substr(dirEnd, nameEnd - dirEnd);
+        ext = path.substr(dirEnd + name.size());
     }
 
     constexpr bool FitRoom() const {
@@ -91,7 +113,7 @@ template <class Char>
 std::basic_string<Char> FolderOf(const std::basic_string<Char>& fullName) {
     constexpr std::size_t nameRoom = 519;
     const std::basic_string<Char> executable = PlainName(fullName);
-    const ePathParts<Char> parts(executable);
+    const ePathParts<Char> parts(executable, [](Char) { return false; });
     if (executable.size() > nameRoom || parts.dir.size() > parts.partRoom)
         return {};
     return executable.substr(0, parts.drive.size() + parts.dir.size());

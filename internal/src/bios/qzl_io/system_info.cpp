@@ -1,13 +1,11 @@
 #include <qzl_io/system/system_info.h>
 
-#include <cctype>
-#include <cwctype>
-
 #include <qzl_base/collectors.h>
 #include <qzl_base/convert.h>
 
 #include "cached_text.h"
 #include "growing_query.h"
+#include "platform/characters.h"
 #include "platform/machine.h"
 #include "version_name.h"
 
@@ -15,17 +13,9 @@ namespace IO::System {
 
 namespace {
 
-char Lower(char letter) {
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-}
-wchar_t Lower(wchar_t letter) {
-    return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(letter)));
-}
-
 template <class Char>
 std::basic_string<Char> LowerCased(std::basic_string<Char> text) {
-    for (Char& letter : text)
-        letter = Lower(letter);
+    Platform::LowerCase(&text);
     return text;
 }
 

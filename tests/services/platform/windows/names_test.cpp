@@ -261,6 +261,51 @@ TEST_F(JapaneseNames, ThatAreIllFormedNameNothing) {
     }
 }
 
+// --- The running program ---
+
+std::wstring programName, programShortName;
+
+DWORD GiveName(const std::wstring& name, LPWSTR room, DWORD size) {
+    if (name.size() >= size)
+        return name.empty() ? 0 : size;
+    std::copy_n(name.c_str(), name.size() + 1, room);
+    return static_cast<DWORD>(name.size());
+}
+
+DWORD WINAPI GiveModuleName(HMODULE, LPWSTR room, DWORD size) {
+    return GiveName(programName, room, size);
+}
+DWORD WINAPI GiveShortName(LPCWSTR, LPWSTR room, DWORD size) {
+    return GiveName(programShortName, room, size);
+}
+
+TEST(WorkingDirOutsideTheCodePage, HoldsShortNamesOrIsEmpty) {
+    if (IsInNarrowCodePage(sun))
+        GTEST_SKIP() << "the characters of this test are for another code page";
+    decltype(&::GetModuleFileNameW) systemsName;
+    decltype(&::GetShortPathNameW) systemsShortName;
+    const eReplacedCall named("qzl_io.dll", "GetModuleFileNameW", &GiveModuleName, &systemsName);
+    const eReplacedCall shortened("qzl_io.dll", "GetShortPathNameW", &GiveShortName, &systemsShortName);
+    const struct {
+        std::wstring name, shortName;
+        std::string narrow;
+        std::wstring wide;
+    } rows[] = {
+        {L"C:\\Prog\\tool.exe", L"", "C:/Prog/", L"C:/Prog/"},
+        {L"C:\\" + eAcute + L"\\tool.exe", L"", "C:/\xE9/", L"C:/" + eAcute + L"/"},
+        {L"C:\\" + sun + L"\\tool.exe", L"C:\\B2C4~1\\tool.exe", "C:/B2C4~1/", L"C:/" + sun + L"/"},
+        {L"C:\\" + sun + L"\\tool.exe", L"C:\\" + sun + L"\\tool.exe", "", L"C:/" + sun + L"/"},
+        {L"C:\\" + slashLike + L"x\\tool.exe", L"", "", L"C:/" + slashLike + L"x/"},
+        {L"C:\\x\\" + std::wstring(600, L't'), L"C:\\x\\T", "", L""},
+    };
+    for (const auto& row : rows) {
+        programName = row.name;
+        programShortName = row.shortName;
+        EXPECT_EQ(row.narrow, IO::System::Path::WorkingDir());
+        EXPECT_EQ(row.wide, IO::System::PathW::WorkingDir());
+    }
+}
+
 // --- Bare drives ---
 
 TYPED_TEST(WindowsNames, ForABareDriveNothingIsDone) {

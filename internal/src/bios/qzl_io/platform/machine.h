@@ -14,7 +14,7 @@ std::basic_string<Char> ComputerName();
 template <class Char>
 std::basic_string<Char> AccountName();
 
-/// The full name of the process's executable; empty on failure.
+/// The full name of the process's executable; empty on failure, and where no narrow name leads to it.
 template <class Char>
 std::basic_string<Char> ExecutableName();
 

@@ -5,6 +5,9 @@
 
 #include <windows.h>
 
+#include "../../path_text.h"
+#include "native_name.h"
+
 namespace IO::Platform {
 
 namespace {
@@ -23,12 +26,6 @@ BOOL UserName(char* name, DWORD* size) {
 }
 BOOL UserName(wchar_t* name, DWORD* size) {
     return ::GetUserNameW(name, size);
-}
-DWORD ModuleName(char* name, DWORD size) {
-    return ::GetModuleFileNameA(nullptr, name, size);
-}
-DWORD ModuleName(wchar_t* name, DWORD size) {
-    return ::GetModuleFileNameW(nullptr, name, size);
 }
 
 LSTATUS OpenKey(HKEY root, const char* name, REGSAM access, HKEY* key) {
@@ -71,6 +68,13 @@ const wchar_t* ProductValue(wchar_t) {
     return L"Productid";
 }
 
+/// Empty when the system does not tell it.
+std::wstring ShortName(const std::wstring& name) {
+    std::array<wchar_t, moduleNameRoom> shortName{};
+    const DWORD length = ::GetShortPathNameW(name.c_str(), shortName.data(), moduleNameRoom);
+    return length < moduleNameRoom ? std::wstring(shortName.data(), length) : std::wstring();
+}
+
 eQueryEnd EndOf(LSTATUS status) {
     if (status == ERROR_SUCCESS)
         return eQueryEnd::Done;
@@ -110,11 +114,21 @@ std::basic_string<Char> AccountName() {
     return AskName<Char, userNameRoom>(&Calls::UserName);
 }
 
-template <class Char>
-std::basic_string<Char> ExecutableName() {
-    std::array<Char, moduleNameRoom> name{};
-    const DWORD length = Calls::ModuleName(name.data(), moduleNameRoom);
+template <>
+std::wstring ExecutableName() {
+    std::array<wchar_t, moduleNameRoom> name{};
+    const DWORD length = ::GetModuleFileNameW(nullptr, name.data(), moduleNameRoom);
     return {name.data(), length};
+}
+
+/// By its short name where the code page lacks a character of the long one.
+template <>
+std::string ExecutableName() {
+    const std::wstring name = ExecutableName<wchar_t>();
+    std::string narrow;
+    if (!NarrowName(System::PlainName(name), &narrow))
+        NarrowName(System::PlainName(ShortName(name)), &narrow);
+    return narrow;
 }
 
 template <class Char>
@@ -140,8 +154,6 @@ template std::string ComputerName<char>();
 template std::wstring ComputerName<wchar_t>();
 template std::string AccountName<char>();
 template std::wstring AccountName<wchar_t>();
-template std::string ExecutableName<char>();
-template std::wstring ExecutableName<wchar_t>();
 template eProductIdQuery OpenProductId<char>();
 template eProductIdQuery OpenProductId<wchar_t>();
 

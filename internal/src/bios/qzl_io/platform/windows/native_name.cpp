@@ -112,14 +112,11 @@ std::wstring WideName(std::string_view name) {
 }
 
 bool NarrowName(std::wstring_view name, std::string* narrow) {
-    if (name.find_first_of(L"/\\:*?\"<>|") != name.npos || name.size() > longestName)
+    if (name.size() > longestName)
         return false;
-    if (IsAscii(name)) {
-        narrow->assign(name.begin(), name.end());
-        return true;
-    }
-    std::string converted = Narrowed(name);
-    if (converted.find('\\') != converted.npos || Widened(converted) != name)
+    const bool ascii = IsAscii(name);
+    std::string converted = ascii ? std::string(name.begin(), name.end()) : Narrowed(name);
+    if (converted.find('\\') != converted.npos || (!ascii && Widened(converted) != name))
         return false;
     *narrow = std::move(converted);
     return true;
@@ -143,8 +140,10 @@ std::wstring FolderName(const wchar_t* name) {
 }
 
 bool ListedName(const WIN32_FIND_DATAW& entry, std::string* name) {
-    return NarrowName(entry.cFileName, name) ||
-           (entry.cAlternateFileName[0] != 0 && NarrowName(entry.cAlternateFileName, name));
+    for (const std::wstring_view given : {entry.cFileName, entry.cAlternateFileName})
+        if (!given.empty() && given.find_first_of(L"/:*?\"<>|") == given.npos && NarrowName(given, name))
+            return true;
+    return false;
 }
 
 bool ListedName(const WIN32_FIND_DATAW& entry, std::wstring* name) {

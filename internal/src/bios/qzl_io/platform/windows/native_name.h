@@ -15,8 +15,8 @@ namespace IO::Platform {
 /// Empty when the name holds what is no character of the code page, so that it names nothing.
 std::wstring WideName(std::string_view name);
 
-/// A name on disk as a narrow one. False, and nothing written, where that would not lead back to it: what the code page
-/// lacks, / \ : * ? " < > |, and a "\" as the second half of a double-byte character, which a file name value turns.
+/// A name as a narrow one. False, and nothing written, where that would not lead back to it: where the code page lacks
+/// a character, or for a back slash, which a file name value turns even as the second half of a double-byte character.
 bool NarrowName(std::wstring_view name, std::string* narrow);
 
 /// A name as the system takes it.
@@ -48,7 +48,8 @@ private:
 std::wstring FolderName(const char* name);
 std::wstring FolderName(const wchar_t* name);
 
-/// The name by which a caller can reach a listed entry. False where no narrow name leads to it, not even its short one.
+/// The name by which a caller can reach a listed entry. False where no narrow name leads to it, not even its short one;
+/// none holds / \ : * ? " < > | .
 bool ListedName(const WIN32_FIND_DATAW& entry, std::string* name);
 bool ListedName(const WIN32_FIND_DATAW& entry, std::wstring* name);
 

@@ -1,0 +1,23 @@
+#include "../characters.h"
+
+#include <cctype>
+#include <cwctype>
+
+namespace IO::Platform {
+
+// A file name's bytes mean themselves here.
+bool IsLeadByte(char) {
+    return false;
+}
+
+void LowerCase(std::string* text) {
+    for (char& letter : *text)
+        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+}
+
+void LowerCase(std::wstring* text) {
+    for (wchar_t& letter : *text)
+        letter = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(letter)));
+}
+
+} // namespace IO::Platform
