@@ -201,6 +201,20 @@ TYPED_TEST(WindowsServices, SearchShowsALinkToAFolder) {
     EXPECT_FALSE(search.IsFile());
 }
 
+TYPED_TEST(WindowsServices, SearchFindsAnEntryByItsShortNameToo) {
+    this->MakeFile("root/a page of many words.html");
+    WIN32_FIND_DATAW found{};
+    ::FindClose(::FindFirstFileW(this->At("root/a page*").c_str(), &found));
+    const std::wstring shortName = found.cAlternateFileName;
+    if (shortName.empty())
+        GTEST_SKIP() << "the volume keeps no short names";
+    const std::string mask(shortName.begin(), shortName.end());
+    for (const std::string& each : {mask, std::string("*.htm")}) {
+        const typename TypeParam::Search search(this->Folder("root"), TypeParam::Of(each));
+        EXPECT_EQ(TypeParam::Of("a page of many words.html"), search.Name()) << each;
+    }
+}
+
 TYPED_TEST(WindowsServices, AFileTimeTurnsIntoTheSystems) {
     this->MakeFile("root/file");
     const typename TypeParam::Search search(this->Folder("root"), TypeParam::Of("file"));
