@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <string>
@@ -5,6 +6,8 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+
+#include <qzl_io/streams.h>
 
 #include <support/wine.h>
 
@@ -221,9 +224,21 @@ TYPED_TEST(FileServices, NamesMayHoldBlanksDotsAndTheLongestComponent) {
 }
 
 TYPED_TEST(FileServices, NamesWithBackSlashesAreTheSameFiles) {
+    const auto named = [this](std::string_view relative) {
+        std::string text = "\\" + std::string(relative);
+        std::replace(text.begin(), text.end(), '/', '\\');
+        return eRawName<TypeParam>(this->Named("").GetUnpath().str() + TypeParam::Of(text));
+    };
     this->MakeFile("sub/file", "12");
-    const typename TypeParam::Text text = this->Named("sub").str() + TypeParam::Of("\\file");
-    EXPECT_EQ(2u, TypeParam::Size(typename TypeParam::Name(text)));
+    EXPECT_EQ(2u, TypeParam::Size(named("sub/file")));
+    EXPECT_TRUE(TypeParam::MayAccess(named("sub/file"), File::ReadWrite));
+    EXPECT_TRUE(TypeParam::CopyFile(named("sub/file"), named("sub/second")));
+    bool cancel = false;
+    EXPECT_TRUE(TypeParam::CopyFileEx(named("sub/second"), named("sub/third"), &cancel));
+    EXPECT_TRUE(TypeParam::DeleteFile(named("sub/file")));
+    EXPECT_EQ((eNames{"second", "third"}), this->Tree("sub"));
+    EXPECT_EQ("12", this->Content("sub/third"));
+    EXPECT_EQ(eNames{"sub/"}, eNames{this->Tree("").front()});
 }
 
 class RenameFile : public eRealTree<eNarrow> {};
@@ -236,6 +251,19 @@ TEST_F(RenameFile, MovesAFileOrAFolder) {
     EXPECT_EQ("content", Content("folder/to"));
     EXPECT_TRUE(File::Rename(Named("folder"), Named("other")));
     EXPECT_EQ(eNames{"to"}, Tree("other"));
+}
+
+TEST_F(RenameFile, TakesBackSlashesOfAValueFromAStreamForSlashes) {
+    MakeFile("sub/from", "content");
+    const std::string folder = Folder("").str();
+    IO::eMemoryStream stream;
+    stream << folder + "sub\\from" << folder + "sub\\to";
+    stream.Seek(0, IO::eSeekDir::Begin);
+    eFileName from, to;
+    stream >> from >> to;
+    ASSERT_NE(std::string::npos, from.str().find('\\'));
+    EXPECT_TRUE(File::Rename(from, to));
+    EXPECT_EQ(eNames{"to"}, Tree("sub"));
 }
 
 TEST_F(RenameFile, FailsForAMissingSourceOrTargetFolder) {

@@ -53,10 +53,20 @@ TYPED_TEST(PathServices, CreateBelowAFileIsFalse) {
     EXPECT_EQ(eNames{"file"}, this->Tree(""));
 }
 
-TYPED_TEST(PathServices, CreateTakesBackSlashesForSlashes) {
-    typename TypeParam::Text text = this->Folder("").str() + TypeParam::Of("x\\y\\z");
-    EXPECT_TRUE(TypeParam::Create(typename TypeParam::Name(text)));
+TYPED_TEST(PathServices, BackSlashesAreSlashesInEveryFunction) {
+    const auto named = [this](std::string_view relative) {
+        return eRawName<TypeParam>(this->Folder("").str() + TypeParam::Of(relative));
+    };
+    EXPECT_TRUE(TypeParam::Create(named("x\\y\\z")));
     EXPECT_EQ((eNames{"x/", "x/y/", "x/y/z/"}), this->Tree(""));
+    this->MakeFile("x/y/file");
+    TypeParam::PurgeEmpty(named("x\\y\\"));
+    EXPECT_EQ((eNames{"x/", "x/y/", "x/y/file"}), this->Tree(""));
+    TypeParam::Copy(named("x\\y"), named("x\\copy"));
+    TypeParam::Delete(named("x\\y"), true);
+    EXPECT_EQ((eNames{"x/", "x/copy/", "x/copy/file"}), this->Tree(""));
+    EXPECT_TRUE(typename TypeParam::Search(named("x\\copy\\"), TypeParam::Of("file")).IsFile());
+    EXPECT_TRUE(typename TypeParam::Search(named(""), eRawName<TypeParam>(TypeParam::Of("x\\copy\\f*"))).IsFile());
 }
 
 TYPED_TEST(PathServices, CreateOfARelativeNameStartsAtTheCurrentFolder) {

@@ -81,5 +81,12 @@ struct eWidthNames {
     }
 };
 
+// A name with back slashes, as one that was read from a stream may have them.
+template <class Width>
+class eRawName : public Width::Name {
+public:
+    explicit eRawName(const typename Width::Text& raw) { this->Text() = raw; }
+};
+
 // Names of 2-byte characters belong to the system with drive letters.
 inline constexpr bool hasDrives = sizeof(wchar_t) == 2;

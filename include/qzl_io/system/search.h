@@ -97,7 +97,7 @@ public:
         End();
         valid = false;
         Record first;
-        handle = SearchSteps::First(folder.GetAdd(mask).c_str(), &first);
+        handle = SearchSteps::First(folder.GetAdd(FileName(mask)).c_str(), &first);
         record = std::move(first);
         valid = handle != nullptr;
     }

@@ -6,19 +6,40 @@ namespace IO::System {
 
 namespace {
 
+/// A name with forward slashes alone: one that was read from a stream may hold others. It must outlive this.
+template <class Name>
+class eForwardName {
+public:
+    using Text = typename Name::eText;
+    using Char = typename Text::value_type;
+
+    explicit eForwardName(const Name& name) : given(name) {
+        if (name.str().find(Char('\\')) != Text::npos)
+            turned = name;
+    }
+
+    const Char* c_str() const { return turned.empty() ? given.c_str() : turned.c_str(); }
+
+private:
+    const Name& given;
+    Name turned;
+};
+
 template <class Name>
 bool CopyFile(const Name& from, const Name& to) {
-    if (!Platform::MayAccess(from.c_str(), File::Exist))
+    const eForwardName source(from), target(to);
+    if (!Platform::MayAccess(source.c_str(), File::Exist))
         return false;
-    Platform::CopyWhole(from.c_str(), to.c_str());
+    Platform::CopyWhole(source.c_str(), target.c_str());
     return true;
 }
 
 template <class Name>
 bool CopyFileStoppable(const Name& from, const Name& to, const bool* cancel) {
-    if (!Platform::MayAccess(from.c_str(), File::Exist))
+    const eForwardName source(from), target(to);
+    if (!Platform::MayAccess(source.c_str(), File::Exist))
         return false;
-    Platform::CopyStoppable(from.c_str(), to.c_str(), cancel);
+    Platform::CopyStoppable(source.c_str(), target.c_str(), cancel);
     return true;
 }
 
@@ -27,7 +48,7 @@ bool CopyFileStoppable(const Name& from, const Name& to, const bool* cancel) {
 namespace File {
 
 bool Access(const eFileName& name, eAccessMode mode) {
-    return Platform::MayAccess(name.c_str(), mode);
+    return Platform::MayAccess(eForwardName(name).c_str(), mode);
 }
 bool Copy(const eFileName& from, const eFileName& to) {
     return CopyFile(from, to);
@@ -36,13 +57,13 @@ bool CopyEx(const eFileName& from, const eFileName& to, bool* cancel) {
     return CopyFileStoppable(from, to, cancel);
 }
 bool Delete(const eFileName& name) {
-    return Platform::EraseFile(name.c_str());
+    return Platform::EraseFile(eForwardName(name).c_str());
 }
 bool Rename(const eFileName& from, const eFileName& to) {
-    return Platform::RenameFile(from.c_str(), to.c_str());
+    return Platform::RenameFile(eForwardName(from).c_str(), eForwardName(to).c_str());
 }
 unsigned long long Size(const eFileName& name) {
-    return Platform::FileSize(name.c_str());
+    return Platform::FileSize(eForwardName(name).c_str());
 }
 
 } // namespace File
@@ -50,7 +71,7 @@ unsigned long long Size(const eFileName& name) {
 namespace FileW {
 
 bool Access(const eFileNameW& name, eAccessMode mode) {
-    return Platform::MayAccess(name.c_str(), mode);
+    return Platform::MayAccess(eForwardName(name).c_str(), mode);
 }
 bool Copy(const eFileNameW& from, const eFileNameW& to) {
     return CopyFile(from, to);
@@ -59,10 +80,10 @@ bool CopyEx(const eFileNameW& from, const eFileNameW& to, bool* cancel) {
     return CopyFileStoppable(from, to, cancel);
 }
 bool Delete(const eFileNameW& name) {
-    return Platform::EraseFile(name.c_str());
+    return Platform::EraseFile(eForwardName(name).c_str());
 }
 unsigned long long Size(const eFileNameW& name) {
-    return Platform::FileSize(name.c_str());
+    return Platform::FileSize(eForwardName(name).c_str());
 }
 
 } // namespace FileW
