@@ -119,6 +119,44 @@ TYPED_TEST(PathServices, DeleteOfAFileOrOfNothingLeavesEverythingInPlace) {
     EXPECT_EQ(TestFixture::Sample(), this->Tree("root"));
 }
 
+TYPED_TEST(PathServices, NamesThatEndInADotMeanTheFolderItself) {
+    for (const std::string end : {"/.", "/./", "//.//", "/././."}) {
+        this->MakeSample("root");
+        TypeParam::Delete(this->Named("root" + end), false);
+        EXPECT_EQ(TestFixture::Sample(), this->Tree("root")) << end;
+        TypeParam::Copy(this->Named("root" + end), this->Named("copy" + end));
+        EXPECT_EQ(TestFixture::Sample(), this->Tree("copy")) << end;
+        TypeParam::Delete(this->Named("root/empty/inner" + end), false);
+        EXPECT_FALSE(this->Exists("root/empty/inner")) << end;
+        TypeParam::PurgeEmpty(this->Folder("root" + end));
+        EXPECT_FALSE(this->Exists("root/empty")) << end;
+        TypeParam::Delete(this->Named("root" + end), true);
+        EXPECT_FALSE(this->Exists("root")) << end;
+        TypeParam::Delete(this->Named("copy" + end), true);
+        EXPECT_EQ(eNames(), this->Tree("")) << end;
+    }
+}
+
+TYPED_TEST(PathServices, NamesThatGoUpAndDownAreFollowed) {
+    this->MakeFolder("a");
+    EXPECT_TRUE(TypeParam::Create(this->Named("a/../b/./c")));
+    this->MakeFile("b/file");
+    TypeParam::Copy(this->Named("a/../b"), this->Named("./a/../copy"));
+    EXPECT_EQ((eNames{"a/", "b/", "b/c/", "b/file", "copy/", "copy/c/", "copy/file"}), this->Tree(""));
+    TypeParam::PurgeEmpty(this->Folder("a/../b"));
+    TypeParam::Delete(this->Named("a/.././copy"), true);
+    EXPECT_EQ((eNames{"a/", "b/", "b/file"}), this->Tree(""));
+}
+
+TYPED_TEST(PathServices, TheCurrentFolderIsEmptiedAndStays) {
+    this->MakeSample("root/within");
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(this->At("root"));
+    TypeParam::Delete(TypeParam::Of("."), true);
+    std::filesystem::current_path(before);
+    EXPECT_EQ(eNames{"root/"}, this->Tree(""));
+}
+
 TYPED_TEST(PathServices, DeleteWorksFiftyLevelsDeep) {
     std::string folder = "root";
     for (int level = 0; level < 50; ++level) {

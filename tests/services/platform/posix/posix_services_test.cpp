@@ -52,7 +52,7 @@ TYPED_TEST(PosixServices, DeletionRemovesLinksAndNeverWhatTheyPointTo) {
 TYPED_TEST(PosixServices, DeletionOfALinkToAFolderRemovesTheLinkAlone) {
     this->MakeFile("outside/file");
     for (const bool recursive : {true, false}) {
-        for (const char* ending : {"", "/", "//"}) {
+        for (const char* ending : {"", "/", "//", "/.", "/./", "//.//"}) {
             this->MakeLink("outside", "link");
             typename TypeParam::Name name = this->Named("link").str() + TypeParam::Of(ending);
             TypeParam::Delete(name, recursive);
@@ -98,10 +98,13 @@ TYPED_TEST(PosixServices, CopyingRecreatesLinksAndFollowsNone) {
 TYPED_TEST(PosixServices, CopyingToALinkReplacesTheLinkAndSparesItsTarget) {
     this->MakeFile("outside/file");
     this->MakeFile("from/new");
-    this->MakeLink("outside", "to");
-    TypeParam::Copy(this->Named("from"), this->Named("to"));
-    EXPECT_EQ((eNames{"from/", "from/new", "outside/", "outside/file", "to/", "to/new"}), this->Tree(""));
-    EXPECT_FALSE(this->IsLink("to"));
+    for (const char* to : {"to", "to/", "to/.", "to//.//"}) {
+        this->MakeLink("outside", "to");
+        TypeParam::Copy(this->Named("from"), this->Named(to));
+        EXPECT_EQ((eNames{"from/", "from/new", "outside/", "outside/file", "to/", "to/new"}), this->Tree("")) << to;
+        EXPECT_FALSE(this->IsLink("to"));
+        TypeParam::Delete(this->Named("to"), true);
+    }
 }
 
 TYPED_TEST(PosixServices, CopyingFromALinkCopiesTheFolderThatWasNamed) {

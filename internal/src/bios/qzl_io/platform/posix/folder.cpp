@@ -150,10 +150,11 @@ private:
     std::size_t position = 0;
 };
 
-/// The system looks behind a link whose name ends in "/"; without it the link itself is meant.
-std::string WithoutSlashes(const char* name) {
+/// The system looks behind a link whose name ends in "/" or "/.", and removes no folder by the latter: the name without
+/// these means the link or the folder itself.
+std::string OwnName(const char* name) {
     std::string text(name);
-    while (text.size() > 1 && text.back() == '/')
+    while (text.size() > 1 && (text.back() == '/' || text.ends_with("/.")))
         text.pop_back();
     return text;
 }
@@ -162,7 +163,7 @@ std::string WithoutSlashes(const char* name) {
 
 template <class Char>
 eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
-    return ePosixFolder::Open(AT_FDCWD, WithoutSlashes(eNativeName(name).c_str()).c_str(), link, opened);
+    return ePosixFolder::Open(AT_FDCWD, OwnName(eNativeName(name).c_str()).c_str(), link, opened);
 }
 
 template <class Char>
@@ -172,12 +173,12 @@ eAnswer MakeFolder(const Char* name) {
 
 template <class Char>
 eAnswer RemoveFolder(const Char* name) {
-    return Told(::rmdir(eNativeName(name).c_str()) == 0);
+    return Told(::rmdir(OwnName(eNativeName(name).c_str()).c_str()) == 0);
 }
 
 template <class Char>
 bool RemoveFolderLink(const Char* name) {
-    const std::string link = WithoutSlashes(eNativeName(name).c_str());
+    const std::string link = OwnName(eNativeName(name).c_str());
     struct stat own {
     }, target{};
     return ::lstat(link.c_str(), &own) == 0 && S_ISLNK(own.st_mode) && ::stat(link.c_str(), &target) == 0 &&
