@@ -123,7 +123,6 @@ public:
         Push(name.str(), file == files->end() ? "" : file->second);
     }
 
-    std::size_t Sources() const { return sources.size(); }
     eSDLParserToken& Token() { return sources.back()->Token(); }
     eModelParser& Parser() {
         sources.back()->table = tables.empty() ? nullptr : tables.back();

@@ -164,12 +164,12 @@ public:
     }
 
     const eModelReader::eFiles& Texts() const { return texts; }
-    const eFileName& Any(std::mt19937& random) const { return names[random() % names.size()]; }
+    eFileName Any(std::mt19937& random) const { return names[random() % names.size()]; }
 
 private:
     eTempFolder folder;
     eModelReader::eFiles texts;
-    std::vector<eFileName> names;
+    std::vector<std::string> names;
 };
 
 eArguments RandomArguments(std::mt19937& random, const eIncludedFiles& files) {
@@ -244,8 +244,6 @@ TEST(SdlReaderModel, EveryCallOfEveryCopyGivesWhatReadingTokenByTokenGives) {
             auto& [reader, model] = copies.Any(random);
             const eOperation& operation = kOperations[random() % kOperations.size()];
             const eArguments arguments = RandomArguments(random, files);
-            if (&operation >= &kOperations[kOperations.size() - 2] && model.Sources() > 6)
-                continue;
             calls += std::string(operation.name) + ", ";
             const std::string result = operation.onReader(*reader, arguments);
             ASSERT_EQ(result, operation.onModel(model, arguments)) << text << "\n" << calls;
