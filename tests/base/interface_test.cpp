@@ -13,24 +13,21 @@
 #include <qzl_base/strings.h>
 #include <qzl_base/thread_storage.h>
 
-#include "support/virtual_slot.h"
+#include "support/interface.h"
 
 // What the library and applications compile against: types, signatures and what can be overridden.
 namespace {
 
 using std::is_same_v;
 
-template <auto>
-struct eIs;
-
 // --- Reports ---
 
-using eErrorText = eIs<static_cast<void (*)(const char*, int, const char*, bool)>(&xError::Error)>;
-using eErrorString = eIs<static_cast<void (*)(const char*, int, const std::string&, bool)>(&xError::Error)>;
-using eWarningText = eIs<static_cast<void (*)(const char*, int, const char*, int)>(&xError::Warning)>;
-using eWarningString = eIs<static_cast<void (*)(const char*, int, const std::string&, int)>(&xError::Warning)>;
-static_assert(is_same_v<decltype(&xError::SetErrorHandler), xError::eHandler (*)(xError::eHandler)>);
-static_assert(is_same_v<decltype(&xError::SetWarningHandler), xError::eHandler (*)(xError::eHandler)>);
+static_assert(Is<void (*)(const char*, int, const char*, bool)>(&xError::Error));
+static_assert(Is<void (*)(const char*, int, const std::string&, bool)>(&xError::Error));
+static_assert(Is<void (*)(const char*, int, const char*, int)>(&xError::Warning));
+static_assert(Is<void (*)(const char*, int, const std::string&, int)>(&xError::Warning));
+static_assert(Is<xError::eHandler (*)(xError::eHandler)>(&xError::SetErrorHandler));
+static_assert(Is<xError::eHandler (*)(xError::eHandler)>(&xError::SetWarningHandler));
 static_assert(is_same_v<xError::eHandler, std::function<void(const xError::eReport&)>>);
 static_assert(is_same_v<decltype(xError::eReport::file), std::string>);
 static_assert(is_same_v<decltype(xError::eReport::line), int>);
@@ -50,16 +47,16 @@ public:
 
 // --- Texts and numbers ---
 
-using eIntText = eIs<static_cast<std::string (*)(int, bool)>(&ToString)>;
-using eLongText = eIs<static_cast<std::string (*)(unsigned long long, bool)>(&ToString)>;
-using eFloatText = eIs<static_cast<std::string (*)(float)>(&ToString)>;
-using eNarrowText = eIs<static_cast<std::string (*)(const std::wstring&)>(&ToString)>;
-using eIntValue = eIs<static_cast<bool (*)(int*, const char*)>(&_FromString)>;
-using eFloatValue = eIs<static_cast<bool (*)(float*, const char*)>(&_FromString)>;
-static_assert(is_same_v<decltype(&ConvertEscSequence), void (*)(std::string*, bool)>);
-static_assert(is_same_v<decltype(&StringToWideChar), std::wstring (*)(const std::string&, int)>);
-static_assert(is_same_v<decltype(&WideCharToString), std::string (*)(const std::wstring&, int)>);
-static_assert(is_same_v<decltype(&ToStringW), std::wstring (*)(const std::string&)>);
+static_assert(Is<std::string (*)(int, bool)>(&ToString));
+static_assert(Is<std::string (*)(unsigned long long, bool)>(&ToString));
+static_assert(Is<std::string (*)(float)>(&ToString));
+static_assert(Is<std::string (*)(const std::wstring&)>(&ToString));
+static_assert(Is<bool (*)(int*, const char*)>(&_FromString));
+static_assert(Is<bool (*)(float*, const char*)>(&_FromString));
+static_assert(Is<void (*)(std::string*, bool)>(&ConvertEscSequence));
+static_assert(Is<std::wstring (*)(const std::string&, int)>(&StringToWideChar));
+static_assert(Is<std::string (*)(const std::wstring&, int)>(&WideCharToString));
+static_assert(Is<std::wstring (*)(const std::string&)>(&ToStringW));
 
 static_assert(std::is_convertible_v<const char*, eStringKey> && std::is_convertible_v<std::string, eStringKey>);
 static_assert(std::is_convertible_v<const wchar_t*, eStringKeyW> && std::is_convertible_v<std::wstring, eStringKeyW>);
@@ -71,22 +68,22 @@ static_assert(is_same_v<decltype(std::declval<const eStrings&>()[0]), const eStr
 
 static_assert(std::is_constructible_v<xCollectors::xGlobal::eGlobalFunctionRegistrator, const std::string&, void (*)(),
                                       void (*)()>);
-static_assert(is_same_v<decltype(&xCollectors::xGlobal::Init), void (*)(const std::string&)>);
-static_assert(is_same_v<decltype(&xCollectors::xGlobal::Exit), void (*)(const std::string&)>);
+static_assert(Is<void (*)(const std::string&)>(&xCollectors::xGlobal::Init));
+static_assert(Is<void (*)(const std::string&)>(&xCollectors::xGlobal::Exit));
 
 class eDerivedSection : public eCriticalSection {
 public:
     void Enter() override {}
     void Leave() override {}
 };
-static_assert(is_same_v<decltype(&eCriticalResource<int>::Get), int& (eCriticalResource<int>::*)()>);
+static_assert(Is<int& (eCriticalResource<int>::*)()>(&eCriticalResource<int>::Get));
 
 } // namespace
 
 TEST(BaseInterface, VirtualOperationsStandInTheirOrder) {
-    EXPECT_EQ(VirtualSlot(&xDebug::eStackEntry::DSE_Title), 2u);
-    EXPECT_EQ(VirtualSlot(&xDebug::eStackEntry::DSE_Brief), 3u);
-    EXPECT_EQ(VirtualSlot(&xDebug::eStackEntry::DSE_Full), 4u);
-    EXPECT_EQ(VirtualSlot(&eCriticalSection::Enter), 0u);
-    EXPECT_EQ(VirtualSlot(&eCriticalSection::Leave), 1u);
+    EXPECT_EQ(Slot(&xDebug::eStackEntry::DSE_Title), 2);
+    EXPECT_EQ(Slot(&xDebug::eStackEntry::DSE_Brief), 3);
+    EXPECT_EQ(Slot(&xDebug::eStackEntry::DSE_Full), 4);
+    EXPECT_EQ(Slot(&eCriticalSection::Enter), 0);
+    EXPECT_EQ(Slot(&eCriticalSection::Leave), 1);
 }

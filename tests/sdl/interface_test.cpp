@@ -11,7 +11,7 @@
 
 #include <qzl_io/streams.h>
 
-#include "support/virtual_slot.h"
+#include "support/interface.h"
 
 // What applications compile against: types, signatures and what can be overridden.
 namespace {
@@ -23,25 +23,23 @@ using std::is_same_v;
 static_assert(is_same_v<std::underlying_type_t<eSDLParserLexType>, int>);
 static_assert(std::is_convertible_v<eSDLParserLexType, int>);
 
-static_assert(is_same_v<decltype(&eSDLParserToken::type), eSDLParserLexType eSDLParserToken::*>);
-static_assert(is_same_v<decltype(&eSDLParserToken::text), std::string eSDLParserToken::*>);
-static_assert(is_same_v<decltype(&eSDLParserToken::floatValue), float eSDLParserToken::*>);
-static_assert(is_same_v<decltype(&eSDLParserToken::intValue), int eSDLParserToken::*>);
-static_assert(is_same_v<decltype(&eSDLParserState::token), eSDLParserToken eSDLParserState::*>);
-static_assert(is_same_v<decltype(&eSDLParserState::line), int eSDLParserState::*>);
-static_assert(is_same_v<decltype(&eSDLParserState::position), const char * eSDLParserState::*>);
-static_assert(is_same_v<decltype(&eDefine::name), std::string eDefine::*>);
-static_assert(is_same_v<decltype(&eDefine::text), std::string eDefine::*>);
+static_assert(Is<eSDLParserLexType eSDLParserToken::*>(&eSDLParserToken::type));
+static_assert(Is<std::string eSDLParserToken::*>(&eSDLParserToken::text));
+static_assert(Is<float eSDLParserToken::*>(&eSDLParserToken::floatValue));
+static_assert(Is<int eSDLParserToken::*>(&eSDLParserToken::intValue));
+static_assert(Is<eSDLParserToken eSDLParserState::*>(&eSDLParserState::token));
+static_assert(Is<int eSDLParserState::*>(&eSDLParserState::line));
+static_assert(Is<const char * eSDLParserState::*>(&eSDLParserState::position));
+static_assert(Is<std::string eDefine::*>(&eDefine::name));
+static_assert(Is<std::string eDefine::*>(&eDefine::text));
 
-static_assert(is_same_v<decltype(&eSDLKeyword::name), const char * eSDLKeyword::*>);
-static_assert(is_same_v<decltype(&eSDLKeyword::id), int eSDLKeyword::*>);
-static_assert(is_same_v<decltype(&eSDLKeyword::next), eSDLKeyword * eSDLKeyword::*>);
+static_assert(Is<const char * eSDLKeyword::*>(&eSDLKeyword::name));
+static_assert(Is<int eSDLKeyword::*>(&eSDLKeyword::id));
+static_assert(Is<eSDLKeyword * eSDLKeyword::*>(&eSDLKeyword::next));
 static_assert(std::is_constructible_v<eSDLKeyword, eSDLKeyword*&, const char*, int>);
 static_assert(!std::is_constructible_v<eSDLKeyword, eSDLKeyword*, const char*, int>);
-template <auto>
-struct eIs;
-using eFindId = eIs<static_cast<int (eSDLKeyword::*)(const char*) const>(&eSDLKeyword::Find)>;
-using eFindName = eIs<static_cast<const char* (eSDLKeyword::*)(int) const>(&eSDLKeyword::Find)>;
+static_assert(Is<int (eSDLKeyword::*)(const char*) const>(&eSDLKeyword::Find));
+static_assert(Is<const char* (eSDLKeyword::*)(int) const>(&eSDLKeyword::Find));
 
 // --- The parser ---
 
@@ -55,17 +53,17 @@ static_assert(
     std::is_constructible_v<eSDLParser, const std::string&, IO::eStream&, const eTables&, const eParameters&, eCipher>);
 static_assert(std::is_constructible_v<eSDLParser, const eDefine&, const eTables&, const eParameters&>);
 static_assert(std::is_copy_constructible_v<eSDLParser>);
-static_assert(is_same_v<decltype(&eSDLParser::Get), bool (eSDLParser::*)()>);
-static_assert(is_same_v<decltype(&eSDLParser::Back), void (eSDLParser::*)()>);
-static_assert(is_same_v<decltype(&eSDLParser::Token), eSDLParserToken& (eSDLParser::*)()>);
-static_assert(is_same_v<decltype(&eSDLParser::StateCurrent), const eSDLParserState& (eSDLParser::*)() const>);
-static_assert(is_same_v<decltype(&eSDLParser::StatePrev), void (eSDLParser::*)(const eSDLParserState&)>);
-static_assert(is_same_v<decltype(&eSDLParser::GetParameter), std::string (eSDLParser::*)()>);
-static_assert(is_same_v<decltype(&eSDLParser::GetContext), std::string (eSDLParser::*)() const>);
-static_assert(is_same_v<decltype(&eSDLParser::Name), const std::string& (eSDLParser::*)() const>);
-static_assert(is_same_v<decltype(&eSDLParser::Line), int (eSDLParser::*)() const>);
-static_assert(is_same_v<decltype(&eSDLParser::IsFile), bool (eSDLParser::*)() const>);
-static_assert(is_same_v<decltype(&eSDLParser::Cptr), const char* (eSDLParser::*)() const>);
+static_assert(Is<bool (eSDLParser::*)()>(&eSDLParser::Get));
+static_assert(Is<void (eSDLParser::*)()>(&eSDLParser::Back));
+static_assert(Is<eSDLParserToken& (eSDLParser::*)()>(&eSDLParser::Token));
+static_assert(Is<const eSDLParserState& (eSDLParser::*)() const>(&eSDLParser::StateCurrent));
+static_assert(Is<void (eSDLParser::*)(const eSDLParserState&)>(&eSDLParser::StatePrev));
+static_assert(Is<std::string (eSDLParser::*)()>(&eSDLParser::GetParameter));
+static_assert(Is<std::string (eSDLParser::*)() const>(&eSDLParser::GetContext));
+static_assert(Is<const std::string& (eSDLParser::*)() const>(&eSDLParser::Name));
+static_assert(Is<int (eSDLParser::*)() const>(&eSDLParser::Line));
+static_assert(Is<bool (eSDLParser::*)() const>(&eSDLParser::IsFile));
+static_assert(Is<const char* (eSDLParser::*)() const>(&eSDLParser::Cptr));
 
 class eDerivedParser : public eSDLParser {
 public:
@@ -75,8 +73,8 @@ public:
     std::string DSE_Brief() const override { return "brief"; }
     std::string DSE_Full() const override { return "full"; }
 
-    static_assert(is_same_v<decltype(&eDerivedParser::AnalyseToken), void (eSDLParser::*)()>);
-    static_assert(is_same_v<decltype(&eDerivedParser::ProcessParams), void (eSDLParser::*)(const eParameters&)>);
+    static_assert(Is<void (eSDLParser::*)()>(&eDerivedParser::AnalyseToken));
+    static_assert(Is<void (eSDLParser::*)(const eParameters&)>(&eDerivedParser::ProcessParams));
 };
 
 // --- The reader ---
@@ -95,52 +93,51 @@ static_assert(std::is_copy_constructible_v<eSDLReader> && std::is_copy_assignabl
 
 static_assert(is_same_v<decltype(eSDLReader::defaultError), const char* const>);
 static_assert(is_same_v<eSDLReader::eGrate, std::vector<int>>);
-static_assert(is_same_v<decltype(&eSDLReader::GetInt), int (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::GetFloat), float (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::GetBool), bool (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::GetString), const std::string& (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::GetStringW), std::wstring (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::GetIdent), const std::string& (eSDLReader::*)(bool)>);
-static_assert(is_same_v<decltype(&eSDLReader::GetKeyword), int (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::GetToken), const eSDLParserToken& (eSDLReader::*)(eSDLParserLexType)>);
-static_assert(is_same_v<decltype(&eSDLReader::GetBlock), int (eSDLReader::*)(int)>);
-static_assert(is_same_v<decltype(&eSDLReader::GetSignature), const std::string& (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::Check), bool (eSDLReader::*)(eSDLParserLexType, int)>);
-using eTest = eIs<static_cast<bool (eSDLReader::*)(eSDLParserLexType, int)>(&eSDLReader::Test)>;
-using eTestId = eIs<static_cast<bool (eSDLReader::*)(int)>(&eSDLReader::Test)>;
-static_assert(is_same_v<decltype(&eSDLReader::Start), bool (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::End), bool (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::Back), void (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::SkipBlock), void (eSDLReader::*)(bool)>);
-static_assert(is_same_v<decltype(&eSDLReader::Token), const eSDLParserToken& (eSDLReader::*)() const>);
-static_assert(is_same_v<decltype(&eSDLReader::PushKeywords), void (eSDLReader::*)(eSDLKeyword*)>);
-static_assert(is_same_v<decltype(&eSDLReader::PopKeywords), void (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::Keywords), const eSDLKeyword* (eSDLReader::*)() const>);
-using eSetCheckEOF = eIs<static_cast<void (eSDLReader::*)(bool)>(&eSDLReader::CheckEOF)>;
-using eGetCheckEOF = eIs<static_cast<bool (eSDLReader::*)() const>(&eSDLReader::CheckEOF)>;
-static_assert(is_same_v<decltype(&eSDLReader::Grate), eSDLReader::eGrate& (eSDLReader::*)()>);
-static_assert(is_same_v<decltype(&eSDLReader::Include), void (eSDLReader::*)(const eFileName&)>);
-static_assert(is_same_v<decltype(&eSDLReader::LoadingModes), eStrings& (*)()>);
-static_assert(is_same_v<decltype(&begb), eSDLReader& (*)(eSDLReader&)>);
-static_assert(is_same_v<decltype(&begc), eSDLReader& (*)(eSDLReader&)>);
-static_assert(is_same_v<decltype(&endc), eSDLReader& (*)(eSDLReader&)>);
-using eReaderEndb = eIs<static_cast<eSDLReader& (*)(eSDLReader&)>(&endb)>;
+static_assert(Is<int (eSDLReader::*)()>(&eSDLReader::GetInt));
+static_assert(Is<float (eSDLReader::*)()>(&eSDLReader::GetFloat));
+static_assert(Is<bool (eSDLReader::*)()>(&eSDLReader::GetBool));
+static_assert(Is<const std::string& (eSDLReader::*)()>(&eSDLReader::GetString));
+static_assert(Is<std::wstring (eSDLReader::*)()>(&eSDLReader::GetStringW));
+static_assert(Is<const std::string& (eSDLReader::*)(bool)>(&eSDLReader::GetIdent));
+static_assert(Is<int (eSDLReader::*)()>(&eSDLReader::GetKeyword));
+static_assert(Is<const eSDLParserToken& (eSDLReader::*)(eSDLParserLexType)>(&eSDLReader::GetToken));
+static_assert(Is<int (eSDLReader::*)(int)>(&eSDLReader::GetBlock));
+static_assert(Is<const std::string& (eSDLReader::*)()>(&eSDLReader::GetSignature));
+static_assert(Is<bool (eSDLReader::*)(eSDLParserLexType, int)>(&eSDLReader::Check));
+static_assert(Is<bool (eSDLReader::*)(eSDLParserLexType, int)>(&eSDLReader::Test));
+static_assert(Is<bool (eSDLReader::*)(int)>(&eSDLReader::Test));
+static_assert(Is<bool (eSDLReader::*)()>(&eSDLReader::Start));
+static_assert(Is<bool (eSDLReader::*)()>(&eSDLReader::End));
+static_assert(Is<void (eSDLReader::*)()>(&eSDLReader::Back));
+static_assert(Is<void (eSDLReader::*)(bool)>(&eSDLReader::SkipBlock));
+static_assert(Is<const eSDLParserToken& (eSDLReader::*)() const>(&eSDLReader::Token));
+static_assert(Is<void (eSDLReader::*)(eSDLKeyword*)>(&eSDLReader::PushKeywords));
+static_assert(Is<void (eSDLReader::*)()>(&eSDLReader::PopKeywords));
+static_assert(Is<const eSDLKeyword* (eSDLReader::*)() const>(&eSDLReader::Keywords));
+static_assert(Is<void (eSDLReader::*)(bool)>(&eSDLReader::CheckEOF));
+static_assert(Is<bool (eSDLReader::*)() const>(&eSDLReader::CheckEOF));
+static_assert(Is<eSDLReader::eGrate& (eSDLReader::*)()>(&eSDLReader::Grate));
+static_assert(Is<void (eSDLReader::*)(const eFileName&)>(&eSDLReader::Include));
+static_assert(Is<eStrings& (*)()>(&eSDLReader::LoadingModes));
+static_assert(Is<eSDLReader& (*)(eSDLReader&)>(&begb));
+static_assert(Is<eSDLReader& (*)(eSDLReader&)>(&begc));
+static_assert(Is<eSDLReader& (*)(eSDLReader&)>(&endc));
+static_assert(Is<eSDLReader& (*)(eSDLReader&)>(&endb));
 
 class eDerivedReader : public eSDLReader {
 public:
     using eSDLReader::eSDLReader;
 
-    static_assert(is_same_v<decltype(&eDerivedReader::Init), void (eSDLReader::*)()>);
-    static_assert(is_same_v<decltype(&eDerivedReader::Get), bool (eSDLReader::*)()>);
-    using eNewParser =
-        eIs<static_cast<eSDLParser* (eSDLReader::*)(const eFileName&, const eParameters&)>(&eDerivedReader::NewParser)>;
-    using eNewWideParser = eIs<static_cast<eSDLParser* (eSDLReader::*)(const eFileNameW&)>(&eDerivedReader::NewParser)>;
-    static_assert(is_same_v<decltype(&eDerivedReader::PushParser), void (eSDLReader::*)(eSDLParser*)>);
-    static_assert(is_same_v<decltype(&eDerivedReader::PopParser), void (eSDLReader::*)()>);
-    static_assert(is_same_v<decltype(&eDerivedReader::Parser), eSDLParser& (eSDLReader::*)() const>);
-    static_assert(is_same_v<decltype(&eDerivedReader::GetParameters), void (eSDLReader::*)(eParameters*)>);
-    static_assert(is_same_v<decltype(&eDerivedReader::GetOperand), void (eSDLReader::*)(eSDLParserToken*)>);
-    static_assert(is_same_v<decltype(&eDerivedReader::ProcessControlBlock), bool (eSDLReader::*)()>);
+    static_assert(Is<void (eSDLReader::*)()>(&eDerivedReader::Init));
+    static_assert(Is<bool (eSDLReader::*)()>(&eDerivedReader::Get));
+    static_assert(Is<eSDLParser* (eSDLReader::*)(const eFileName&, const eParameters&)>(&eDerivedReader::NewParser));
+    static_assert(Is<eSDLParser* (eSDLReader::*)(const eFileNameW&)>(&eDerivedReader::NewParser));
+    static_assert(Is<void (eSDLReader::*)(eSDLParser*)>(&eDerivedReader::PushParser));
+    static_assert(Is<void (eSDLReader::*)()>(&eDerivedReader::PopParser));
+    static_assert(Is<eSDLParser& (eSDLReader::*)() const>(&eDerivedReader::Parser));
+    static_assert(Is<void (eSDLReader::*)(eParameters*)>(&eDerivedReader::GetParameters));
+    static_assert(Is<void (eSDLReader::*)(eSDLParserToken*)>(&eDerivedReader::GetOperand));
+    static_assert(Is<bool (eSDLReader::*)()>(&eDerivedReader::ProcessControlBlock));
 };
 
 template <class T>
@@ -161,8 +158,8 @@ static_assert(is_same_v<decltype(ident::name), const char*>);
 static_assert(std::is_aggregate_v<block> && std::is_aggregate_v<keyword> && std::is_aggregate_v<ident>);
 static_assert(std::is_base_of_v<eWriteStream, eSDLTextStream> && std::is_abstract_v<eWriteStream>);
 static_assert(std::has_virtual_destructor_v<eSDLWriter> && std::has_virtual_destructor_v<eWriteStream>);
-static_assert(is_same_v<decltype(&eWriteStream::formatFlag), bool eWriteStream::*>);
-static_assert(is_same_v<decltype(&eWriteStream::newlinePending), bool eWriteStream::*>);
+static_assert(Is<bool eWriteStream::*>(&eWriteStream::formatFlag));
+static_assert(Is<bool eWriteStream::*>(&eWriteStream::newlinePending));
 
 template <class... eArguments>
 constexpr bool kMakesWriter = std::is_constructible_v<eSDLWriter, eArguments...>;
@@ -170,19 +167,19 @@ constexpr bool kMakesWriter = std::is_constructible_v<eSDLWriter, eArguments...>
 static_assert(kMakesWriter<> && kMakesWriter<eCipher> && kMakesWriter<IO::eStream*, eCipher>);
 static_assert(kMakesWriter<const eFileName&, eCipher> && kMakesWriter<const eFileNameW&, eCipher>);
 static_assert(std::is_copy_constructible_v<eSDLWriter> && std::is_copy_assignable_v<eSDLWriter>);
-using eOpenStream = eIs<static_cast<void (eSDLWriter::*)(IO::eStream*)>(&eSDLWriter::Open)>;
-using eOpenFile = eIs<static_cast<bool (eSDLWriter::*)(const eFileName&)>(&eSDLWriter::Open)>;
-using eOpenWideFile = eIs<static_cast<bool (eSDLWriter::*)(const eFileNameW&)>(&eSDLWriter::Open)>;
-static_assert(is_same_v<decltype(&eSDLWriter::Opened), bool (eSDLWriter::*)() const>);
-static_assert(is_same_v<decltype(&eSDLWriter::Close), void (eSDLWriter::*)()>);
-static_assert(is_same_v<decltype(&eSDLWriter::Stream), eWriteStream& (eSDLWriter::*)()>);
-static_assert(is_same_v<decltype(&eSDLWriter::PushKeywords), void (eSDLWriter::*)(eSDLKeyword*)>);
-static_assert(is_same_v<decltype(&eSDLWriter::PopKeywords), void (eSDLWriter::*)()>);
-using eWriterEndb = eIs<static_cast<eSDLWriter& (*)(eSDLWriter&)>(&endb)>;
-using eWriterEndl = eIs<static_cast<eSDLWriter& (*)(eSDLWriter&)>(&endl)>;
+static_assert(Is<void (eSDLWriter::*)(IO::eStream*)>(&eSDLWriter::Open));
+static_assert(Is<bool (eSDLWriter::*)(const eFileName&)>(&eSDLWriter::Open));
+static_assert(Is<bool (eSDLWriter::*)(const eFileNameW&)>(&eSDLWriter::Open));
+static_assert(Is<bool (eSDLWriter::*)() const>(&eSDLWriter::Opened));
+static_assert(Is<void (eSDLWriter::*)()>(&eSDLWriter::Close));
+static_assert(Is<eWriteStream& (eSDLWriter::*)()>(&eSDLWriter::Stream));
+static_assert(Is<void (eSDLWriter::*)(eSDLKeyword*)>(&eSDLWriter::PushKeywords));
+static_assert(Is<void (eSDLWriter::*)()>(&eSDLWriter::PopKeywords));
+static_assert(Is<eSDLWriter& (*)(eSDLWriter&)>(&endb));
+static_assert(Is<eSDLWriter& (*)(eSDLWriter&)>(&endl));
 
 class eDerivedWriter : public eSDLWriter {
-    static_assert(is_same_v<decltype(&eDerivedWriter::Init), void (eSDLWriter::*)()>);
+    static_assert(Is<void (eSDLWriter::*)()>(&eDerivedWriter::Init));
 };
 
 class eDerivedWriteStream : public eWriteStream {
@@ -209,19 +206,19 @@ public:
 };
 static_assert(!std::is_abstract_v<eDerivedCipher>);
 
-static_assert(is_same_v<decltype(&JsonToSdl), bool (*)(const eFileName&, const eFileName&)>);
+static_assert(Is<bool (*)(const eFileName&, const eFileName&)>(&JsonToSdl));
 
 } // namespace
 
 TEST(SdlInterface, VirtualOperationsStandInTheirOrder) {
-    const std::pair<std::size_t, std::size_t> rows[] = {
-        {VirtualSlot(&eSDLParser::DSE_Title), 2},      {VirtualSlot(&eSDLParser::DSE_Brief), 3},
-        {VirtualSlot(&eSDLParser::DSE_Full), 4},       {VirtualSlot(&eWriteStream::WriteString), 2},
-        {VirtualSlot(&eWriteStream::WriteFloat), 3},   {VirtualSlot(&eWriteStream::WriteInt), 4},
-        {VirtualSlot(&eWriteStream::WriteControl), 5}, {VirtualSlot(&eWriteStream::WriteIdent), 6},
-        {VirtualSlot(&eWriteStream::WriteHashed), 7},  {VirtualSlot(&eWriteStream::Flush), 8},
-        {VirtualSlot(&eWriteStream::MarkEmpty), 9},    {VirtualSlot(&eSDLCipher::GetEncodedSize), 2},
-        {VirtualSlot(&eSDLCipher::Encode), 3},
+    const std::pair<std::ptrdiff_t, std::ptrdiff_t> rows[] = {
+        {Slot(&eSDLParser::DSE_Title), 2},      {Slot(&eSDLParser::DSE_Brief), 3},
+        {Slot(&eSDLParser::DSE_Full), 4},       {Slot(&eWriteStream::WriteString), 2},
+        {Slot(&eWriteStream::WriteFloat), 3},   {Slot(&eWriteStream::WriteInt), 4},
+        {Slot(&eWriteStream::WriteControl), 5}, {Slot(&eWriteStream::WriteIdent), 6},
+        {Slot(&eWriteStream::WriteHashed), 7},  {Slot(&eWriteStream::Flush), 8},
+        {Slot(&eWriteStream::MarkEmpty), 9},    {Slot(&eSDLCipher::GetEncodedSize), 2},
+        {Slot(&eSDLCipher::Encode), 3},
     };
     for (const auto& [slot, expected] : rows)
         EXPECT_EQ(slot, expected);
@@ -231,8 +228,8 @@ TEST(SdlInterface, MembersStandInTheirOrder) {
     const auto place = [](const auto& whole, const auto& member) {
         return reinterpret_cast<const char*>(&member) - reinterpret_cast<const char*>(&whole);
     };
-    eSDLKeyword* head = nullptr;
-    const eSDLKeyword word(head, "word", 1);
+    static eSDLKeyword* words;
+    static const eSDLKeyword word(words, "word", 1);
     EXPECT_EQ(place(word, word.name), 0);
     EXPECT_LT(place(word, word.name), place(word, word.id));
     EXPECT_LT(place(word, word.id), place(word, word.next));
