@@ -4,8 +4,9 @@
 #include <qzl_io/file_name.h>
 
 // Single files. Names go to the system as they stand, with forward slashes: a back slash in a name counts as one, also
-// in a value that was read from a stream. On Linux wide names are UTF-8 on disk. Nothing here throws or reports: every
-// failure is a false or zero result. No state is kept, so any thread may call.
+// in a value that was read from a stream. On Linux wide names are UTF-8 on disk. On Windows names may have any length
+// and end in dots and blanks; short names of devices ("nul", "aux.txt") are devices. Nothing here throws or reports:
+// every failure is a false or zero result. No state is kept, so any thread may call.
 
 namespace IO::System::File {
 

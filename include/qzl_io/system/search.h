@@ -170,7 +170,9 @@ private:
     bool valid = false;
 };
 
-/// Search over narrow names.
+/// Search over narrow names. On Windows these lead back to the entry and hold none of / \ : * ? " < > | : where the
+/// code page lacks a character of the name, or where one of its bytes is a back slash, Name gives the short name; on
+/// volumes that keep none the entry is left out. eSearchW shows every entry.
 class eSearch : public eSearchOf<char, eFileName> {
 public:
     using eSearchOf::eSearchOf;
