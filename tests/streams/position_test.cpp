@@ -104,6 +104,16 @@ TEST(Position, WithoutErrorsAFileOnlyTellsThatItsBufferWentAstray) {
     }
 }
 
+TEST(Position, BeforeTheStartOfAFileIsShownAsANegativeOffset) {
+    const eTempFolder folder;
+    const eReports reports;
+    eFile file = TenBytes(folder, Mode::Read | Mode::Write);
+    file.Seek(11, eSeekDir::End);
+    EXPECT_EQ(file.Dump().substr(file.Dump().find("'(") + 1), "(off:-1, ptr:0, end:32768, eos:11, buff:32768)");
+    EXPECT_EQ(file.Position(), 0 - 1ull);
+    EXPECT_EQ(file.Size(), 10u);
+}
+
 TEST(Position, WithErrorsAFileReportsTheMoveThenTheBufferThenTheRead) {
     const eTempFolder folder;
     const eReports reports;

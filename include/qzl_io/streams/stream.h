@@ -48,6 +48,7 @@ concept eNotAValue = std::is_member_pointer_v<T> || requires(T value) {
 
 struct eStreamDirect;
 class eStreamOperation;
+class eHookRun;
 
 // A sequence of bytes with a position, seen through a buffer. It owns no storage: memory, buffer and file streams bring
 // theirs and override the five hooks Trunc, Flush, Overflow, Underflow and Skip.
@@ -285,15 +286,15 @@ protected:
     bool Blocked() const noexcept;
     // The position lies before the start of the stream.
     bool BeforeStart() const noexcept { return static_cast<long long>(Position()) < 0; }
-    // bufferEnd - buffer as it is when the stream is not Blocked.
+    // bufferEnd - buffer, or while bufferEnd is kept null what that was before.
     unsigned long long Capacity() const noexcept;
     // Moves the position, to a place outside the buffer too, and keeps the invariant below.
     void MoveTo(unsigned char* place) noexcept;
     // Takes a block into use as the buffer: data of that length (which may reach beyond the block), position at its
-    // first byte. offset and flags stay. A null block with a capacity stands for one that could not be allocated.
-    void UseBuffer(unsigned char* block, unsigned long long capacity, unsigned long long length) noexcept;
+    // first byte. offset and flags stay. A null block with a size stands for one that could not be allocated.
+    void UseBuffer(unsigned char* block, unsigned long long size, unsigned long long length) noexcept;
     // Sets bufferEnd to the capacity, or as the invariant below wants it.
-    void SetCapacity(unsigned long long capacity) noexcept;
+    void SetCapacity(unsigned long long size) noexcept;
     // Data that end before the position end there.
     void RaiseEnd() noexcept;
     // A position beyond the data sets Bad and is reported as "Invalid read location!".
@@ -317,7 +318,9 @@ protected:
     // for the length n of any value. So one comparison is enough for a value. It fails
     //   - near or at the end of the buffer, and behind it,
     //   - while the stream is Blocked (no buffer, ptr before it, or the buffer before the start of the stream): there
-    //     bufferEnd is kept null. Capacity() and Dump() go on to tell the capacity, which is then bufferSize.
+    //     bufferEnd is kept null between operations. Capacity() and Dump() go on to tell the capacity.
+    // A hook that an operation calls finds bufferEnd one past the last byte of the buffer wherever ptr is, and may set
+    // all fields. Before it reads or writes values of its own stream it makes sure that the stream is not Blocked.
     unsigned char* buffer = nullptr;
     unsigned char* bufferEnd = nullptr; // one past the buffer's last byte
     unsigned long long bufferSize = 0;  // capacity with which the buffer was created
@@ -330,6 +333,7 @@ private:
     friend class eFileStreamBase;
     friend class eMemoryStream;
     friend class eStreamOperation;
+    friend class eHookRun;
 
     static constexpr std::size_t kLongText = 255; // lengths from here on take four bytes
 
@@ -506,6 +510,9 @@ private:
         return Address(ptr) < Address(bufferEnd) ? Address(bufferEnd) - Address(ptr) : 0;
     }
     bool OutsideBuffer() const noexcept;
+    // Calls a hook, which finds bufferEnd not null where there is a buffer.
+    void RunHook(void (eStream::*hook)());
+    void FlushIfModified();
     void FlushBeforeMove();
     eStream& FinishMove();
     void Refill();
@@ -551,6 +558,8 @@ private:
     bool CopyDirect(eStream& target, unsigned long long* n);
 
     const eStreamDirect* direct = nullptr;  // how to go past the buffer, null where that is not possible
+    unsigned long long lastCapacity = 0;    // as it was set, for while bufferEnd is kept null
+    bool hookRuns = false;                  // bufferEnd is not kept null
     eStreamOperation* underWay = nullptr;   // the innermost operation that has begun and not ended
     std::unique_ptr<unsigned char[]> apart; // the block that stands in for bytes outside the buffer
 };

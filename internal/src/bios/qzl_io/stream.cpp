@@ -26,37 +26,26 @@ std::string Decimal(long long value) {
 
 // --- Life ---
 
-eStream::eStream(const eStream& other) noexcept
-    : buffer(other.buffer),
-      bufferEnd(other.bufferEnd),
-      bufferSize(other.bufferSize),
-      offset(other.offset),
-      eos(other.eos),
-      ptr(other.ptr),
-      flags(other.flags),
-      direct(other.direct) {}
+eStream::eStream(const eStream& other) noexcept {
+    *this = other;
+}
 
 eStream& eStream::operator=(const eStream& other) noexcept {
     buffer = other.buffer;
-    bufferEnd = other.bufferEnd;
     bufferSize = other.bufferSize;
     offset = other.offset;
     eos = other.eos;
     ptr = other.ptr;
     flags = other.flags;
     direct = other.direct;
+    SetCapacity(other.Capacity());
     return *this;
 }
 
-eStream::eStream(eStream&& other) noexcept
-    : buffer(std::exchange(other.buffer, nullptr)),
-      bufferEnd(std::exchange(other.bufferEnd, nullptr)),
-      bufferSize(std::exchange(other.bufferSize, 0ull)),
-      offset(std::exchange(other.offset, 0ull)),
-      eos(std::exchange(other.eos, nullptr)),
-      ptr(std::exchange(other.ptr, nullptr)),
-      flags(std::exchange(other.flags, static_cast<unsigned short>(0))),
-      direct(std::exchange(other.direct, nullptr)) {}
+eStream::eStream(eStream&& other) noexcept : eStream(std::as_const(other)) {
+    const eStream none;
+    other = none;
+}
 
 eStream& eStream::operator=(eStream&& other) noexcept {
     if (this != &other) {
@@ -77,24 +66,26 @@ bool eStream::Blocked() const noexcept {
 }
 
 unsigned long long eStream::Capacity() const noexcept {
-    return bufferEnd ? Address(bufferEnd) - Address(buffer) : bufferSize;
+    return bufferEnd ? Address(bufferEnd) - Address(buffer) : lastCapacity;
 }
 
-void eStream::SetCapacity(unsigned long long capacity) noexcept {
-    bufferEnd = Blocked() ? nullptr : Shifted(buffer, capacity);
+void eStream::SetCapacity(unsigned long long size) noexcept {
+    lastCapacity = size;
+    const bool shown = hookRuns ? buffer != nullptr : !Blocked();
+    bufferEnd = shown ? Shifted(buffer, size) : nullptr;
 }
 
 void eStream::MoveTo(unsigned char* place) noexcept {
-    const unsigned long long capacity = Capacity();
+    const unsigned long long size = Capacity();
     ptr = place;
-    SetCapacity(capacity);
+    SetCapacity(size);
 }
 
-void eStream::UseBuffer(unsigned char* block, unsigned long long capacity, unsigned long long length) noexcept {
+void eStream::UseBuffer(unsigned char* block, unsigned long long size, unsigned long long length) noexcept {
     buffer = ptr = block;
     eos = Shifted(block, length);
-    bufferSize = capacity;
-    SetCapacity(capacity);
+    bufferSize = size;
+    SetCapacity(size);
 }
 
 void eStream::RaiseEnd() noexcept {
@@ -107,14 +98,14 @@ void eStream::PlaceBuffer() {
         return;
     if ((Distance(buffer, ptr) < 0 && BeforeStart()) || Remaining() < 0)
         Report(kSource, kPlaceBufferLine, kPlaceBuffer + Dump());
-    const unsigned long long capacity = Capacity();
+    const unsigned long long size = Capacity();
     const unsigned long long shift = Address(ptr) - Address(buffer);
-    if (buffer && shift < capacity)
-        std::memmove(buffer, ptr, capacity - shift);
+    if (buffer && shift < size)
+        std::memmove(buffer, ptr, size - shift);
     ptr = buffer;
     eos = Shifted(eos, 0 - shift);
     offset += shift;
-    SetCapacity(capacity);
+    SetCapacity(size);
 }
 
 bool eStream::OutsideBuffer() const noexcept {
@@ -127,7 +118,7 @@ unsigned long long eStream::DataInBuffer() const noexcept {
 }
 
 std::string eStream::Dump() const {
-    return "(off:" + ToString(offset, false) + ", ptr:" + Decimal(Distance(buffer, ptr)) +
+    return "(off:" + Decimal(static_cast<long long>(offset)) + ", ptr:" + Decimal(Distance(buffer, ptr)) +
            ", end:" + Decimal(static_cast<long long>(Capacity())) + ", eos:" + Decimal(Distance(buffer, eos)) +
            ", buff:" + ToString(bufferSize, false) + ")";
 }
@@ -146,10 +137,9 @@ void eStream::Flush() {
 }
 
 void eStream::Overflow() {
-    if (Enabled(StreamMode::Modified))
-        Flush();
+    FlushIfModified();
     if (Enabled(StreamMode::Read))
-        Underflow();
+        RunHook(&eStream::Underflow);
     else
         PlaceBuffer();
 }
@@ -179,23 +169,34 @@ void eStream::Fail(const char* source, int line, const char* message) {
 }
 
 void eStream::Report(const char* source, int line, const std::string& message) {
-    if (underWay)
+    if (underWay) {
         underWay->Keep(source, line, message);
-    else
-        xError::Error(source, line, message, true);
+        return;
+    }
+    const eHookRun none(*this, false);
+    xError::Error(source, line, message, true);
+}
+
+void eStream::RunHook(void (eStream::*hook)()) {
+    const eHookRun run(*this);
+    (this->*hook)();
+}
+
+void eStream::FlushIfModified() {
+    if (Enabled(StreamMode::Modified))
+        RunHook(&eStream::Flush);
 }
 
 void eStream::Refill() {
-    if (Enabled(StreamMode::Modified))
-        Flush();
-    Underflow();
+    FlushIfModified();
+    RunHook(&eStream::Underflow);
 }
 
 // --- Positions ---
 
 void eStream::FlushBeforeMove() {
     if (ptr != buffer && Enabled(StreamMode::Write | StreamMode::Modified))
-        Flush();
+        RunHook(&eStream::Flush);
 }
 
 eStream& eStream::FinishMove() {
@@ -384,16 +385,15 @@ const eStreamDirect* eStream::Direct() const {
 }
 
 unsigned long long eStream::WholeBuffers(unsigned long long n) const noexcept {
-    const unsigned long long capacity = Capacity();
-    return capacity > 0 && n > 0 ? (n - 1) / capacity * capacity : 0;
+    const unsigned long long size = Capacity();
+    return size > 0 && n > 0 ? (n - 1) / size * size : 0;
 }
 
 unsigned long long eStream::ReadDirect(unsigned char* target, unsigned long long n) {
     const unsigned long long whole = WholeBuffers(std::min(n, static_cast<unsigned long long>(Remaining())));
     if (whole == 0 || Blocked() || !Direct())
         return 0;
-    if (Enabled(StreamMode::Modified))
-        Flush();
+    FlushIfModified();
     direct->read(*this, target, Position(), whole);
     MoveTo(Shifted(ptr, whole));
     return whole;
@@ -416,8 +416,7 @@ unsigned long long eStream::WriteDirect(const unsigned char* source, unsigned lo
     const unsigned long long whole = WholeBuffers(n);
     if (whole == 0 || !TakesWholeBuffers())
         return 0;
-    if (Enabled(StreamMode::Modified))
-        Flush();
+    FlushIfModified();
     direct->write(*this, source, Position(), whole);
     PassWritten(whole);
     return whole;
@@ -425,12 +424,11 @@ unsigned long long eStream::WriteDirect(const unsigned char* source, unsigned lo
 
 // Whole buffers of the target that the system copies by itself, in bytes. At least one byte has to follow them.
 unsigned long long eStream::CopyInSystem(eStream& target, unsigned long long n) {
-    const unsigned long long capacity = target.Capacity();
-    if (n < capacity || !target.TakesWholeBuffers() || target.direct != direct)
+    const unsigned long long size = target.Capacity();
+    if (n < size || !target.TakesWholeBuffers() || target.direct != direct)
         return 0;
-    if (target.Enabled(StreamMode::Modified))
-        target.Flush();
-    const unsigned long long copied = direct->copy(*this, target, n / capacity * capacity) / capacity * capacity;
+    target.FlushIfModified();
+    const unsigned long long copied = direct->copy(*this, target, n / size * size) / size * size;
     if (copied > 0)
         target.PassWritten(copied);
     return copied;
@@ -441,8 +439,7 @@ bool eStream::CopyDirect(eStream& target, unsigned long long* n) {
     unsigned long long whole = WholeBuffers(std::min(*n, static_cast<unsigned long long>(Remaining())));
     if (whole == 0 || Blocked() || &target == this || !Direct() || !direct->apart(*this, target))
         return true;
-    if (Enabled(StreamMode::Modified))
-        Flush();
+    FlushIfModified();
     eStreamOperation writing(target);
     while (whole > 0) {
         unsigned long long run = CopyInSystem(target, whole);

@@ -117,7 +117,7 @@ void eFileStreamBase::Open(int mode) {
 
 void eFileStreamBase::Close() {
     if (handle != -1 && Enabled(StreamMode::Write | StreamMode::Modified))
-        Flush();
+        RunHook(&eStream::Flush);
     ReleaseHandle();
     ReleaseBuffer();
 }
@@ -179,15 +179,13 @@ void eFileStreamBase::FillIfDataRemain() {
 }
 
 void eFileStreamBase::Fresh() {
-    if (Enabled(StreamMode::Modified))
-        Flush();
+    FlushIfModified();
     Detach();
     Fill();
 }
 
 void eFileStreamBase::Underflow() {
-    if (Enabled(StreamMode::Modified))
-        Flush();
+    FlushIfModified();
     Detach();
     eStream::Underflow();
     FillIfDataRemain();
@@ -195,8 +193,7 @@ void eFileStreamBase::Underflow() {
 
 // A stream that only writes is filled too where data lie ahead: a later flush writes whatever the position passes over.
 void eFileStreamBase::Overflow() {
-    if (Enabled(StreamMode::Modified))
-        Flush();
+    FlushIfModified();
     if (Enabled(StreamMode::Read)) {
         Underflow();
         return;

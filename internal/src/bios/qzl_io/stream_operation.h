@@ -10,6 +10,27 @@
 
 namespace IO {
 
+// While a hook runs, bufferEnd tells where the buffer ends wherever the position is. Else, and so while a handler has
+// the word within a hook, it is kept null where it has to be.
+class eHookRun {
+public:
+    explicit eHookRun(eStream& of, bool runs = true) noexcept : stream(of), before(of.hookRuns) { Set(runs); }
+    ~eHookRun() { Set(before); }
+
+    eHookRun(const eHookRun&) = delete;
+    eHookRun& operator=(const eHookRun&) = delete;
+
+private:
+    void Set(bool runs) noexcept {
+        const unsigned long long capacity = stream.Capacity();
+        stream.hookRuns = runs;
+        stream.SetCapacity(capacity);
+    }
+
+    eStream& stream;
+    const bool before;
+};
+
 // One operation of a stream under way. Until its end it keeps what the stream reports and what a hook throws, so that
 // whoever hears of either finds the operation complete. An operation that a hook begins hands its reports on to the one
 // that has called the hook.
@@ -30,7 +51,7 @@ public:
         const bool bad = stream->Enabled(StreamMode::Bad);
         wanted = room;
         try {
-            (stream->*hook)();
+            stream->RunHook(hook);
         } catch (...) {
             thrown = std::current_exception();
         }
