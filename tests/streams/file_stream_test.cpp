@@ -645,6 +645,7 @@ TEST(FileStream, AClosedStreamTouchesNothing) {
     eFile stream(folder.Write("file", "0123456789"), kReadWrite | Mode::Errors);
     stream.Seek(4, eSeekDir::Begin);
     stream.Close();
+    EXPECT_EQ(stream.Dump(), "FileStream '" + folder.Name("file") + "'(off:0, ptr:0, end:0, eos:0, buff:32768)");
     stream.Close();
     EXPECT_EQ(stream.GetInt32(), 0);
     stream << 1;

@@ -28,7 +28,8 @@ public:
     // cannot be opened, Failed is set; with Errors CreateHandleError reports it and, each time the report returns,
     // another attempt is made.
     void Open(int mode);
-    // Flushes if the stream writes, lets go of file and buffer. The flags stay, and so does what IsOpen() says.
+    // Flushes if the stream writes, lets go of file and buffer. The flags stay, and so does what IsOpen() says; offset
+    // and bufferSize stay too.
     void Close();
     // Reads the buffer again from the file; unflushed bytes are flushed first.
     void Fresh();

@@ -145,7 +145,9 @@ void eFileStreamBase::ReleaseBuffer() noexcept {
     if (bufferOwners.Sole())
         DeleteBlock(buffer);
     bufferOwners.Leave();
+    const unsigned long long size = bufferSize;
     UseBuffer(nullptr, 0, 0);
+    bufferSize = size;
 }
 
 void eFileStreamBase::Detach() {
