@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -34,6 +36,7 @@ struct eTruth {
     operator bool() const { return true; }
 };
 enum eNumber { One = 1 };
+enum class eClosed { One = 1 };
 
 using eManipulator = IO::eFileStream& (*)(IO::eFileStream&);
 using eManipulatorW = IO::eFileStreamW& (*)(IO::eFileStreamW&);
@@ -59,6 +62,8 @@ constexpr bool InsertsValuesAlone() {
     static_assert(InsertsNone<Stream, void*, const void*, int*, const unsigned char*, volatile int*, volatile char*,
                               const wchar_t*, char**, const char* const*, IO::eStream*, std::nullptr_t, int(&)[3],
                               unsigned char(&)[3], const wchar_t(&)[3], eConverting>());
+    static_assert(InsertsNone<Stream, signed char, std::int8_t, wchar_t, char8_t, char16_t, char32_t, eClosed,
+                              std::string_view, eStringsW, eFileNameW>());
     static_assert(InsertsNone<Stream, void (*)(), void (&)(), int (*)(int, int), int (*)(const char*, ...),
                               void (*)() noexcept, IO::eStream& (*)(IO::eStream&), eLambda>());
     static_assert(InsertsNone<Stream, int eMembers::*, int (eMembers::*)() const>());

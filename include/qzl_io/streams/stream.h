@@ -39,10 +39,15 @@ enum class eSeekDir : int {
     End = 2      // back from the end of the data
 };
 
-// What would be written as a bool by mistake: functions (manipulators of other classes among them) and all pointers but
-// those to characters.
+// Small characters and integers that would be written as an int by mistake: one byte is char or unsigned char.
 template <class T>
-concept eNotAValue = std::is_member_pointer_v<T> || requires(T value) {
+concept eWrittenTooWide = std::same_as<T, signed char> || std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
+    std::same_as<T, char16_t> || std::same_as<T, char32_t>;
+
+// And what would be written as a bool: functions (manipulators of other classes among them) and all pointers but those
+// to characters.
+template <class T>
+concept eNotAValue = eWrittenTooWide<T> || std::is_member_pointer_v<T> || requires(T value) {
     requires std::is_pointer_v<decltype(+value)> && !std::convertible_to<T, const char*>;
 };
 
@@ -115,7 +120,8 @@ public:
     eStream& Write(const void* source, unsigned long long n);
 
     // Moves the position, flushing first if the stream writes. A position beyond the data sets Bad and is reported as
-    // "Invalid seek location!"; the end of the data is a legal position.
+    // "Invalid seek location!"; the end of the data is a legal position. Positions are compared as signed numbers: one
+    // that is more than 2^63 beyond the data lies before the start, whichever way it was reached.
     eStream& Seek(unsigned long long position, eSeekDir dir);
     // To position 0.
     eStream& Reset();

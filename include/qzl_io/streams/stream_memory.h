@@ -11,6 +11,9 @@ namespace IO {
 // A stream over memory of its own, which grows as it is written. The buffer is the whole stream (offset is always 0),
 // so Buffer() and Size() give its content. Open from construction, with Write and Errors set.
 //
+// A seek beyond the data, which sets Bad, grows the buffer by one step at most, and the next move of the position makes
+// the place the end of the data. Size() may then exceed the room: Read and CopyTo stop where the bytes do.
+//
 // Copies address the same bytes until one of them grows, which then has bytes of its own; the last owner releases them.
 class QZL_IO_API eMemoryStream : public eStream {
 public:
