@@ -1,14 +1,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
 #include <qzl_io/streams.h>
 
+#include "hook_calls.h"
+#include "plain_stream.h"
 #include "probe.h"
 #include "support/long_tests.h"
 #include "support/reports.h"
@@ -25,178 +30,362 @@ unsigned long long Upto(eRandom& random, unsigned long long n) {
     return std::uniform_int_distribution<unsigned long long>(0, n)(random);
 }
 
-// What a stream is: bytes and a position. Operations stay within what streams define.
-class eModel {
+// An application's own stream, on the core alone: over content that it cuts, writes and reads as a file is.
+class eCoreStream : public IO::eStream {
 public:
-    void Write(const void* source, std::size_t n) {
-        if (bytes.size() < position + n)
-            bytes.resize(position + n);
-        std::copy_n(static_cast<const unsigned char*>(source), n, bytes.begin() + static_cast<long>(position));
-        position += n;
+    eCoreStream(std::string bytes, std::size_t capacity, unsigned short mode)
+        : content(std::move(bytes)), block(capacity) {
+        buffer = ptr = block.data();
+        bufferEnd = buffer + capacity;
+        bufferSize = capacity;
+        eos = buffer + content.size();
+        flags = mode;
+        Fill();
     }
-    std::string Read(std::size_t n) {
-        const std::size_t there = std::min(n, bytes.size() - position);
-        std::string read(bytes.begin() + static_cast<long>(position),
-                         bytes.begin() + static_cast<long>(position + there));
-        position += there;
-        return read;
-    }
-    std::size_t Remaining() const { return bytes.size() - position; }
 
-    std::vector<unsigned char> bytes;
-    std::size_t position = 0;
+    void Trunc() override {
+        eStream::Trunc();
+        content.resize(Position());
+    }
+    void Flush() override {
+        const long long held = std::min<long long>(Distance(buffer, ptr), static_cast<long long>(block.size()));
+        if (Enabled(Mode::Write) && held > 0 && !BeforeStart()) {
+            content.resize(std::max(content.size(), static_cast<std::size_t>(offset) + static_cast<std::size_t>(held)));
+            std::copy_n(block.begin(), held, content.begin() + static_cast<long long>(offset));
+        }
+        eStream::Flush();
+    }
+    void Underflow() override {
+        eStream::Underflow();
+        Fill();
+    }
+
+    const std::string& Stored() const { return content; }
+
+private:
+    void Fill() {
+        std::fill(block.begin(), block.end(), static_cast<unsigned char>(0));
+        if (offset < content.size())
+            content.copy(reinterpret_cast<char*>(block.data()), block.size(), static_cast<std::size_t>(offset));
+    }
+
+    std::string content;
+    std::vector<unsigned char> block;
 };
 
-// One random operation on the stream and on the model, with everything that it gives compared.
+// The protected state of any stream.
+class eInside : public IO::eStream {
+public:
+    static std::string DumpOf(const IO::eStream& stream) { return (stream.*&eInside::Dump)(); }
+    static unsigned short FlagsOf(const IO::eStream& stream) { return stream.*&eInside::flags; }
+    static unsigned long long BufferSizeOf(const IO::eStream& stream) { return stream.*&eInside::bufferSize; }
+};
+
+// A stream and its plain twin, operation by operation. After each one everything that can be seen is compared: state,
+// reports so far, calls of the hooks where the stream counts them, values; after a flush what has been stored. From a
+// place that is none in the data both come back. It ends where the plain steps have no bytes to go on with.
 class eComparison {
 public:
-    eComparison(IO::eStream& tested, eRandom& source, std::size_t largest)
-        : stream(tested), random(source), piece(largest) {}
+    eComparison(IO::eStream& tested, ePlainStream& twin, eRandom& source, std::size_t largest)
+        : stream(tested),
+          plain(twin),
+          random(source),
+          piece(largest),
+          memory(dynamic_cast<IO::eMemoryStream*>(&tested)),
+          file(dynamic_cast<IO::eFileStreamBase*>(&tested)) {}
+
+    const eHookCalls* calls = nullptr;   // of a stream that counts them
+    std::function<std::string()> stored; // what the stream has stored
+
+    void Run(int steps) {
+        for (int step = 0; step < steps && !testing::Test::HasFailure(); ++step) {
+            try {
+                Step();
+            } catch (const ePlainStream::eNoBytes&) {
+                return;
+            }
+            Compare();
+        }
+    }
+
+private:
+    struct eOperation {
+        const char* name;
+        bool writes;
+        void (eComparison::*run)();
+    };
+    static std::span<const eOperation> Operations();
 
     void Step() {
-        switch (Upto(random, 11)) {
-        case 0:
-            return WriteBulk();
-        case 1:
-            return WriteValue<unsigned char>();
-        case 2:
-            return WriteValue<long long>();
-        case 3:
-            return WriteText();
-        case 4:
-            return ReadBulk();
-        case 5:
-            return ReadValue<unsigned char>(&IO::eStream::GetUint8, &IO::eStream::Uint8);
-        case 6:
-            return ReadValue<unsigned int>(&IO::eStream::GetUint32, &IO::eStream::Uint32);
-        case 7:
-            return ReadValue<unsigned long long>(&IO::eStream::GetUint64, &IO::eStream::Uint64);
-        case 8:
-            return Move();
-        case 9:
-            return CopyOut();
-        case 10:
-            return ReadLine();
-        default:
-            return Cut();
-        }
+        if (plain.Astray())
+            return ComeBack();
+        const eOperation& operation = Operations()[Upto(random, Operations().size() - 1)];
+        if (operation.writes && !plain.Has(Mode::Write))
+            return;
+        trace += std::string(operation.name) + " ";
+        (this->*operation.run)();
+    }
+    void ComeBack() {
+        const unsigned long long to = Upto(random, std::min<unsigned long long>(plain.Size(), 1 << 20));
+        trace += "back ";
+        Note(to);
+        strayed = true;
+        plain.Seek(to, eSeekDir::Begin);
+        stream.Seek(to, eSeekDir::Begin);
+        plain.Disable(Mode::Bad);
+        stream.Disable(Mode::Bad);
     }
 
     void Compare() {
-        ASSERT_EQ(stream.Position(), model.position);
-        ASSERT_EQ(stream.Size(), model.bytes.size());
-        ASSERT_EQ(stream.Eos(), model.Remaining() == 0 || stream.Enabled(Mode::Bad));
-        ASSERT_TRUE(stream.Disabled(Mode::Bad));
+        ASSERT_EQ(stream.Position(), plain.Position()) << trace;
+        ASSERT_EQ(stream.Size(), plain.Size()) << trace;
+        ASSERT_EQ(stream.Eos(), plain.Eos()) << trace;
+        ASSERT_EQ(eInside::FlagsOf(stream), plain.Flags()) << trace;
+        ASSERT_EQ(eInside::DumpOf(stream), plain.Dump()) << trace;
+        const std::size_t count = plain.Reports().size();
+        ASSERT_EQ(reports.errors().size(), count) << trace;
+        for (; compared < count; ++compared)
+            ASSERT_EQ(reports.errors()[compared].message, plain.Reports()[compared]) << trace;
+        if (calls) {
+            ASSERT_EQ(*calls, plain.Calls()) << trace;
+        }
     }
+    void Note(unsigned long long n) { trace += std::to_string(n) + " -> " + plain.Dump() + "\n"; }
 
-    const eModel& Model() const { return model; }
-
-private:
-    std::string RandomBytes() {
-        std::string bytes(Upto(random, Upto(random, 4) == 0 ? piece : 20), ' ');
+    std::size_t Length() { return Upto(random, Upto(random, 4) == 0 ? piece : 20); }
+    std::string RandomBytes(std::size_t n) {
+        std::string bytes(n, ' ');
         for (char& byte : bytes)
-            byte = static_cast<char>(random());
+            byte = static_cast<char>(random() % 7 == 0 ? '\n' : random());
         return bytes;
     }
+    // Mostly within the data, else near their end, rarely before the start.
+    unsigned long long Place() {
+        const unsigned long long size = plain.Size();
+        if (Upto(random, 3) > 0)
+            return Upto(random, size);
+        const auto near = static_cast<long long>(size + Upto(random, 4)) - 2;
+        return near < 0 && Upto(random, 9) > 0 ? 0 : static_cast<unsigned long long>(near);
+    }
 
-    void WriteBulk() {
-        const std::string bytes = RandomBytes();
+    void ReadBytes() {
+        const std::size_t n = Length();
+        Note(n);
+        const std::string expected = plain.Read(n);
+        std::string read(n, '?');
+        stream.Read(read.data(), n);
+        read.resize(expected.size());
+        ASSERT_TRUE(read == expected) << trace;
+    }
+    void WriteBytes() {
+        const std::string bytes = RandomBytes(Length());
+        Note(bytes.size());
+        plain.Write(bytes);
         stream.Write(bytes.data(), bytes.size());
-        model.Write(bytes.data(), bytes.size());
     }
-
-    template <class V>
-    void WriteValue() {
-        const auto value = static_cast<V>(random() * 0x0001000100010003ull);
-        stream << value;
-        model.Write(&value, sizeof value);
-    }
-
-    void WriteText() {
-        const std::string text(Upto(random, 300), static_cast<char>('a' + Upto(random, 25)));
-        const std::size_t n = text.size();
-        const unsigned char prefix[4] = {n < 255 ? static_cast<unsigned char>(n) : static_cast<unsigned char>(255),
-                                         static_cast<unsigned char>(n), static_cast<unsigned char>(n >> 8), 0};
-        stream << text;
-        model.Write(prefix, n < 255 ? 1 : 4);
-        model.Write(text.data(), n);
-    }
-
-    void ReadBulk() {
-        const std::string expected = model.Read(Upto(random, model.Remaining()));
-        std::string read(expected.size(), '?');
-        stream.Read(read.data(), read.size());
-        ASSERT_TRUE(read == expected);
-    }
-
-    template <class V>
-    void ReadValue(V (IO::eStream::*get)(), V (IO::eStream::*peek)()) {
-        if (model.Remaining() < sizeof(V))
-            return;
-        V expected;
-        std::memcpy(&expected, model.Read(sizeof(V)).data(), sizeof(V));
-        ASSERT_EQ((stream.*peek)(), expected);
-        ASSERT_EQ((stream.*get)(), expected);
-    }
-
-    void Move() {
-        const unsigned long long to = Upto(random, model.bytes.size());
-        switch (Upto(random, 3)) {
-        case 0:
-            stream.Seek(to, eSeekDir::Begin);
-            break;
-        case 1:
-            stream.Seek(to - model.position, eSeekDir::Current);
-            break;
-        case 2:
-            stream.Seek(model.bytes.size() - to, eSeekDir::End);
-            break;
-        default:
-            stream.Skip(to - model.position);
-        }
-        model.position = to;
-    }
-
     void CopyOut() {
-        const unsigned long long n = Upto(random, model.Remaining() + 5);
-        const std::string expected = model.Read(n == 0 ? model.Remaining() : n);
+        const unsigned long long n = Upto(random, 1) * Length();
+        Note(n);
+        const std::string expected = plain.CopyTo(n);
         IO::eMemoryStream target(1);
         stream.CopyTo(target, n);
-        ASSERT_TRUE(Content(target) == expected);
+        ASSERT_TRUE(Content(target) == expected) << trace;
     }
 
-    void ReadLine() {
-        const auto delimiter = static_cast<char>(random());
-        std::string expected = model.Read(model.Remaining());
-        const std::size_t at = expected.find(delimiter);
-        model.position -= at == std::string::npos ? 0 : expected.size() - at - 1;
-        expected.resize(std::min(at, expected.size()));
-        ASSERT_TRUE(stream.GetLine(delimiter) == expected);
+    void SeekFromStart() {
+        const unsigned long long to = Place();
+        Note(to);
+        plain.Seek(to, eSeekDir::Begin);
+        stream.Seek(to, eSeekDir::Begin);
     }
-
-    void Cut() {
-        if (Upto(random, 20) != 0)
+    void SeekOn() {
+        const unsigned long long by = Place() - plain.Position();
+        Note(by);
+        plain.Seek(by, eSeekDir::Current);
+        stream.Seek(by, eSeekDir::Current);
+    }
+    void SeekFromEnd() {
+        const unsigned long long back = plain.Size() - Place();
+        Note(back);
+        plain.Seek(back, eSeekDir::End);
+        stream.Seek(back, eSeekDir::End);
+    }
+    void SkipOn() {
+        const unsigned long long by = Place() - plain.Position();
+        Note(by);
+        plain.Skip(by);
+        stream.Skip(by);
+    }
+    void Reset() {
+        Note(0);
+        plain.Seek(0, eSeekDir::Begin);
+        stream.Reset();
+    }
+    void Clear() {
+        if (Upto(random, 4) > 0)
             return;
+        Note(0);
+        plain.Clear();
+        stream.Clear();
+        CompareStored();
+    }
+
+    void CallTrunc() {
+        if (Upto(random, 4) > 0)
+            return;
+        Note(0);
+        plain.Trunc();
         stream.Trunc();
-        model.bytes.resize(model.position);
+        CompareStored();
+    }
+    void CallFlush() {
+        Note(0);
+        plain.Flush();
+        stream.Flush();
+        CompareStored();
+    }
+    void CallOverflow() {
+        if (memory && plain.Size() < Upto(random, 1000)) // which else would only grow
+            return;
+        Note(0);
+        plain.Overflow();
+        stream.Overflow();
+    }
+    void CallUnderflow() {
+        Note(0);
+        plain.Underflow();
+        stream.Underflow();
+    }
+    // What a file holds behind the data once its stream was astray is not said.
+    void CompareStored() {
+        std::string actual = stored(), expected = plain.Stored();
+        if (file && strayed) {
+            actual.resize(plain.Size());
+            expected.resize(plain.Size());
+        }
+        ASSERT_TRUE(actual == expected) << trace;
+    }
+
+    template <class V>
+    void PutValue() {
+        const auto value = static_cast<V>(random() * 0x0001000100010003ull);
+        Note(sizeof value);
+        plain.Place({reinterpret_cast<const char*>(&value), sizeof value});
+        stream << value;
+    }
+    void PutBytes() {
+        const auto value = static_cast<unsigned int>(random());
+        const auto n = 1 + Upto(random, 3);
+        Note(n);
+        plain.Place({reinterpret_cast<const char*>(&value), n});
+        stream.Bytes(static_cast<int>(n), value);
+    }
+    template <class V>
+    void GetValue() {
+        Note(sizeof(V));
+        const bool there = plain.Holds(sizeof(V));
+        const std::string expected = plain.Take(sizeof(V));
+        V value = 0;
+        stream >> value;
+        ASSERT_TRUE(!there || std::memcmp(&value, expected.data(), sizeof(V)) == 0) << trace;
+    }
+    void PeekValue() {
+        Note(8);
+        const bool there = plain.Holds(8);
+        const std::string expected = plain.Look(8);
+        const unsigned long long value = stream.Uint64();
+        ASSERT_TRUE(!there || std::memcmp(&value, expected.data(), 8) == 0) << trace;
+    }
+    void PutText() {
+        const std::string text(Upto(random, 3) == 0 ? Upto(random, 600) : Upto(random, 20), 'x');
+        Note(text.size());
+        plain.PutText(text);
+        stream << text;
+    }
+    void GetText() {
+        Note(0);
+        const bool there = plain.Holds(1);
+        const std::string expected = plain.GetText();
+        const std::string text = stream.GetString();
+        ASSERT_TRUE(!there || text == expected) << trace;
+    }
+    void GetLine() {
+        Note(0);
+        const std::string expected = plain.GetLine('\n');
+        ASSERT_EQ(stream.GetLine('\n'), expected) << trace;
+    }
+
+    // Of file streams alone.
+    void GetFileLine() {
+        if (!file)
+            return;
+        Note(0);
+        const std::string expected = static_cast<ePlainFile&>(plain).GetLine();
+        ASSERT_EQ(file->GetLine(), expected) << trace;
+    }
+
+    // Of memory streams alone.
+    void Resize() {
+        if (!memory)
+            return;
+        const unsigned long long size = Upto(random, 2 * plain.Size() + 20);
+        const bool extend = Upto(random, 1) == 1;
+        Note(size);
+        static_cast<ePlainMemory&>(plain).ResizeBuffer(size, extend);
+        memory->ResizeBuffer(size, extend);
+    }
+    void ShiftLeft() {
+        if (!memory)
+            return;
+        const unsigned long long n = Upto(random, plain.Size() + 1);
+        Note(n);
+        const bool expected = static_cast<ePlainMemory&>(plain).ShiftLeft(n);
+        ASSERT_EQ(memory->ShiftLeft(n), expected) << trace;
+        CompareStored();
     }
 
     IO::eStream& stream;
+    ePlainStream& plain;
     eRandom& random;
     std::size_t piece;
-    eModel model;
+    IO::eMemoryStream* memory; // null for others
+    IO::eFileStreamBase* file; // likewise
+    const eReports reports;
+    std::size_t compared = 0;
+    bool strayed = false;
+    std::string trace;
 };
 
-void RunSteps(IO::eStream& stream, eRandom& random, std::size_t piece, int steps, const eModel** model,
-              std::unique_ptr<eComparison>* comparison) {
-    *comparison = std::make_unique<eComparison>(stream, random, piece);
-    for (int step = 0; step < steps; ++step) {
-        (*comparison)->Step();
-        (*comparison)->Compare();
-        if (testing::Test::HasFatalFailure())
-            return;
-    }
-    *model = &(*comparison)->Model();
+std::span<const eComparison::eOperation> eComparison::Operations() {
+    static const eOperation operations[] = {
+        {"Read", false, &eComparison::ReadBytes},
+        {"Write", true, &eComparison::WriteBytes},
+        {"Write", true, &eComparison::WriteBytes},
+        {"CopyTo", false, &eComparison::CopyOut},
+        {"Seek", false, &eComparison::SeekFromStart},
+        {"Seek on", false, &eComparison::SeekOn},
+        {"Seek back", false, &eComparison::SeekFromEnd},
+        {"Skip", false, &eComparison::SkipOn},
+        {"Reset", false, &eComparison::Reset},
+        {"Clear", true, &eComparison::Clear},
+        {"Trunc", true, &eComparison::CallTrunc},
+        {"Flush", false, &eComparison::CallFlush},
+        {"Overflow", false, &eComparison::CallOverflow},
+        {"Underflow", false, &eComparison::CallUnderflow},
+        {"put 1 byte", true, &eComparison::PutValue<unsigned char>},
+        {"put 8 bytes", true, &eComparison::PutValue<long long>},
+        {"Bytes", true, &eComparison::PutBytes},
+        {"get 1 byte", false, &eComparison::GetValue<unsigned char>},
+        {"get 4 bytes", false, &eComparison::GetValue<unsigned int>},
+        {"look at 8 bytes", false, &eComparison::PeekValue},
+        {"put a text", true, &eComparison::PutText},
+        {"get a text", false, &eComparison::GetText},
+        {"GetLine", false, &eComparison::GetLine},
+        {"GetLine of a file", false, &eComparison::GetFileLine},
+        {"ResizeBuffer", true, &eComparison::Resize},
+        {"ShiftLeft", true, &eComparison::ShiftLeft},
+    };
+    return operations;
 }
 
 // Any call with any argument: nothing is compared, the sanitizers and the end of the buffer are the judges.
@@ -315,32 +504,72 @@ int Rounds(int usual) {
 }
 
 template <class Stream>
+const eHookCalls* CallsOf(const Stream& stream) {
+    if constexpr (requires { stream.calls; })
+        return &stream.calls;
+    else
+        return nullptr;
+}
+
+template <class Stream>
 void CompareMemoryStreams() {
-    for (int round = 0; round < Rounds(60); ++round) {
+    for (int round = 0; round < Rounds(300) && !testing::Test::HasFailure(); ++round) {
         eRandom random(static_cast<unsigned>(round));
-        Stream stream(1 + static_cast<unsigned long long>(round) % 9,
-                      round % 3 == 0 ? 8 + static_cast<unsigned>(round) % 50 : 0);
-        const eModel* model = nullptr;
-        std::unique_ptr<eComparison> comparison;
-        ASSERT_NO_FATAL_FAILURE(RunSteps(stream, random, 2000, 300, &model, &comparison)) << round;
-        ASSERT_TRUE(Content(stream) == std::string(model->bytes.begin(), model->bytes.end())) << round;
-        if constexpr (requires { stream.Offset(); }) {
-            ASSERT_EQ(stream.Offset(), 0u);
-        }
+        const unsigned long long size = 1 + static_cast<unsigned long long>(round) % 41;
+        const unsigned long long growBy = round % 3 == 0 ? 1 + static_cast<unsigned>(round) % 50 : 0;
+        Stream stream(size, growBy);
+        ePlainMemory plain(size, growBy);
+        eComparison comparison(stream, plain, random, 2000);
+        comparison.calls = CallsOf(stream);
+        comparison.stored = [&] {
+            return Content(stream).substr(0, std::min(stream.Size(), eInside::BufferSizeOf(stream)));
+        };
+        comparison.Run(100);
     }
 }
 
 template <class Stream>
-void CompareFileStreams(int mode, unsigned seed) {
+void CompareViews() {
+    for (int round = 0; round < Rounds(1000) && !testing::Test::HasFailure(); ++round) {
+        eRandom random(static_cast<unsigned>(round));
+        std::string bytes(1 + Upto(random, 40), 'v');
+        const unsigned long long used = Upto(random, bytes.size());
+        ePlainView plain(bytes, used);
+        Stream stream(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), used);
+        eComparison comparison(stream, plain, random, 60);
+        comparison.calls = CallsOf(stream);
+        comparison.stored = [&] { return bytes; };
+        comparison.Run(60);
+    }
+}
+
+unsigned short AnyMode(eRandom& random) {
+    constexpr unsigned short kModes[] = {0x001, 0x002, 0x003, 0x201, 0x202, 0x203, 0x206, 0x207};
+    return kModes[Upto(random, std::size(kModes) - 1)];
+}
+
+std::string RandomContent(eRandom& random, std::size_t n) {
+    std::string bytes(n, ' ');
+    for (char& byte : bytes)
+        byte = static_cast<char>(random() % 20 == 0 ? '\n' : random());
+    return bytes;
+}
+
+template <class Stream>
+void CompareFileStreams() {
     const eTempFolder folder;
-    for (int round = 0; round < Rounds(12); ++round) {
-        eRandom random(seed + static_cast<unsigned>(round));
-        Stream stream(folder.Name("file"), mode);
-        const eModel* model = nullptr;
-        std::unique_ptr<eComparison> comparison;
-        ASSERT_NO_FATAL_FAILURE(RunSteps(stream, random, 150000, 250, &model, &comparison)) << round;
-        stream.Flush();
-        ASSERT_TRUE(folder.Read("file") == std::string(model->bytes.begin(), model->bytes.end())) << round;
+    for (int round = 0; round < Rounds(60) && !testing::Test::HasFailure(); ++round) {
+        eRandom random(static_cast<unsigned>(round));
+        const unsigned short mode = AnyMode(random);
+        const std::string bytes = RandomContent(random, Upto(random, round % 2 == 0 ? 300 : 100000));
+        const std::string name = folder.Write("file", bytes);
+        Stream stream;
+        stream.Open(name, mode);
+        ePlainFile plain(name, bytes, mode);
+        eComparison comparison(stream, plain, random, round % 4 == 0 ? 150000 : 3000);
+        comparison.calls = CallsOf(stream);
+        comparison.stored = [&] { return folder.Read("file"); };
+        comparison.Run(100);
     }
 }
 
@@ -368,22 +597,38 @@ std::string CopiedBetweenFiles(int round) {
 
 } // namespace
 
-// The library's own classes have quicker ways than classes derived from them, whose hooks have to be called.
+// The library's own classes have quicker ways than classes derived from them, whose hooks are called as the plain steps
+// call them.
 
-TEST(RandomModel, MemoryStreamsOfAnySizeAndStep) {
-    CompareMemoryStreams<eMemory>();
+TEST(RandomModel, MemoryStreamsDoWhatThePlainStepsDo) {
     CompareMemoryStreams<IO::eMemoryStream>();
     CompareMemoryStreams<IO::eMemoryStream_t>();
+    CompareMemoryStreams<eCounted<IO::eMemoryStream>>();
 }
 
-TEST(RandomModel, FileStreamsForReadingAndWriting) {
-    CompareFileStreams<eFile>(Mode::Read | Mode::Write | Mode::Create, 0);
-    CompareFileStreams<IO::eFileStream>(Mode::Read | Mode::Write | Mode::Create, 500);
+TEST(RandomModel, BufferStreamsDoWhatThePlainStepsDo) {
+    CompareViews<IO::eBufferStream>();
+    CompareViews<eCounted<IO::eBufferStream>>();
 }
 
-TEST(RandomModel, FileStreamsForWritingAlone) {
-    CompareFileStreams<eFile>(Mode::Write | Mode::Create, 1000);
-    CompareFileStreams<IO::eFileStream>(Mode::Write | Mode::Create, 1500);
+TEST(RandomModel, FileStreamsInAnyModeDoWhatThePlainStepsDo) {
+    CompareFileStreams<IO::eFileStream>();
+    CompareFileStreams<eCounted<IO::eFileStream>>();
+}
+
+TEST(RandomModel, AnApplicationsStreamsHaveTheirHooksCalledAsThePlainStepsCallThem) {
+    for (int round = 0; round < Rounds(2000) && !HasFailure(); ++round) {
+        eRandom random(static_cast<unsigned>(round));
+        const unsigned short mode = round % 9 == 0 ? Mode::Errors : AnyMode(random);
+        const std::string bytes = RandomContent(random, Upto(random, 90));
+        const std::size_t capacity = 12 + Upto(random, 30);
+        eCounted<eCoreStream> stream(bytes, capacity, mode);
+        ePlainCore plain(bytes, capacity, mode);
+        eComparison comparison(stream, plain, random, 200);
+        comparison.calls = CallsOf(stream);
+        comparison.stored = [&] { return stream.Stored(); };
+        comparison.Run(60);
+    }
 }
 
 TEST(RandomModel, CopiesBetweenFileStreamsEndAsThoseOfDerivedOnesDo) {
