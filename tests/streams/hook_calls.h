@@ -1,49 +1,46 @@
 #pragma once
 
-#include <ostream>
+#include <string>
 
 #include <qzl_io/streams.h>
 
-// Calls of the hooks that a derived class may override.
-struct eHookCalls {
-    int truncs = 0;
-    int flushes = 0;
-    int overflows = 0;
-    int underflows = 0;
-    int skips = 0;
+// Calls of the hooks that a derived class may override, in order: the first letter of each, and the position where it
+// found the stream ("F12 O12 U12 ").
+class eHookCalls {
+public:
+    void Note(char hook, unsigned long long position) { text += hook + std::to_string(position) + " "; }
+    void Clear() { text.clear(); }
 
-    bool operator==(const eHookCalls&) const = default;
+    const std::string& Text() const { return text; }
+
+private:
+    std::string text;
 };
 
-inline std::ostream& operator<<(std::ostream& out, const eHookCalls& calls) {
-    return out << calls.truncs << " Trunc, " << calls.flushes << " Flush, " << calls.overflows << " Overflow, "
-               << calls.underflows << " Underflow, " << calls.skips << " Skip";
-}
-
-// A stream of the given class, its hooks counted.
+// A stream of the given class that notes the calls of its hooks.
 template <class Stream>
-class eCounted : public Stream {
+class eNoting : public Stream {
 public:
     using Stream::Stream;
 
     void Trunc() override {
-        ++calls.truncs;
+        calls.Note('T', this->Position());
         Stream::Trunc();
     }
     void Flush() override {
-        ++calls.flushes;
+        calls.Note('F', this->Position());
         Stream::Flush();
     }
     void Overflow() override {
-        ++calls.overflows;
+        calls.Note('O', this->Position());
         Stream::Overflow();
     }
     void Underflow() override {
-        ++calls.underflows;
+        calls.Note('U', this->Position());
         Stream::Underflow();
     }
     IO::eStream& Skip(unsigned long long n) override {
-        ++calls.skips;
+        calls.Note('S', this->Position());
         return Stream::Skip(n);
     }
 

@@ -37,7 +37,7 @@ public:
     }
     unsigned short Flags() const { return flags; }
     const std::vector<std::string>& Reports() const { return reports; }
-    const eHookCalls& Calls() const { return calls; }
+    eHookCalls& Calls() { return calls; }
     // What has been stored, as of the last Flush.
     virtual std::string Stored() const = 0;
 
@@ -46,23 +46,23 @@ public:
     // --- Hooks ---
 
     void Trunc() {
-        ++calls.truncs;
+        calls.Note('T', Position());
         RunTrunc();
     }
     void Flush() {
-        ++calls.flushes;
+        calls.Note('F', Position());
         RunFlush();
     }
     void Overflow() {
-        ++calls.overflows;
+        calls.Note('O', Position());
         RunOverflow();
     }
     void Underflow() {
-        ++calls.underflows;
+        calls.Note('U', Position());
         RunUnderflow();
     }
     void Skip(u64 n) {
-        ++calls.skips;
+        calls.Note('S', Position());
         FlushBeforeMove();
         ptr += static_cast<i64>(n);
         FinishMove();

@@ -82,7 +82,7 @@ public:
 };
 
 // A stream and its plain twin, operation by operation. After each one everything that can be seen is compared: state,
-// reports so far, calls of the hooks where the stream counts them, values; after a flush what has been stored. From a
+// reports so far, calls of the hooks where the stream notes them, values; after a flush what has been stored. From a
 // place that is none in the data both come back. It ends where the plain steps have no bytes to go on with.
 class eComparison {
 public:
@@ -94,7 +94,7 @@ public:
           memory(dynamic_cast<IO::eMemoryStream*>(&tested)),
           file(dynamic_cast<IO::eFileStreamBase*>(&tested)) {}
 
-    const eHookCalls* calls = nullptr;   // of a stream that counts them
+    eHookCalls* calls = nullptr;         // of a stream that notes them
     std::function<std::string()> stored; // what the stream has stored
 
     void Run(int steps) {
@@ -120,7 +120,7 @@ private:
         if (plain.Astray())
             return ComeBack();
         const eOperation& operation = Operations()[Upto(random, Operations().size() - 1)];
-        if (operation.writes && !plain.Has(Mode::Write))
+        if (file && operation.writes && !plain.Has(Mode::Write)) // the file would be shorter than the stream
             return;
         trace += std::string(operation.name) + " ";
         (this->*operation.run)();
@@ -147,8 +147,10 @@ private:
         for (; compared < count; ++compared)
             ASSERT_EQ(reports.errors()[compared].message, plain.Reports()[compared]) << trace;
         if (calls) {
-            ASSERT_EQ(*calls, plain.Calls()) << trace;
+            ASSERT_EQ(calls->Text(), plain.Calls().Text()) << trace;
+            calls->Clear();
         }
+        plain.Calls().Clear();
     }
     void Note(unsigned long long n) { trace += std::to_string(n) + " -> " + plain.Dump() + "\n"; }
 
@@ -373,17 +375,21 @@ std::span<const eComparison::eOperation> eComparison::Operations() {
         {"Overflow", false, &eComparison::CallOverflow},
         {"Underflow", false, &eComparison::CallUnderflow},
         {"put 1 byte", true, &eComparison::PutValue<unsigned char>},
+        {"put 2 bytes", true, &eComparison::PutValue<unsigned short>},
+        {"put 4 bytes", true, &eComparison::PutValue<int>},
         {"put 8 bytes", true, &eComparison::PutValue<long long>},
         {"Bytes", true, &eComparison::PutBytes},
         {"get 1 byte", false, &eComparison::GetValue<unsigned char>},
+        {"get 2 bytes", false, &eComparison::GetValue<short>},
         {"get 4 bytes", false, &eComparison::GetValue<unsigned int>},
+        {"get 8 bytes", false, &eComparison::GetValue<unsigned long long>},
         {"look at 8 bytes", false, &eComparison::PeekValue},
         {"put a text", true, &eComparison::PutText},
         {"get a text", false, &eComparison::GetText},
         {"GetLine", false, &eComparison::GetLine},
         {"GetLine of a file", false, &eComparison::GetFileLine},
-        {"ResizeBuffer", true, &eComparison::Resize},
-        {"ShiftLeft", true, &eComparison::ShiftLeft},
+        {"ResizeBuffer", false, &eComparison::Resize},
+        {"ShiftLeft", false, &eComparison::ShiftLeft},
     };
     return operations;
 }
@@ -504,7 +510,7 @@ int Rounds(int usual) {
 }
 
 template <class Stream>
-const eHookCalls* CallsOf(const Stream& stream) {
+eHookCalls* CallsOf(Stream& stream) {
     if constexpr (requires { stream.calls; })
         return &stream.calls;
     else
@@ -522,7 +528,8 @@ void CompareMemoryStreams() {
         eComparison comparison(stream, plain, random, 2000);
         comparison.calls = CallsOf(stream);
         comparison.stored = [&] {
-            return Content(stream).substr(0, std::min(stream.Size(), eInside::BufferSizeOf(stream)));
+            const unsigned long long held = std::min(stream.Size(), eInside::BufferSizeOf(stream));
+            return std::string(stream.Buffer(), stream.Buffer() + held);
         };
         comparison.Run(100);
     }
@@ -603,17 +610,17 @@ std::string CopiedBetweenFiles(int round) {
 TEST(RandomModel, MemoryStreamsDoWhatThePlainStepsDo) {
     CompareMemoryStreams<IO::eMemoryStream>();
     CompareMemoryStreams<IO::eMemoryStream_t>();
-    CompareMemoryStreams<eCounted<IO::eMemoryStream>>();
+    CompareMemoryStreams<eNoting<IO::eMemoryStream>>();
 }
 
 TEST(RandomModel, BufferStreamsDoWhatThePlainStepsDo) {
     CompareViews<IO::eBufferStream>();
-    CompareViews<eCounted<IO::eBufferStream>>();
+    CompareViews<eNoting<IO::eBufferStream>>();
 }
 
 TEST(RandomModel, FileStreamsInAnyModeDoWhatThePlainStepsDo) {
     CompareFileStreams<IO::eFileStream>();
-    CompareFileStreams<eCounted<IO::eFileStream>>();
+    CompareFileStreams<eNoting<IO::eFileStream>>();
 }
 
 TEST(RandomModel, AnApplicationsStreamsHaveTheirHooksCalledAsThePlainStepsCallThem) {
@@ -622,7 +629,7 @@ TEST(RandomModel, AnApplicationsStreamsHaveTheirHooksCalledAsThePlainStepsCallTh
         const unsigned short mode = round % 9 == 0 ? Mode::Errors : AnyMode(random);
         const std::string bytes = RandomContent(random, Upto(random, 90));
         const std::size_t capacity = 12 + Upto(random, 30);
-        eCounted<eCoreStream> stream(bytes, capacity, mode);
+        eNoting<eCoreStream> stream(bytes, capacity, mode);
         ePlainCore plain(bytes, capacity, mode);
         eComparison comparison(stream, plain, random, 200);
         comparison.calls = CallsOf(stream);
