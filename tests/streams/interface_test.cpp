@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +11,8 @@
 
 #include <qzl_io/file_name.h>
 #include <qzl_io/streams.h>
+
+#include "support/interface.h"
 
 // What callers compile against: signatures, what converts to what, and the order of virtual functions. Signatures are
 // held while this compiles; a function that is const or returns something else does not match.
@@ -30,12 +30,6 @@ using IO::eTextStream;
 namespace {
 
 using u64 = unsigned long long;
-
-// One of the functions of that name has the signature.
-template <class Signature>
-consteval bool Is(Signature) {
-    return true;
-}
 
 template <class Value, class Stream = eStream>
 inline constexpr bool kInserts = requires(Stream& stream, Value value) {
@@ -208,13 +202,6 @@ static_assert(Is<eStream& (*)(eStream&, eFileName&)>(&operator>>));
 
 // --- Virtual functions ---
 
-// The place of a virtual function in the table, as a pointer to it tells; -1 for any other function. The two entries of
-// a virtual destructor come first.
-template <class Function>
-std::ptrdiff_t Slot(Function function) {
-    const auto words = std::bit_cast<std::array<std::ptrdiff_t, 2>>(function);
-    return words[0] % 2 == 0 ? -1 : words[0] / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
 using eSlots = std::vector<std::ptrdiff_t>;
 
 template <class Stream>
