@@ -34,6 +34,8 @@ public:
             Entry(*memory)->~eSDLKeyword();
     }
 
+    eSDLKeyword& At(std::size_t place) const { return *Entry(*memories[place]); }
+
     eSDLKeyword* head = nullptr;
 
 private:
@@ -59,6 +61,13 @@ int FindOneByOne(const eSDLKeyword* table, const std::string& name) {
         if (Upper(table->name) == Upper(name))
             return table->id;
     return 0;
+}
+
+const char* FindOneByOne(const eSDLKeyword* table, int id) {
+    for (; table; table = table->next)
+        if (table->id == id)
+            return table->name;
+    return nullptr;
 }
 
 // Of any length up to 40, most of them alike but for a few characters or for letter case.
@@ -181,6 +190,69 @@ TEST(SdlKeyword, FindsInTablesOfAnySizeWhatASearchOneByOneFinds) {
                 ASSERT_EQ(start->Find(name.c_str()), FindOneByOne(start, name)) << name << " among " << id;
             }
         }
+    }
+}
+
+TEST(SdlKeyword, FindsFromAnyEntryWhatASearchOneByOneFinds) {
+    for (const int size : {1, 2, 17, 300}) {
+        std::mt19937 random(static_cast<unsigned>(size));
+        eTable table;
+        for (int made = 0; made < size;) {
+            for (int added = 1 + static_cast<int>(random() % 100); added > 0 && made < size; --added, ++made)
+                table.Add(RandomName(random), static_cast<int>(random() % 50) - 25);
+            for (int round = 0; round < 500; ++round) {
+                const eSDLKeyword& start = table.At(random() % static_cast<unsigned>(made));
+                const std::string name = RandomName(random);
+                const int id = static_cast<int>(random() % 60) - 30;
+                ASSERT_EQ(start.Find(name.c_str()), FindOneByOne(&start, name)) << name << " among " << made;
+                ASSERT_EQ(start.Find(id), FindOneByOne(&start, id)) << id << " among " << made;
+            }
+        }
+    }
+}
+
+TEST(SdlKeyword, FollowsNextWhereTablesHaveBeenJoinedOrCut) {
+    for (const bool searchedBefore : {false, true}) {
+        eTable common;
+        eTable own;
+        for (const char* name : {"x", "y", "z"})
+            common.Add(name, name[0]);
+        for (const char* name : {"a", "y", "b", "c"})
+            own.Add(name, name[0] + 100);
+        if (searchedBefore) {
+            EXPECT_EQ(common.head->Find("y"), 'y');
+        }
+        own.At(3).next = common.head; // a y b c x y z
+        own.Add("a", 'A');            // a y b c x y z a
+        for (const eSDLKeyword* start = own.head; start; start = start->next)
+            for (const char* name : {"a", "y", "b", "c", "x", "z", "A"}) {
+                const int id = FindOneByOne(start, std::string(name));
+                EXPECT_EQ(start->Find(name), id) << name << " from " << start->name;
+                EXPECT_EQ(start->Find(id), FindOneByOne(start, id)) << name << " from " << start->name;
+            }
+    }
+    eTable cut;
+    for (const char* name : {"a", "b", "c", "d"})
+        cut.Add(name, name[0]);
+    cut.At(1).next = nullptr;
+    EXPECT_EQ(cut.head->Find("c"), 0);
+    EXPECT_EQ(cut.At(2).Find("d"), 'd');
+    EXPECT_EQ(cut.At(2).Find("a"), 0);
+    EXPECT_STREQ(cut.At(2).Find('d'), "d");
+}
+
+TEST(SdlKeyword, TablesOfAnySizeAreBuiltAndSearchedInATimeThatDoesNotGrow) {
+    // Growing with the square, these would take minutes.
+    constexpr int size = 200'000;
+    eTable table;
+    for (int id = 1; id <= size; ++id)
+        table.Add("word" + std::to_string(id), id);
+    for (int id = 1; id <= size; ++id)
+        ASSERT_STREQ(table.head->Find(id), ("word" + std::to_string(id)).c_str());
+    for (std::size_t place = 0; place < size; ++place) {
+        ASSERT_EQ(table.At(place).Find("Word200000"), size);
+        ASSERT_STREQ(table.At(place).Find(size), "word200000");
+        ASSERT_EQ(table.At(place).Find("none"), 0);
     }
 }
 

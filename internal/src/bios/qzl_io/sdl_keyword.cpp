@@ -12,20 +12,15 @@ namespace xSDL {
 namespace {
 
 constexpr std::size_t kLeastCapacity = 64;
-constexpr std::size_t kRoomForEach = 4;
 
 // Makes and extends the indices of all tables, which happens once per table or so.
 std::mutex indexMutex;
 
-std::size_t NameLength(const eSDLKeyword& entry) {
-    return entry.name ? std::strlen(entry.name) : 0;
-}
-
-std::size_t CapacityFor(const eSDLKeyword* entry) {
+std::size_t CountFrom(const eSDLKeyword* entry) {
     std::size_t entries = 0;
     for (; entry; entry = entry->next)
         ++entries;
-    return std::max(kLeastCapacity, std::bit_ceil(entries * kRoomForEach));
+    return entries;
 }
 
 // Of names of more than eight characters; the last eight overlap those before.
@@ -44,33 +39,102 @@ bool SameName(const char* left, const char* right, std::size_t length) {
     return FoldCase(LoadLast8(left, length)) == FoldCase(LoadLast8(right, length));
 }
 
+bool Matches(const eSDLKeyword& entry, int id) {
+    return entry.id == id;
+}
+
+bool Matches(const eSDLKeyword& entry, const char* name, std::size_t length) {
+    const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
+    return entry.name && std::strlen(entry.name) == length &&
+           std::equal(name, name + length, entry.name, [&](char a, char b) { return folded(a) == folded(b); });
+}
+
 } // namespace
 
 eKeywordIndex::eKeywordIndex(const eSDLKeyword* first)
-    : mask(CapacityFor(first) - 1), slots(std::make_unique<eSlot[]>(mask + 1)), last(first) {
+    : table(first),
+      mask(std::max(kLeastCapacity, std::bit_ceil(CountFrom(first) * roomForEach)) - 1),
+      slots(std::make_unique<eSlot[]>(mask + 1)),
+      entries(std::make_unique_for_overwrite<const eSDLKeyword*[]>(Room())),
+      last(first) {
     Insert(first);
     Extend();
 }
 
 bool eKeywordIndex::Extend() {
     const eSDLKeyword* newest = last.load(std::memory_order_relaxed);
-    for (; newest->next && used <= mask / kRoomForEach; newest = newest->next)
+    for (; newest->next && count < Room(); newest = newest->next)
         Insert(newest->next);
     last.store(newest, std::memory_order_release);
     return !newest->next;
 }
 
 void eKeywordIndex::Insert(const eSDLKeyword* entry) {
+    inOrder = inOrder && entry->table == table && entry->place == count;
+    entries[count++] = entry;
+    if (entry->name)
+        InsertName(entry);
+    if (numbers)
+        InsertId(count);
+}
+
+void eKeywordIndex::InsertName(const eSDLKeyword* entry) {
     const char* const name = entry->name;
-    const std::size_t length = NameLength(*entry);
+    const std::size_t length = std::strlen(name);
     eSlot& slot = slots[PlaceOf(name, length)];
-    if (slot.entry)
+    if (slot.entry) {
+        Chain(slot.entry->place, count, &eFollowing::nextOfName, &eFollowing::lastOfName);
         return;
+    }
     slot.head = FoldCase(LoadUpTo8(name, length));
     slot.tail = length > 8 ? FoldCase(LoadLast8(name, length)) : 0;
     slot.length = length;
     slot.entry = entry;
-    ++used;
+}
+
+void eKeywordIndex::MakeNumbers() {
+    if (numbers)
+        return;
+    numbers = std::make_unique<eNumbered[]>(mask + 1);
+    for (std::size_t number = 1; number <= count; ++number)
+        InsertId(number);
+    hasNumbers.store(true, std::memory_order_release);
+}
+
+void eKeywordIndex::InsertId(std::size_t number) {
+    const eSDLKeyword* const entry = entries[number - 1];
+    eNumbered& slot = numbers[PlaceOf(entry->id)];
+    if (slot.entry)
+        Chain(slot.entry->place, number, &eFollowing::nextOfId, &eFollowing::lastOfId);
+    else
+        slot = {entry, entry->id};
+}
+
+// Adds an entry, by its number counted from 1, to those that the first one is followed by.
+void eKeywordIndex::Chain(std::size_t first, std::size_t added, eNext next, eNext lastOfChain) {
+    if (!inOrder)
+        return;
+    if (following.empty())
+        following.resize(Room());
+    unsigned& tail = following[first].*lastOfChain;
+    following[tail != 0 ? tail - 1 : first].*next = static_cast<unsigned>(added);
+    tail = static_cast<unsigned>(added);
+}
+
+const eSDLKeyword* eKeywordIndex::From(const eSDLKeyword& entry, const eSDLKeyword* first, eNext next) const {
+    while (first && first->place < entry.place) {
+        const unsigned number = following.empty() ? 0 : following[first->place].*next;
+        first = number != 0 ? entries[number - 1] : nullptr;
+    }
+    return first;
+}
+
+const eSDLKeyword* eKeywordIndex::FindFrom(const eSDLKeyword& entry, const char* name, std::size_t length) const {
+    return From(entry, Find(name, length), &eFollowing::nextOfName);
+}
+
+const eSDLKeyword* eKeywordIndex::FindFrom(const eSDLKeyword& entry, int id) const {
+    return From(entry, Find(id), &eFollowing::nextOfId);
 }
 
 std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) const {
@@ -84,26 +148,54 @@ std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) con
 // Never inlined: a compiler that sees the whole program would take `next`, which only static storage sets, for
 // undefined.
 [[gnu::noinline]] eSDLKeyword::eSDLKeyword(eSDLKeyword*& head, const char* keywordName, int keywordId)
-    : name(keywordName), id(keywordId), index(nullptr) {
-    eSDLKeyword** end = &head;
-    while (*end)
-        end = &(*end)->next;
-    *end = this;
+    : name(keywordName), id(keywordId), table(head ? head->table : this), place(0), last(this), index(nullptr) {
+    if (!head) {
+        head = this;
+        return;
+    }
+    eSDLKeyword* end = table->last;
+    while (end->next)
+        end = end->next;
+    end->next = this;
+    place = end->place + 1;
+    table->last = this;
 }
 
 eSDLKeyword::~eSDLKeyword() {
     delete index.exchange(nullptr);
 }
 
-const xSDL::eKeywordIndex& eSDLKeyword::RefreshIndex() const {
+const xSDL::eKeywordIndex& eSDLKeyword::Index(bool withNumbers) const {
+    const xSDL::eKeywordIndex* const current = index.load(std::memory_order_acquire);
+    const bool ready = current && !current->Outdated() && (!withNumbers || current->HasNumbers());
+    return ready ? *current : RefreshIndex(withNumbers);
+}
+
+const xSDL::eKeywordIndex& eSDLKeyword::RefreshIndex(bool withNumbers) const {
     std::lock_guard lock(xSDL::indexMutex);
     xSDL::eKeywordIndex* current = index.load(std::memory_order_relaxed);
-    if (current && current->Extend())
-        return *current;
-    auto larger = std::make_unique<xSDL::eKeywordIndex>(this);
-    larger->Replace(current);
-    index.store(larger.get(), std::memory_order_release);
-    return *larger.release();
+    if (!current || !current->Extend()) {
+        auto larger = std::make_unique<xSDL::eKeywordIndex>(this);
+        larger->Replace(current);
+        current = larger.release();
+        index.store(current, std::memory_order_release);
+    }
+    if (withNumbers)
+        current->MakeNumbers();
+    return *current;
+}
+
+// From an entry that may stand anywhere in its table, and that may have been put into another list.
+template <class... eSought>
+const eSDLKeyword* eSDLKeyword::FindFrom(const eSDLKeyword* entry, eSought... sought) {
+    const xSDL::eKeywordIndex& index = entry->table->Index(sizeof...(sought) == 1);
+    if (entry == entry->table)
+        return index.Find(sought...);
+    if (index.Knows(*entry))
+        return index.FindFrom(*entry, sought...);
+    while (entry && !xSDL::Matches(*entry, sought...))
+        entry = entry->next;
+    return entry;
 }
 
 int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name) {
@@ -113,16 +205,17 @@ int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name) {
 int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name, std::size_t length) {
     if (!table)
         return 0;
-    const xSDL::eKeywordIndex* index = table->index.load(std::memory_order_acquire);
-    if (!index || index->Outdated())
-        index = &table->RefreshIndex();
-    const eSDLKeyword* entry = index->Find(name, length);
+    const xSDL::eKeywordIndex* const index = table->index.load(std::memory_order_acquire);
+    const eSDLKeyword* const entry =
+        index && !index->Outdated() ? index->Find(name, length) : FindFrom(table, name, length);
     return entry ? entry->id : 0;
 }
 
 const char* eSDLKeyword::FindIn(const eSDLKeyword* table, int id) {
-    for (const eSDLKeyword* entry = table; entry; entry = entry->next)
-        if (entry->id == id)
-            return entry->name;
-    return nullptr;
+    if (!table)
+        return nullptr;
+    const xSDL::eKeywordIndex* const index = table->index.load(std::memory_order_acquire);
+    const eSDLKeyword* const entry =
+        index && !index->Outdated() && index->HasNumbers() ? index->Find(id) : FindFrom(table, id);
+    return entry ? entry->name : nullptr;
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include <qzl_io/sdl/keyword.h>
 
@@ -33,10 +34,11 @@ inline std::uint64_t LoadLast8(const char* name, std::size_t length) {
     return Load8(name + length - 8);
 }
 
-// Finds the first entry of a table with a given name.
+// Finds the first entry of a table, or from one of its entries on, with a given name or identity.
 //
-// An open-addressed hash, at most a quarter full, which compares names of up to 16 characters in their slots: most
-// searches, also those in vain, touch one slot, in large tables as in small ones. Searching takes no lock: names are
+// Open-addressed hashes, at most a quarter full. That of the names compares names of up to 16 characters in its slots:
+// most searches, also those in vain, touch one slot, in large tables as in small ones. Entries of one name, or of one
+// identity, are chained, so that a search from any of them finds the next one. Searching takes no lock: entries are
 // taken in before the last of them is published, and an index that has become too small stays alive behind the larger
 // one that replaces it.
 class eKeywordIndex {
@@ -48,6 +50,18 @@ public:
     bool Outdated() const { return last.load(std::memory_order_acquire)->next != nullptr; }
 
     const eSDLKeyword* Find(const char* name, std::size_t length) const { return slots[PlaceOf(name, length)].entry; }
+    // Only where HasNumbers; that table is made when it is first asked for.
+    const eSDLKeyword* Find(int id) const { return numbers[PlaceOf(id)].entry; }
+    bool HasNumbers() const { return hasNumbers.load(std::memory_order_acquire); }
+    // One thread at a time.
+    void MakeNumbers();
+
+    // Is the entry where it was put when it was made, and are all others? Then a search may begin there.
+    bool Knows(const eSDLKeyword& entry) const {
+        return inOrder && entry.place < count && entries[entry.place] == &entry;
+    }
+    const eSDLKeyword* FindFrom(const eSDLKeyword& entry, const char* name, std::size_t length) const;
+    const eSDLKeyword* FindFrom(const eSDLKeyword& entry, int id) const;
 
     // Takes in the entries behind the last one, as many as there is room for. True when that was all. One thread at a
     // time.
@@ -57,7 +71,8 @@ public:
     void Replace(eKeywordIndex* smaller) { replaced.reset(smaller); }
 
 private:
-    static constexpr std::size_t kCompared = 16; // as many characters are compared in a slot
+    static constexpr std::size_t roomForEach = 4; // slots
+    static constexpr std::size_t kCompared = 16;  // as many characters are compared in a slot
 
     struct eSlot {
         std::uint64_t head = 0; // the name's first eight characters and, when it has more, its last eight
@@ -65,6 +80,31 @@ private:
         std::size_t length = 0;
         const eSDLKeyword* entry = nullptr; // none: the slot is free
     };
+
+    struct eNumbered {
+        const eSDLKeyword* entry = nullptr; // none: the slot is free
+        int id = 0;
+    };
+
+    // The next entries of the same name and identity, counted from 1; 0 for none. Those of a first one know the last.
+    struct eFollowing {
+        unsigned nextOfName = 0;
+        unsigned lastOfName = 0;
+        unsigned nextOfId = 0;
+        unsigned lastOfId = 0;
+    };
+
+    using eNext = unsigned eFollowing::*;
+
+    std::size_t Room() const { return (mask + 1) / roomForEach; }
+
+    std::size_t PlaceOf(int id) const {
+        constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
+        std::size_t at = (static_cast<std::uint64_t>(static_cast<unsigned>(id)) * kFactor >> 32) & mask;
+        while (numbers[at].entry && numbers[at].id != id)
+            at = (at + 1) & mask;
+        return at;
+    }
 
     // The slot of a name or, when the index does not hold it, the free one where it belongs.
     std::size_t PlaceOf(const char* name, std::size_t length) const {
@@ -93,10 +133,20 @@ private:
     }
 
     void Insert(const eSDLKeyword* entry);
+    void InsertName(const eSDLKeyword* entry);
+    void InsertId(std::size_t number);
+    void Chain(std::size_t first, std::size_t added, eNext next, eNext lastOfChain);
+    const eSDLKeyword* From(const eSDLKeyword& entry, const eSDLKeyword* first, eNext next) const;
 
+    const eSDLKeyword* table;
     std::size_t mask;
-    std::size_t used = 0;
     std::unique_ptr<eSlot[]> slots;
+    std::unique_ptr<eNumbered[]> numbers;
+    std::atomic<bool> hasNumbers = false;
+    std::unique_ptr<const eSDLKeyword*[]> entries; // in their order
+    std::size_t count = 0;
+    std::vector<eFollowing> following; // of each entry; empty until one has another of its name or identity behind it
+    bool inOrder = true;               // all entries were made for this table and stand where they were put
     std::atomic<const eSDLKeyword*> last;
     std::unique_ptr<eKeywordIndex> replaced; // searches that began in it may still be at work
 };
