@@ -1,8 +1,12 @@
 #include <qzl_io/sdl/ids.h>
 
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include <gmock/gmock.h>
+
+#include "slot.h"
 
 using testing::ElementsAre;
 
@@ -81,6 +85,57 @@ TEST(Ids, CopyToAndAssignReplaceTheOtherSide) {
     EXPECT_THAT(assigned, ElementsAre(1, 2));
     assigned.Assign(assigned);
     EXPECT_THAT(assigned, ElementsAre(1, 2));
+}
+
+// Notes the operations that are asked of it.
+class eNotingIds : public eIds {
+public:
+    using eIds::eIds;
+
+    bool Add(int id) override { return Note("Add 1"), eIds::Add(id); }
+    bool Add(const eIds& other) override { return Note("Add n"), eIds::Add(other); }
+    void Remove(const eIds& other) override { Note("Remove n"), eIds::Remove(other); }
+    bool Remove(int id) override { return Note("Remove 1"), eIds::Remove(id); }
+    bool Has(int id) const override { return Note("Has"), eIds::Has(id); }
+    void CopyTo(eIds& other) const override { Note("CopyTo"), eIds::CopyTo(other); }
+    void Assign(const eIds& other) override { Note("Assign"), eIds::Assign(other); }
+    bool HasAny(const eIds& other) const override { return Note("HasAny"), eIds::HasAny(other); }
+
+    mutable std::vector<std::string> noted;
+
+private:
+    void Note(const char* operation) const { noted.push_back(operation); }
+};
+
+TEST(Ids, EachOperationCanBeRedefinedAndIsHeardThroughTheBase) {
+    eNotingIds noting;
+    eIds& ids = noting;
+    eIds copy;
+    const eIds two = Ids({1, 2});
+    EXPECT_TRUE(ids.Add(3));
+    EXPECT_TRUE(ids.Add(two));
+    EXPECT_TRUE(ids.Remove(3));
+    ids.Remove(two);
+    ids.Assign(two);
+    ids.CopyTo(copy);
+    EXPECT_THAT(copy, ElementsAre(1, 2));
+    EXPECT_TRUE(ids.HasAny(two));
+    EXPECT_THAT(noting.noted, ElementsAre("Add 1", "Has", "Add n", "HasAny", "Has", "Has", "Remove 1", "Remove n",
+                                          "Remove 1", "Remove 1", "Assign", "CopyTo", "HasAny", "Has"));
+}
+
+TEST(Ids, OperationsStandInTheirSlots) {
+    const std::ptrdiff_t slots[] = {
+        SlotOf(static_cast<bool (eIds::*)(int)>(&eIds::Add)),
+        SlotOf(static_cast<bool (eIds::*)(const eIds&)>(&eIds::Add)),
+        SlotOf(static_cast<void (eIds::*)(const eIds&)>(&eIds::Remove)),
+        SlotOf(static_cast<bool (eIds::*)(int)>(&eIds::Remove)),
+        SlotOf(&eIds::Has),
+        SlotOf(&eIds::CopyTo),
+        SlotOf(&eIds::Assign),
+        SlotOf(&eIds::HasAny),
+    };
+    EXPECT_THAT(slots, ElementsAre(2, 3, 4, 5, 6, 7, 8, 9));
 }
 
 TEST(Ids, SetOperationsGoThroughARedefinedHas) {

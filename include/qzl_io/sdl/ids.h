@@ -3,11 +3,27 @@
 #include <algorithm>
 #include <vector>
 
-// A list of ids that is also handled as a set. The single-id operations are virtual, and the operations on whole
-// lists go through them, so a subclass that redefines what "present" means is heard everywhere.
+class eIds;
+template <class T>
+class eIdsGeneric;
+
+// What the operations of eIdsGeneric<T> on whole lists take.
+template <class T>
+struct eIdsOf {
+    using type = eIdsGeneric<T>;
+};
+template <>
+struct eIdsOf<int> {
+    using type = eIds;
+};
+
+// A list of ids that is also handled as a set. All operations are virtual, and those on whole lists go through those
+// on single ids, so a subclass that redefines what "present" means is heard everywhere.
 template <class T>
 class eIdsGeneric : public std::vector<T> {
 public:
+    using eList = typename eIdsOf<T>::type;
+
     using std::vector<T>::vector;
     eIdsGeneric() = default;
     eIdsGeneric(const eIdsGeneric&) = default;
@@ -25,7 +41,7 @@ public:
     }
 
     // Appends all of `other` in order; false, and nothing changes, when any of it is present already.
-    virtual bool Add(const eIdsGeneric& other) {
+    virtual bool Add(const eList& other) {
         if (HasAny(other)) {
             return false;
         }
@@ -35,7 +51,7 @@ public:
     }
 
     // Removes each of `other` once; what is not present is passed over.
-    virtual void Remove(const eIdsGeneric& other) {
+    virtual void Remove(const eList& other) {
         const std::vector<T> removed(other);
         for (const T& id : removed) {
             Remove(id);
@@ -55,18 +71,15 @@ public:
     virtual bool Has(T id) const { return std::find(this->begin(), this->end(), id) != this->end(); }
 
     // Replaces the ids of `other` by these.
-    virtual void CopyTo(eIdsGeneric& other) const { other.AssignFrom(*this); }
+    virtual void CopyTo(eList& other) const { other.std::template vector<T>::operator=(*this); }
 
     // Replaces these ids by those of `other`.
-    virtual void Assign(const eIdsGeneric& other) { AssignFrom(other); }
+    virtual void Assign(const eList& other) { std::vector<T>::operator=(other); }
 
     // True when at least one of `other` is present.
-    virtual bool HasAny(const eIdsGeneric& other) const {
+    virtual bool HasAny(const eList& other) const {
         return std::any_of(other.begin(), other.end(), [this](const T& id) { return Has(id); });
     }
-
-private:
-    void AssignFrom(const std::vector<T>& ids) { std::vector<T>::operator=(ids); }
 };
 
 class eIds : public eIdsGeneric<int> {
