@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <qzl_base/convert.h>
 #include <qzl_io/streams.h>
 
 #include "sdl_number.h"
@@ -394,6 +395,62 @@ TEST(SdlParser, AnalysesTheTokenJustCutOnceMore) {
     parser.Get();
     parser.AnalyseToken();
     EXPECT_EQ(Dump(parser.Token()), "3[color]");
+}
+
+TEST(SdlParser, AnalysesTheTokenAsItStands) {
+    class eAnalysing : public eSDLParser {
+    public:
+        using eSDLParser::eSDLParser;
+
+        std::string Analysed(eSDLParserLexType type, const std::string& changed) {
+            Token().type = type;
+            Token().text = changed;
+            Token().intValue = 77;
+            Token().floatValue = 77;
+            AnalyseToken();
+            const eSDLParserToken& token = StateCurrent().token;
+            return std::to_string(token.type) + "[" + token.text + "] " + std::to_string(token.intValue) + " " +
+                   ToString(token.floatValue);
+        }
+    };
+    const struct {
+        eSDLParserLexType type;
+        const char* text;
+        const char* expected;
+    } rows[] = {
+        {sdlIdent, "COLOR", "2[COLOR] 5 77"},
+        {sdlIdent, "colour", "1[colour] 77 77"},
+        {sdlIdent, "a color that is long", "1[a color that is long] 77 77"},
+        {sdlBlockStart, "#mark", "4[mark] 77 77"},
+        {sdlBlockStart, "##mark of more than fifteen", "4[#mark of more than fifteen] 77 77"},
+        {sdlBlockStart, "", "4[] 77 77"},
+        {sdlInt, "-12", "11[-12] -12 -12"},
+        {sdlInt, "0x10", "11[0x10] 16 16"},
+        {sdlInt, "99999999999", "11[99999999999] 2147483647 21474836e2"},
+        {sdlFloat, "1.5", "10[1.5] 1 1.5"},
+        {sdlFloat, "-3e9", "10[-3e9] -2147483648 -3e9"},
+        {sdlFloat, "3e9", "10[3e9] -2147483648 3e9"},
+        {sdlHex, "0x1F", "11[31] 31 31"},
+        {sdlHex, "0xffffffff", "11[-1] -1 -1"},
+        {sdlString, "color\\n", "3[color\\n] 77 77"},
+        {sdlKeyword, "color", "2[color] 77 77"},
+        {sdlOperator, "+", "13[+] 77 77"},
+        {sdlNone, "5", "0[5] 77 77"},
+    };
+    const std::vector<eSDLKeyword*> tables{words};
+    for (const char* source : {"", "word", "0x7F", "\"text of more than fifteen characters\"", "{#mark", "12"})
+        for (const auto& row : rows) {
+            const std::string text = source + std::string(" next");
+            IO::eBufferStream stream(text);
+            eAnalysing parser("", stream, tables, {}, nullptr);
+            parser.Get();
+            EXPECT_EQ(parser.Analysed(row.type, row.text), row.expected) << source;
+            EXPECT_EQ(parser.Analysed(row.type, row.text), row.expected) << source;
+            const std::string analysed = parser.Token().text;
+            parser.Get();
+            parser.Back();
+            EXPECT_EQ(parser.Token().text, analysed);
+        }
 }
 
 TEST(SdlParser, StartsWithAnEmptyTokenInLineOne) {

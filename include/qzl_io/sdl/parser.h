@@ -73,14 +73,15 @@ struct eDefine {
 // end of the line.
 class QZL_IO_API eSDLParser : public xDebug::eStackEntry {
 public:
-    // Reads everything from the stream's position to its end, through the cipher if there is one, and replaces each
+    // Reads everything from the stream's position to its end, through the cipher if there is one, passes over a UTF-8
+    // byte-order mark at its beginning (a second one is a character that no token begins with) and replaces each
     // %key by its value, key by key in ascending order. A stream that is Bad then is reported as "%1% - read error!"
     // with the name ("Stream" without one), and the constructor throws if the report returns. The name is the one that
     // diagnostic texts show; a parser with a name is a file's. The list of keyword tables is only referred to and must
     // outlive the parser's use; its last element, which may be null, is the table in force.
     eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher);
-    // Over a copy of the define's text, named "define 'NAME'".
+    // Over a copy of the define's text as it is, named "define 'NAME'".
     eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters);
     // At the same place of a text of its own.
@@ -130,7 +131,8 @@ public:
     const char* Cptr() const { return current.position; }
 
 protected:
-    // Gives the token just cut its final type, text and values: keywords are looked up and numbers converted.
+    // Gives the current token, as its type and text stand, its final type, text and values: a keyword is looked up, a
+    // block start loses its first character, a number is converted, a hexadecimal one becomes an integer.
     void AnalyseToken();
 
     // Replaces %key by its value in the text, for each pair in the order of the keys, and starts over at the text's
@@ -172,6 +174,8 @@ private:
     void RememberText();
     void ForgetPrevious();
     void Analyse(const xSDL::eLexeme& lexeme);
+    void AnalyseWord(std::string_view word);
+    void AnalyseHex(std::string_view digits);
     void ReadText(const eSDLReader* reader, IO::eStream& stream, std::size_t size);
     void DecodeText(const eSDLReader* reader, IO::eStream& stream, std::size_t size, eSDLCipher& cipher);
     void CheckRead(const eSDLReader* reader, const IO::eStream& stream);
@@ -202,6 +206,7 @@ private:
     eTokenText previousText;
     mutable std::string room;     // for the text of a token, when that needs more or less than it has
     mutable bool watched = false; // somebody may hold a reference to the current token, and may change it
+    std::size_t passed = 0;       // bytes of the byte-order mark before the text
     std::string failure;          // what went wrong with the source's file, as one sentence
     bool escaped = false;         // the token just cut is a string that holds a backslash
 };

@@ -24,6 +24,8 @@ enum eCheck : int { kReadError = 120, kOpenRequired = 301, kCloseRequired = 306 
 // The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
 constexpr std::size_t kPiece = 64 * 1024;
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 constexpr int kContextLines = 5;
 constexpr char kContextMark = '\xAB';
 
@@ -64,6 +66,8 @@ eSDLParser::eSDLParser(const eSDLReader* reader, const std::string& parserName, 
         DecodeText(reader, stream, size, *cipher);
     else
         ReadText(reader, stream, size);
+    if (text.starts_with(kByteOrderMark))
+        passed = kByteOrderMark.size();
     Rewind();
     ProcessParams(parameters);
 }
@@ -97,6 +101,7 @@ eSDLParser::eSDLParser(const eSDLParser& other)
       currentText(other.currentText),
       previousText(other.previousText),
       watched(other.watched),
+      passed(other.passed),
       failure(other.failure),
       escaped(other.escaped) {
     const auto moved = [&](const char* at) { return at ? text.data() + (at - other.text.data()) : nullptr; };
@@ -150,8 +155,8 @@ void eSDLParser::ProcessParams(const std::map<eStringKey, eStringKey>& parameter
 
 void eSDLParser::Rewind() {
     current = {};
-    current.position = text.data();
-    currentText = {{text.data(), 0}, eTokenText::Source};
+    current.position = text.data() + passed;
+    currentText = {{current.position, 0}, eTokenText::Source};
     previous = {};
     previousText = {};
 }
@@ -219,12 +224,45 @@ void eSDLParser::RememberText() {
     previousText.home = eTokenText::Own;
 }
 
+// The same for a token as its members have it.
 void eSDLParser::AnalyseToken() {
-    xSDL::eLexeme lexeme;
-    lexeme.type = current.token.type;
-    lexeme.begin = currentText.source.data();
-    lexeme.length = currentText.source.size();
-    Analyse(lexeme);
+    eSDLParserToken& token = current.token;
+    std::string& itsText = OwnText();
+    switch (token.type) {
+    case sdlIdent:
+        AnalyseWord(itsText);
+        break;
+    case sdlBlockStart:
+        itsText.erase(0, 1);
+        break;
+    case sdlInt:
+        SetInt(xSDL::TextToInt(itsText));
+        break;
+    case sdlFloat:
+        token.floatValue = xSDL::TextToFloat(itsText);
+        token.intValue = xSDL::TruncateToInt(token.floatValue);
+        break;
+    case sdlHex:
+        AnalyseHex(itsText);
+        break;
+    default:
+        break;
+    }
+}
+
+void eSDLParser::AnalyseWord(std::string_view word) {
+    const int id = keywords->empty() ? 0 : eSDLKeyword::FindIn(keywords->back(), word.data(), word.size());
+    if (id == 0)
+        return;
+    current.token.type = sdlKeyword;
+    current.token.intValue = id;
+}
+
+void eSDLParser::AnalyseHex(std::string_view digits) {
+    current.token.type = sdlInt;
+    SetInt(xSDL::TextToInt(digits));
+    current.token.text = ToString(current.token.intValue, false);
+    currentText.home = eTokenText::Own;
 }
 
 [[gnu::always_inline]] inline void eSDLParser::Analyse(const xSDL::eLexeme& lexeme) {
@@ -232,11 +270,7 @@ void eSDLParser::AnalyseToken() {
     const std::string_view source(lexeme.begin, lexeme.length);
     switch (lexeme.type) {
     case sdlIdent:
-        if (!keywords->empty())
-            if (const int id = eSDLKeyword::FindIn(keywords->back(), source.data(), source.size())) {
-                token.type = sdlKeyword;
-                token.intValue = id;
-            }
+        AnalyseWord(source);
         break;
     case sdlBlockStart:
         if (!source.empty())
@@ -252,10 +286,7 @@ void eSDLParser::AnalyseToken() {
         token.intValue = xSDL::TruncateToInt(token.floatValue);
         break;
     case sdlHex:
-        token.type = sdlInt;
-        SetInt(xSDL::TextToInt(source));
-        token.text = ToString(token.intValue, false);
-        currentText.home = eTokenText::Own;
+        AnalyseHex(source);
         break;
     case sdlError:
     case sdlNone:
@@ -368,11 +399,12 @@ std::string eSDLParser::Listing(std::size_t around) const {
     const char* const position = current.position;
     if (!position)
         return {};
-    const char* const first = position - std::min(static_cast<std::size_t>(position - text.data()), around);
+    const char* const begin = text.data() + passed;
+    const char* const first = position - std::min(static_cast<std::size_t>(position - begin), around);
     const char* at = position;
     while (at > first && at[-1] != '\n')
         --at;
-    const bool cut = at > text.data() && at[-1] != '\n';
+    const bool cut = at > begin && at[-1] != '\n';
     std::string listing;
     for (int line = 0; line < kContextLines && *at; ++line) {
         listing += ToString(current.line + line, false) + (cut && line == 0 ? ": ..." : ": ");
