@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <windows.h>
 
@@ -422,6 +423,48 @@ TEST_F(Unnumbered, LargeNumbersTellFoldersApartWhereThereAreSuch) {
     MakeFile("root/sub/file");
     Copy("root", "root/new");
     EXPECT_EQ((eNames{"new/", "new/sub/", "new/sub/file", "sub/", "sub/file"}), Tree("root"));
+}
+
+// --- What is asked of the system, and what is not ---
+
+std::vector<std::wstring> theFolders;
+
+decltype(&::CreateDirectoryW) systemsMakeFolder;
+BOOL WINAPI MakeFolderNoted(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
+    theFolders.push_back(name);
+    return systemsMakeFolder(name, security);
+}
+
+TEST_F(BusySystem, CreateAsksForEachPartAndForNothingWhereTheFolderExists) {
+    const eReplacedCall making(library, "CreateDirectoryW", &MakeFolderNoted, &systemsMakeFolder);
+    theFolders.clear();
+    EXPECT_TRUE(eWide::Create(Folder("a/b")));
+    ASSERT_GE(theFolders.size(), 3u);
+    EXPECT_TRUE(theFolders[theFolders.size() - 3].ends_with(L"/a"));
+    EXPECT_TRUE(theFolders[theFolders.size() - 2].ends_with(L"/a/b"));
+    EXPECT_TRUE(theFolders.back().ends_with(L"/a/b/"));
+    theFolders.clear();
+    EXPECT_TRUE(eWide::Create(Folder("a/b")));
+    EXPECT_TRUE(eWide::Create(L""));
+    EXPECT_EQ(0u, theFolders.size());
+}
+
+TEST_F(BusySystem, CopyOfAMissingFileAsksForNothing) {
+    const eReplacedCall copying(library, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
+    Refuse(eCall::Any, L"", 0, 0);
+    EXPECT_FALSE(eWide::CopyFile(Named("missing"), Named("to")));
+    EXPECT_EQ(0, theSystem.calls);
+}
+
+TEST_F(BusySystem, SingleFilesAreNotWaitedFor) {
+    const eReplacedCall deleting(library, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
+    const eReplacedCall copying(library, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
+    MakeFile("file");
+    Refuse(eCall::Any, L"file", ERROR_SHARING_VIOLATION, 1);
+    EXPECT_FALSE(eWide::DeleteFile(Named("file")));
+    Refuse(eCall::Any, L"file", ERROR_SHARING_VIOLATION, 1);
+    EXPECT_TRUE(eWide::CopyFile(Named("file"), Named("copy")));
+    EXPECT_FALSE(Exists("copy"));
 }
 
 // --- A copy that another thread stops ---
