@@ -109,11 +109,14 @@ public:
     eAnswer RemoveFile(const eEntry& entry) override { return Remove(entry, eEntryKind::File); }
     eAnswer RemoveLink(const eEntry& entry) override { return Remove(entry, eEntryKind::Link); }
     eAnswer RemoveFolder(const eEntry& entry) override { return Remove(entry, eEntryKind::Folder); }
-    eAnswer MakeFolder(const eEntry& entry) override {
+    eAnswer Make(const eEntry& entry, eFolder& source, std::unique_ptr<eFolder>* opened) override {
         if (IsBusy(node))
             return eAnswer::Busy;
-        return Told(!resting && node->below.emplace(NameOf(entry), Folder()).second);
+        EXPECT_NE(nullptr, static_cast<eMemoryFolder&>(source).Find(entry)) << "the folder that lists the source";
+        const bool made = !resting && node->below.emplace(NameOf(entry), Folder()).second;
+        return made ? Enter(entry, opened) : eAnswer::Refused;
     }
+    void EndLike(eFolder&) override {}
     eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
         const auto found = Find(entry);
         if (IsBusy(found))

@@ -31,7 +31,7 @@ QZL_IO_API bool Create(const eFileName& folder);
 /// Copies a folder tree. FIRST DELETES `to` WITH EVERYTHING IN IT, whatever it held; afterwards `to` holds what `from`
 /// held. Links are recreated; where the system refuses that, a link to a file becomes a copy of that file, and any
 /// other link is left out. Devices and pipes are left out, too. An empty name or a bare drive ("q:") on either side
-/// does nothing.
+/// does nothing. On Linux what is made has the source's permissions under the umask, folders and files alike.
 ///
 /// Do not copy a folder onto itself, into one of its own subfolders or over a folder that contains it: the deletion
 /// comes first and destroys what was to be copied.
@@ -46,8 +46,8 @@ QZL_IO_API void Copy(const eFileName& from, const eFileName& to);
 QZL_IO_API void Delete(const eFileName& folder, bool recursive);
 
 /// Removes every folder below `folder` that holds no file anywhere below it, deepest first. `folder` itself stays,
-/// links stay and count as content. The name is used as given and so must end in "/": without it, the folders named by
-/// the pattern `folder` + "*.*" are meant.
+/// links stay and count as content; a `folder` that is itself a link is left alone. The name is used as given and so must
+/// end in "/": without it, the folders named by the pattern `folder` + "*.*" are meant.
 QZL_IO_API void PurgeEmpty(const eFileName& folder);
 
 /// Cuts a path into drive, folder, name and extension, by the same rules on both systems, and returns `path`. A part

@@ -34,13 +34,15 @@ std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience
     return opened;
 }
 
+/// With `like`, the last part has that folder's permissions.
 template <class Char>
-bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience) {
+bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience, eFolder* like = nullptr) {
     const Platform::eUnattended unattended;
     if (folder.empty() || Platform::MayAccess(folder.c_str(), File::Exist))
         return true;
     const auto makeFolder = [&](const std::basic_string<Char>& part) {
-        return patience.Get([&] { return Platform::MakeFolder(part.c_str()); });
+        const bool isLast = part.size() + 1 >= folder.size();
+        return patience.Get([&] { return Platform::MakeFolder(part.c_str(), isLast ? like : nullptr); });
     };
     return MakeParts(folder, FirstPart(std::basic_string_view<Char>(folder), nameRoot), makeFolder);
 }
@@ -68,28 +70,42 @@ void CopyFolder(const Name& from, const Name& to) {
     const Name target = Name(to).GetPath();
     ePatience patience;
     DeleteFolder(target, true, patience);
-    CreateFolder(target.str(), patience);
     const auto openedSource = OpenFolder(source.c_str(), eNamedLink::Follow, patience);
+    const bool isNew = !Platform::MayAccess(target.c_str(), File::Exist);
+    CreateFolder(target.str(), patience, openedSource.get());
     const auto openedTarget = OpenFolder(target.c_str(), eNamedLink::Refuse, patience);
-    if (openedSource && openedTarget)
-        CopyContents(*openedSource, *openedTarget, patience);
+    if (!openedSource || !openedTarget)
+        return;
+    if (isNew)
+        openedTarget->EndLike(*openedSource);
+    CopyContents(*openedSource, *openedTarget, patience);
 }
 
+/// The name is put before whatever it and the mask find together, as text: on Linux a listed name may hold a back
+/// slash, which a name value would turn.
 template <class Search, class Name, class Char>
-void PurgeFolder(const Name& folder, const Char* mask) {
-    const Platform::eUnattended unattended;
-    const Name prefix(folder);
+void PurgeFound(const Name& prefix, const Char* mask) {
     ePatience patience;
     for (Search search(prefix, mask); search.Valid(); search.Next()) {
         if (!search.IsSubfolder() || search.IsLink())
             continue;
-        // Joined as text: on Linux a listed name may hold a back slash, which a name value would turn.
         const auto subfolder = prefix.str() + search.Name() + Char('/');
         bool emptied = false;
         if (const auto opened = OpenFolder(subfolder.c_str(), eNamedLink::Refuse, patience))
             emptied = PurgeContents(*opened, patience);
         patience.GetRemoved(emptied, [&] { return Platform::RemoveFolder(subfolder.c_str()); });
     }
+}
+
+template <class Search, class Name, class Char>
+void PurgeFolder(const Name& folder, const Char* mask) {
+    const Platform::eUnattended unattended;
+    const Name name(folder);
+    if (!name.str().ends_with(Char('/')))
+        return PurgeFound<Search>(name, mask);
+    ePatience patience;
+    if (const auto opened = OpenFolder(name.c_str(), eNamedLink::Refuse, patience))
+        PurgeContents(*opened, patience);
 }
 
 template <class Char>

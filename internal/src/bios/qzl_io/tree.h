@@ -48,8 +48,8 @@ private:
 };
 
 /// Visits everything below the root, in the order of the listings. The visitor's File and Link are called for those
-/// entries; Enter for a subfolder that has been opened, and where that gives false it is left out; Leave when all in
-/// the subfolder has been visited, or when it could not be opened.
+/// entries; Enter for a subfolder of the one before it that has been opened, and where that gives false it is left out;
+/// Leave when all in the subfolder has been visited, or when it could not be opened.
 template <class Visitor>
 void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
     eFolderStack folders(root);
@@ -58,7 +58,7 @@ void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
         std::unique_ptr<eFolder> folder;
         if (!patience.Get([&] { return folders.Top().Enter(entry, &folder); })) {
             visitor.Leave(folders.Top(), entry, false);
-        } else if (visitor.Enter(*folder, entry)) {
+        } else if (visitor.Enter(folders.Top(), *folder, entry)) {
             folders.Push(std::move(folder));
             path.push_back(entry);
         }
@@ -87,7 +87,7 @@ class eEmptying {
 public:
     explicit eEmptying(ePatience& waiting) : patience(waiting) {}
 
-    bool Enter(eFolder&, const eEntry&) {
+    bool Enter(eFolder&, eFolder&, const eEntry&) {
         above.push_back(emptied);
         emptied = true;
         return true;
@@ -168,21 +168,21 @@ inline void CopyContents(eFolder& source, eFolder& target, ePatience& patience) 
                 CopyFile(folder, entry, eNamedLink::Follow);
         }
 
-        bool Enter(eFolder& folder, const eEntry& entry) {
+        bool Enter(eFolder& parent, eFolder& folder, const eEntry& entry) {
             if (AreOneFolder(folder.Id(), rootId))
                 return false;
-            auto copy = EmptyFolder(entry);
+            auto copy = EmptyFolder(parent, entry);
             if (!copy)
                 return false;
             targets.Push(std::move(copy));
             return true;
         }
 
-        void Leave(eFolder&, const eEntry& entry, bool entered) {
+        void Leave(eFolder& parent, const eEntry& entry, bool entered) {
             if (entered)
                 targets.Pop();
             else
-                EmptyFolder(entry);
+                EmptyFolder(parent, entry);
         }
 
     private:
@@ -190,10 +190,11 @@ inline void CopyContents(eFolder& source, eFolder& target, ePatience& patience) 
             patience.Get([&] { return folder.CopyFileTo(targets.Top(), entry, link); });
         }
 
-        std::unique_ptr<eFolder> EmptyFolder(const eEntry& entry) {
-            const bool isNew = patience.Get([&] { return targets.Top().MakeFolder(entry); });
+        std::unique_ptr<eFolder> EmptyFolder(eFolder& parent, const eEntry& entry) {
             std::unique_ptr<eFolder> folder;
-            if (patience.Get([&] { return targets.Top().Enter(entry, &folder); }) && !isNew)
+            if (patience.Get([&] { return targets.Top().Make(entry, parent, &folder); }))
+                return folder;
+            if (patience.Get([&] { return targets.Top().Enter(entry, &folder); }))
                 DeleteContents(*folder, patience);
             return folder;
         }

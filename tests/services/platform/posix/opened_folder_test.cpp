@@ -119,7 +119,8 @@ TEST_F(OpenedFolder, EntersNoFolderThatHasBecomeALink) {
 
 TEST_F(OpenedFolder, WakesOnlyAsTheFolderThatItWas) {
     const auto from = Open("from");
-    ASSERT_EQ(eAnswer::Done, from->MakeFolder(sub));
+    std::unique_ptr<eFolder> made;
+    ASSERT_EQ(eAnswer::Done, from->Make(sub, *from, &made));
     temp.Write("from/other", "x");
     eEntry entry;
     ASSERT_TRUE(from->Next(&entry));
@@ -130,12 +131,12 @@ TEST_F(OpenedFolder, WakesOnlyAsTheFolderThatItWas) {
     from->Wake(*child);
     from->RemoveFile(file);
     EXPECT_FALSE(from->Next(&entry));
-    EXPECT_EQ(eAnswer::Refused, from->MakeFolder({eEntryKind::Folder, "new"}));
+    EXPECT_EQ(eAnswer::Refused, from->Make({eEntryKind::Folder, "new"}, *from, &made));
     EXPECT_TRUE(temp.Exists("outside/file"));
     fs::rename(temp.Path() / "outside/sub", temp.Path() / "from/sub");
     from->Wake(*child);
     EXPECT_TRUE(from->Next(&entry));
-    EXPECT_EQ(eAnswer::Done, from->MakeFolder({eEntryKind::Folder, "new"}));
+    EXPECT_EQ(eAnswer::Done, from->Make({eEntryKind::Folder, "new"}, *from, &made));
     EXPECT_TRUE(temp.Exists("from/new"));
 }
 

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <support/platform/posix/as_nobody.h>
+#include <support/platform/posix/fault.h>
 #include <support/platform/posix/open_descriptors.h>
 
 #include "../../real_tree.h"
@@ -217,6 +218,34 @@ TYPED_TEST(PosixServices, CopyingIsNotLedOutByATargetThatBecomesALink) {
     }
 }
 
+TYPED_TEST(PosixServices, PurgingIsNotLedOutByAFolderThatBecomesALink) {
+    this->MakeFolder("outside/inner/empty");
+    this->MakeFolder("outside/empty/empty");
+    const eNames outside = this->Tree("outside");
+    for (const char* exchanged : {"root", "root/inner"}) {
+        this->MakeFolder("root/inner");
+        this->MakeLink(this->At("outside").string(), "link");
+        {
+            const eExchanger exchanger(this->At(exchanged), this->At("link"));
+            for (int round = 0; round < 400; ++round) {
+                TypeParam::PurgeEmpty(this->Folder("root"));
+                ASSERT_EQ(outside, this->Tree("outside")) << round;
+                std::error_code taken;
+                fs::create_directories(this->At("root/inner/empty"), taken);
+            }
+        }
+        for (const char* name : {"root", "link"})
+            fs::remove_all(this->At(name));
+    }
+}
+
+TYPED_TEST(PosixServices, PurgingLeavesALinkToAFolderAlone) {
+    this->MakeFolder("outside/empty");
+    this->MakeLink("outside", "root");
+    TypeParam::PurgeEmpty(this->Folder("root"));
+    EXPECT_EQ((eNames{"outside/", "outside/empty/", "root"}), this->Tree(""));
+}
+
 // --- Depth and descriptors ---
 
 // Makes folders within folders, where names would be too long.
@@ -379,6 +408,85 @@ TYPED_TEST(PosixServices, CopyThatFindsNoRoomLeavesNoPartialTarget) {
         EXPECT_EQ(1, WEXITSTATUS(status)) << size;
         EXPECT_FALSE(this->Exists("to")) << size;
     }
+}
+
+// --- Permissions of copied folders ---
+
+class eUmask {
+public:
+    explicit eUmask(mode_t mask) : before(::umask(mask)) {}
+    ~eUmask() { ::umask(before); }
+    eUmask(const eUmask&) = delete;
+    eUmask& operator=(const eUmask&) = delete;
+
+private:
+    mode_t before;
+};
+
+mode_t ModeOf(const fs::path& name) {
+    struct stat facts {};
+    EXPECT_EQ(0, ::lstat(name.c_str(), &facts)) << name;
+    return facts.st_mode & 07777;
+}
+
+TYPED_TEST(PosixServices, ACopiedFolderHasTheSourcesPermissionsUnderTheUmask) {
+    this->MakeFile("from/sub/file");
+    this->MakeFolder("from/empty");
+    for (const mode_t mask : {0022u, 0077u, 0000u}) {
+        for (const mode_t mode : {0700u, 0755u, 0777u, 0770u, 01777u, 0500u}) {
+            const eUmask umask(mask);
+            for (const char* name : {"from", "from/sub", "from/empty"})
+                ASSERT_EQ(0, ::chmod(this->At(name).c_str(), mode));
+            TypeParam::Copy(this->Named("from"), this->Named("to"));
+            for (const char* name : {"to", "to/sub", "to/empty"})
+                EXPECT_EQ(mode & ~mask, ModeOf(this->At(name))) << name << ' ' << mode << ' ' << mask;
+            ASSERT_EQ(eNames({"empty/", "sub/", "sub/file"}), this->Tree("to"));
+            for (const char* name : {"to", "to/sub", "to/empty", "from", "from/sub", "from/empty"})
+                ASSERT_EQ(0, ::chmod(this->At(name).c_str(), 0700));
+        }
+    }
+}
+
+TYPED_TEST(PosixServices, ACopiedFolderIsFilledWhateverItsOwnerMayDoInTheEnd) {
+    this->MakeFile("from/sub/inner/file");
+    this->MakeFolder("to");
+    for (const char* name : {"from", "from/sub", "from/sub/inner"})
+        ASSERT_EQ(0, ::chmod(this->At(name).c_str(), 0555));
+    for (const char* name : {"", "to"})
+        ASSERT_EQ(0, ::chmod(this->At(name).c_str(), 0777));
+    EXPECT_EQ(heldInChild, AsNobody([&] {
+                  TypeParam::Copy(this->Named("from"), this->Named("to/copy"));
+                  return 0;
+              }));
+    EXPECT_EQ((eNames{"sub/", "sub/inner/", "sub/inner/file"}), this->Tree("to/copy"));
+    for (const char* name : {"", "/sub", "/sub/inner"}) {
+        EXPECT_EQ(0555u, ModeOf(this->At("to/copy" + std::string(name))));
+        for (const char* root : {"from", "to/copy"})
+            ASSERT_EQ(0, ::chmod(this->At(root + std::string(name)).c_str(), 0777));
+    }
+}
+
+TYPED_TEST(PosixServices, ACopyIsAtNoTimeOpenToMoreThanItsSource) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    this->MakeFile("from/sub/file");
+    for (const char* name : {"from", "from/sub", "from/sub/file"})
+        ASSERT_EQ(0, ::chmod(this->At(name).c_str(), 0700));
+    for (int call = 1;; ++call) {
+        TypeParam::Delete(this->Named("to"), true);
+        const eFault look("", call, [&] {
+            for (const char* name : {"to", "to/sub", "to/sub/file"}) {
+                struct stat facts {};
+                if (::lstat(this->At(name).c_str(), &facts) == 0) {
+                    EXPECT_EQ(0u, facts.st_mode & 077) << name;
+                }
+            }
+        });
+        TypeParam::Copy(this->Named("from"), this->Named("to"));
+        if (!look.Struck())
+            break;
+    }
+    EXPECT_TRUE(this->Exists("to/sub/file"));
 }
 
 // --- Other kinds of files ---

@@ -1,14 +1,16 @@
 // Every call that an operation makes of the system fails once, in turn, with each of several errors. Whatever the
 // operation then does, it touches nothing outside, leaves nothing of its own behind and takes targets as a whole or
 // not.
+#include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
-#include <vector>
+#include <utility>
 
-#include <sys/stat.h>
+#include <fcntl.h>
 
 #include <gtest/gtest.h>
 
@@ -33,6 +35,11 @@ protected:
 
     void MakeLink(std::string_view target, std::string_view link) const { fs::create_symlink(target, this->At(link)); }
 
+    void Clear() const {
+        for (const auto& entry : fs::directory_iterator(this->At("")))
+            fs::remove_all(entry);
+    }
+
     // Makes everything anew, runs the operation with one call failing and looks at what is left; for every call and
     // every error. After an interruption, and where no call failed, all is to be done.
     void Sweep(const std::function<void()>& make, const std::function<void()>& operation,
@@ -40,8 +47,7 @@ protected:
         for (const int error : errors) {
             for (int call = 1;; ++call) {
                 SCOPED_TRACE("call " + std::to_string(call) + ", error " + std::to_string(error));
-                for (const auto& entry : fs::directory_iterator(this->At("")))
-                    fs::remove_all(entry);
+                Clear();
                 make();
                 const int before = OpenDescriptors();
                 bool struck = false;
@@ -151,4 +157,138 @@ TYPED_TEST(ServiceFault, AStoppedCopyLeavesNothingOfItsOwn) {
         EXPECT_TRUE(!stands || (!done && this->Content("to") == "old"));
     };
     this->Sweep(make, operation, look);
+}
+
+// --- Trees ---
+
+namespace {
+
+const eNames outside = {"empty/", "file", "sub/", "sub/empty/"};
+
+template <class Width>
+class TreeFault : public ServiceFault<Width> {
+protected:
+    // A tree with links that lead out of it, and what they lead to.
+    void MakeTrees() const {
+        this->MakeFile("outside/file", "precious");
+        this->MakeFolder("outside/empty");
+        this->MakeFolder("outside/sub/empty");
+        this->MakeFile("root/sub/inner/file", "content");
+        this->MakeFile("root/sub/large", std::string(70'000, 'x'));
+        this->MakeFolder("root/empty/inner");
+        this->MakeFolder("root/half/empty");
+        this->MakeFile("root/half/file");
+        this->MakeLink("../outside", "root/to folder");
+        this->MakeLink("../../outside/file", "root/sub/to file");
+        this->MakeFile("to/old/file", "old");
+        this->MakeLink("../outside", "to/sub");
+        // What somebody puts in the place of a folder.
+        this->MakeLink("outside", "link");
+        this->MakeLink("../outside", "root/link");
+    }
+
+    void LookOutside() const {
+        EXPECT_EQ(outside, this->Tree("outside"));
+        EXPECT_EQ("precious", this->Content("outside/file"));
+    }
+
+    // Every file of a copy is whole, and nothing is there that the source has not.
+    void LookAtCopy(const eNames& source) const {
+        for (const std::string& name : this->Tree("to")) {
+            EXPECT_NE(source.end(), std::find(source.begin(), source.end(), name)) << name;
+            if (!name.ends_with('/') && !name.ends_with("link") && name != "to folder") {
+                EXPECT_EQ(this->Content("root/" + name), this->Content("to/" + name)) << name;
+            }
+        }
+    }
+
+    // Exchanges a folder for a link to the outside just before the operation's first call of the system, its second and
+    // so on.
+    void SweepExchanges(const std::function<void()>& operation) {
+        const std::pair<const char*, const char*> exchanges[] = {
+            {"root", "link"}, {"root/sub", "root/link"}, {"root/half", "root/link"}, {"to", "link"}};
+        for (const auto& [folder, link] : exchanges) {
+            for (int call = 1;; ++call) {
+                SCOPED_TRACE(std::string(folder) + " before call " + std::to_string(call));
+                this->Clear();
+                MakeTrees();
+                const eFault exchange("", call, [&, from = this->At(folder), to = this->At(link)] {
+                    ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE);
+                });
+                operation();
+                const bool struck = exchange.Struck();
+                LookOutside();
+                if (!struck || this->HasFailure())
+                    break;
+            }
+        }
+    }
+};
+
+TYPED_TEST_SUITE(TreeFault, eWidths, eWidthNames);
+
+} // namespace
+
+TYPED_TEST(TreeFault, ADeletionTouchesNothingOutsideAndForgetsNothing) {
+    const auto operation = [&] { TypeParam::Delete(this->Named("root"), true); };
+    this->Sweep([&] { this->MakeTrees(); }, operation,
+                [&](bool done) {
+                    this->LookOutside();
+                    EXPECT_TRUE(!done || !this->Exists("root"));
+                });
+    this->SweepExchanges(operation);
+}
+
+TYPED_TEST(TreeFault, APurgeTouchesNothingOutsideAndNoFile) {
+    const auto operation = [&] { TypeParam::PurgeEmpty(this->Folder("root")); };
+    const eNames kept = {"half/",          "half/file", "link",        "sub/",     "sub/inner/",
+                         "sub/inner/file", "sub/large", "sub/to file", "to folder"};
+    this->Sweep([&] { this->MakeTrees(); }, operation,
+                [&](bool done) {
+                    this->LookOutside();
+                    const eNames left = this->Tree("root");
+                    EXPECT_TRUE(done ? left == kept
+                                     : std::includes(left.begin(), left.end(), kept.begin(), kept.end()));
+                });
+    this->SweepExchanges(operation);
+}
+
+TYPED_TEST(TreeFault, ACopyTouchesNothingOutsideAndHasNoHalfFiles) {
+    const auto operation = [&] { TypeParam::Copy(this->Named("root"), this->Named("to")); };
+    eNames source;
+    const auto make = [&] {
+        this->MakeTrees();
+        source = this->Tree("root");
+    };
+    this->Sweep(make, operation, [&](bool done) {
+        this->LookOutside();
+        EXPECT_EQ(source, this->Tree("root"));
+        if (done) {
+            EXPECT_EQ(source, this->Tree("to"));
+        } else if (this->Exists("to") && !this->Exists("to/old") && !fs::is_symlink(this->At("to/sub"))) {
+            this->LookAtCopy(source);
+        }
+    });
+    this->SweepExchanges(operation);
+}
+
+TYPED_TEST(TreeFault, AFolderIsMadeAfterAnInterruption) {
+    bool made = false;
+    const auto operation = [&] { made = TypeParam::Create(this->Named("new/one/two")); };
+    this->Sweep([] {}, operation,
+                [&](bool done) {
+                    EXPECT_TRUE(made || !done);
+                    EXPECT_TRUE(!made || this->Exists("new/one/two"));
+                });
+}
+
+TYPED_TEST(TreeFault, ASearchShowsEverythingAfterAnInterruption) {
+    std::size_t found = 0;
+    const auto operation = [&] {
+        found = 0;
+        for (typename TypeParam::Search search(this->Folder("root"), TypeParam::Of("*.*")); search.Valid();
+             search.Next())
+            found += search.IsSubfolder() && search.ModifyTime().Ticks() != 0;
+    };
+    this->Sweep([&] { this->MakeTrees(); }, operation, [&](bool done) { EXPECT_TRUE(!done || found == 5) << found; });
 }

@@ -39,7 +39,12 @@ public:
     virtual eAnswer RemoveFile(const eEntry& entry) = 0;
     virtual eAnswer RemoveLink(const eEntry& entry) = 0;   ///< never what it points to
     virtual eAnswer RemoveFolder(const eEntry& entry) = 0; ///< an empty one
-    virtual eAnswer MakeFolder(const eEntry& entry) = 0;   ///< Refused for an existing one too
+    /// Makes a subfolder, with the permissions of the source's entry as far as the system gives them to new folders,
+    /// and opens it. Its owner may fill it all the same: what the source's owner may not do ends with the opened
+    /// folder. Refused for an existing one, too.
+    virtual eAnswer Make(const eEntry& entry, eFolder& source, std::unique_ptr<eFolder>* opened) = 0;
+    /// The same end for a folder that was made by its name, like the source.
+    virtual void EndLike(eFolder& source) = 0;
     /// Copies a file's content; with Follow the entry is a link, and a file behind it is meant. Nobody asks whether it
     /// worked, only whether it is Busy.
     virtual eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) = 0;
@@ -59,9 +64,10 @@ public:
 template <class Char>
 eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* opened);
 
-/// Makes one folder whose parent exists. Done, too, when something of that name exists.
+/// Makes one folder whose parent exists, with the permissions of `like` as Make gives them; of none, with those that
+/// new folders have. Done, too, when something of that name exists.
 template <class Char>
-eAnswer MakeFolder(const Char* name);
+eAnswer MakeFolder(const Char* name, eFolder* like);
 
 /// Removes an empty folder.
 template <class Char>

@@ -20,6 +20,8 @@ namespace {
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 constexpr mode_t newFolderMode = 0777;
+constexpr mode_t permissionsOfFolders = 01777;
+constexpr mode_t allOfMode = 07777;
 
 eDescriptor OpenDescriptor(int parent, const char* name, int flags) {
     return eDescriptor(Uninterrupted([&] { return ::openat(parent, name, folderFlags | flags); }));
@@ -27,6 +29,12 @@ eDescriptor OpenDescriptor(int parent, const char* name, int flags) {
 
 eAnswer Told(bool done) {
     return done ? eAnswer::Done : eAnswer::Refused;
+}
+
+/// Makes a call that a signal may interrupt, and tells whether it worked.
+template <class Call>
+bool Worked(Call call) {
+    return Uninterrupted(call) == 0;
 }
 
 const char* NameOf(const eEntry& entry) {
@@ -38,6 +46,13 @@ const char* NameOf(const eEntry& entry) {
 class ePosixFolder final : public eFolder {
 public:
     explicit ePosixFolder(eDescriptor opened) : folder(std::move(opened)) {}
+    ~ePosixFolder() override {
+        struct stat status {};
+        if (surplus != 0 && Worked([&] { return ::fstat(folder.Get(), &status); }))
+            Worked([&] { return ::fchmod(folder.Get(), status.st_mode & allOfMode & ~surplus); });
+    }
+    ePosixFolder(const ePosixFolder&) = delete;
+    ePosixFolder& operator=(const ePosixFolder&) = delete;
 
     bool Next(eEntry* entry) override {
         if (!folder.IsOpen())
@@ -65,13 +80,33 @@ public:
         return Open(folder.Get(), NameOf(entry), eNamedLink::Refuse, opened);
     }
 
-    eAnswer RemoveFile(const eEntry& entry) override { return Told(::unlinkat(folder.Get(), NameOf(entry), 0) == 0); }
+    eAnswer RemoveFile(const eEntry& entry) override { return Remove(entry, 0); }
     eAnswer RemoveLink(const eEntry& entry) override { return RemoveFile(entry); }
-    eAnswer RemoveFolder(const eEntry& entry) override {
-        return Told(::unlinkat(folder.Get(), NameOf(entry), AT_REMOVEDIR) == 0);
+    eAnswer RemoveFolder(const eEntry& entry) override { return Remove(entry, AT_REMOVEDIR); }
+
+    eAnswer Make(const eEntry& entry, eFolder& source, std::unique_ptr<eFolder>* opened) override {
+        const char* name = NameOf(entry);
+        struct stat like {};
+        const int from = Descriptor(source);
+        const bool told = Worked([&] { return ::fstatat(from, name, &like, AT_SYMLINK_NOFOLLOW); });
+        const mode_t mode = told ? like.st_mode : mode_t{S_IRWXU};
+        if (!Worked([&] { return ::mkdirat(folder.Get(), name, ToBeFilled(mode)); }))
+            return eAnswer::Refused;
+        const eAnswer answer = Enter(entry, opened);
+        if (answer == eAnswer::Done)
+            static_cast<ePosixFolder&>(**opened).EndWith(mode);
+        return answer;
     }
-    eAnswer MakeFolder(const eEntry& entry) override {
-        return Told(::mkdirat(folder.Get(), NameOf(entry), newFolderMode) == 0);
+
+    void EndLike(eFolder& source) override { EndWith(static_cast<ePosixFolder&>(source).Mode()); }
+
+    /// The owner of a folder may do everything there until all is in it.
+    static mode_t ToBeFilled(mode_t mode) { return (mode & permissionsOfFolders) | S_IRWXU; }
+
+    /// Where the system does not tell, nobody but the owner may do anything.
+    mode_t Mode() const {
+        struct stat status {};
+        return Worked([&] { return ::fstat(folder.Get(), &status); }) ? status.st_mode : mode_t{S_IRWXU};
     }
 
     eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
@@ -81,13 +116,15 @@ public:
 
     eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
         std::vector<char> text(PATH_MAX + 1);
-        const ssize_t length = ::readlinkat(folder.Get(), NameOf(entry), text.data(), PATH_MAX);
-        return Told(length > 0 && ::symlinkat(text.data(), Descriptor(target), NameOf(entry)) == 0);
+        const char* name = NameOf(entry);
+        const ssize_t length = Uninterrupted([&] { return ::readlinkat(folder.Get(), name, text.data(), PATH_MAX); });
+        const int to = Descriptor(target);
+        return Told(length > 0 && Worked([&] { return ::symlinkat(text.data(), to, name); }));
     }
 
     const eFileId& Id() override {
         struct stat status {};
-        if (!id.IsNumbered() && ::fstat(folder.Get(), &status) == 0)
+        if (!id.IsNumbered() && Worked([&] { return ::fstat(folder.Get(), &status); }))
             id = IdOf(status);
         return id;
     }
@@ -100,11 +137,18 @@ public:
     void Wake(eFolder& child) override {
         eDescriptor opened = OpenDescriptor(Descriptor(child), "..", 0);
         struct stat status {};
-        if (opened.IsOpen() && ::fstat(opened.Get(), &status) == 0 && AreOneFolder(Id(), IdOf(status)))
+        const bool told = opened.IsOpen() && Worked([&] { return ::fstat(opened.Get(), &status); });
+        if (told && AreOneFolder(Id(), IdOf(status)))
             folder = std::move(opened);
     }
 
 private:
+    eAnswer Remove(const eEntry& entry, int flags) const {
+        return Told(Worked([&] { return ::unlinkat(folder.Get(), NameOf(entry), flags); }));
+    }
+
+    void EndWith(mode_t mode) { surplus = S_IRWXU & ~mode; }
+
     /// Each entry is its kind, its name and a zero.
     void List() {
         listed = true;
@@ -132,7 +176,7 @@ private:
 
     eEntryKind AskedKind(const char* name) const {
         struct stat status {};
-        if (::fstatat(folder.Get(), name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        if (!Worked([&] { return ::fstatat(folder.Get(), name, &status, AT_SYMLINK_NOFOLLOW); }))
             return eEntryKind::File;
         if (S_ISLNK(status.st_mode))
             return eEntryKind::Link;
@@ -144,7 +188,8 @@ private:
     static int Descriptor(eFolder& other) { return static_cast<ePosixFolder&>(other).folder.Get(); }
 
     eDescriptor folder;
-    eFileId id; ///< of no folder until asked for
+    eFileId id;         ///< of no folder until asked for
+    mode_t surplus = 0; ///< what the owner may not do there in the end
     bool listed = false;
     std::vector<char> listing;
     std::size_t position = 0;
@@ -167,13 +212,16 @@ eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* 
 }
 
 template <class Char>
-eAnswer MakeFolder(const Char* name) {
-    return Told(::mkdir(eNativeName(name).c_str(), newFolderMode) == 0 || errno == EEXIST);
+eAnswer MakeFolder(const Char* name, eFolder* like) {
+    const mode_t mode = like ? ePosixFolder::ToBeFilled(static_cast<ePosixFolder&>(*like).Mode()) : newFolderMode;
+    const eNativeName native(name);
+    return Told(Worked([&] { return ::mkdir(native.c_str(), mode); }) || errno == EEXIST);
 }
 
 template <class Char>
 eAnswer RemoveFolder(const Char* name) {
-    return Told(::rmdir(OwnName(eNativeName(name).c_str()).c_str()) == 0);
+    const std::string own = OwnName(eNativeName(name).c_str());
+    return Told(Worked([&] { return ::rmdir(own.c_str()); }));
 }
 
 template <class Char>
@@ -181,14 +229,16 @@ bool RemoveFolderLink(const Char* name) {
     const std::string link = OwnName(eNativeName(name).c_str());
     struct stat own {
     }, target{};
-    return ::lstat(link.c_str(), &own) == 0 && S_ISLNK(own.st_mode) && ::stat(link.c_str(), &target) == 0 &&
-           S_ISDIR(target.st_mode) && ::unlink(link.c_str()) == 0;
+    const bool isLink = Worked([&] { return ::lstat(link.c_str(), &own); }) && S_ISLNK(own.st_mode);
+    const bool leadsToFolder =
+        isLink && Worked([&] { return ::stat(link.c_str(), &target); }) && S_ISDIR(target.st_mode);
+    return leadsToFolder && Worked([&] { return ::unlink(link.c_str()); });
 }
 
 template eAnswer OpenFolder(const char*, eNamedLink, std::unique_ptr<eFolder>*);
 template eAnswer OpenFolder(const wchar_t*, eNamedLink, std::unique_ptr<eFolder>*);
-template eAnswer MakeFolder(const char*);
-template eAnswer MakeFolder(const wchar_t*);
+template eAnswer MakeFolder(const char*, eFolder*);
+template eAnswer MakeFolder(const wchar_t*, eFolder*);
 template eAnswer RemoveFolder(const char*);
 template eAnswer RemoveFolder(const wchar_t*);
 template bool RemoveFolderLink(const char*);

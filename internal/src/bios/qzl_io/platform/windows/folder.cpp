@@ -114,10 +114,13 @@ public:
         const std::wstring name = Named(entry);
         return Told(::RemoveDirectoryW(name.c_str()), name, FILE_ATTRIBUTE_READONLY);
     }
-    eAnswer MakeFolder(const eEntry& entry) override {
+    /// Permissions come from the folder above.
+    eAnswer Make(const eEntry& entry, eFolder&, std::unique_ptr<eFolder>* opened) override {
         const std::wstring name = Named(entry);
-        return Told(::CreateDirectoryW(name.c_str(), nullptr), name, anyAttribute);
+        const eAnswer made = Told(::CreateDirectoryW(name.c_str(), nullptr), name, anyAttribute);
+        return made == eAnswer::Done ? Enter(entry, opened) : made;
     }
+    void EndLike(eFolder&) override {}
 
     eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
         const std::wstring from = Named(entry);
@@ -184,7 +187,7 @@ eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* 
 }
 
 template <class Char>
-eAnswer MakeFolder(const Char* name) {
+eAnswer MakeFolder(const Char* name, eFolder*) {
     const std::wstring folder = eNativeName(name).c_str();
     const BOOL done = ::CreateDirectoryW(folder.c_str(), nullptr) || ::GetLastError() == ERROR_ALREADY_EXISTS;
     return Told(done, folder, anyAttribute);
@@ -203,8 +206,8 @@ bool RemoveFolderLink(const Char*) {
 
 template eAnswer OpenFolder(const char*, eNamedLink, std::unique_ptr<eFolder>*);
 template eAnswer OpenFolder(const wchar_t*, eNamedLink, std::unique_ptr<eFolder>*);
-template eAnswer MakeFolder(const char*);
-template eAnswer MakeFolder(const wchar_t*);
+template eAnswer MakeFolder(const char*, eFolder*);
+template eAnswer MakeFolder(const wchar_t*, eFolder*);
 template eAnswer RemoveFolder(const char*);
 template eAnswer RemoveFolder(const wchar_t*);
 template bool RemoveFolderLink(const char*);
