@@ -213,25 +213,80 @@ TEST_F(NarrowSearch, LeavesOutWhatNoNarrowNameLeadsToAndTheWideOneShowsIt) {
               wide);
 }
 
-// The code page of Japanese Windows, in which the second half of a character may look like a slash.
+TEST_F(NarrowSearch, IsNotWhatTreesAreWalkedBy) {
+    const eReplacedCall first("qzl_io.dll", "FindFirstFileW", &FirstWithoutShortName, &systemsFirst);
+    const eReplacedCall next("qzl_io.dll", "FindNextFileW", &NextWithoutShortName, &systemsNext);
+    this->Make(L"tree/" + sun + L"/" + sun + L"/", "");
+    this->Make(L"from/" + sun + L"/" + sun, "sun");
+    IO::System::Path::PurgeEmpty(Below("tree/"));
+    EXPECT_FALSE(Stands(L"tree/" + sun));
+    IO::System::Path::Copy(Below("from"), Below("to"));
+    EXPECT_EQ("sun", Content(L"to/" + sun + L"/" + sun));
+    IO::System::Path::Delete(Below("to"), true);
+    EXPECT_FALSE(Stands(L"to"));
+}
+
+// Another code page for narrow names.
+UINT namesPage;
 decltype(&::MultiByteToWideChar) systemsWiden;
 decltype(&::WideCharToMultiByte) systemsNarrow;
 
-int WINAPI WidenJapanese(UINT, DWORD flags, LPCCH text, int size, LPWSTR room, int count) {
-    return systemsWiden(932, flags, text, size, room, count);
+int WINAPI WidenByPage(UINT, DWORD flags, LPCCH text, int size, LPWSTR room, int count) {
+    return systemsWiden(namesPage, flags, text, size, room, count);
 }
-int WINAPI NarrowJapanese(UINT, DWORD flags, LPCWCH text, int size, LPSTR room, int count, LPCCH replacement,
-                          LPBOOL replaced) {
-    return systemsNarrow(932, flags, text, size, room, count, replacement, replaced);
+int WINAPI NarrowByPage(UINT, DWORD flags, LPCWCH text, int size, LPSTR room, int count, LPCCH replacement,
+                        LPBOOL replaced) {
+    return systemsNarrow(namesPage, flags, text, size, room, count, replacement, replaced);
 }
 
-class JapaneseNames : public WindowsNames<eNarrow> {
+template <UINT Page>
+class NamesOfPage : public WindowsNames<eNarrow> {
 protected:
-    const eReplacedCall<decltype(systemsWiden)> widened{"qzl_io.dll", "MultiByteToWideChar", &WidenJapanese,
+    void SetUp() override { namesPage = Page; }
+
+    const eReplacedCall<decltype(systemsWiden)> widened{"qzl_io.dll", "MultiByteToWideChar", &WidenByPage,
                                                         &systemsWiden};
-    const eReplacedCall<decltype(systemsNarrow)> narrowed{"qzl_io.dll", "WideCharToMultiByte", &NarrowJapanese,
+    const eReplacedCall<decltype(systemsNarrow)> narrowed{"qzl_io.dll", "WideCharToMultiByte", &NarrowByPage,
                                                           &systemsNarrow};
 };
+
+using Utf8Names = NamesOfPage<CP_UTF8>;
+
+TEST_F(Utf8Names, AreFoundAndOpenedByTheirBytes) {
+    this->Make(L"tree/" + sun + L".txt", "1");
+    this->Make(L"tree/" + slashLike + L"x", "22");
+    EXPECT_EQ((std::map<std::string, unsigned long long>{{"\xE6\x97\xA5.txt", 1}, {"..\xEF\xBC\x8Fx", 2}}),
+              Found<IO::eSearch>(Below("tree/"), std::string("*.*")));
+    EXPECT_EQ(1u, IO::System::File::Size(Below("tree/\xE6\x97\xA5.txt")));
+    EXPECT_EQ(2u, IO::System::File::Size(Below("tree/..\xEF\xBC\x8Fx")));
+}
+
+TEST_F(Utf8Names, ThatAreIllFormedNameNothing) {
+    for (const char* name : {"\x80", "\xE6\x97", "\xC0\xAF", "\xED\xA0\x80"}) {
+        EXPECT_FALSE(IO::System::Path::Create(Below(name))) << name;
+        EXPECT_FALSE(IO::eFileStream(Below(name), IO::StreamMode::Write).IsOpen()) << name;
+    }
+}
+
+decltype(&::FindFirstFileW) systemsFirstListed;
+
+// Gives every entry a name that no text has.
+HANDLE WINAPI FirstWithLoneSurrogate(LPCWSTR pattern, LPWIN32_FIND_DATAW found) {
+    const HANDLE search = systemsFirstListed(pattern, found);
+    found->cFileName[0] = 0xD800;
+    found->cAlternateFileName[0] = 0;
+    return search;
+}
+
+TEST_F(Utf8Names, AreNotThoseWithALoneSurrogate) {
+    this->Make(L"tree/file", "1");
+    const eReplacedCall listed("qzl_io.dll", "FindFirstFileW", &FirstWithLoneSurrogate, &systemsFirstListed);
+    EXPECT_FALSE(IO::eSearch(Below("tree/"), "file").Valid());
+    EXPECT_TRUE(IO::eSearchW(eFileNameW(this->temp.NameW(L"root/tree/")), L"file").Valid());
+}
+
+// Of Japanese Windows, where the second half of a character may look like a slash.
+using JapaneseNames = NamesOfPage<932>;
 
 TEST_F(JapaneseNames, AreFoundAndOpenedByTheirBytes) {
     this->Make(L"tree/" + sun + L".txt", "1");
