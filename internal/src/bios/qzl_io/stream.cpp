@@ -195,7 +195,11 @@ void eStream::Refill() {
 // --- Positions ---
 
 void eStream::FlushBeforeMove() {
-    if (ptr != buffer && Enabled(StreamMode::Write | StreamMode::Modified))
+    if (ptr == buffer || Disabled(StreamMode::Write | StreamMode::Modified))
+        return;
+    if (bufferEnd)
+        Flush();
+    else
         RunHook(&eStream::Flush);
 }
 
