@@ -232,3 +232,42 @@ TEST(FileLease, IsWaitedForAsByEveryProgram) {
         EXPECT_EQ(10u, stream.Size());
     }
 }
+
+// --- Every call in turn ---
+
+TEST_F(FileFault, WhateverFailsIsSeenInTheFlags) {
+    const std::string old(100'000, 'o'), part(40'000, 'n');
+    const std::string expected = old.substr(0, 10) + std::string("\7\0\0\0", 4) + old.substr(14, 69'986) + part;
+    for (const int error : {EINTR, EIO, ENOSPC, EACCES, ENOMEM, EMFILE}) {
+        for (int call = 1;; ++call) {
+            SCOPED_TRACE("call " + std::to_string(call) + ", error " + std::to_string(error));
+            const std::string name = folder.Write("file", old);
+            const int before = OpenDescriptors();
+            std::string read(50'000, '?');
+            bool good = false, struck = false;
+            {
+                const eFault fault("", error, call);
+                IO::eFileStream stream(eFileName(name), Mode::Read | Mode::Write);
+                if (stream.IsOpen()) {
+                    stream.Read(read.data(), read.size());
+                    stream.Seek(10, IO::eSeekDir::Begin);
+                    stream << 7;
+                    stream.Seek(70'000, IO::eSeekDir::Begin);
+                    stream.Write(part.data(), part.size());
+                    stream.Flush();
+                }
+                good = stream.IsOpen() && !stream.Enabled(Mode::Bad);
+                stream.Close();
+                struck = fault.Struck();
+            }
+            EXPECT_EQ(before, OpenDescriptors());
+            const std::string content = folder.Read("file");
+            EXPECT_TRUE(good || (struck && error != EINTR));
+            if (good) {
+                EXPECT_TRUE(content == expected && read == old.substr(0, read.size()));
+            }
+            if (!struck)
+                break;
+        }
+    }
+}
