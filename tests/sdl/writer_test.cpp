@@ -8,7 +8,6 @@
 #include <qzl_io/sdl/parser.h>
 #include <qzl_io/sdl/reader.h>
 
-#include "slot.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
 #include "support/written_text.h"
@@ -583,20 +582,6 @@ TEST(Writer, ThatIsInitialisedForgetsItsDocument) {
 }
 
 // The least that a text stream of an application's own must bring.
-TEST(Slots, OfTextStreamsAndCiphersAreInTheirOrder) {
-    using eStream = eSDLWriter::eWriteStream;
-    const std::ptrdiff_t slots[] = {SlotOf(&eStream::WriteString), SlotOf(&eStream::WriteFloat),
-                                    SlotOf(&eStream::WriteInt),    SlotOf(&eStream::WriteControl),
-                                    SlotOf(&eStream::WriteIdent),  SlotOf(&eStream::WriteHashed),
-                                    SlotOf(&eStream::Flush),       SlotOf(&eStream::MarkEmpty)};
-    EXPECT_THAT(slots, testing::ElementsAre(2, 3, 4, 5, 6, 7, 8, 9));
-    EXPECT_EQ(SlotOf(&eSDLCipher::GetEncodedSize), 2);
-    EXPECT_EQ(SlotOf(&eSDLCipher::Encode), 3);
-    EXPECT_EQ(SlotOf(&eSDLParser::DSE_Title), 2);
-    EXPECT_EQ(SlotOf(&eSDLParser::DSE_Brief), 3);
-    EXPECT_EQ(SlotOf(&eSDLParser::DSE_Full), 4);
-}
-
 class ePlainStream : public eSDLWriter::eWriteStream {
 public:
     void WriteString(const char*) override { ++items; }

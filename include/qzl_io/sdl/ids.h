@@ -68,7 +68,7 @@ public:
         return true;
     }
 
-    virtual bool Has(T id) const { return std::find(this->begin(), this->end(), id) != this->end(); }
+    virtual bool Has(T id) { return std::find(this->begin(), this->end(), id) != this->end(); }
 
     // Replaces the ids of `other` by these.
     virtual void CopyTo(eList& other) const { other.std::template vector<T>::operator=(*this); }
@@ -77,9 +77,13 @@ public:
     virtual void Assign(const eList& other) { std::vector<T>::operator=(other); }
 
     // True when at least one of `other` is present.
-    virtual bool HasAny(const eList& other) const {
+    virtual bool HasAny(const eList& other) {
         return std::any_of(other.begin(), other.end(), [this](const T& id) { return Has(id); });
     }
+
+    // The same of a list that is const. What a subclass puts in place of the two above must not change the list.
+    bool Has(T id) const { return const_cast<eIdsGeneric*>(this)->Has(id); }
+    bool HasAny(const eList& other) const { return const_cast<eIdsGeneric*>(this)->HasAny(other); }
 };
 
 class eIds : public eIdsGeneric<int> {
