@@ -94,6 +94,11 @@ private:
     std::array<std::array<eTransition, 256>, kAccept> transitions;
 };
 
+// The text of a file or stream: its bytes without a byte-order mark.
+inline std::string TextOf(const std::string& bytes) {
+    return bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes;
+}
+
 // What eSDLParser is to do, call by call, under the same names.
 class eModelParser {
 public:

@@ -59,7 +59,7 @@ ePair RandomPair(std::mt19937& random, const std::vector<eSDLKeyword*>& tables) 
     const std::string name = random() % 2 ? "a.sdl" : "";
     ePair pair = random() % 2 ? ePair{std::make_unique<eSDLParser>(name, *std::make_unique<IO::eBufferStream>(text),
                                                                    tables, parameters, nullptr),
-                                      eModelParser(name, Replaced(text, parameters))}
+                                      eModelParser(name, Replaced(TextOf(text), parameters))}
                               : ePair{std::make_unique<eSDLParser>(eDefine{"box", text}, tables, parameters),
                                       eModelParser("define 'box'", Replaced(text, parameters))};
     pair.model.table = tables.empty() ? nullptr : tables.back();

@@ -4,8 +4,8 @@
 #include <random>
 #include <string>
 
-// Up to as many pieces of SDL text as are asked for, with blanks between most of them or between none. The words that
-// tables may have are light, color, a and item.
+// Up to as many pieces of SDL text as are asked for, with blanks between most of them or between none, at times after a
+// byte-order mark. The words that tables may have are light, color, a and item.
 inline std::string RandomSource(std::mt19937& random, unsigned most) {
     static const std::string kPieces[] = {"light",
                                           "LIGHT",
@@ -112,7 +112,7 @@ inline std::string RandomSource(std::mt19937& random, unsigned most) {
                                           std::string(1, '\0')};
     const char* const gaps[] = {" ", " ", " ", " ", "\n", ""};
     const bool spaced = random() % 4 != 0;
-    std::string source;
+    std::string source = random() % 16 ? "" : "\xEF\xBB\xBF";
     for (auto left = random() % most; left > 0; --left) {
         source += kPieces[random() % std::size(kPieces)];
         source += spaced ? gaps[random() % std::size(gaps)] : "";

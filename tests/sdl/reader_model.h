@@ -138,8 +138,8 @@ private:
             throw xError::eException({"internal/src/bios/qzl_io/sdl_reader", line, message, ""});
     }
 
-    void Push(const std::string& name, const std::string& text) {
-        sources.push_back(std::make_shared<eModelParser>(name, text));
+    void Push(const std::string& name, const std::string& bytes) {
+        sources.push_back(std::make_shared<eModelParser>(name, TextOf(bytes)));
     }
 
     eSDLParserLexType Next() {
