@@ -1,8 +1,6 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <string>
@@ -134,16 +132,16 @@ public:
         previous.position = -1;
     }
 
-    // Empty, and the reason thrown, when the parentheses are not there.
+    // Throws the report when the parentheses are not there.
     std::string GetParameter() {
         const char c = At(current.position);
         current.position += c != 0;
         if (c != '(')
-            Fail("'(' required");
+            Fail(301, "'(' required");
         const std::size_t begin = static_cast<std::size_t>(current.position);
         const std::size_t end = text.find(')', begin);
         if (end == std::string::npos)
-            Fail("')' required");
+            Fail(306, "')' required");
         current.position = static_cast<std::ptrdiff_t>(end) + 1;
         return text.substr(begin, end - begin);
     }
@@ -172,6 +170,17 @@ public:
     int Line() const { return current.line; }
 
     const eSDLKeyword* table = nullptr;
+
+    static std::string Lowered(std::string word) {
+        for (char& c : word)
+            c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+        return word;
+    }
+
+    static int Truncated(float value) {
+        const bool fits = value > -2147483648.0f && value < 2147483648.0f;
+        return fits ? static_cast<int>(value) : std::numeric_limits<int>::min();
+    }
 
 private:
     char At(std::ptrdiff_t position) const {
@@ -236,25 +245,12 @@ private:
             }
     }
 
-    [[noreturn]] static void Fail(const char* message) {
-        throw xError::eException(
-            {"internal/src/bios/qzl_io/sdl_parser", *message == '\'' && message[1] == '(' ? 301 : 306, message, ""});
+    [[noreturn]] static void Fail(int line, const char* message) {
+        throw xError::eException({"internal/src/bios/qzl_io/sdl_parser", line, message, ""});
     }
 
     std::string name;
     std::string text;
     eState current;
     eState previous;
-
-public:
-    static std::string Lowered(std::string word) {
-        for (char& c : word)
-            c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-        return word;
-    }
-
-    static int Truncated(float value) {
-        const bool fits = value > -2147483648.0f && value < 2147483648.0f;
-        return fits ? static_cast<int>(value) : std::numeric_limits<int>::min();
-    }
 };

@@ -70,7 +70,7 @@ template <class eParser>
 std::string Parameter(eParser& parser) {
     std::string parameter;
     const eFailure failure = FailureOf([&] { parameter = parser.GetParameter(); });
-    return failure == eFailure() ? parameter : failure.message;
+    return failure == eFailure() ? parameter : std::to_string(failure.line) + failure.message;
 }
 
 template <class eParser>
