@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -131,6 +132,28 @@ TEST_F(CopiedFile, IsWrittenInPlaceWhereTheTargetMayBeWrittenButNotReplaced) {
             EXPECT_EQ(before, Facts("folder/to").st_ino);
         }
         EXPECT_EQ((eNames{"folder/", "folder/from", "folder/to"}), Tree(""));
+    }
+}
+
+TEST_F(CopiedFile, IsWrittenInPlaceWhereItIsMountedByItself) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    for (const auto& [function, error] : {std::pair{"renameat", EBUSY}, {"openat", EROFS}}) {
+        bool inPlace = false;
+        bool struck = true;
+        for (int call = 1; struck; ++call) {
+            MakeFile("from", "new");
+            MakeFile("to", "something older");
+            const ino_t before = Facts("to").st_ino;
+            {
+                const eFault fault(function, error, call);
+                EXPECT_TRUE(Copy("from", "to"));
+                struck = fault.Struck();
+            }
+            inPlace = inPlace || (struck && Content("to") == "new" && Facts("to").st_ino == before);
+            EXPECT_EQ((eNames{"from", "to"}), Tree(""));
+        }
+        EXPECT_TRUE(inPlace) << function;
     }
 }
 

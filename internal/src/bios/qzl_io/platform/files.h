@@ -7,7 +7,8 @@ namespace IO::Platform {
 template <class Char>
 bool MayAccess(const Char* name, int mode);
 
-/// Copies, replacing an existing target. Whether it worked nobody asks; what was half written is removed.
+/// Copies, replacing an existing target. Whether it worked nobody asks; what was half written is removed, save where a
+/// target can only be written in place.
 template <class Char>
 void CopyWhole(const Char* from, const Char* to);
 

@@ -96,7 +96,12 @@ private:
         return end != eCopyEnd::Complete || replacement.TakePlace() || !IsForbidden(errno);
     }
 
-    static bool IsForbidden(int error) { return error == EACCES || error == EPERM || error == EBUSY; }
+    /// To this process, to everybody there (a file mounted by itself, in a folder that takes no changes), or unknown to
+    /// the file system.
+    static bool IsForbidden(int error) {
+        return error == EACCES || error == EPERM || error == EBUSY || error == EROFS || error == ENOSYS ||
+               error == EOPNOTSUPP;
+    }
 
     void WriteInPlace() {
         const eBrokenPipeSurvived survived;
