@@ -106,6 +106,24 @@ TYPED_TEST(FileServices, CopyOntoItselfLeavesTheFileWhole) {
     EXPECT_EQ("precious", this->Content("file"));
 }
 
+TYPED_TEST(FileServices, CopyKeepsTheLastWriteTime) {
+    const auto longAgo = std::chrono::file_clock::now() - std::chrono::hours(1000);
+    for (const std::size_t size : {0u, 5u, 300'000u}) {
+        this->MakeFile("folder/from", std::string(size, 'x'));
+        std::filesystem::last_write_time(this->At("folder/from"), longAgo);
+        const auto time = std::filesystem::last_write_time(this->At("folder/from"));
+        this->MakeFile("existing", "old");
+        std::filesystem::remove(this->At("new"));
+        TypeParam::CopyFile(this->Named("folder/from"), this->Named("new"));
+        TypeParam::CopyFile(this->Named("folder/from"), this->Named("existing"));
+        bool cancel = false;
+        TypeParam::CopyFileEx(this->Named("folder/from"), this->Named("stoppable"), &cancel);
+        TypeParam::Copy(this->Named("folder"), this->Named("tree"));
+        for (const char* copy : {"new", "existing", "stoppable", "tree/from"})
+            EXPECT_EQ(time, std::filesystem::last_write_time(this->At(copy))) << copy << ", " << size;
+    }
+}
+
 TYPED_TEST(FileServices, CopyExBringsEveryByteWhenNobodyStopsIt) {
     std::string content(9'000'001, 'x');
     content.back() = 'y';

@@ -27,12 +27,13 @@ QZL_IO_API bool Access(const eFileName& name, eAccessMode mode);
 /// is full, the target is locked) still gives true. Callers that must know look at the target. No half-written target
 /// stays behind.
 ///
-/// On Windows the target gets the source's attributes. On Linux a new target gets the source's permissions under the
-/// umask and an existing one keeps its own, with its owner; the copy is made beside the target and takes its place in one
-/// step, so that a target that could not be replaced is as it was. Three kinds of targets are written in place, and keep
-/// what arrived before a failure: a file with another name besides (a hard link), a device or pipe, and a file that this
-/// process may write but not replace. Only files are copied: a device or pipe as source is left, and a pipe that nobody
-/// reads is not waited for.
+/// The copy has the source's time of the last write, but on Linux not where the target belongs to another user and is
+/// written in place. On Windows the target gets the source's attributes, too. On Linux a new target gets the source's
+/// permissions under the umask and an existing one keeps its own, with its owner; the copy is made beside the target
+/// and takes its place in one step, so that a target that could not be replaced is as it was. Three kinds of targets
+/// are written in place, and keep what arrived before a failure: a file with another name besides (a hard link), a
+/// device or pipe, and a file that this process may write but not replace. Only files are copied: a device or pipe as
+/// source is left, and a pipe that nobody reads is not waited for.
 QZL_IO_API bool Copy(const eFileName& from, const eFileName& to);
 
 /// Copy that another thread can stop: the copy ends at its next look at `*cancel` after that byte became non-zero.
@@ -43,7 +44,8 @@ QZL_IO_API bool Copy(const eFileName& from, const eFileName& to);
 /// The result is that of Copy, whether stopped or not.
 QZL_IO_API bool CopyEx(const eFileName& from, const eFileName& to, bool* cancel);
 
-/// True when the file has been removed. A folder is not; of a link, the link itself is removed.
+/// True when the file has been removed. A folder is not; of a link to a file, the link itself is removed. A link to a
+/// folder is removed on Linux and refused on Windows, where Path::Delete removes it.
 QZL_IO_API bool Delete(const eFileName& name);
 
 /// Renames or moves a file, or a folder with all in it, by the C run-time's `rename`; true when that succeeded.

@@ -208,12 +208,14 @@ TEST_F(CopiedFile, IsNotMadeWhereLinksLeadNowhere) {
 
 TEST_F(CopiedFile, IsSeenUnderEveryNameOfTheTarget) {
     MakeFile("from", "new");
+    fs::last_write_time(At("from"), fs::file_time_type::clock::now() - std::chrono::hours(1000));
     for (const char* old : {"older and longer", "o"}) {
         MakeFile("to", old);
         fs::create_hard_link(At("to"), At("other"));
         EXPECT_TRUE(Copy("from", "to"));
         EXPECT_EQ("new", Content("to"));
         EXPECT_EQ("new", Content("other"));
+        EXPECT_EQ(fs::last_write_time(At("from")), fs::last_write_time(At("to")));
         fs::remove(At("other"));
     }
 }

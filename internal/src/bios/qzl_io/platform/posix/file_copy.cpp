@@ -45,6 +45,20 @@ void Remove(int folder, const char* name) {
     Uninterrupted([&] { return ::unlinkat(folder, name, 0); });
 }
 
+/// Refused where the file belongs to somebody else.
+void KeepTime(int target, const struct stat& source) {
+    const timespec times[] = {{0, UTIME_OMIT}, source.st_mtim};
+    Uninterrupted([&] { return ::futimens(target, times); });
+}
+
+/// The content and the time of its last change, to an empty file.
+eCopyEnd CopyWithTime(const eOpened& source, int target, const bool* cancel) {
+    const eCopyEnd end = CopyContent(source.file.Get(), source.facts, target, eCopyHoles::Keep, cancel);
+    if (end == eCopyEnd::Complete)
+        KeepTime(target, source.facts);
+    return end;
+}
+
 /// While it lives, the calling thread survives a pipe whose reader goes away.
 class eBrokenPipeSurvived {
 public:
@@ -90,7 +104,7 @@ private:
             return !IsForbidden(errno);
         if (!replacement.Resemble(target.file.Get(), target.facts))
             return false;
-        const eCopyEnd end = CopyContent(source.file.Get(), source.facts, replacement.Get(), eCopyHoles::Keep, cancel);
+        const eCopyEnd end = CopyWithTime(source, replacement.Get(), cancel);
         if (end == eCopyEnd::Stopped)
             Remove(place->folder.Get(), place->name.c_str());
         return end != eCopyEnd::Complete || replacement.TakePlace() || !IsForbidden(errno);
@@ -117,6 +131,8 @@ private:
             Remove(place->folder.Get(), place->name.c_str());
         else if (end == eCopyEnd::Complete || arrived > 0)
             Uninterrupted([&] { return ::ftruncate(to, arrived); });
+        if (end == eCopyEnd::Complete)
+            KeepTime(to, source.facts);
     }
 
     const eOpened& source;
@@ -127,8 +143,7 @@ private:
 
 void CopyAnew(const eOpened& source, const eRealPlace& place, const bool* cancel) {
     eReplacement target(place, source.facts.st_mode & permissionBits);
-    if (target.IsOpen() &&
-        CopyContent(source.file.Get(), source.facts, target.Get(), eCopyHoles::Keep, cancel) == eCopyEnd::Complete)
+    if (target.IsOpen() && CopyWithTime(source, target.Get(), cancel) == eCopyEnd::Complete)
         target.TakePlace();
 }
 
@@ -163,7 +178,7 @@ void CopyNewFile(ePlace from, ePlace to, eNamedLink link) {
             CopyOpened(source, to, eLastLinks::Refuse, nullptr);
         return;
     }
-    const eCopyEnd end = CopyContent(source.file.Get(), source.facts, target.Get(), eCopyHoles::Keep, nullptr);
+    const eCopyEnd end = CopyWithTime(source, target.Get(), nullptr);
     if (end != eCopyEnd::Complete || !target.Close())
         Remove(to.folder, to.name);
 }
