@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/wine.h"
+
 namespace {
 
 constexpr int kUtf8 = 65001;
@@ -196,6 +198,21 @@ TEST(WideText, OtherCodePagesAreTheSystems) {
         EXPECT_EQ("a?b", WideCharToString(Wide({'a', 0x1f600, 'b'}), row.codePage)) << row.codePage;
         EXPECT_EQ("?b", WideCharToString(std::wstring{wchar_t(0xd83d), 'b'}, row.codePage)) << row.codePage;
     }
+}
+
+void ExpectBothWays(int codePage, const std::string& narrow, const std::wstring& wide) {
+    EXPECT_EQ(wide, StringToWideChar(narrow, codePage)) << codePage;
+    EXPECT_EQ(narrow, WideCharToString(wide, codePage)) << codePage;
+}
+
+TEST(WideText, CodePagesThatTheSystemCallsOtherwiseAreKnownByTheirNumbers) {
+    ExpectBothWays(37, "\x81\x4a", Wide({'a', 0xa2}));
+    ExpectBothWays(708, "a\xc7", Wide({'a', 0x627}));
+    ExpectBothWays(10029, "a\x8a", Wide({'a', 0xe4}));
+    if (IsUnderWine())
+        GTEST_SKIP() << "Wine knows neither 20273 nor 20936";
+    ExpectBothWays(20273, "\x81\xc0", Wide({'a', 0xe4}));
+    ExpectBothWays(20936, "\xb0\xa1", Wide({0x554a}));
 }
 
 TEST(WideText, ATextOfAnyLengthIsConverted) {

@@ -93,13 +93,26 @@ private:
 };
 
 // The code pages whose converter is not called after their number.
-constexpr std::array kNames = {
-    std::pair{0, "UTF-8"},           std::pair{1, "UTF-8"},           std::pair{2, "MACINTOSH"},
-    std::pair{3, "UTF-8"},           std::pair{10000, "MACINTOSH"},   std::pair{20127, "ASCII"},
-    std::pair{20866, "KOI8-R"},      std::pair{20932, "EUC-JP"},      std::pair{21866, "KOI8-U"},
-    std::pair{50220, "ISO-2022-JP"}, std::pair{50225, "ISO-2022-KR"}, std::pair{51932, "EUC-JP"},
-    std::pair{51936, "EUC-CN"},      std::pair{51949, "EUC-KR"},      std::pair{54936, "GB18030"},
-    std::pair{65000, "UTF-7"}};
+constexpr std::array kNames = {std::pair{0, "UTF-8"},
+                               std::pair{1, "UTF-8"},
+                               std::pair{2, "MACINTOSH"},
+                               std::pair{3, "UTF-8"},
+                               std::pair{708, "ASMO-708"},
+                               std::pair{10000, "MACINTOSH"},
+                               std::pair{10029, "MAC-CENTRALEUROPE"},
+                               std::pair{20127, "ASCII"},
+                               std::pair{20866, "KOI8-R"},
+                               std::pair{20932, "EUC-JP"},
+                               std::pair{20936, "EUC-CN"},
+                               std::pair{21025, "CP1025"},
+                               std::pair{21866, "KOI8-U"},
+                               std::pair{50220, "ISO-2022-JP"},
+                               std::pair{50225, "ISO-2022-KR"},
+                               std::pair{51932, "EUC-JP"},
+                               std::pair{51936, "EUC-CN"},
+                               std::pair{51949, "EUC-KR"},
+                               std::pair{54936, "GB18030"},
+                               std::pair{65000, "UTF-7"}};
 
 std::string NameOf(int number) {
     const auto known = std::find_if(kNames.begin(), kNames.end(), [number](auto name) { return name.first == number; });
@@ -107,7 +120,10 @@ std::string NameOf(int number) {
         return known->second;
     if (number > 28590 && number <= 28606)
         return "ISO-8859-" + std::to_string(number - 28590);
-    return "CP" + std::to_string(number);
+    if (number >= 20273 && number <= 20905)
+        return "CP" + std::to_string(number - 20000); // those of mainframes
+    const std::string digits = std::to_string(number);
+    return "CP" + std::string(digits.size() < 3 ? 3 - digits.size() : 0, '0') + digits;
 }
 
 // The system's converters are files. Where it cannot open one, or has no room for it, it says that it knows no such
