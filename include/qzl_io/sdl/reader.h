@@ -188,7 +188,7 @@ private:
     void Require(eSDLParserLexType type, int line, const char* message);
     void RequireString(int line);
     void RequireBlockEnd();
-    bool SkipInSource(int* depth);
+    bool SkipInSource(long long* depth);
     void Calculate();
     bool GetOperandOrEnd(eSDLParserToken* token);
     void TakeOperand(eSDLParserToken* token);

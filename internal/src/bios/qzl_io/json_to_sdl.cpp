@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -227,6 +228,20 @@ void eJsonWalk::WriteJsonValue(value* json, value::value_type type) {
     xError::Fatal(sourceFile, valueTypeLine, "Json parsing failed due to unknown json value type.");
 }
 
+// Where there was no memory for the report, there may be now that the step has given back its own.
+void Warn(int line, const char* message) {
+    try {
+        xError::Warning(sourceFile, line, message, 0);
+        return;
+    } catch (const std::bad_alloc&) {
+    }
+    try {
+        xError::Warning(sourceFile, line, message, 0);
+    } catch (const std::bad_alloc&) {
+        // There is none at all.
+    }
+}
+
 // Runs one step of a conversion; what it throws becomes one warning and false.
 template <class eStep>
 bool Succeeds(int line, const eStep& step) {
@@ -234,27 +249,38 @@ bool Succeeds(int line, const eStep& step) {
         step();
         return true;
     } catch (const std::exception& failure) {
-        xError::Warning(sourceFile, line, failure.what(), 0);
+        Warn(line, failure.what());
     } catch (...) {
-        xError::Warning(sourceFile, line, "Json conversion failed.", 0);
+        Warn(line, "Json conversion failed.");
     }
     return false;
 }
+
+// What one conversion holds. The output is opened when its text is complete, so that a failure on the way leaves it
+// alone.
+struct eConversion {
+    value json;
+    eSDLTextStream text;
+    eTextPieces beginning;
+};
 
 } // namespace
 
 bool JsonToSdl(const eFileName& input, const eFileName& output) {
     eFileAtWork reading(input);
-    value json;
-    if (!Succeeds(readingLine, [&] { json = ParseJson(ReadFile(&reading)); }))
+    std::unique_ptr<eConversion> conversion;
+    const auto read = [&] {
+        conversion = std::make_unique<eConversion>();
+        conversion->json = ParseJson(ReadFile(&reading));
+    };
+    if (!Succeeds(readingLine, read))
         return false;
-    // Without a target: the output is opened when its text is complete, so that a failure on the way leaves it alone.
-    eSDLWriter writer;
-    writer.Open(static_cast<IO::eStream*>(nullptr));
-    eTextPieces beginning;
-    eJsonWalk walk(&writer.Stream(), &beginning, &reading.place);
-    if (!Succeeds(walkingLine, [&] { walk.WriteJsonValue(std::move(json)); }))
+    const auto walk = [&] {
+        eJsonWalk(&conversion->text, &conversion->beginning, &reading.place)
+            .WriteJsonValue(std::move(conversion->json));
+    };
+    if (!Succeeds(walkingLine, walk))
         return false;
     eFileAtWork writing(output);
-    return Succeeds(writingLine, [&] { WriteFile(&writing, beginning, &writer.Stream()); });
+    return Succeeds(writingLine, [&] { WriteFile(&writing, conversion->beginning, &conversion->text); });
 }

@@ -208,7 +208,7 @@ inline bool CutByTable(const char** position, int* line, eLexeme* token) {
         if (step.action != eAction::Stay && !ended)
             ++at;
         if (step.action != eAction::Stay && c == '\n')
-            ++*line;
+            *line = static_cast<int>(static_cast<unsigned>(*line) + 1);
         state = step.to;
         token->type = step.type;
     }

@@ -62,7 +62,7 @@ inline const char* CutNumber(const char* begin, eLexeme* token) {
         at = PassDigits(at, &token->digits);
         digits += at - fraction;
         token->type = sdlFloat;
-        token->exponent = static_cast<int>(fraction - at);
+        token->exponent = digits <= kExactDigits ? static_cast<int>(fraction - at) : 0;
         takesExponent = true;
     }
     token->exact = digits <= kExactDigits;
@@ -125,7 +125,7 @@ inline const char* CutString(const char* begin, int* line, eLexeme* token) {
     while (*at == '\\') {
         token->escaped = true;
         ++at;
-        *line += *at == '\n';
+        *line = LinesOn(*line, *at == '\n');
         at = PassStringBody(at + (*at != 0));
     }
     if (*at == 0)

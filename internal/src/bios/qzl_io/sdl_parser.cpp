@@ -26,7 +26,7 @@ constexpr std::size_t kPiece = 64 * 1024;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-constexpr int kContextLines = 5;
+constexpr std::size_t kContextLines = 5;
 constexpr char kContextMark = '\xAB';
 
 // Characters of a line that a report shows before the place and behind it: a text may be one line.
@@ -406,8 +406,8 @@ std::string eSDLParser::Listing(std::size_t around) const {
         --at;
     const bool cut = at > begin && at[-1] != '\n';
     std::string listing;
-    for (int line = 0; line < kContextLines && *at; ++line) {
-        listing += ToString(current.line + line, false) + (cut && line == 0 ? ": ..." : ": ");
+    for (std::size_t line = 0; line < kContextLines && *at; ++line) {
+        listing += ToString(xSDL::LinesOn(current.line, line), false) + (cut && line == 0 ? ": ..." : ": ");
         std::size_t left = around;
         for (bool ended = false; *at && !ended; ++at) {
             if (at == position)

@@ -396,7 +396,7 @@ void eSDLReader::Back() {
 
 void eSDLReader::SkipBlock(bool keepTerminator) {
     const eSkipping skipping(*this);
-    for (int depth = 0; !SkipInSource(&depth);)
+    for (long long depth = 0; !SkipInSource(&depth);)
         PopParser();
     if (keepTerminator)
         Back();
@@ -404,7 +404,7 @@ void eSDLReader::SkipBlock(bool keepTerminator) {
 
 // False at the end of a source with another one below it, where the block goes on. The last tokens are cut as ever, so
 // that the parser and its Back are left as if every token had been.
-bool eSDLReader::SkipInSource(int* depth) {
+bool eSDLReader::SkipInSource(long long* depth) {
     eSDLParser& parser = Parser();
     const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
     *depth = skimmed.depth;
@@ -414,7 +414,7 @@ bool eSDLReader::SkipInSource(int* depth) {
         previousBlockMark.swap(blockMark);
         blockMark = xSDL::MarkOf(skimmed.mark);
     }
-    parser.JumpTo(skimmed.anchor, parser.Line() + xSDL::LinesBefore(skimmed.anchor, skimmed));
+    parser.JumpTo(skimmed.anchor, xSDL::LinesOn(parser.Line(), xSDL::LinesBefore(skimmed.anchor, skimmed)));
     if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1) {
         while (parser.Cut())
             if (parser.escaped)

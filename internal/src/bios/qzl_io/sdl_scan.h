@@ -120,6 +120,11 @@ inline const char* PassStringBody(const char* at) {
     }
 }
 
+// A line number so many lines on. A text may have more of them than an int counts: then it goes on from the smallest.
+constexpr int LinesOn(int line, std::size_t by) {
+    return static_cast<int>(static_cast<unsigned>(line) + static_cast<unsigned>(by));
+}
+
 // Blanks, the line feeds among them counted.
 inline const char* PassBlanks(const char* at, int* line) {
     for (;; at += 16) {
@@ -129,13 +134,13 @@ inline const char* PassBlanks(const char* at, int* line) {
         if (other)
             feeds &= (1u << std::countr_zero(other)) - 1;
         for (; feeds; feeds &= feeds - 1)
-            ++*line;
+            *line = LinesOn(*line, 1);
         if (other)
             return at + std::countr_zero(other);
     }
 }
 
-inline int CountLineFeeds(const char* begin, const char* end) {
+inline std::size_t CountLineFeeds(const char* begin, const char* end) {
     std::size_t count = 0;
     while (end - begin >= 16) {
         const std::ptrdiff_t blocks = (end - begin) / 16 < 255 ? (end - begin) / 16 : 255;
@@ -151,7 +156,7 @@ inline int CountLineFeeds(const char* begin, const char* end) {
         for (unsigned feeds = Mask(Is(Load16(begin), '\n')) & left; feeds; feeds &= feeds - 1)
             ++count;
     }
-    return static_cast<int>(count);
+    return count;
 }
 
 // The highest bit of each of the eight characters that is no digit.

@@ -21,12 +21,12 @@ struct eSkimmed {
     eSkimEnd end = eSkimEnd::EndOfText;
     const char* stop = nullptr;       // the terminator, or the character that the lexer would stop at
     const char* anchor = nullptr;     // a place from which cutting tokens gives the last ones before `stop`
-    int depth = 0;                    // of blocks open at `stop`
+    long long depth = 0;              // of blocks open at `stop`
     std::size_t starts = 0;           // block starts on the way
     const char* mark = nullptr;       // the last one's {, null if there is no mark behind it
     const char* markBefore = nullptr; // the same of the one before
     const char* counted = nullptr;    // a place near the end of the pass
-    int lines = 0;                    // line feeds before it
+    std::size_t lines = 0;            // line feeds before it
 };
 
 // The mark of the block that starts with the brace, without its first #.
@@ -39,7 +39,7 @@ inline std::string_view MarkOf(const char* brace) {
 }
 
 // Line feeds from the beginning of the pass to a place near its end.
-inline int LinesBefore(const char* place, const eSkimmed& skimmed) {
+inline std::size_t LinesBefore(const char* place, const eSkimmed& skimmed) {
     return place < skimmed.counted ? skimmed.lines - CountLineFeeds(place, skimmed.counted)
                                    : skimmed.lines + CountLineFeeds(skimmed.counted, place);
 }
@@ -49,7 +49,7 @@ inline int LinesBefore(const char* place, const eSkimmed& skimmed) {
 class eSkim {
 public:
     // From the position, a boundary between tokens, with so many blocks open.
-    eSkim(const char* position, int depth) : at(position), boundary(position) {
+    eSkim(const char* position, long long depth) : at(position), boundary(position) {
         skimmed.anchor = position;
         skimmed.depth = depth;
     }
@@ -58,7 +58,8 @@ public:
         while (PassBlock()) {
         }
         KeepPlainStarts();
-        skimmed.lines = _mm_cvtsi128_si32(lineFeeds) + _mm_cvtsi128_si32(_mm_unpackhi_epi64(lineFeeds, lineFeeds));
+        skimmed.lines = static_cast<std::size_t>(_mm_cvtsi128_si64(lineFeeds)) +
+                        static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(lineFeeds, lineFeeds)));
         return skimmed;
     }
 
@@ -134,7 +135,8 @@ private:
     }
 
     void CountLines() {
-        lineFeeds = _mm_add_epi64(lineFeeds, _mm_cvtsi32_si128(CountLineFeeds(skimmed.counted, at)));
+        lineFeeds =
+            _mm_add_epi64(lineFeeds, _mm_cvtsi64_si128(static_cast<long long>(CountLineFeeds(skimmed.counted, at))));
         skimmed.counted = at;
     }
 
