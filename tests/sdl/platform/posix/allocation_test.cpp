@@ -32,8 +32,12 @@ bool Fails() {
 } // namespace
 
 // For the whole program, the libraries included.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return Fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+
 [[gnu::noinline]] void* operator new(std::size_t size) {
-    void* const block = Fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+    void* const block = operator new(size, std::nothrow);
     if (!block)
         throw std::bad_alloc();
     return block;
