@@ -19,6 +19,7 @@
 
 #include <support/platform/posix/as_nobody.h>
 #include <support/platform/posix/fault.h>
+#include <support/platform/posix/umask.h>
 
 #include "../../real_tree.h"
 
@@ -39,17 +40,6 @@ protected:
     mode_t Mode(std::string_view name) const { return Facts(name).st_mode & 07777; }
     void SetMode(std::string_view name, mode_t mode) const { ASSERT_EQ(0, ::chmod(At(name).c_str(), mode)); }
     void MakeLink(std::string_view target, std::string_view link) const { fs::create_symlink(target, At(link)); }
-};
-
-class eUmask {
-public:
-    explicit eUmask(mode_t mask) : before(::umask(mask)) {}
-    ~eUmask() { ::umask(before); }
-    eUmask(const eUmask&) = delete;
-    eUmask& operator=(const eUmask&) = delete;
-
-private:
-    mode_t before;
 };
 
 } // namespace

@@ -17,6 +17,7 @@
 #include <support/platform/posix/as_nobody.h>
 #include <support/platform/posix/fault.h>
 #include <support/platform/posix/open_descriptors.h>
+#include <support/platform/posix/umask.h>
 
 #include "../../real_tree.h"
 
@@ -411,17 +412,6 @@ TYPED_TEST(PosixServices, CopyThatFindsNoRoomLeavesNoPartialTarget) {
 }
 
 // --- Permissions of copied folders ---
-
-class eUmask {
-public:
-    explicit eUmask(mode_t mask) : before(::umask(mask)) {}
-    ~eUmask() { ::umask(before); }
-    eUmask(const eUmask&) = delete;
-    eUmask& operator=(const eUmask&) = delete;
-
-private:
-    mode_t before;
-};
 
 mode_t ModeOf(const fs::path& name) {
     struct stat facts {};
