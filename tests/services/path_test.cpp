@@ -157,6 +157,16 @@ TYPED_TEST(PathServices, TheCurrentFolderIsEmptiedAndStays) {
     EXPECT_EQ(eNames{"root/"}, this->Tree(""));
 }
 
+TYPED_TEST(PathServices, PurgeWithoutANameIsOfTheCurrentFolder) {
+    this->MakeSample("root");
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(this->At("root"));
+    TypeParam::PurgeEmpty(typename TypeParam::Name());
+    std::filesystem::current_path(before);
+    EXPECT_FALSE(this->Exists("root/empty"));
+    EXPECT_EQ("1", this->Content("root/file.txt"));
+}
+
 TYPED_TEST(PathServices, DeleteWorksFiftyLevelsDeep) {
     std::string folder = "root";
     for (int level = 0; level < 50; ++level) {

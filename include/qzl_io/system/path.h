@@ -24,6 +24,7 @@ namespace IO::System::Path {
 /// |----------------|----------------------------------------------|
 /// | "c:/a/b/"      | Windows: "c:/a", "c:/a/b", "c:/a/b/"         |
 /// | "x/y"          | "x", "x/y"                                   |
+/// | "x/a:b/c"      | Linux: "x", "x/a:b", "x/a:b/c"               |
 /// | "/x/y"         | Linux: "/x", "/x/y"; Windows: refused        |
 /// | "//server/s/x" | Windows: refused unless it exists            |
 QZL_IO_API bool Create(const eFileName& folder);
@@ -47,7 +48,8 @@ QZL_IO_API void Delete(const eFileName& folder, bool recursive);
 
 /// Removes every folder below `folder` that holds no file anywhere below it, deepest first. `folder` itself stays,
 /// links stay and count as content; a `folder` that is itself a link is left alone. The name is used as given and so must
-/// end in "/": without it, the folders named by the pattern `folder` + "*.*" are meant.
+/// end in "/": without it, the folders named by the pattern `folder` + "*.*" are meant, and with an empty name those in
+/// the current folder.
 QZL_IO_API void PurgeEmpty(const eFileName& folder);
 
 /// Cuts a path into drive, folder, name and extension, by the same rules on both systems, and returns `path`. A part
