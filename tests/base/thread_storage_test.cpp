@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -94,6 +95,42 @@ TEST(ThreadStorage, GivesItsIndexBack) {
     for (int round = 0; round < 5000; ++round)
         eStorage().Get();
     EXPECT_TRUE(reports.errors().empty());
+}
+
+TEST(ThreadStorage, GivesAThreadThatOutlivesAStorageAFreshObjectOfTheNext) {
+    auto storage = std::make_unique<eStorage>();
+    std::atomic<int> step = 0;
+    int valueOfTheNext = -1;
+    std::thread thread([&] {
+        storage->Get().value = 7;
+        step = 1;
+        step.notify_all();
+        step.wait(1);
+        valueOfTheNext = storage->Get().value;
+    });
+    step.wait(0);
+    storage.reset();
+    storage = std::make_unique<eStorage>(); // as a rule with the index that was given back
+    step = 2;
+    step.notify_all();
+    thread.join();
+    EXPECT_EQ(0, valueOfTheNext);
+    EXPECT_EQ(1, living);
+}
+
+TEST(ThreadStorage, TriesAgainAfterAConstructorThatThrew) {
+    static int constructions;
+    constructions = 0;
+    struct eOnceRefused {
+        eOnceRefused() {
+            if (++constructions == 1)
+                throw std::runtime_error("refused");
+        }
+    };
+    eCriticalResource<eOnceRefused> storage;
+    EXPECT_THROW(storage.Get(), std::runtime_error);
+    EXPECT_EQ(&storage.Get(), &storage.Get());
+    EXPECT_EQ(2, constructions);
 }
 
 TEST(ThreadStorage, ReportsThatTheSystemHasNoIndexLeft) {
