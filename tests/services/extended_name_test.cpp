@@ -147,8 +147,9 @@ TEST(SystemPattern, HasAnExtendedFolderAndAMaskOfTheSameMeaning) {
     const struct {
         std::wstring mask, result;
     } masks[] = {
-        {L"*.*", L"*.*"}, {L"*", L"*"},     {L"a*.txt", L"a*.txt"}, {L"*.", L"<"}, {L"a*.", L"a<"}, {L"*. ", L"*"},
-        {L"a?.", L"a?"},  {L"a.?", L"a.?"}, {L"*..", L"<"},         {L"", L""},    {L"b.", L"b."},  {L"x", L"x"},
+        {L"*.*", L"*.*"},  {L"*", L"*"},    {L"a*.txt", L"a*.txt"}, {L"*.", L"<"},  {L"a*.", L"a<"},
+        {L"*. ", L"*"},    {L"a?.", L"a?"}, {L"a.?", L"a.?"},       {L"*..", L"<"}, {L"*.*.", L"*.*"},
+        {L"a.*.", L"a.<"}, {L"", L""},      {L"b.", L"b."},         {L"x", L"x"},
     };
     for (const auto& row : masks)
         EXPECT_EQ(extended + row.result, SystemPattern(folder + row.mask, work)) << testing::PrintToString(row.mask);

@@ -146,10 +146,10 @@ constexpr std::size_t MaskStart(std::wstring_view pattern) {
 }
 
 /// A mask as it is compared when nobody takes dots and blanks off its end: a last "*." there means any characters but
-/// the last dot, for which the system has a character of its own.
+/// the last dot, for which the system has a character of its own. Where "*.*" is left, it means every name.
 inline std::wstring ExtendedMask(std::wstring_view mask) {
     std::wstring extended(mask.substr(0, mask.find_last_not_of(L". ") + 1));
-    if (mask.ends_with(L'.') && extended.ends_with(L'*'))
+    if (mask.ends_with(L'.') && extended.ends_with(L'*') && extended != L"*.*")
         extended.back() = L'<';
     return extended;
 }
