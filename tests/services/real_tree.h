@@ -20,6 +20,10 @@ public:
     using Name = typename Width::Name;
 
 protected:
+    eRealTree() = default;
+    // With the test's own folder in the given one.
+    explicit eRealTree(const std::filesystem::path& parent) : temp(parent) {}
+
     std::filesystem::path At(std::string_view relative) const { return temp.Path() / relative; }
     Name Named(std::string_view relative) const { return Name(Width::OfPath(At(relative))); }
     Name Folder(std::string_view relative) const { return Named(relative).GetPath(); }

@@ -14,7 +14,8 @@
 // content could not be removed, as when a file is still open on a system that locks open files.
 class eTempFolder {
 public:
-    eTempFolder() : path(MakeFolder()) {}
+    explicit eTempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
+        : path(MakeFolder(parent)) {}
 
     ~eTempFolder() {
         std::error_code error;
@@ -56,12 +57,12 @@ public:
     bool Exists(std::string_view name) const { return std::filesystem::exists(path / name); }
 
 private:
-    static std::filesystem::path MakeFolder() {
+    static std::filesystem::path MakeFolder(const std::filesystem::path& parent) {
         static std::atomic<unsigned> counter = 0;
         const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
         for (;;) {
             const auto name = "qzl_test_" + std::to_string(now) + "_" + std::to_string(++counter);
-            const auto folder = std::filesystem::temp_directory_path() / name;
+            const auto folder = parent / name;
             if (std::filesystem::create_directory(folder))
                 return folder;
         }
