@@ -51,6 +51,10 @@ bool Fails() {
     std::free(block);
 }
 
+[[gnu::noinline]] void operator delete(void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+
 namespace {
 
 class Allocations : public testing::TestWithParam<bool> {
