@@ -14,7 +14,8 @@ endfunction()
 # qzl_add_library(name): the shared library of the calling folder, with <name/export.h> and every source of
 # the folder and of the platform's own folder below it.
 function(qzl_add_library name)
-    file(GLOB sources CONFIGURE_DEPENDS *.cpp platform/*.cpp platform/${QZL_PLATFORM}/*.cpp)
+    file(GLOB sources CONFIGURE_DEPENDS *.cpp streams/*.cpp sdl/*.cpp json/*.cpp files/*.cpp machine/*.cpp
+        platform/${QZL_PLATFORM}/*.cpp)
     add_library(${name} SHARED ${sources})
     qzl_own_target(${name})
     target_compile_features(${name} PUBLIC cxx_std_20)

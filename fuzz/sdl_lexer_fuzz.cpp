@@ -4,7 +4,7 @@
 #include <iostream>
 #include <string>
 
-#include "sdl_lexer.h"
+#include "sdl/lexer.h"
 
 // Any bytes as a text: the lexer at work cuts the same tokens from it as the plain walk of the automaton.
 

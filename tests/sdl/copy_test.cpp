@@ -1,4 +1,4 @@
-#include "sdl_copy.h"
+#include "sdl/copy.h"
 
 #include <string>
 

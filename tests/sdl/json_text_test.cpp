@@ -1,4 +1,4 @@
-#include "json_text.h"
+#include "json/text.h"
 
 #include <random>
 #include <string>

@@ -6,8 +6,8 @@
 
 #include <qzl_io/sdl.h>
 
-#include "sdl_lexer.h"
-#include "sdl_skim.h"
+#include "sdl/lexer.h"
+#include "sdl/skim.h"
 
 // Counts that leave an int, begun near its end.
 namespace {

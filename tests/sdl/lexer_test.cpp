@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sdl_lexer.h"
+#include "sdl/lexer.h"
 #include "support/long_tests.h"
 
 namespace {

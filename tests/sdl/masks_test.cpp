@@ -1,4 +1,4 @@
-#include "sdl_masks.h"
+#include "sdl/masks.h"
 
 #include <array>
 #include <bit>
@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sdl_automaton.h"
+#include "sdl/automaton.h"
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include <qzl_base/convert.h>
 #include <qzl_io/streams.h>
 
-#include "sdl_number.h"
+#include "sdl/number.h"
 #include "sdl_source.h"
 #include "support/reports.h"
 #include "turning_cipher.h"

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sdl_skim.h"
+#include "sdl/skim.h"
 #include "support/long_tests.h"
 
 namespace {

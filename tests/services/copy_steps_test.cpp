@@ -1,4 +1,4 @@
-#include "copy_steps.h"
+#include "platform/pure/copy_steps.h"
 
 #include <string>
 #include <vector>

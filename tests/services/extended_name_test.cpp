@@ -1,4 +1,4 @@
-#include "extended_name.h"
+#include "platform/pure/extended_name.h"
 
 #include <string>
 

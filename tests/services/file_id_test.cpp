@@ -1,4 +1,4 @@
-#include "file_id.h"
+#include "platform/pure/file_id.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "listed_kind.h"
+#include "platform/pure/listed_kind.h"
 
 #include <string>
 

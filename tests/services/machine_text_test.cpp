@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include "cached_text.h"
-#include "disk_descriptor.h"
-#include "growing_query.h"
-#include "version_name.h"
+#include "machine/cached_text.h"
+#include "machine/growing_query.h"
+#include "machine/version_name.h"
+#include "platform/pure/disk_descriptor.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "path_text.h"
+#include "files/path_text.h"
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "patience.h"
+#include "platform/pure/patience.h"
 
 #include <chrono>
 #include <vector>

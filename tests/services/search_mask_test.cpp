@@ -1,4 +1,4 @@
-#include "search_mask.h"
+#include "platform/pure/search_mask.h"
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "tree.h"
+#include "files/tree.h"
 
 #include <algorithm>
 #include <chrono>

@@ -102,9 +102,8 @@ void Purge(int folder) {
 } // namespace
 
 std::uint64_t WalkByHand(const std::string& folder) {
-    return ForEachFile(OpenFolder(AT_FDCWD, folder.c_str()), [](int, const char* name) {
-        return static_cast<unsigned char>(name[0]) + std::uint64_t{1};
-    });
+    return ForEachFile(OpenFolder(AT_FDCWD, folder.c_str()),
+                       [](int, const char* name) { return static_cast<unsigned char>(name[0]) + std::uint64_t{1}; });
 }
 
 std::uint64_t SizesByHand(const std::string& folder) {

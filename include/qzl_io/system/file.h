@@ -21,11 +21,10 @@ enum eAccessMode : int {
 /// True when the file or folder exists and, for the other modes, this process may use it in that way.
 QZL_IO_API bool Access(const eFileName& name, eAccessMode mode);
 
-/// Copies a file, replacing an existing target; of a target that is a link, the file behind it, which is made where it is
-/// missing. Copying a file onto itself leaves it as it is.
-/// The result tells only whether `from` exists: a copy that fails afterwards (the target's folder is missing, the disk
-/// is full, the target is locked) still gives true. Callers that must know look at the target. No half-written target
-/// stays behind.
+/// Copies a file, replacing an existing target; of a target that is a link, the file behind it, which is made where it
+/// is missing. Copying a file onto itself leaves it as it is. The result tells only whether `from` exists: a copy that
+/// fails afterwards (the target's folder is missing, the disk is full, the target is locked) still gives true. Callers
+/// that must know look at the target. No half-written target stays behind.
 ///
 /// The copy has the source's time of the last write, but on Linux not where the target belongs to another user and is
 /// written in place. On Windows the target gets the source's attributes, too. On Linux a new target gets the source's
@@ -39,9 +38,9 @@ QZL_IO_API bool Copy(const eFileName& from, const eFileName& to);
 /// Copy that another thread can stop: the copy ends at its next look at `*cancel` after that byte became non-zero.
 /// It looks when the target has been opened and again at least once for each 4 MiB; on Windows whenever the system
 /// reports progress. A stopped copy leaves no target, not even the one that stood there before; of a target that is a
-/// link, the file behind it goes. What could not be opened (a missing source, a target that may not be written) stays as
-/// it is, and so does a source that is its own target. `cancel` must stay valid during the call and must not be null.
-/// The result is that of Copy, whether stopped or not.
+/// link, the file behind it goes. What could not be opened (a missing source, a target that may not be written) stays
+/// as it is, and so does a source that is its own target. `cancel` must stay valid during the call and must not be
+/// null. The result is that of Copy, whether stopped or not.
 QZL_IO_API bool CopyEx(const eFileName& from, const eFileName& to, bool* cancel);
 
 /// True when the file has been removed. A folder is not; of a link to a file, the link itself is removed. A link to a

@@ -8,7 +8,8 @@ namespace IO {
 ///
 ///     FILETIME time = search.ModifyTime();
 ///
-/// Name the system's type there: with `auto` the variable is an eFileTime, whose address no function of the system takes.
+/// Name the system's type there: with `auto` the variable is an eFileTime, whose address no function of the system
+/// takes.
 struct eFileTime {
     unsigned int dwLowDateTime = 0;
     unsigned int dwHighDateTime = 0;

@@ -47,9 +47,9 @@ QZL_IO_API void Copy(const eFileName& from, const eFileName& to);
 QZL_IO_API void Delete(const eFileName& folder, bool recursive);
 
 /// Removes every folder below `folder` that holds no file anywhere below it, deepest first. `folder` itself stays,
-/// links stay and count as content; a `folder` that is itself a link is left alone. The name is used as given and so must
-/// end in "/": without it, the folders named by the pattern `folder` + "*.*" are meant, and with an empty name those in
-/// the current folder.
+/// links stay and count as content; a `folder` that is itself a link is left alone. The name is used as given and so
+/// must end in "/": without it, the folders named by the pattern `folder` + "*.*" are meant, and with an empty name
+/// those in the current folder.
 QZL_IO_API void PurgeEmpty(const eFileName& folder);
 
 /// Cuts a path into drive, folder, name and extension, by the same rules on both systems, and returns `path`. A part

@@ -77,12 +77,13 @@ QZL_BASE_API void AppendEscaped(std::string* target, std::string_view text);
 // --- Narrow and wide texts ---
 //
 // Wide texts are UTF-16 or UTF-32, as wchar_t is 2 or 4 bytes wide. No text whatever makes these functions throw (lack
-// of memory does, std::bad_alloc): towards wide texts each ill-formed part becomes one U+FFFD; towards UTF-8 each lone surrogate or
-// value that is no character does; towards other code pages a character that the page does not have becomes "?".
+// of memory does, std::bad_alloc): towards wide texts each ill-formed part becomes one U+FFFD; towards UTF-8 each lone
+// surrogate or value that is no character does; towards other code pages a character that the page does not have
+// becomes "?".
 
 // Code page 65001 is UTF-8, 1252 is Windows-1252 (with its five unassigned bytes as the control characters of the same
-// value); others are as the system knows them. In a code page that it does not know, only ASCII is known. Where it has no
-// file descriptor left to find out, that is reported as an error, and the result is empty.
+// value); others are as the system knows them. In a code page that it does not know, only ASCII is known. Where it has
+// no file descriptor left to find out, that is reported as an error, and the result is empty.
 QZL_BASE_API std::wstring StringToWideChar(const std::string& text, int codePage);
 QZL_BASE_API std::string WideCharToString(const std::wstring& text, int codePage);
 

@@ -15,9 +15,9 @@
 #include <qzl_io/sdl/writer.h>
 #include <qzl_io/streams.h>
 
-#include "failure_text.h"
-#include "json_document.h"
-#include "text_pieces.h"
+#include "files/failure_text.h"
+#include "json/document.h"
+#include "json/text_pieces.h"
 
 namespace {
 

@@ -3,14 +3,14 @@
 #include <qzl_io/system/file.h>
 #include <qzl_io/system/search.h>
 
-#include "path_text.h"
-#include "patience.h"
+#include "files/path_text.h"
+#include "files/tree.h"
 #include "platform/characters.h"
 #include "platform/files.h"
 #include "platform/folder.h"
 #include "platform/machine.h"
+#include "platform/pure/patience.h"
 #include "platform/unattended.h"
-#include "tree.h"
 
 namespace IO::System {
 

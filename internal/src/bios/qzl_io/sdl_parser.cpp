@@ -9,11 +9,11 @@
 #include <qzl_io/sdl/reader.h>
 #include <qzl_io/streams.h>
 
-#include "failure_text.h"
+#include "files/failure_text.h"
 #include "platform/memory.h"
-#include "sdl_lexer.h"
-#include "sdl_number.h"
-#include "sdl_plain.h"
+#include "sdl/lexer.h"
+#include "sdl/number.h"
+#include "sdl/plain.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <qzl_io/streams.h>
 
 #include "platform/file_handle.h"
-#include "sdl_plain.h"
-#include "sdl_skim.h"
+#include "sdl/plain.h"
+#include "sdl/skim.h"
 
 namespace {
 

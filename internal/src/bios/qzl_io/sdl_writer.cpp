@@ -15,7 +15,7 @@
 #include <qzl_io/streams/stream_file.h>
 
 #include "platform/memory.h"
-#include "sdl_copy.h"
+#include "sdl/copy.h"
 
 namespace {
 

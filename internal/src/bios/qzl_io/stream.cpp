@@ -7,9 +7,9 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 
-#include "stream_direct.h"
-#include "stream_operation.h"
-#include "stream_reports.h"
+#include "streams/direct.h"
+#include "streams/operation.h"
+#include "streams/reports.h"
 
 namespace IO {
 

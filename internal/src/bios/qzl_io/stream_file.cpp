@@ -11,10 +11,10 @@
 #include <qzl_base/format.h>
 
 #include "platform/file_handle.h"
-#include "stream_direct.h"
-#include "stream_operation.h"
-#include "stream_reports.h"
-#include "wide_units.h"
+#include "streams/direct.h"
+#include "streams/operation.h"
+#include "streams/reports.h"
+#include "streams/wide_units.h"
 
 namespace IO {
 namespace {

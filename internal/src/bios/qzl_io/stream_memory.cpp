@@ -6,8 +6,8 @@
 #include <typeinfo>
 #include <utility>
 
-#include "stream_operation.h"
-#include "stream_reports.h"
+#include "streams/operation.h"
+#include "streams/reports.h"
 
 namespace IO {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <qzl_io/system/system_info.h>
 
-#include "cached_text.h"
+#include "machine/cached_text.h"
 #include "platform/machine.h"
 
 namespace IO::System {

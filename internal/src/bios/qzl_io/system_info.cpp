@@ -3,11 +3,11 @@
 #include <qzl_base/collectors.h>
 #include <qzl_base/convert.h>
 
-#include "cached_text.h"
-#include "growing_query.h"
+#include "machine/cached_text.h"
+#include "machine/growing_query.h"
+#include "machine/version_name.h"
 #include "platform/characters.h"
 #include "platform/machine.h"
-#include "version_name.h"
 
 namespace IO::System {
 

@@ -60,7 +60,7 @@ ssize_t simulated_getdents64(int folder, void* entries, std::size_t size) {
 
 #include <support/temp_folder.h>
 
-#include "tree.h"
+#include "files/tree.h"
 
 namespace {
 

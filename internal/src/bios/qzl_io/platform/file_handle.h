@@ -13,8 +13,8 @@ namespace IO::Platform {
 int OpenFile(const char* name, int openFlags);
 int OpenFile(const wchar_t* name, int openFlags);
 
-// Why the system refused the last OpenFile, ReadAt or WriteAt of this thread that it did refuse, in its own words; empty
-// when it has refused none since this was asked before.
+// Why the system refused the last OpenFile, ReadAt or WriteAt of this thread that it did refuse, in its own words;
+// empty when it has refused none since this was asked before.
 std::string TakeFailureReason();
 
 // Never repeated: the handle is gone even when the system reports a failure.

@@ -1,4 +1,4 @@
-#include "../characters.h"
+#include "platform/characters.h"
 
 #include <cctype>
 #include <cwctype>

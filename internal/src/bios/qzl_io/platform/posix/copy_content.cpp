@@ -1,4 +1,4 @@
-#include "copy_content.h"
+#include "platform/posix/copy_content.h"
 
 #include <cerrno>
 #include <memory>
@@ -6,8 +6,8 @@
 #include <sys/sendfile.h>
 #include <unistd.h>
 
-#include "../cancel_flag.h"
-#include "descriptor.h"
+#include "platform/cancel_flag.h"
+#include "platform/posix/descriptor.h"
 
 namespace IO::Platform {
 

@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "../../copy_steps.h"
+#include "platform/pure/copy_steps.h"
 
 namespace IO::Platform {
 

@@ -8,10 +8,10 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include "../../disk_descriptor.h"
-#include "../machine.h"
-#include "descriptor.h"
-#include "entries.h"
+#include "platform/machine.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/entries.h"
+#include "platform/pure/disk_descriptor.h"
 
 namespace IO::Platform {
 

@@ -1,6 +1,6 @@
-#include "entries.h"
+#include "platform/posix/entries.h"
 
-#include "descriptor.h"
+#include "platform/posix/descriptor.h"
 
 namespace IO::Platform {
 

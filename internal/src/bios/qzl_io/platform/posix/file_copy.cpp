@@ -1,4 +1,4 @@
-#include "file_copy.h"
+#include "platform/posix/file_copy.h"
 
 #include <cerrno>
 #include <csignal>
@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "copy_content.h"
-#include "replacement.h"
+#include "platform/posix/copy_content.h"
+#include "platform/posix/replacement.h"
 
 namespace IO::Platform {
 

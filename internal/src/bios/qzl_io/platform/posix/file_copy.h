@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../folder.h"
-#include "real_place.h"
+#include "platform/folder.h"
+#include "platform/posix/real_place.h"
 
 namespace IO::Platform {
 
@@ -14,8 +14,8 @@ namespace IO::Platform {
 /// that is no regular file, and one that this process may write but not replace.
 void CopyRegularFile(ePlace from, ePlace to, const bool* cancel);
 
-/// The same where the target is to be new and its name may not be a link: no file beside it is needed, a failure removes
-/// it. `link` says whether the source's name may be one.
+/// The same where the target is to be new and its name may not be a link: no file beside it is needed, a failure
+/// removes it. `link` says whether the source's name may be one.
 void CopyNewFile(ePlace from, ePlace to, eNamedLink link);
 
 } // namespace IO::Platform

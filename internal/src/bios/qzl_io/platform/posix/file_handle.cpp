@@ -8,9 +8,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "file_id.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_name.h"
+#include "platform/pure/file_id.h"
 
 namespace IO::Platform {
 namespace {

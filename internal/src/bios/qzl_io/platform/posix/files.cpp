@@ -1,4 +1,4 @@
-#include "../files.h"
+#include "platform/files.h"
 
 #include <cstdio>
 
@@ -6,9 +6,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "descriptor.h"
-#include "file_copy.h"
-#include "native_name.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/file_copy.h"
+#include "platform/posix/native_name.h"
 
 namespace IO::Platform {
 

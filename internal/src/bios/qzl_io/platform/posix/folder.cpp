@@ -1,4 +1,4 @@
-#include "../folder.h"
+#include "platform/folder.h"
 
 #include <cerrno>
 #include <climits>
@@ -9,10 +9,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "descriptor.h"
-#include "entries.h"
-#include "file_copy.h"
-#include "native_name.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/entries.h"
+#include "platform/posix/file_copy.h"
+#include "platform/posix/native_name.h"
 
 namespace IO::Platform {
 

@@ -1,4 +1,4 @@
-#include "../listing.h"
+#include "platform/listing.h"
 
 #include <ctime>
 #include <string_view>
@@ -6,10 +6,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "../../search_mask.h"
-#include "descriptor.h"
-#include "entries.h"
-#include "native_name.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/entries.h"
+#include "platform/posix/native_name.h"
+#include "platform/pure/search_mask.h"
 
 namespace IO {
 

@@ -1,4 +1,4 @@
-#include "../machine.h"
+#include "platform/machine.h"
 
 #include <array>
 #include <cerrno>
@@ -9,8 +9,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include "descriptor.h"
-#include "native_name.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/native_name.h"
 
 namespace IO::Platform {
 

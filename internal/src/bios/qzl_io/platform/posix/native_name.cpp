@@ -1,4 +1,4 @@
-#include "native_name.h"
+#include "platform/posix/native_name.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "real_place.h"
+#include "platform/posix/real_place.h"
 
 #include <cerrno>
 #include <climits>

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "descriptor.h"
+#include "platform/posix/descriptor.h"
 
 namespace IO::Platform {
 

@@ -1,4 +1,4 @@
-#include "replacement.h"
+#include "platform/posix/replacement.h"
 
 #include <atomic>
 #include <cerrno>

@@ -4,7 +4,7 @@
 
 #include <sys/stat.h>
 
-#include "real_place.h"
+#include "platform/posix/real_place.h"
 
 namespace IO::Platform {
 

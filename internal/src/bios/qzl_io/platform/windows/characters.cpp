@@ -1,4 +1,4 @@
-#include "../characters.h"
+#include "platform/characters.h"
 
 #include <mbctype.h>
 #include <string.h>

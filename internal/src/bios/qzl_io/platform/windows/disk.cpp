@@ -6,9 +6,9 @@
 
 #include <winioctl.h>
 
-#include "../../disk_descriptor.h"
-#include "../machine.h"
-#include "owned_handle.h"
+#include "platform/machine.h"
+#include "platform/pure/disk_descriptor.h"
+#include "platform/windows/owned_handle.h"
 
 namespace IO::Platform {
 

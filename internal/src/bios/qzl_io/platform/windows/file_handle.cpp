@@ -14,9 +14,9 @@
 #include <share.h>
 #include <sys/stat.h>
 
-#include "file_numbers.h"
-#include "native_name.h"
 #include "platform/unattended.h"
+#include "platform/windows/file_numbers.h"
+#include "platform/windows/native_name.h"
 
 namespace IO::Platform {
 namespace {

@@ -1,4 +1,4 @@
-#include "file_numbers.h"
+#include "platform/windows/file_numbers.h"
 
 #include <cstring>
 

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "../../file_id.h"
+#include "platform/pure/file_id.h"
 
 namespace IO::Platform {
 

@@ -1,4 +1,4 @@
-#include "../files.h"
+#include "platform/files.h"
 
 #include <windows.h>
 
@@ -7,9 +7,9 @@
 #include <share.h>
 #include <sys/stat.h>
 
-#include "../cancel_flag.h"
-#include "../unattended.h"
-#include "native_name.h"
+#include "platform/cancel_flag.h"
+#include "platform/unattended.h"
+#include "platform/windows/native_name.h"
 
 namespace IO::Platform {
 

@@ -1,4 +1,4 @@
-#include "../folder.h"
+#include "platform/folder.h"
 
 #include <string>
 #include <string_view>
@@ -6,11 +6,11 @@
 
 #include <windows.h>
 
-#include "../../listed_kind.h"
-#include "../../patience.h"
-#include "file_numbers.h"
-#include "native_name.h"
-#include "owned_handle.h"
+#include "platform/pure/listed_kind.h"
+#include "platform/pure/patience.h"
+#include "platform/windows/file_numbers.h"
+#include "platform/windows/native_name.h"
+#include "platform/windows/owned_handle.h"
 
 namespace IO::Platform {
 

@@ -1,11 +1,11 @@
-#include "../listing.h"
+#include "platform/listing.h"
 
 #include <windows.h>
 
-#include "../../listed_kind.h"
-#include "../unattended.h"
-#include "native_name.h"
-#include "owned_handle.h"
+#include "platform/pure/listed_kind.h"
+#include "platform/unattended.h"
+#include "platform/windows/native_name.h"
+#include "platform/windows/owned_handle.h"
 
 namespace IO {
 

@@ -1,12 +1,12 @@
-#include "../machine.h"
+#include "platform/machine.h"
 
 #include <array>
 #include <memory>
 
 #include <windows.h>
 
-#include "../../path_text.h"
-#include "native_name.h"
+#include "files/path_text.h"
+#include "platform/windows/native_name.h"
 
 namespace IO::Platform {
 

@@ -1,9 +1,9 @@
-#include "native_name.h"
+#include "platform/windows/native_name.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "../../extended_name.h"
+#include "platform/pure/extended_name.h"
 
 namespace IO::Platform {
 

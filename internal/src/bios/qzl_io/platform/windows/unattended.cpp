@@ -1,4 +1,4 @@
-#include "../unattended.h"
+#include "platform/unattended.h"
 
 #include <windows.h>
 

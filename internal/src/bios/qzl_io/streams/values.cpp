@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "stream_operation.h"
-#include "stream_reports.h"
-#include "wide_units.h"
+#include "streams/operation.h"
+#include "streams/reports.h"
+#include "streams/wide_units.h"
 
 namespace IO {
 

@@ -8,7 +8,7 @@
 
 #include <qzl_io/sdl/keyword.h>
 
-#include "sdl_scan.h"
+#include "sdl/scan.h"
 
 namespace xSDL {
 

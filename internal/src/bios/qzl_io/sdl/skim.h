@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "sdl_lexer.h"
-#include "sdl_masks.h"
+#include "sdl/lexer.h"
+#include "sdl/masks.h"
 
 // Passing a block without cutting its tokens.
 namespace xSDL {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "sdl_keyword.h"
+#include "sdl/keyword.h"
 
 namespace xSDL {
 

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "patience.h"
 #include "platform/folder.h"
+#include "platform/pure/patience.h"
 
 // Walks over folder trees: what is entered, removed and copied, and what is left alone. The walks use no recursion,
 // hold a bounded number of folders open and never enter a link.

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "sdl_scan.h"
+#include "sdl/scan.h"
 
 // 64 characters of an SDL text as the bits of 64-bit words, the first character lowest.
 namespace xSDL {

@@ -5,8 +5,8 @@
 
 #include <qzl_io/sdl/parser.h>
 
-#include "sdl_lexer.h"
-#include "sdl_number.h"
+#include "sdl/lexer.h"
+#include "sdl/number.h"
 
 // Tokens of an expected kind in their most frequent form, cut without asking what else could stand there. Each function
 // either does what eSDLParser::CutAny would do, or returns false and leaves everything as it is for CutAny to do.

@@ -1,6 +1,6 @@
-#include "json_document.h"
+#include "json/document.h"
 
-#include "json_text.h"
+#include "json/text.h"
 
 #include <mutex>
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "wide_units.h"
+#include "streams/wide_units.h"
 
 #include <cstdint>
 
