@@ -6,10 +6,10 @@
 
 namespace {
 
-constexpr const char* sourceFile = "tools/outline";
-constexpr int illegalCharacterLine = 10;
-constexpr const char* anonymous = "(no name)";
-constexpr unsigned long long valuesBetweenProgress = 1 << 16;
+constexpr const char* kSource = "tools/outline";
+constexpr int kIllegalCharacterLine = 10;
+constexpr const char* kAnonymous = "(no name)";
+constexpr unsigned long long kValuesBetweenProgress = 1 << 16;
 
 } // namespace
 
@@ -22,7 +22,7 @@ public:
     void Run() {
         while (Get()) {
             Take(Token());
-            if (progress && ++taken % valuesBetweenProgress == 0)
+            if (progress && ++taken % kValuesBetweenProgress == 0)
                 progress(Parser().Line());
         }
     }
@@ -48,7 +48,7 @@ private:
             ++outline.floats;
             return;
         case sdlError:
-            xError::Fatal(sourceFile, illegalCharacterLine, "No token begins like this!");
+            xError::Fatal(kSource, kIllegalCharacterLine, "No token begins like this!");
         default:
             return;
         }
@@ -57,7 +57,7 @@ private:
     // A block's name is the word right behind its brace.
     void Enter() {
         const bool named = Test(sdlIdent);
-        const std::string name = named ? GetIdent() : anonymous;
+        const std::string name = named ? GetIdent() : kAnonymous;
         open.push_back(outline.Enter(open.back(), name));
         outline.deepest = std::max(outline.deepest, open.size() - 1);
     }

@@ -25,8 +25,8 @@
 
 namespace {
 
-constexpr int linesShown = 12;
-constexpr std::size_t namesShown = 8;
+constexpr int kLinesShown = 12;
+constexpr std::size_t kNamesShown = 8;
 
 struct eArguments {
     std::string json;
@@ -59,7 +59,7 @@ void PrintFirstLines(const std::string& name) {
     std::ifstream file(std::filesystem::path(name), std::ios::binary);
     std::string line;
     int shown = 0;
-    for (; shown < linesShown && std::getline(file, line); ++shown)
+    for (; shown < kLinesShown && std::getline(file, line); ++shown)
         std::cout << "  " << line.substr(0, line.find('\r')) << '\n';
     if (file.peek() != std::ifstream::traits_type::eof())
         std::cout << "  ...\n";
@@ -92,7 +92,7 @@ void ReadBack(const std::string& sdl) {
     std::cout << "\nread back through eSDLReader in " << Speed(std::filesystem::file_size(sdl), seconds) << "\n";
     outline.PrintCounts(std::cout);
     std::cout << "\noutline\n";
-    outline.PrintBlocks(std::cout, namesShown);
+    outline.PrintBlocks(std::cout, kNamesShown);
 }
 
 int Run(eArguments arguments) {
@@ -112,11 +112,12 @@ int Run(eArguments arguments) {
 
 // A context marks the place in a line with the byte 171, which is no UTF-8; on a terminal it becomes a "»".
 std::string ForTerminal(const std::string& text) {
-    constexpr std::string_view illFormed = "\xEF\xBF\xBD";
-    constexpr std::string_view mark = "\xC2\xBB";
+    constexpr std::string_view kIllFormed = "\xEF\xBF\xBD";
+    constexpr std::string_view kMark = "\xC2\xBB";
     std::string shown = ToString(ToStringW(text));
-    for (std::size_t at = shown.find(illFormed); at != std::string::npos; at = shown.find(illFormed, at + mark.size()))
-        shown.replace(at, illFormed.size(), mark);
+    for (std::size_t at = shown.find(kIllFormed); at != std::string::npos;
+         at = shown.find(kIllFormed, at + kMark.size()))
+        shown.replace(at, kIllFormed.size(), kMark);
     return shown;
 }
 

@@ -9,11 +9,11 @@
 
 namespace {
 
-constexpr int labelWidth = 16;
-constexpr int sizeWidth = 14;
+constexpr int kLabelWidth = 16;
+constexpr int kSizeWidth = 14;
 
 void PrintFact(std::ostream& out, std::string_view label, const std::string& fact) {
-    out << "  " << std::left << std::setw(labelWidth) << label << (fact.empty() ? "(not told)" : fact) << '\n';
+    out << "  " << std::left << std::setw(kLabelWidth) << label << (fact.empty() ? "(not told)" : fact) << '\n';
 }
 
 void PrintMachine(std::ostream& out) {
@@ -38,9 +38,9 @@ void PrintWorkingPaths(std::ostream& out) {
 // "2026-11-20 14:05", UTC.
 std::string Shown(IO::eFileTime time) {
     using namespace std::chrono;
-    constexpr unsigned long long ticksPerMinute = 60ull * 10'000'000;
+    constexpr unsigned long long kTicksPerMinute = 60ull * 10'000'000;
     const sys_days first = year(1601) / January / 1;
-    const auto moment = first + minutes(time.Ticks() / ticksPerMinute);
+    const auto moment = first + minutes(time.Ticks() / kTicksPerMinute);
     const auto day = floor<days>(moment);
     const year_month_day date(day);
     const hh_mm_ss clock(moment - day);
@@ -51,7 +51,7 @@ std::string Shown(IO::eFileTime time) {
 }
 
 void PrintEntry(std::ostream& out, const IO::eSearch& entry) {
-    out << "  " << Shown(entry.ModifyTime()) << std::right << std::setw(sizeWidth);
+    out << "  " << Shown(entry.ModifyTime()) << std::right << std::setw(kSizeWidth);
     if (entry.IsFile())
         out << entry.Size();
     else

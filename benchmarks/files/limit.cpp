@@ -11,7 +11,7 @@ namespace {
 
 using platform::eRawFile;
 
-/// 32 KiB in front of a file that is written.
+// 32 KiB in front of a file that is written.
 class eWrittenBlock {
 public:
     explicit eWrittenBlock(const std::string& name) : file(name.c_str(), eRawFile::Writing) {}
@@ -24,10 +24,10 @@ public:
 
 private:
     eRawFile file;
-    std::array<unsigned char, blockSize> block;
+    std::array<unsigned char, kBlockSize> block;
 };
 
-/// 32 KiB in front of a file that is read.
+// 32 KiB in front of a file that is read.
 class eReadBlock {
 public:
     explicit eReadBlock(const std::string& name) : file(name.c_str(), eRawFile::Reading) {}
@@ -42,7 +42,7 @@ public:
 
 private:
     eRawFile file;
-    std::array<unsigned char, blockSize> block;
+    std::array<unsigned char, kBlockSize> block;
     size_t held = 0;
 };
 
@@ -57,53 +57,53 @@ std::uint64_t GetAll(const std::string& name, size_t sets) {
     return GetByHand(block, sets);
 }
 
-/// Pieces gathered in 32 KiB and written when these are full.
+// Pieces gathered in 32 KiB and written when these are full.
 size_t WritePieces(const std::string& name, size_t pieces) {
     const eRawFile file(name.c_str(), eRawFile::Writing);
-    std::array<unsigned char, blockSize> block;
+    std::array<unsigned char, kBlockSize> block;
     size_t used = 0;
     for (size_t i = 0; i < pieces; ++i) {
-        std::memcpy(block.data() + used, Pieces()[i % 8].data(), pieceSize);
-        used += pieceSize;
-        if (used == blockSize)
+        std::memcpy(block.data() + used, Pieces()[i % 8].data(), kPieceSize);
+        used += kPieceSize;
+        if (used == kBlockSize)
             file.Write(block.data(), std::exchange(used, 0));
     }
     file.Write(block.data(), used);
     return pieces;
 }
 
-/// 32 KiB read at once, and pieces copied out of them.
+// 32 KiB read at once, and pieces copied out of them.
 std::uint64_t ReadPieces(const std::string& name) {
     const eRawFile file(name.c_str(), eRawFile::Reading);
-    std::array<unsigned char, blockSize> block;
-    std::array<unsigned char, pieceSize> piece;
+    std::array<unsigned char, kBlockSize> block;
+    std::array<unsigned char, kPieceSize> piece;
     eChecksum sum;
-    while (const size_t got = file.Read(block.data(), blockSize))
-        for (size_t at = 0; at < got; at += pieceSize) {
-            std::memcpy(piece.data(), block.data() + at, pieceSize);
+    while (const size_t got = file.Read(block.data(), kBlockSize))
+        for (size_t at = 0; at < got; at += kPieceSize) {
+            std::memcpy(piece.data(), block.data() + at, kPieceSize);
             benchmark::DoNotOptimize(piece); // a compiler that sees how little of it is looked at copies no more
             AddPiece(sum, piece.data());
         }
     return sum.Value();
 }
 
-/// The same bytes in blocks that nobody cuts into pieces.
+// The same bytes in blocks that nobody cuts into pieces.
 size_t WriteBlocks(const std::string& name, size_t pieces) {
     const eRawFile file(name.c_str(), eRawFile::Writing);
-    std::array<unsigned char, blockSize> block;
+    std::array<unsigned char, kBlockSize> block;
     for (size_t i = 0; i < 8; ++i)
-        std::memcpy(block.data() + i * pieceSize, Pieces()[i].data(), pieceSize);
-    for (size_t left = pieces * pieceSize; left > 0; left -= std::min(left, blockSize))
-        file.Write(block.data(), std::min(left, blockSize));
+        std::memcpy(block.data() + i * kPieceSize, Pieces()[i].data(), kPieceSize);
+    for (size_t left = pieces * kPieceSize; left > 0; left -= std::min(left, kBlockSize))
+        file.Write(block.data(), std::min(left, kBlockSize));
     return pieces;
 }
 
 std::uint64_t ReadBlocks(const std::string& name) {
     const eRawFile file(name.c_str(), eRawFile::Reading);
-    std::array<unsigned char, blockSize> block;
+    std::array<unsigned char, kBlockSize> block;
     eChecksum sum;
-    while (const size_t got = file.Read(block.data(), blockSize))
-        for (size_t at = 0; at < got; at += pieceSize)
+    while (const size_t got = file.Read(block.data(), kBlockSize))
+        for (size_t at = 0; at < got; at += kPieceSize)
             AddPiece(sum, block.data() + at);
     return sum.Value();
 }
@@ -111,9 +111,9 @@ std::uint64_t ReadBlocks(const std::string& name) {
 size_t Copy(const std::string& from, const std::string& to) {
     const eRawFile source(from.c_str(), eRawFile::Reading);
     const eRawFile target(to.c_str(), eRawFile::Writing);
-    std::array<unsigned char, blockSize> block;
+    std::array<unsigned char, kBlockSize> block;
     size_t copied = 0;
-    while (const size_t got = source.Read(block.data(), blockSize)) {
+    while (const size_t got = source.Read(block.data(), kBlockSize)) {
         target.Write(block.data(), got);
         copied += got;
     }
@@ -153,7 +153,7 @@ const eContender contender(2, [](eSuite& suite) {
     if (!WantsBulk(suite))
         return;
     const size_t pieces = BulkPieces(options);
-    const size_t bytes = pieces * pieceSize;
+    const size_t bytes = pieces * kPieceSize;
     const auto count = static_cast<double>(pieces);
     const std::string bulk = BulkFile(options);
     const std::string copy = BulkTarget();

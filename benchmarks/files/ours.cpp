@@ -8,46 +8,46 @@
 namespace bench {
 namespace {
 
-constexpr int toRead = IO::StreamMode::Read;
-constexpr int toWrite = IO::StreamMode::Write | IO::StreamMode::Create | IO::StreamMode::Errors;
+constexpr int kToRead = IO::StreamMode::Read;
+constexpr int kToWrite = IO::StreamMode::Write | IO::StreamMode::Create | IO::StreamMode::Errors;
 
 std::unique_ptr<IO::eStream> Open(const std::string& file, int mode) {
     return std::unique_ptr<IO::eStream>(IO::GetStream(eFileName(file), mode));
 }
 
 std::uint64_t ReadPieces(const std::string& file) {
-    const auto stream = Open(file, toRead);
-    std::array<unsigned char, pieceSize> piece;
+    const auto stream = Open(file, kToRead);
+    std::array<unsigned char, kPieceSize> piece;
     eChecksum sum;
     while (!stream->Eos()) {
-        stream->Read(piece.data(), pieceSize);
+        stream->Read(piece.data(), kPieceSize);
         AddPiece(sum, piece.data());
     }
     return sum.Value();
 }
 
 size_t WritePieces(const std::string& file, size_t pieces) {
-    const auto stream = Open(file, toWrite);
+    const auto stream = Open(file, kToWrite);
     for (size_t i = 0; i < pieces; ++i)
-        stream->Write(Pieces()[i % 8].data(), pieceSize);
+        stream->Write(Pieces()[i % 8].data(), kPieceSize);
     return pieces;
 }
 
 size_t Copy(const std::string& from, const std::string& to) {
-    const auto source = Open(from, toRead);
-    const auto target = Open(to, toWrite);
+    const auto source = Open(from, kToRead);
+    const auto target = Open(to, kToWrite);
     source->CopyTo(*target, 0);
     return source->Size();
 }
 
 size_t PutAll(const std::string& file, size_t sets) {
-    const auto stream = Open(file, toWrite);
+    const auto stream = Open(file, kToWrite);
     PutOnStream(*stream, sets);
     return stream->Position();
 }
 
 std::uint64_t GetAll(const std::string& file, size_t sets) {
-    const auto stream = Open(file, toRead);
+    const auto stream = Open(file, kToRead);
     return GetFromStream(*stream, sets);
 }
 
@@ -79,13 +79,13 @@ const eContender contender(0, [](eSuite& suite) {
     const std::string bulk = BulkFile(options);
     const std::string copy = BulkTarget();
     suite.Add(BulkReadWork(options), static_cast<double>(pieces),
-              {"eFileStream::Read", eKind::Ours, 0, pieces * pieceSize, {}, [=] { return ReadPieces(bulk); }, {}},
+              {"eFileStream::Read", eKind::Ours, 0, pieces * kPieceSize, {}, [=] { return ReadPieces(bulk); }, {}},
               "piece");
     suite.Add(BulkWriteWork(options), static_cast<double>(pieces),
               {"eFileStream::Write",
                eKind::Ours,
                0,
-               pieces * pieceSize,
+               pieces * kPieceSize,
                {},
                [=] { return WritePieces(copy, pieces); },
                [=] {
@@ -97,7 +97,7 @@ const eContender contender(0, [](eSuite& suite) {
               {"eFileStream::CopyTo",
                eKind::Ours,
                0,
-               pieces * pieceSize,
+               pieces * kPieceSize,
                {},
                [=] { return Copy(bulk, copy); },
                [=] {

@@ -11,7 +11,7 @@ namespace proto = google::protobuf::io;
 
 size_t PutAll(const std::string& file, size_t sets) {
     eRawOutput raw(file);
-    proto::CopyingOutputStreamAdaptor adaptor(&raw, static_cast<int>(blockSize));
+    proto::CopyingOutputStreamAdaptor adaptor(&raw, static_cast<int>(kBlockSize));
     proto::CodedOutputStream out(&adaptor);
     PutCoded(out, sets);
     return static_cast<size_t>(out.ByteCount());
@@ -19,7 +19,7 @@ size_t PutAll(const std::string& file, size_t sets) {
 
 std::uint64_t GetAll(const std::string& file, size_t sets) {
     eRawInput raw(file);
-    proto::CopyingInputStreamAdaptor adaptor(&raw, static_cast<int>(blockSize));
+    proto::CopyingInputStreamAdaptor adaptor(&raw, static_cast<int>(kBlockSize));
     proto::CodedInputStream in(&adaptor);
     return GetCoded(in, sets);
 }

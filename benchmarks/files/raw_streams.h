@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// The system's calls behind protobuf's adaptors, as its own file streams have them.
+// The system's calls behind protobuf's adaptors, as its own file streams have them.
 class eRawOutput : public google::protobuf::io::CopyingOutputStream {
 public:
     explicit eRawOutput(const std::string& name) : file(name.c_str(), platform::eRawFile::Writing) {}

@@ -12,55 +12,55 @@
 
 namespace bench {
 
-inline constexpr size_t pieceSize = 4096;
-inline constexpr size_t blockSize = 32768;
+inline constexpr size_t kPieceSize = 4096;
+inline constexpr size_t kBlockSize = 32768;
 
-/// The pieces that a bulk write hands over in turn.
+// The pieces that a bulk write hands over in turn.
 inline const std::array<std::vector<unsigned char>, 8>& Pieces() {
     static const auto made = [] {
         std::array<std::vector<unsigned char>, 8> pieces;
         unsigned state = 1;
         for (auto& piece : pieces)
-            for (size_t i = 0; i < pieceSize; ++i)
+            for (size_t i = 0; i < kPieceSize; ++i)
                 piece.push_back(static_cast<unsigned char>((state = state * 1664525 + 1013904223) >> 24));
         return pieces;
     }();
     return made;
 }
 
-/// What is told of a piece that was read.
+// What is told of a piece that was read.
 inline void AddPiece(eChecksum& sum, const unsigned char* piece) {
     sum.Text({reinterpret_cast<const char*>(piece), 16});
 }
 
-/// How many megabytes the bulk works move.
+// How many megabytes the bulk works move.
 inline unsigned BulkMegabytes(const eOptions& options) {
     return options.small ? 1 : options.full ? 1000 : 128;
 }
 
 inline size_t BulkPieces(const eOptions& options) {
-    return size_t{BulkMegabytes(options)} * 1'000'000 / pieceSize;
+    return size_t{BulkMegabytes(options)} * 1'000'000 / kPieceSize;
 }
 
-/// The file that bulk reads and copies start from.
+// The file that bulk reads and copies start from.
 inline std::string BulkFile(const eOptions& options) {
     static const std::string name = [&] {
         const std::string file = WorkFile("bulk.bin");
         std::string bytes;
         for (size_t i = 0; i < BulkPieces(options); ++i)
-            bytes.append(reinterpret_cast<const char*>(Pieces()[i % 8].data()), pieceSize);
+            bytes.append(reinterpret_cast<const char*>(Pieces()[i % 8].data()), kPieceSize);
         WriteWhole(file, bytes);
         return file;
     }();
     return name;
 }
 
-/// The file that all bulk writes and copies go to.
+// The file that all bulk writes and copies go to.
 inline std::string BulkTarget() {
     return WorkFile("bulk_target.bin");
 }
 
-/// The checksum of what a bulk read of that file would tell, so that written and copied files can be compared.
+// The checksum of what a bulk read of that file would tell, so that written and copied files can be compared.
 inline std::uint64_t SumOfFile(const std::string& file) {
     const std::string bytes = ReadWhole(file);
     eChecksum sum;
@@ -83,7 +83,7 @@ inline std::string CopyWork(const eOptions& options) {
     return "CopyTo of " + Size(options) + " between files";
 }
 
-/// The file of typed values that every contender reads.
+// The file of typed values that every contender reads.
 inline std::string TypedFile(unsigned kilobytes) {
     static std::map<unsigned, std::string> made;
     const auto [entry, isNew] = made.try_emplace(kilobytes);
@@ -109,10 +109,10 @@ inline bool WantsTyped(const eSuite& suite, unsigned kilobytes) {
 }
 
 inline double TypedCount(unsigned kilobytes) {
-    return static_cast<double>(Sets(kilobytes)) * valuesInSet;
+    return static_cast<double>(Sets(kilobytes)) * kValuesInSet;
 }
 inline size_t TypedBytes(unsigned kilobytes) {
-    return Sets(kilobytes) * bytesOfSet;
+    return Sets(kilobytes) * kBytesOfSet;
 }
 
 } // namespace bench

@@ -9,7 +9,7 @@
 
 namespace bench {
 
-/// One JSON document to convert: strings, numbers or objects.
+// One JSON document to convert: strings, numbers or objects.
 struct eJsonWork {
     std::string name;
     eDocument document;
@@ -35,7 +35,7 @@ inline std::vector<eJsonWork> JsonWorks(const eOptions& options) {
     return works;
 }
 
-/// The checksum of the values of a converted file.
+// The checksum of the values of a converted file.
 inline std::uint64_t SumOfConverted(const std::string& file) {
     const std::string text = ReadWhole(file);
     return ReadBare(text.c_str());

@@ -6,14 +6,14 @@
 namespace bench {
 namespace {
 
-constexpr std::array<std::string_view, 10> parts{"light", "pos", "size", "color", "mesh",
-                                                 "path",  "key", "view", "sound", "map"};
+constexpr std::array<std::string_view, 10> kParts{"light", "pos", "size", "color", "mesh",
+                                                  "path",  "key", "view", "sound", "map"};
 
-/// The word that three digits stand for.
+// The word that three digits stand for.
 std::string Word(int index) {
     std::string word;
-    for (int place = 1; place < tableSizes.back(); place *= 10)
-        word += parts[static_cast<size_t>(index / place % 10)];
+    for (int place = 1; place < kTableSizes.back(); place *= 10)
+        word += kParts[static_cast<size_t>(index / place % 10)];
     return word;
 }
 
@@ -26,14 +26,14 @@ std::string OtherCase(std::string word) {
 std::vector<std::string> MakeNames(int entries) {
     std::vector<std::string> names;
     for (int i = 0; i < entries; ++i)
-        names.push_back(Word(i * (tableSizes.back() / entries)));
+        names.push_back(Word(i * (kTableSizes.back() / entries)));
     return names;
 }
 
 std::vector<std::string> MakeLookedUp(int entries) {
     std::vector<std::string> words;
     unsigned state = 12345;
-    for (size_t i = 0; i < lookUps; ++i) {
+    for (size_t i = 0; i < kLookUps; ++i) {
         state = state * 1664525 + 1013904223;
         const std::string& name = TableNames(entries)[(state >> 8) % static_cast<unsigned>(entries)];
         words.push_back(i % 4 == 3 ? name + "_x" : i % 2 == 0 ? name : OtherCase(name));

@@ -11,7 +11,7 @@
 namespace bench {
 namespace {
 
-/// A table of `entries` keywords in storage that starts out zero, as static objects do.
+// A table of `entries` keywords in storage that starts out zero, as static objects do.
 template <int entries>
 const eSDLKeyword* Table() {
     alignas(eSDLKeyword) static std::array<std::byte, sizeof(eSDLKeyword) * entries> storage;
@@ -39,19 +39,19 @@ std::uint64_t CountFound(const eSDLKeyword* table, const std::vector<std::string
     return found;
 }
 
-/// The same cost for 1000 entries as for 10; the rest is for an index that the first cache does not hold.
-constexpr double growthAllowed = 1.2;
+// The same cost for 1000 entries as for 10; the rest is for an index that the first cache does not hold.
+constexpr double kGrowthAllowed = 1.2;
 
 template <int entries>
 void Add(eSuite& suite) {
     const eSDLKeyword* table = Table<entries>();
     const std::vector<std::string>& words = LookedUp(entries);
     const auto pass = [table, &words] { return FindAll(table, words); };
-    suite.Add(LookUpWork(entries), lookUps, {"eSDLKeyword::Find", eKind::Ours, 0, 0, {}, pass, {}}, "look-up");
-    suite.Add("keyword look-up, cost as the table grows", lookUps,
+    suite.Add(LookUpWork(entries), kLookUps, {"eSDLKeyword::Find", eKind::Ours, 0, 0, {}, pass, {}}, "look-up");
+    suite.Add("keyword look-up, cost as the table grows", kLookUps,
               {"eSDLKeyword::Find, table of " + std::to_string(entries),
                eKind::Ours,
-               entries == tableSizes.front() ? 0 : growthAllowed,
+               entries == kTableSizes.front() ? 0 : kGrowthAllowed,
                0,
                {},
                pass,

@@ -55,8 +55,8 @@ std::uint64_t FindAll(const eTable& table, const std::vector<std::string>& words
 }
 
 const eContender contender(1, [](eSuite& suite) {
-    for (const int entries : tableSizes)
-        suite.Add(LookUpWork(entries), lookUps,
+    for (const int entries : kTableSizes)
+        suite.Add(LookUpWork(entries), kLookUps,
                   {"std::unordered_map, folding hash",
                    eKind::Peer,
                    1.0,

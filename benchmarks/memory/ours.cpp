@@ -14,33 +14,33 @@
 namespace bench {
 namespace {
 
-constexpr double mebibyte = 1048576;
+constexpr double kMebibyte = 1048576;
 
-/// Linear growth, but for what data beyond the processor's caches cost.
-constexpr double growthAllowed = 1.5;
+// Linear growth, but for what data beyond the processor's caches cost.
+constexpr double kGrowthAllowed = 1.5;
 
-constexpr const char* readingWork = "reading a file value by value, 9 values a record";
-constexpr const char* writingWork = "writing a file, the records made up on the way";
-constexpr const char* convertingWork = "converting JSON, file to file";
+constexpr const char* kReadingWork = "reading a file value by value, 9 values a record";
+constexpr const char* kWritingWork = "writing a file, the records made up on the way";
+constexpr const char* kConvertingWork = "converting JSON, file to file";
 
-constexpr unsigned bytesOfRecord = 112;
-constexpr int repetitions = 3;
+constexpr unsigned kBytesOfRecord = 112;
+constexpr int kRepetitions = 3;
 
-/// A tree of 1 GB of JSON would not fit into every machine's memory.
-constexpr unsigned largestTree = 100;
+// A tree of 1 GB of JSON would not fit into every machine's memory.
+constexpr unsigned kLargestTree = 100;
 
 size_t Count(unsigned megabytes) {
-    return size_t{megabytes} * 1'000'000 / bytesOfRecord;
+    return size_t{megabytes} * 1'000'000 / kBytesOfRecord;
 }
 
-/// The decades to measure.
+// The decades to measure.
 std::vector<unsigned> Decades(const eOptions& options) {
     return options.small  ? std::vector<unsigned>{}
            : options.full ? std::vector<unsigned>{1, 10, 100, 1000}
                           : std::vector<unsigned>{1, 10, 100};
 }
 
-/// A document of so many records on disk, and the checksum of its values.
+// A document of so many records on disk, and the checksum of its values.
 struct eFileOnDisk {
     std::string name;
     size_t bytes;
@@ -81,7 +81,7 @@ std::uint64_t Convert(const std::string& from, const std::string& to) {
     return 1;
 }
 
-/// 1 when the sums are equal; a growth row measured on wrong values would mean nothing.
+// 1 when the sums are equal; a growth row measured on wrong values would mean nothing.
 std::uint64_t Equal(std::uint64_t one, std::uint64_t other) {
     if (one != other)
         throw std::runtime_error("the values differ from those of the bare tokenizer");
@@ -91,10 +91,10 @@ std::uint64_t Equal(std::uint64_t one, std::uint64_t other) {
 eRow Grown(unsigned megabytes, const char* what) {
     eRow row;
     row.contender = std::string(what) + ", " + std::to_string(megabytes) + " MB";
-    row.target = megabytes == 1 ? 0 : growthAllowed;
+    row.target = megabytes == 1 ? 0 : kGrowthAllowed;
     row.counted = false;
     row.values = ValuesOf(eDocument::Records, Count(megabytes));
-    row.repetitions = repetitions;
+    row.repetitions = kRepetitions;
     return row;
 }
 
@@ -104,8 +104,8 @@ void AddReading(eSuite& suite, unsigned megabytes) {
     row.bytes = file.bytes;
     row.pass = [file] { return ReadFile(file.name); };
     row.check = [file] { return Equal(ReadFile(file.name), file.sum); };
-    row.peakAllowed = [file] { return static_cast<double>(file.bytes) + mebibyte; };
-    suite.Add(readingWork, row.values, row);
+    row.peakAllowed = [file] { return static_cast<double>(file.bytes) + kMebibyte; };
+    suite.Add(kReadingWork, row.values, row);
 }
 
 void AddWriting(eSuite& suite, unsigned megabytes) {
@@ -120,7 +120,7 @@ void AddWriting(eSuite& suite, unsigned megabytes) {
         return Equal(ReadFile(out), file.sum);
     };
     row.peakAllowed = [file] { return 2 * static_cast<double>(file.bytes); };
-    suite.Add(writingWork, row.values, row);
+    suite.Add(kWritingWork, row.values, row);
 }
 
 void AddConverting(eSuite& suite, unsigned megabytes) {
@@ -136,16 +136,16 @@ void AddConverting(eSuite& suite, unsigned megabytes) {
         const std::string text = ReadWhole(out);
         return Equal(ReadBare(text.c_str()), sum);
     };
-    suite.Add(convertingWork, row.values, row);
+    suite.Add(kConvertingWork, row.values, row);
 }
 
 const eContender contender(0, [](eSuite& suite) {
     for (const unsigned megabytes : Decades(suite.Options())) {
-        if (suite.Wants(readingWork))
+        if (suite.Wants(kReadingWork))
             AddReading(suite, megabytes);
-        if (suite.Wants(writingWork))
+        if (suite.Wants(kWritingWork))
             AddWriting(suite, megabytes);
-        if (suite.Wants(convertingWork) && megabytes <= largestTree)
+        if (suite.Wants(kConvertingWork) && megabytes <= kLargestTree)
             AddConverting(suite, megabytes);
     }
 });

@@ -8,7 +8,7 @@
 namespace bench {
 namespace {
 
-/// Every token's kind and text, as the lexer alone tells them.
+// Every token's kind and text, as the lexer alone tells them.
 std::uint64_t LexBare(const char* source) {
     using eType = eBareTokenizer::eType;
     eBareTokenizer tokens(source);

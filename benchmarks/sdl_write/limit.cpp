@@ -9,7 +9,7 @@
 namespace bench {
 namespace {
 
-/// Bytes that grow by doubling, with room asked for once for several items.
+// Bytes that grow by doubling, with room asked for once for several items.
 class eBytes {
 public:
     void Room(size_t size) {
@@ -45,15 +45,15 @@ private:
     char* limit = nullptr;
 };
 
-constexpr size_t numberRoom = 32;
+constexpr size_t kNumberRoom = 32;
 
 void Write(eBytes& out, const eRecord& record) {
-    out.Room(record.name.size() + numberRoom + 16);
+    out.Room(record.name.size() + kNumberRoom + 16);
     out.Put("\r\n\t{item \"");
     out.Put(record.name);
     out.Put("\" ");
     out.Number(record.count);
-    out.Room(3 * numberRoom + 16);
+    out.Room(3 * kNumberRoom + 16);
     out.Put("\r\n\t\t{pos ");
     out.Number(record.position[0]);
     out.Put(' ');
@@ -61,7 +61,7 @@ void Write(eBytes& out, const eRecord& record) {
     out.Put(' ');
     out.Number(record.position[2]);
     const std::string_view tag = record.tag;
-    out.Room(tag.size() + 3 * numberRoom + 32);
+    out.Room(tag.size() + 3 * kNumberRoom + 32);
     out.Put("}\r\n\t\t{tag ");
     out.Put(tag);
     out.Put("}\r\n\t\t{ids ");

@@ -11,7 +11,7 @@ namespace bench {
 
 using eRecords = std::span<const eRecord>;
 
-/// The first `count` records of every document of records, ready to be written.
+// The first `count` records of every document of records, ready to be written.
 inline eRecords Records(size_t count) {
     static std::vector<eRecord> records;
     while (records.size() < count)

@@ -11,9 +11,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int filesInFolder = 200;
-/// A walk is little work, and what it takes depends on the state that others leave the system's caches in.
-constexpr int repetitionsOfWalk = 45;
+constexpr int kFilesInFolder = 200;
+// A walk is little work, and what it takes depends on the state that others leave the system's caches in.
+constexpr int kRepetitionsOfWalk = 45;
 
 int Folders(const eOptions& options) {
     return options.small ? 2 : 100;
@@ -23,13 +23,13 @@ std::string FolderName(int index) {
     return "folder" + std::to_string(index) + "/";
 }
 
-/// The tree that walks and copies start from: two floors, a small text in each file.
+// The tree that walks and copies start from: two floors, a small text in each file.
 const std::string& Tree(const eOptions& options) {
     static const std::string name = [&] {
         const std::string made = WorkFile("tree/");
         for (int folder = 0; folder < Folders(options); ++folder) {
             fs::create_directories(made + FolderName(folder));
-            for (int file = 0; file < filesInFolder; ++file)
+            for (int file = 0; file < kFilesInFolder; ++file)
                 WriteWhole(made + FolderName(folder) + "file" + std::to_string(file) + ".txt",
                            std::string(static_cast<size_t>(file + 1), 'x'));
         }
@@ -38,14 +38,14 @@ const std::string& Tree(const eOptions& options) {
     return name;
 }
 
-/// As many empty folders as the tree has files, in the same places.
+// As many empty folders as the tree has files, in the same places.
 void MakeEmptyFolders(const std::string& name, const eOptions& options) {
     for (int folder = 0; folder < Folders(options); ++folder)
-        for (int inner = 0; inner < filesInFolder; ++inner)
+        for (int inner = 0; inner < kFilesInFolder; ++inner)
             fs::create_directories(name + FolderName(folder) + "empty" + std::to_string(inner));
 }
 
-/// A number that depends on the names and sizes of everything below the folder.
+// A number that depends on the names and sizes of everything below the folder.
 std::uint64_t SumOfTree(const std::string& folder) {
     std::vector<std::string> entries;
     if (fs::exists(folder))
@@ -63,8 +63,8 @@ std::uint64_t SumOfTree(const std::string& folder) {
 
 void AddWays(eSuite& suite, const eFolderWays& ways) {
     const eOptions options = suite.Options();
-    const double files = Folders(options) * filesInFolder;
-    const std::string count = std::to_string(Folders(options) * filesInFolder);
+    const double files = Folders(options) * kFilesInFolder;
+    const std::string count = std::to_string(Folders(options) * kFilesInFolder);
     const std::string tree = Tree(options);
     const std::string place = WorkFile("services_" + std::to_string(static_cast<int>(ways.kind)));
     const auto row = [&](std::function<void()> before, std::function<std::uint64_t()> pass,
@@ -72,7 +72,7 @@ void AddWays(eSuite& suite, const eFolderWays& ways) {
         return eRow{ways.name, ways.kind, ways.target, 0, before, pass, check};
     };
     eRow walk = row({}, [=] { return ways.walk(tree); }, {});
-    walk.repetitions = repetitionsOfWalk;
+    walk.repetitions = kRepetitionsOfWalk;
     suite.Add("walk over " + count + " files", files, walk, "file");
     suite.Add("walk over " + count + " files, each one's size asked", files,
               row({}, [=] { return ways.sizes(tree); }, {}), "file");

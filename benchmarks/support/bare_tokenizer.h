@@ -5,9 +5,9 @@
 
 namespace bench {
 
-/// The least that a reader of the text format can do: a switch over the first character, each token's text copied
-/// once, numbers converted with from_chars. No lines are counted, no place is kept, nothing is checked.
-/// The text must end in a zero.
+// The least that a reader of the text format can do: a switch over the first character, each token's text copied
+// once, numbers converted with from_chars. No lines are counted, no place is kept, nothing is checked.
+// The text must end in a zero.
 class eBareTokenizer {
 public:
     enum class eType { End, Error, Ident, String, BlockStart, BlockEnd, Open, Close, Float, Int, Operator };
@@ -85,7 +85,7 @@ public:
     std::string text;
     float real = 0;
     int integer = 0;
-    bool isEscaped = false; ///< the string holds a back slash
+    bool isEscaped = false; // the string holds a back slash
 
 private:
     static bool IsWord(char c) {

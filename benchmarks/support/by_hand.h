@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// Typed values copied into bytes that make room through `Sink::Grow(size)`: one comparison for each value.
+// Typed values copied into bytes that make room through `Sink::Grow(size)`: one comparison for each value.
 template <class Sink>
 class eHandWriter {
 public:
@@ -41,7 +41,7 @@ private:
     unsigned char* limit;
 };
 
-/// The same for reading; `Source::Refill(next)` brings the unread bytes and those that follow to the front.
+// The same for reading; `Source::Refill(next)` brings the unread bytes and those that follow to the front.
 template <class Source>
 class eHandReader {
 public:
@@ -77,7 +77,7 @@ private:
     const unsigned char* limit;
 };
 
-/// The sets copied into a sink; returns where the next byte would go.
+// The sets copied into a sink; returns where the next byte would go.
 template <class Sink>
 unsigned char* PutByHand(Sink& sink, size_t sets) {
     eHandWriter<Sink> out(sink);

@@ -7,15 +7,15 @@
 
 namespace bench {
 
-/// Folds the values that a pass read, in their order, cheaply enough for a timed loop.
-/// Contenders that read the same values from their own formats reach the same Value().
+// Folds the values that a pass read, in their order, cheaply enough for a timed loop.
+// Contenders that read the same values from their own formats reach the same Value().
 class eChecksum {
 public:
     void Integer(std::int64_t value) { Word(static_cast<std::uint64_t>(value)); }
     void Real(float value) { Word(std::bit_cast<std::uint32_t>(value)); }
     void Real(double value) { Word(std::bit_cast<std::uint64_t>(value)); }
 
-    /// The length and up to 16 bytes, the first and the last eight.
+    // The length and up to 16 bytes, the first and the last eight.
     void Text(std::string_view text) {
         const size_t size = text.size();
         if (size >= 8)

@@ -9,126 +9,126 @@
 namespace bench {
 namespace {
 
-/// The marks of one format around the same content.
+// The marks of one format around the same content.
 struct eSyntax {
     std::string_view rootOpen, rootClose;
-    std::string_view between; ///< between items
-    std::string_view comment; ///< begins a comment line; empty where the format has none
+    std::string_view between; // between items
+    std::string_view comment; // begins a comment line; empty where the format has none
     std::string_view recordOpen, count, position, positionClose, tag, tagClose, ids, idsClose, recordClose;
-    std::string_view value; ///< between the values of a block
+    std::string_view value; // between the values of a block
     std::string_view texts, text, textsClose;
     std::string_view row, rowClose;
     std::string_view node, nodeInner, nodeLast, nodeClose;
     bool indented;
 };
 
-constexpr eSyntax sdl{"{scene",
-                      "\r\n}\r\n",
-                      "",
-                      "\r\n\t; ",
-                      "\r\n\t{item ",
-                      " ",
-                      "\r\n\t\t{pos ",
-                      "}",
-                      "\r\n\t\t{tag ",
-                      "}",
-                      "\r\n\t\t{ids ",
-                      "}",
-                      "\r\n\t}",
-                      " ",
-                      "\r\n\t{text",
-                      "\r\n\t\t",
-                      "\r\n\t}",
-                      "\r\n\t{row ",
-                      "}",
-                      "{node ",
-                      "",
-                      "",
-                      "}",
-                      true};
-constexpr eSyntax json{"{\"scene\": [",
-                       "\r\n]}\r\n",
-                       ",",
-                       "\r\n\t// ",
-                       "\r\n\t{\"item\": ",
-                       ", \"count\": ",
-                       ",\r\n\t\t\"pos\": [",
-                       "]",
-                       ",\r\n\t\t\"tag\": \"",
-                       "\"",
-                       ",\r\n\t\t\"ids\": [",
-                       "]",
-                       "\r\n\t}",
-                       ", ",
-                       "\r\n\t{\"text\": [",
-                       "\r\n\t\t",
-                       "\r\n\t]}",
-                       "\r\n\t{\"row\": [",
-                       "]}",
-                       "{\"node\": [",
-                       ",",
+constexpr eSyntax kSdl{"{scene",
+                       "\r\n}\r\n",
                        "",
-                       "]}",
+                       "\r\n\t; ",
+                       "\r\n\t{item ",
+                       " ",
+                       "\r\n\t\t{pos ",
+                       "}",
+                       "\r\n\t\t{tag ",
+                       "}",
+                       "\r\n\t\t{ids ",
+                       "}",
+                       "\r\n\t}",
+                       " ",
+                       "\r\n\t{text",
+                       "\r\n\t\t",
+                       "\r\n\t}",
+                       "\r\n\t{row ",
+                       "}",
+                       "{node ",
+                       "",
+                       "",
+                       "}",
                        true};
-constexpr eSyntax jsonTight{
+constexpr eSyntax kJson{"{\"scene\": [",
+                        "\r\n]}\r\n",
+                        ",",
+                        "\r\n\t// ",
+                        "\r\n\t{\"item\": ",
+                        ", \"count\": ",
+                        ",\r\n\t\t\"pos\": [",
+                        "]",
+                        ",\r\n\t\t\"tag\": \"",
+                        "\"",
+                        ",\r\n\t\t\"ids\": [",
+                        "]",
+                        "\r\n\t}",
+                        ", ",
+                        "\r\n\t{\"text\": [",
+                        "\r\n\t\t",
+                        "\r\n\t]}",
+                        "\r\n\t{\"row\": [",
+                        "]}",
+                        "{\"node\": [",
+                        ",",
+                        "",
+                        "]}",
+                        true};
+constexpr eSyntax kJsonTight{
     "{\"scene\":[", "]}",          ",", "",  "{\"item\":", ",\"count\":", ",\"pos\":[", "]",  ",\"tag\":\"",
     "\"",           ",\"ids\":[",  "]", "}", ",",          "{\"text\":[", "",           "]}", "{\"row\":[",
     "]}",           "{\"node\":[", ",", "",  "]}",         false};
-constexpr eSyntax config{"scene = (",
-                         "\r\n);\r\n",
-                         ",",
-                         "\r\n\t# ",
-                         "\r\n\t{ item = ",
-                         "; count = ",
-                         ";\r\n\t\tpos = [",
-                         "]",
-                         ";\r\n\t\ttag = \"",
-                         "\"",
-                         ";\r\n\t\tids = [",
-                         "]",
-                         ";\r\n\t}",
-                         ", ",
-                         "\r\n\t{ text = (",
-                         "\r\n\t\t",
-                         "\r\n\t); }",
-                         "\r\n\t{ row = (",
-                         "); }",
-                         "{ node = (",
-                         ",",
-                         "",
-                         "); }",
-                         true};
-constexpr eSyntax toml{"scene = [",
-                       "\r\n]\r\n",
-                       ",",
-                       "\r\n\t# ",
-                       "\r\n\t{ item = ",
-                       ", count = ",
-                       ", pos = [",
-                       "]",
-                       ", tag = \"",
-                       "\"",
-                       ", ids = [",
-                       "]",
-                       " }",
-                       ", ",
-                       "\r\n\t{ text = [",
-                       "\r\n\t\t",
-                       "\r\n\t] }",
-                       "\r\n\t{ row = [",
-                       "] }",
-                       "{ node = [",
-                       ",",
-                       "",
-                       "] }",
-                       true};
+constexpr eSyntax kConfig{"scene = (",
+                          "\r\n);\r\n",
+                          ",",
+                          "\r\n\t# ",
+                          "\r\n\t{ item = ",
+                          "; count = ",
+                          ";\r\n\t\tpos = [",
+                          "]",
+                          ";\r\n\t\ttag = \"",
+                          "\"",
+                          ";\r\n\t\tids = [",
+                          "]",
+                          ";\r\n\t}",
+                          ", ",
+                          "\r\n\t{ text = (",
+                          "\r\n\t\t",
+                          "\r\n\t); }",
+                          "\r\n\t{ row = (",
+                          "); }",
+                          "{ node = (",
+                          ",",
+                          "",
+                          "); }",
+                          true};
+constexpr eSyntax kToml{"scene = [",
+                        "\r\n]\r\n",
+                        ",",
+                        "\r\n\t# ",
+                        "\r\n\t{ item = ",
+                        ", count = ",
+                        ", pos = [",
+                        "]",
+                        ", tag = \"",
+                        "\"",
+                        ", ids = [",
+                        "]",
+                        " }",
+                        ", ",
+                        "\r\n\t{ text = [",
+                        "\r\n\t\t",
+                        "\r\n\t] }",
+                        "\r\n\t{ row = [",
+                        "] }",
+                        "{ node = [",
+                        ",",
+                        "",
+                        "] }",
+                        true};
 
 const eSyntax& Syntax(eFormat format) {
-    static constexpr std::array<const eSyntax*, 5> all{&sdl, &json, &jsonTight, &config, &toml};
-    return *all[static_cast<size_t>(format)];
+    static constexpr std::array<const eSyntax*, 5> kAll{&kSdl, &kJson, &kJsonTight, &kConfig, &kToml};
+    return *kAll[static_cast<size_t>(format)];
 }
 
-/// A stream of numbers that depends on its seed alone.
+// A stream of numbers that depends on its seed alone.
 class eRandom {
 public:
     explicit eRandom(std::uint64_t seed) : state(seed * 0x9E3779B97F4A7C15u + 1) {}
@@ -144,29 +144,29 @@ private:
     std::uint64_t state;
 };
 
-constexpr std::array<std::string_view, 16> words{"lamp",   "column", "river", "engine", "copper",  "window",
-                                                 "violet", "north",  "stone", "signal", "harbour", "wheel",
-                                                 "amber",  "field",  "tower", "glass"};
-constexpr std::array<const char*, 6> tags{"metal", "wood", "glass", "stone", "water", "cloth"};
+constexpr std::array<std::string_view, 16> kWords{"lamp",   "column", "river", "engine", "copper",  "window",
+                                                  "violet", "north",  "stone", "signal", "harbour", "wheel",
+                                                  "amber",  "field",  "tower", "glass"};
+constexpr std::array<const char*, 6> kTags{"metal", "wood", "glass", "stone", "water", "cloth"};
 
-/// Ints of one to nine digits, either sign.
+// Ints of one to nine digits, either sign.
 int AnyInt(eRandom& random) {
-    static constexpr std::array<unsigned, 9> limits{10,        100,        1'000,       10'000,       100'000,
-                                                    1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
-    const int value = static_cast<int>(random.Below(limits[random.Below(9)]));
+    static constexpr std::array<unsigned, 9> kLimits{10,        100,        1'000,       10'000,       100'000,
+                                                     1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
+    const int value = static_cast<int>(random.Below(kLimits[random.Below(9)]));
     return random.Below(4) == 0 ? -value : value;
 }
 
-/// Two-thousandths of a coordinate as scenes hold them: odd, so that every format's text shows a fraction.
+// Two-thousandths of a coordinate as scenes hold them: odd, so that every format's text shows a fraction.
 int Coordinate(eRandom& random) {
     const int odd = static_cast<int>(random.Below(1'000'000)) * 2 + 1;
     return random.Below(2) == 0 ? -odd : odd;
 }
 
-/// Floats with all their digits, from 0.0001 to 100000.
+// Floats with all their digits, from 0.0001 to 100000.
 float AnyFloat(eRandom& random) {
-    static constexpr std::array<float, 5> scales{0.0001f, 0.01f, 1.0f, 100.0f, 10000.0f};
-    return (static_cast<float>(random.Below(1u << 24)) + 0.5f) / 16777216.0f * scales[random.Below(5)];
+    static constexpr std::array<float, 5> kScales{0.0001f, 0.01f, 1.0f, 100.0f, 10000.0f};
+    return (static_cast<float>(random.Below(1u << 24)) + 0.5f) / 16777216.0f * kScales[random.Below(5)];
 }
 
 void AppendInt(std::string& to, int value) {
@@ -216,7 +216,7 @@ void AppendRecord(std::string& to, const eSyntax& syntax, std::uint64_t index) {
 std::string Sentence(eRandom& random, size_t length, bool escapes) {
     std::string text;
     while (text.size() < length) {
-        text += words[random.Below(16)];
+        text += kWords[random.Below(16)];
         text += ' ';
     }
     if (escapes)
@@ -227,7 +227,7 @@ std::string Sentence(eRandom& random, size_t length, bool escapes) {
 void AppendStrings(std::string& to, const eSyntax& syntax, std::uint64_t index) {
     eRandom random(index);
     to += syntax.texts;
-    for (int i = 0; i < stringsInBlock; ++i) {
+    for (int i = 0; i < kStringsInBlock; ++i) {
         if (i != 0 && syntax.value != " ")
             to += ",";
         to += syntax.text;
@@ -239,7 +239,7 @@ void AppendStrings(std::string& to, const eSyntax& syntax, std::uint64_t index) 
 void AppendNumbers(std::string& to, const eSyntax& syntax, std::uint64_t index) {
     eRandom random(index);
     to += syntax.row;
-    for (int i = 0; i < numbersOfEachKind; ++i) {
+    for (int i = 0; i < kNumbersOfEachKind; ++i) {
         to += i == 0 ? std::string_view() : syntax.value;
         AppendInt(to, AnyInt(random));
         to += syntax.value;
@@ -257,16 +257,16 @@ void AppendLine(std::string& to, const eSyntax& syntax, int depth) {
 
 void AppendChain(std::string& to, const eSyntax& syntax, std::uint64_t index) {
     eRandom random(index);
-    for (int depth = 1; depth <= chainDepth; ++depth) {
+    for (int depth = 1; depth <= kChainDepth; ++depth) {
         AppendLine(to, syntax, depth);
         to += syntax.node;
         AppendInt(to, AnyInt(random));
         to += syntax.value;
-        AppendQuoted(to, words[random.Below(16)]);
-        to += depth == chainDepth ? syntax.nodeLast : syntax.nodeInner;
+        AppendQuoted(to, kWords[random.Below(16)]);
+        to += depth == kChainDepth ? syntax.nodeLast : syntax.nodeInner;
     }
     to += syntax.nodeClose;
-    for (int depth = chainDepth - 1; depth >= 1; --depth) {
+    for (int depth = kChainDepth - 1; depth >= 1; --depth) {
         AppendLine(to, syntax, depth);
         to += syntax.nodeClose;
     }
@@ -290,12 +290,12 @@ struct eShape {
 };
 
 const eShape& Shape(eDocument document) {
-    static constexpr std::array<eShape, 5> shapes{{{"records", AppendRecord, 9},
-                                                   {"strings", AppendStrings, stringsInBlock},
-                                                   {"numbers", AppendNumbers, 2 * numbersOfEachKind},
-                                                   {"nested", AppendChain, 2 * chainDepth},
-                                                   {"comments", AppendCommented, 9}}};
-    return shapes[static_cast<size_t>(document)];
+    static constexpr std::array<eShape, 5> kShapes{{{"records", AppendRecord, 9},
+                                                    {"strings", AppendStrings, kStringsInBlock},
+                                                    {"numbers", AppendNumbers, 2 * kNumbersOfEachKind},
+                                                    {"nested", AppendChain, 2 * kChainDepth},
+                                                    {"comments", AppendCommented, 9}}};
+    return kShapes[static_cast<size_t>(document)];
 }
 
 struct eMade {
@@ -307,10 +307,10 @@ eMade MakeSdl(eDocument document, unsigned kilobytes) {
     eMade made;
     const size_t wanted = size_t{kilobytes} * 1000;
     made.text.reserve(wanted + 8192);
-    made.text += sdl.rootOpen;
+    made.text += kSdl.rootOpen;
     for (; made.text.size() < wanted; ++made.items)
-        Shape(document).append(made.text, sdl, made.items);
-    made.text += sdl.rootClose;
+        Shape(document).append(made.text, kSdl, made.items);
+    made.text += kSdl.rootClose;
     return made;
 }
 
@@ -345,7 +345,7 @@ std::map<std::pair<eDocument, unsigned>, std::uint64_t>& Counts() {
 eRecord Record(std::uint64_t index) {
     eRandom random(index);
     eRecord record;
-    record.name = words[random.Below(16)];
+    record.name = kWords[random.Below(16)];
     record.name += ' ';
     AppendInt(record.name, static_cast<int>(random.Below(100'000)));
     record.count = AnyInt(random);
@@ -354,7 +354,7 @@ eRecord Record(std::uint64_t index) {
         record.position[i] = static_cast<float>(odd) / 2000.0f;
         record.decimals[i] = odd / 2000.0;
     }
-    record.tag = tags[random.Below(tags.size())];
+    record.tag = kTags[random.Below(kTags.size())];
     for (int& each : record.ids)
         each = AnyInt(random);
     return record;

@@ -5,47 +5,47 @@
 
 namespace bench {
 
-/// The contents measured. Each is a pure function of its size: every machine reads the same bytes.
+// The contents measured. Each is a pure function of its size: every machine reads the same bytes.
 enum class eDocument {
-    Records,  ///< an item with a name, an int, a block of three floats, a tag, a block of three ints
-    Strings,  ///< blocks of 16 strings of 20 to 200 characters, one in 16 with escapes
-    Numbers,  ///< blocks of 8 ints and 8 floats
-    Nested,   ///< chains of 32 blocks inside each other, each with an int and a short string
-    Comments, ///< records under three lines of comment each
+    Records,  // an item with a name, an int, a block of three floats, a tag, a block of three ints
+    Strings,  // blocks of 16 strings of 20 to 200 characters, one in 16 with escapes
+    Numbers,  // blocks of 8 ints and 8 floats
+    Nested,   // chains of 32 blocks inside each other, each with an int and a short string
+    Comments, // records under three lines of comment each
 };
 
 enum class eFormat { Sdl, Json, JsonTight, Config, Toml };
 
-/// The document of about that many thousand bytes of SDL text, or the same content in another format.
-/// Made on first use and kept.
+// The document of about that many thousand bytes of SDL text, or the same content in another format.
+// Made on first use and kept.
 const std::string& Text(eDocument document, unsigned kilobytes, eFormat format);
 
-/// The same document with so many records, blocks, rows or chains, made anew and not kept.
+// The same document with so many records, blocks, rows or chains, made anew and not kept.
 std::string TextOf(eDocument document, std::uint64_t items, eFormat format);
 
-/// How many values (not block names) the document holds.
+// How many values (not block names) the document holds.
 double Values(eDocument document, unsigned kilobytes);
 
 double ValuesOf(eDocument document, std::uint64_t items);
 
-/// How many records, blocks of strings, rows of numbers or chains the document holds.
+// How many records, blocks of strings, rows of numbers or chains the document holds.
 std::uint64_t Items(eDocument document, unsigned kilobytes);
 
 const char* Name(eDocument document);
 
-/// "16 MB", "64 KB"
+// "16 MB", "64 KB"
 std::string SizeName(unsigned kilobytes);
 
-constexpr int stringsInBlock = 16;
-constexpr int numbersOfEachKind = 8;
-constexpr int chainDepth = 32;
+constexpr int kStringsInBlock = 16;
+constexpr int kNumbersOfEachKind = 8;
+constexpr int kChainDepth = 32;
 
-/// The content of one record, for those who write it.
+// The content of one record, for those who write it.
 struct eRecord {
     std::string name;
     int count;
     float position[3];
-    double decimals[3]; ///< the positions as their decimal texts say them, for writers that know no floats
+    double decimals[3]; // the positions as their decimal texts say them, for writers that know no floats
     const char* tag;
     int ids[3];
 };

@@ -6,13 +6,13 @@
 
 namespace bench {
 
-/// The scene's words as a keyword table; the ids are those of eSceneWord.
+// The scene's words as a keyword table; the ids are those of eSceneWord.
 inline eSDLKeyword* SceneKeywords() {
     static eSDLKeyword* head;
-    static eSDLKeyword table[]{{head, sceneWords[0], 1},  {head, sceneWords[1], 2},   {head, sceneWords[2], 3},
-                               {head, sceneWords[3], 4},  {head, sceneWords[4], 5},   {head, sceneWords[5], 6},
-                               {head, sceneWords[6], 7},  {head, sceneWords[7], 8},   {head, sceneWords[8], 9},
-                               {head, sceneWords[9], 10}, {head, sceneWords[10], 11}, {head, sceneWords[11], 12}};
+    static eSDLKeyword table[]{{head, kSceneWords[0], 1},  {head, kSceneWords[1], 2},   {head, kSceneWords[2], 3},
+                               {head, kSceneWords[3], 4},  {head, kSceneWords[4], 5},   {head, kSceneWords[5], 6},
+                               {head, kSceneWords[6], 7},  {head, kSceneWords[7], 8},   {head, kSceneWords[8], 9},
+                               {head, kSceneWords[9], 10}, {head, kSceneWords[10], 11}, {head, kSceneWords[11], 12}};
     return table;
 }
 

@@ -17,25 +17,25 @@
 
 namespace bench {
 
-/// The one function inside which instructions are counted; found by its name.
+// The one function inside which instructions are counted; found by its name.
 [[gnu::noinline]] std::uint64_t MeasuredPass(const eRow& row) {
     return row.pass();
 }
 
 namespace {
 
-constexpr int repetitions = 15;
-/// In a full run, a pass over so much data is repeated less often.
-constexpr size_t largeBytes = 100'000'000;
-constexpr int repetitionsOfLarge = 3;
+constexpr int kRepetitions = 15;
+// In a full run, a pass over so much data is repeated less often.
+constexpr size_t kLargeBytes = 100'000'000;
+constexpr int kRepetitionsOfLarge = 3;
 
 struct eArguments {
     eOptions options;
-    std::string row;   ///< the row to run once, in place of all
-    bool list = false; ///< print the names of the rows whose instructions are counted
+    std::string row;   // the row to run once, in place of all
+    bool list = false; // print the names of the rows whose instructions are counted
     bool peaks = true;
-    bool isPeak = false; ///< the one row is run for its peak of memory
-    unsigned passes = 1; ///< of the one row
+    bool isPeak = false; // the one row is run for its peak of memory
+    unsigned passes = 1; // of the one row
     std::vector<std::string> sizes;
 };
 
@@ -80,7 +80,7 @@ eArguments TakeArguments(int& count, char** arguments) {
     return taken;
 }
 
-/// Runs one row the given number of times and prints the peak of memory and the checksum.
+// Runs one row the given number of times and prints the peak of memory and the checksum.
 int RunOneRow(eSuite& suite, const eArguments& arguments) {
     for (const auto& work : suite.Works())
         for (const eRow& row : work->rows)
@@ -103,7 +103,7 @@ int RunOneRow(eSuite& suite, const eArguments& arguments) {
     return EXIT_FAILURE;
 }
 
-/// Keeps the checksum that the first contender of each work reached, and says whether later ones agree.
+// Keeps the checksum that the first contender of each work reached, and says whether later ones agree.
 class eAgreement {
 public:
     bool Agrees(const eWork& work, std::uint64_t checksum) {
@@ -116,7 +116,7 @@ private:
     std::map<const eWork*, std::uint64_t> checksums;
 };
 
-/// Collects the repetitions of every row; the tables are printed when all are in.
+// Collects the repetitions of every row; the tables are printed when all are in.
 class eCollector : public benchmark::BenchmarkReporter {
 public:
     eCollector(const std::map<std::string, const eRow*>& known, eMeasurements& taken) : rows(known), measured(taken) {}
@@ -142,14 +142,14 @@ private:
     eMeasurements& measured;
 };
 
-/// How often the row is repeated where that is not the run's choice, else 0.
+// How often the row is repeated where that is not the run's choice, else 0.
 int OwnRepetitions(const eRow& row, const eOptions& options) {
     if (row.repetitions > 0)
         return row.repetitions;
-    return options.full && row.bytes > largeBytes ? repetitionsOfLarge : 0;
+    return options.full && row.bytes > kLargeBytes ? kRepetitionsOfLarge : 0;
 }
 
-/// The checksum of a row's pass; what the row itself checks is checked once.
+// The checksum of a row's pass; what the row itself checks is checked once.
 class eChecked {
 public:
     std::uint64_t Sum(const eRow& row, std::uint64_t passed) {
@@ -200,9 +200,9 @@ std::string ProgramName(const char* path) {
     return name.starts_with("bench_") ? name.substr(6) : name;
 }
 
-/// Google Benchmark's arguments: ours first, so that the caller's own ones win.
+// Google Benchmark's arguments: ours first, so that the caller's own ones win.
 std::vector<std::string> BenchmarkArguments(int count, char** arguments) {
-    std::vector<std::string> all{arguments[0], "--benchmark_repetitions=" + std::to_string(repetitions),
+    std::vector<std::string> all{arguments[0], "--benchmark_repetitions=" + std::to_string(kRepetitions),
                                  "--benchmark_min_time=0.02", "--benchmark_enable_random_interleaving=true"};
     all.insert(all.end(), arguments + 1, arguments + count);
     return all;
@@ -236,7 +236,7 @@ int RunAll(eSuite& suite, const eArguments& arguments, int count, char** given) 
             const int own = OwnRepetitions(row, arguments.options);
             if (own > 0)
                 registered->Repetitions(own);
-            allRuns += static_cast<size_t>(own > 0 ? own : repetitions);
+            allRuns += static_cast<size_t>(own > 0 ? own : kRepetitions);
         }
     std::cout << Heading(ProgramName(given[0]), WorkFolder()) << std::flush;
     if (arguments.peaks)

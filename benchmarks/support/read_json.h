@@ -12,7 +12,7 @@
 namespace bench {
 namespace {
 
-/// Copies every text, looks every member name up, and takes the numbers as they come.
+// Copies every text, looks every member name up, and takes the numbers as they come.
 class eJsonHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, eJsonHandler> {
 public:
     explicit eJsonHandler(const eSceneWords& known) : words(known) {}
@@ -47,7 +47,7 @@ private:
     std::uint64_t found = 0;
 };
 
-/// The checksum of the values of a JSON source, 0 when it is malformed.
+// The checksum of the values of a JSON source, 0 when it is malformed.
 template <unsigned flags, class T>
 std::uint64_t ReadJson(T& source) {
     static const eSceneWords words;

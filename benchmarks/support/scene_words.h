@@ -5,24 +5,24 @@
 
 namespace bench {
 
-/// The twelve names that every reader looks words up in.
+// The twelve names that every reader looks words up in.
 enum eSceneWord { wordItem = 1, wordCount, wordPos, wordTag, wordIds, wordText, wordRow, wordNode, wordScene };
-inline constexpr std::array<const char*, 12> sceneWords{"item", "count", "pos",   "tag",   "ids",  "text",
-                                                        "row",  "node",  "scene", "light", "mesh", "camera"};
+inline constexpr std::array<const char*, 12> kSceneWords{"item", "count", "pos",   "tag",   "ids",  "text",
+                                                         "row",  "node",  "scene", "light", "mesh", "camera"};
 
-/// A look-up of those names for contenders that bring none of their own: open addressing, letter case folded.
+// A look-up of those names for contenders that bring none of their own: open addressing, letter case folded.
 class eSceneWords {
 public:
     eSceneWords() {
-        for (size_t i = 0; i < sceneWords.size(); ++i) {
-            size_t slot = Slot(sceneWords[i]);
+        for (size_t i = 0; i < kSceneWords.size(); ++i) {
+            size_t slot = Slot(kSceneWords[i]);
             while (!slots[slot].name.empty())
                 slot = (slot + 1) % slots.size();
-            slots[slot] = {sceneWords[i], static_cast<int>(i) + 1};
+            slots[slot] = {kSceneWords[i], static_cast<int>(i) + 1};
         }
     }
 
-    /// The word's number, 0 when it is none of them.
+    // The word's number, 0 when it is none of them.
     int Find(std::string_view word) const {
         if (word.empty())
             return 0;

@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// Reads the items of a scene as an application does, each string copied, and folds the values.
+// Reads the items of a scene as an application does, each string copied, and folds the values.
 class eSceneSum {
 public:
     explicit eSceneSum(eSDLReader& from) : reader(from) {}
@@ -34,25 +34,25 @@ public:
     }
     void Strings() {
         reader.GetBlock(wordText);
-        for (int i = 0; i < stringsInBlock; ++i)
+        for (int i = 0; i < kStringsInBlock; ++i)
             Text();
         reader >> endb;
     }
     void Numbers() {
         reader.GetBlock(wordRow);
-        for (int i = 0; i < numbersOfEachKind; ++i) {
+        for (int i = 0; i < kNumbersOfEachKind; ++i) {
             Int();
             Float();
         }
         reader >> endb;
     }
     void Chain() {
-        for (int i = 0; i < chainDepth; ++i) {
+        for (int i = 0; i < kChainDepth; ++i) {
             reader.GetBlock(wordNode);
             Int();
             Text();
         }
-        for (int i = 0; i < chainDepth; ++i)
+        for (int i = 0; i < kChainDepth; ++i)
             reader >> endb;
     }
     std::uint64_t Value() const { return sum.Value(); }
@@ -70,7 +70,7 @@ private:
     std::string text;
 };
 
-/// Everything up to the end of the scene's block.
+// Everything up to the end of the scene's block.
 inline std::uint64_t SumScene(eDocument document, eSDLReader& reader) {
     eSceneSum sum(reader);
     while (!reader.End())

@@ -41,7 +41,7 @@ const char* Verdict(bool isMet, eTally& tally) {
     return isMet ? "met" : "NOT MET";
 }
 
-/// One work's rows turned into lines.
+// One work's rows turned into lines.
 class eTable {
 public:
     eTable(const eWork& tabled, const eMeasurements& all, eTally& counts) : work(tabled), measured(all), tally(counts) {
@@ -80,7 +80,7 @@ private:
         return row.bytes ? Fixed(static_cast<double>(row.bytes) / seconds / 1e6, 0) : "";
     }
 
-    /// Ours over theirs; for a row of ours with a target, this over the first of ours.
+    // Ours over theirs; for a row of ours with a target, this over the first of ours.
     std::string RatioCells(const eRow& row) {
         const bool isOurs = row.kind == eKind::Ours;
         if (ours == 0 || (isOurs && row.target == 0))
@@ -106,7 +106,7 @@ private:
     const eWork& work;
     const eMeasurements& measured;
     eTally& tally;
-    double ours = 0; ///< seconds for one value in the first row of ours; 0 when there is none
+    double ours = 0; // seconds for one value in the first row of ours; 0 when there is none
 };
 
 } // namespace
@@ -121,12 +121,12 @@ double Median(std::vector<double> values) {
 
 std::string Heading(const std::string& family, const std::string& folder) {
     std::string text = "## " + family + "\n\n" + Today() + "; " + platform::ProcessorName() + ", " +
-                       std::to_string(platform::ProcessorCount()) + " processors; " + build_info::compiler + ", " +
-                       build_info::buildType + " (" + build_info::flags + "); files in " + folder + "\n";
-    if (!build_info::optimised)
+                       std::to_string(platform::ProcessorCount()) + " processors; " + build_info::kCompiler + ", " +
+                       build_info::kBuildType + " (" + build_info::kFlags + "); files in " + folder + "\n";
+    if (!build_info::kOptimised)
         text += "WARNING: this build is not optimised; its figures mean nothing.\n";
-    if (*build_info::missingPeers)
-        text += "Not installed here, so without rows: " + std::string(build_info::missingPeers) + "\n";
+    if (*build_info::kMissingPeers)
+        text += "Not installed here, so without rows: " + std::string(build_info::kMissingPeers) + "\n";
     return text + "\n";
 }
 

@@ -10,13 +10,13 @@
 namespace bench {
 namespace {
 
-constexpr size_t roomWanted = size_t{4} << 30;
+constexpr size_t kRoomWanted = size_t{4} << 30;
 
 class eFolder {
 public:
     eFolder() {
         const char* chosen = std::getenv("QZL_BENCH_FOLDER");
-        const std::string place = chosen ? chosen : platform::FastFolder(roomWanted);
+        const std::string place = chosen ? chosen : platform::FastFolder(kRoomWanted);
         name = place + "/qzl_bench_" + std::to_string(platform::ProcessNumber()) + "/";
         std::filesystem::create_directories(name);
     }

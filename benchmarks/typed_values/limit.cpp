@@ -8,7 +8,7 @@
 namespace bench {
 namespace {
 
-/// Bytes of a fixed size.
+// Bytes of a fixed size.
 class eRoom {
 public:
     explicit eRoom(size_t size) : bytes(size) {}
@@ -20,7 +20,7 @@ private:
     std::vector<unsigned char> bytes;
 };
 
-/// Bytes that double.
+// Bytes that double.
 class eGrowing {
 public:
     unsigned char* Begin() { return bytes.data(); }
@@ -35,7 +35,7 @@ private:
     std::vector<unsigned char> bytes;
 };
 
-/// Bytes that are all there.
+// Bytes that are all there.
 class eWhole {
 public:
     explicit eWhole(const std::string& from) : bytes(from) {}
@@ -67,8 +67,8 @@ std::uint64_t SumWritten(Sink sink, size_t sets) {
 const eContender contender(2, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
         const size_t sets = Sets(kilobytes);
-        const size_t size = sets * bytesOfSet;
-        const double values = static_cast<double>(sets) * valuesInSet;
+        const size_t size = sets * kBytesOfSet;
+        const double values = static_cast<double>(sets) * kValuesInSet;
         const auto room = std::make_shared<eRoom>(size);
         suite.Add(RoomWork(kilobytes), values,
                   {"memcpy by hand, one comparison each",

@@ -20,8 +20,8 @@ size_t PutAgain(IO::eMemoryStream& stream, size_t sets) {
 const eContender contender(0, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
         const size_t sets = Sets(kilobytes);
-        const size_t size = sets * bytesOfSet;
-        const double values = static_cast<double>(sets) * valuesInSet;
+        const size_t size = sets * kBytesOfSet;
+        const double values = static_cast<double>(sets) * kValuesInSet;
         const auto room = std::make_shared<IO::eMemoryStream>(size + 64, 0);
         suite.Add(RoomWork(kilobytes), values,
                   {"eMemoryStream <<",

@@ -24,8 +24,8 @@ std::uint64_t GetAll(const std::string& bytes, size_t sets) {
 const eContender contender(1, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
         const size_t sets = Sets(kilobytes);
-        const size_t size = sets * bytesOfSet;
-        const double values = static_cast<double>(sets) * valuesInSet;
+        const size_t size = sets * kBytesOfSet;
+        const double values = static_cast<double>(sets) * kValuesInSet;
         const auto room = std::make_shared<std::string>(size, '\0');
         suite.Add(RoomWork(kilobytes), values,
                   {"protobuf CodedOutputStream on an array",

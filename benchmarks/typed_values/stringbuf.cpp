@@ -25,11 +25,11 @@ void PutAll(std::stringbuf& out, size_t sets) {
 const eContender contender(1, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
         const size_t sets = Sets(kilobytes);
-        suite.Add(GrowingWork(kilobytes), static_cast<double>(sets) * valuesInSet,
+        suite.Add(GrowingWork(kilobytes), static_cast<double>(sets) * kValuesInSet,
                   {"std::stringbuf::sputn",
                    eKind::Peer,
                    0.8,
-                   sets * bytesOfSet,
+                   sets * kBytesOfSet,
                    {},
                    [sets] {
                        std::stringbuf out;

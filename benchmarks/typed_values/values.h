@@ -10,21 +10,21 @@
 
 namespace bench {
 
-/// One of each kind, as applications put them on streams in turn.
+// One of each kind, as applications put them on streams in turn.
 struct eTypedValues {
     int integer;
     unsigned char byte;
     float real;
     double precise;
     long long large;
-    std::string name; ///< 12 bytes
+    std::string name; // 12 bytes
 };
 
-/// Bytes of one set of values on a stream: the string's length takes one.
-inline constexpr size_t bytesOfSet = 4 + 1 + 4 + 8 + 8 + 1 + 12;
-inline constexpr double valuesInSet = 6;
+// Bytes of one set of values on a stream: the string's length takes one.
+inline constexpr size_t kBytesOfSet = 4 + 1 + 4 + 8 + 8 + 1 + 12;
+inline constexpr double kValuesInSet = 6;
 
-/// The sets that are written in turn, again and again.
+// The sets that are written in turn, again and again.
 inline const std::array<eTypedValues, 256>& TypedValues() {
     static const auto made = [] {
         std::array<eTypedValues, 256> values;
@@ -43,15 +43,15 @@ inline const std::array<eTypedValues, 256>& TypedValues() {
     return made;
 }
 
-/// How many sets make up about that many thousand bytes.
+// How many sets make up about that many thousand bytes.
 inline size_t Sets(unsigned kilobytes) {
-    return size_t{kilobytes} * 1000 / bytesOfSet;
+    return size_t{kilobytes} * 1000 / kBytesOfSet;
 }
 
-/// The bytes that every contender has to produce, and reads.
+// The bytes that every contender has to produce, and reads.
 inline std::string EncodedSets(size_t sets) {
     std::string bytes;
-    bytes.reserve(sets * bytesOfSet);
+    bytes.reserve(sets * kBytesOfSet);
     const auto add = [&](const auto& value) { bytes.append(reinterpret_cast<const char*>(&value), sizeof value); };
     for (size_t i = 0; i < sets; ++i) {
         const eTypedValues& set = TypedValues()[i % TypedValues().size()];
@@ -66,7 +66,7 @@ inline std::string EncodedSets(size_t sets) {
     return bytes;
 }
 
-/// A checksum of all the bytes.
+// A checksum of all the bytes.
 inline std::uint64_t SumOfBytes(std::string_view bytes) {
     eChecksum sum;
     for (size_t at = 0; at < bytes.size(); at += 16)
@@ -74,7 +74,7 @@ inline std::uint64_t SumOfBytes(std::string_view bytes) {
     return sum.Value();
 }
 
-/// Hands the sets to `put`, one after the other.
+// Hands the sets to `put`, one after the other.
 template <class T>
 void PutSets(size_t sets, T put) {
     const auto& values = TypedValues();
@@ -82,7 +82,7 @@ void PutSets(size_t sets, T put) {
         put(values[i % values.size()]);
 }
 
-/// The checksum of the sets that `get` fills.
+// The checksum of the sets that `get` fills.
 template <class T>
 std::uint64_t GetSets(size_t sets, T get) {
     eChecksum sum;

@@ -222,7 +222,7 @@ TEST(FloatText, NamesWhatIsNoNumber) {
 }
 
 TEST(FloatText, IsNoLongerThanAnyShortTextOfTheSameValue) {
-    constexpr std::string_view alphabet = "0123456789.-e";
+    constexpr std::string_view kAlphabet = "0123456789.-e";
     const std::size_t longest = LongTests() ? 6 : 5;
     std::vector<std::string> texts{""};
     for (std::size_t index = 0; index < texts.size(); ++index) {
@@ -231,7 +231,7 @@ TEST(FloatText, IsNoLongerThanAnyShortTextOfTheSameValue) {
             ASSERT_LE(ToString(*value).size(), text.size()) << text;
         }
         if (text.size() < longest)
-            for (const char c : alphabet)
+            for (const char c : kAlphabet)
                 texts.push_back(text + c);
     }
 }

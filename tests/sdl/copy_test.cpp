@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t longest = 70;
+constexpr std::size_t kLongest = 70;
 
 std::string Letters(std::size_t size) {
     std::string text;
@@ -18,7 +18,7 @@ std::string Letters(std::size_t size) {
 }
 
 TEST(TextCopies, AreExactAtEverySizeAndTouchNothingElse) {
-    for (std::size_t size = 0; size <= longest; ++size) {
+    for (std::size_t size = 0; size <= kLongest; ++size) {
         const std::string text = Letters(size);
         std::string copy(size + 2, '#');
         EXPECT_EQ(xSDL::CopyText(copy.data() + 1, text.data(), size), copy.data() + 1 + size);
@@ -30,8 +30,8 @@ TEST(TextCopies, AreExactAtEverySizeAndTouchNothingElse) {
 }
 
 TEST(TextCopies, ArePlainExactlyWhenNothingNeedsAnEscape) {
-    std::string copy(longest, '\0');
-    for (std::size_t size = 1; size <= longest; ++size) {
+    std::string copy(kLongest, '\0');
+    for (std::size_t size = 1; size <= kLongest; ++size) {
         for (std::size_t at = 0; at < size; ++at) {
             for (int byte = 0; byte < 256; ++byte) {
                 std::string text = Letters(size);

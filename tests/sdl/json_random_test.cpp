@@ -56,7 +56,7 @@ struct eScalar {
     std::string_view sdl; // empty for null
 };
 
-constexpr std::array<eScalar, 16> scalars = {{
+constexpr std::array<eScalar, 16> kScalars = {{
     {"null", ""},
     {"null", ""},
     {"true", "1"},
@@ -92,13 +92,13 @@ public:
     eSdlText sdl;
 
 private:
-    static constexpr int deepest = 6;
+    static constexpr int kDeepest = 6;
 
     unsigned Below(unsigned limit) { return static_cast<unsigned>(random() % limit); }
-    bool IsContainer(int depth) { return depth < deepest && Below(4) == 0; }
+    bool IsContainer(int depth) { return depth < kDeepest && Below(4) == 0; }
 
     void Scalar() {
-        const eScalar& scalar = scalars[Below(scalars.size())];
+        const eScalar& scalar = kScalars[Below(kScalars.size())];
         json += scalar.json;
         if (!scalar.sdl.empty())
             sdl.Item(scalar.sdl);

@@ -44,12 +44,12 @@ TEST(JsonText, KnowsWellFormedUtf8) {
 
 // Mostly plain, with what is not at places of any kind.
 std::string RandomText(std::mt19937* random) {
-    static constexpr const char* pieces[] = {"\\",   "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8C\x85",
-                                             "\xC3", "\x80",     "\xFF"};
+    static constexpr const char* kPieces[] = {"\\",   "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8C\x85",
+                                              "\xC3", "\x80",     "\xFF"};
     std::string text;
     for (auto parts = (*random)() % 4; parts > 0; --parts) {
         text.append((*random)() % 40, 'x');
-        text += pieces[(*random)() % std::size(pieces)];
+        text += kPieces[(*random)() % std::size(kPieces)];
     }
     return text.append((*random)() % 40, 'x');
 }

@@ -72,10 +72,10 @@ const char* FindOneByOne(const eSDLKeyword* table, int id) {
 
 // Of any length up to 40, most of them alike but for a few characters or for letter case.
 std::string RandomName(std::mt19937& random) {
-    static constexpr char characters[] = "aAbB@`[{_1\xC4";
+    static constexpr char kCharacters[] = "aAbB@`[{_1\xC4";
     std::string name(random() % 41, random() % 2 ? 'x' : 'X');
     for (auto changes = random() % 3; changes > 0 && !name.empty(); --changes)
-        name[random() % name.size()] = characters[random() % (sizeof characters - 1)];
+        name[random() % name.size()] = kCharacters[random() % (sizeof kCharacters - 1)];
     return name;
 }
 
@@ -243,15 +243,15 @@ TEST(SdlKeyword, FollowsNextWhereTablesHaveBeenJoinedOrCut) {
 
 TEST(SdlKeyword, TablesOfAnySizeAreBuiltAndSearchedInATimeThatDoesNotGrow) {
     // Growing with the square, these would take minutes.
-    constexpr int size = 200'000;
+    constexpr int kSize = 200'000;
     eTable table;
-    for (int id = 1; id <= size; ++id)
+    for (int id = 1; id <= kSize; ++id)
         table.Add("word" + std::to_string(id), id);
-    for (int id = 1; id <= size; ++id)
+    for (int id = 1; id <= kSize; ++id)
         ASSERT_STREQ(table.head->Find(id), ("word" + std::to_string(id)).c_str());
-    for (std::size_t place = 0; place < size; ++place) {
-        ASSERT_EQ(table.At(place).Find("Word200000"), size);
-        ASSERT_STREQ(table.At(place).Find(size), "word200000");
+    for (std::size_t place = 0; place < kSize; ++place) {
+        ASSERT_EQ(table.At(place).Find("Word200000"), kSize);
+        ASSERT_STREQ(table.At(place).Find(kSize), "word200000");
         ASSERT_EQ(table.At(place).Find("none"), 0);
     }
 }

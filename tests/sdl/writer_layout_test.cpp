@@ -262,18 +262,18 @@ static_assert(!eWritable<double> && !eWritable<long long>);
 static_assert(!eWritable<const wchar_t*> && !eWritable<void*> && !eWritable<unsigned char*>);
 
 TEST(WriterText, GrowsToAnySizeAndDepth) {
-    constexpr int depth = 70000;
+    constexpr int kDepth = 70000;
     const std::string text = WrittenText([](eSDLWriter& writer) {
-        for (int level = 0; level < depth; ++level)
+        for (int level = 0; level < kDepth; ++level)
             writer << opening << 1;
-        for (int level = 0; level < depth; ++level)
+        for (int level = 0; level < kDepth; ++level)
             writer << endb;
         writer << endl << std::string(100000, '"');
     });
     std::string expected;
-    for (int level = 0; level < depth; ++level)
+    for (int level = 0; level < kDepth; ++level)
         expected += level == 0 ? "{1" : " {1";
-    expected += std::string(depth, '}') + "\r\n\"";
+    expected += std::string(kDepth, '}') + "\r\n\"";
     for (int quote = 0; quote < 100000; ++quote)
         expected += "\\\"";
     expected += '"';

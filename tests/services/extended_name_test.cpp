@@ -7,7 +7,7 @@
 namespace {
 
 using IO::System::ExtendedName;
-using IO::System::plainRoom;
+using IO::System::kPlainRoom;
 using IO::System::SystemName;
 using IO::System::SystemPattern;
 
@@ -128,7 +128,7 @@ TEST(SystemName, IsTheExtendedFormWhereTheAbsoluteNameIsTooLong) {
         {L"", share, share.size() + 1},
     };
     for (const eStart& row : starts) {
-        const std::wstring longest = row.start + std::wstring(plainRoom - row.counted, L'x');
+        const std::wstring longest = row.start + std::wstring(kPlainRoom - row.counted, L'x');
         EXPECT_EQ(longest, SystemName(longest, row.current)) << testing::PrintToString(row.start);
         const std::wstring longer = longest + L'x';
         EXPECT_EQ(ExtendedName(longer, row.current), SystemName(longer, row.current))
@@ -167,7 +167,7 @@ TEST(SystemPattern, IsRelativeToTheCurrentFolder) {
 }
 
 TEST(SystemPattern, IsTooLongWithItsMask) {
-    const std::wstring folder = L"c:/" + std::wstring(plainRoom - 6, L'x') + L"/";
+    const std::wstring folder = L"c:/" + std::wstring(kPlainRoom - 6, L'x') + L"/";
     EXPECT_EQ(folder + L"*x", SystemPattern(folder + L"*x", work));
     EXPECT_EQ(ExtendedName(folder, work) + L"*xx", SystemPattern(folder + L"*xx", work));
 }

@@ -8,7 +8,7 @@ using IO::AreOneFolder;
 using IO::eFileId;
 using IO::MayBeOneFile;
 
-constexpr unsigned long long ones = ~0ull;
+constexpr unsigned long long kOnes = ~0ull;
 
 TEST(FileId, IsNumberedWhereVolumeAndNumberAreTold) {
     struct eRow {
@@ -17,15 +17,15 @@ TEST(FileId, IsNumberedWhereVolumeAndNumberAreTold) {
     };
     for (const eRow& row : {
              eRow{{}, false},
-             eRow{{1, 0, 0, {}}, false},       // no number
-             eRow{{0, 0, 7, {}}, false},       // no volume
-             eRow{{1, 0, ones, {}}, false},    // a number that does not fit into 64 bits
-             eRow{{1, ones, ones, {}}, false}, // nor into 128
+             eRow{{1, 0, 0, {}}, false},         // no number
+             eRow{{0, 0, 7, {}}, false},         // no volume
+             eRow{{1, 0, kOnes, {}}, false},     // a number that does not fit into 64 bits
+             eRow{{1, kOnes, kOnes, {}}, false}, // nor into 128
              eRow{{1, 0, 7, {}}, true},
              eRow{{1, 7, 0, {}}, true},
-             eRow{{1, 7, ones, {}}, true},
-             eRow{{1, ones, 7, {}}, true},
-             eRow{{ones, 0, 1, {}}, true},
+             eRow{{1, 7, kOnes, {}}, true},
+             eRow{{1, kOnes, 7, {}}, true},
+             eRow{{kOnes, 0, 1, {}}, true},
          })
         EXPECT_EQ(row.numbered, row.id.IsNumbered()) << row.id.volume << " " << row.id.high << " " << row.id.low;
 }
@@ -46,7 +46,7 @@ TEST(FileId, IsComparedByNumberAndWhereThatIsMissingByFinalName) {
              // Unknown is not equal, and not different either.
              eRow{{}, {}, false, true},
              eRow{{1, 0, 0, {}}, {1, 0, 0, {}}, false, true},
-             eRow{{1, 0, ones, {}}, {1, 0, ones, {}}, false, true},
+             eRow{{1, 0, kOnes, {}}, {1, 0, kOnes, {}}, false, true},
              eRow{{0, 0, 7, {}}, {0, 0, 7, {}}, false, true},
              eRow{{1, 0, 0, {}}, {1, 0, 7, {}}, false, true},
              eRow{{1, 0, 0, L"a"}, {1, 0, 0, {}}, false, true},

@@ -180,9 +180,9 @@ TYPED_TEST(FileServices, CopyExStoppedBeforehandTouchesNothingThatItCannotCopyTo
 TYPED_TEST(FileServices, CopyExStoppedMidwayLeavesNoPartialTarget) {
     if (IsUnderWine())
         GTEST_SKIP() << "Wine never calls the progress routine of CopyFileEx";
-    constexpr std::uintmax_t size = std::uintmax_t{512} << 20;
+    constexpr std::uintmax_t kSize = std::uintmax_t{512} << 20;
     this->MakeFile("from", "");
-    std::filesystem::resize_file(this->At("from"), size);
+    std::filesystem::resize_file(this->At("from"), kSize);
     alignas(std::atomic_ref<bool>::required_alignment) bool cancel = false;
     std::atomic<bool> done = false;
     std::thread stopper([&] {
@@ -193,7 +193,7 @@ TYPED_TEST(FileServices, CopyExStoppedMidwayLeavesNoPartialTarget) {
     EXPECT_TRUE(TypeParam::CopyFileEx(this->Named("from"), this->Named("to"), &cancel));
     done = true;
     stopper.join();
-    EXPECT_TRUE(!this->Exists("to") || std::filesystem::file_size(this->At("to")) == size);
+    EXPECT_TRUE(!this->Exists("to") || std::filesystem::file_size(this->At("to")) == kSize);
 }
 
 TYPED_TEST(FileServices, DeleteRemovesAFileAndNothingElse) {
@@ -219,13 +219,13 @@ TYPED_TEST(FileServices, SizeIsTheLengthOrZero) {
 }
 
 TYPED_TEST(FileServices, SizeCountsBeyondFourGigabytes) {
-    constexpr unsigned long long size = (5ull << 30) + 1;
+    constexpr unsigned long long kSize = (5ull << 30) + 1;
     this->MakeFile("large", "");
     std::error_code error;
-    std::filesystem::resize_file(this->At("large"), size, error);
+    std::filesystem::resize_file(this->At("large"), kSize, error);
     if (error)
         GTEST_SKIP() << "the disk takes no file of 5 GiB: " << error.message();
-    EXPECT_EQ(size, TypeParam::Size(this->Named("large")));
+    EXPECT_EQ(kSize, TypeParam::Size(this->Named("large")));
 }
 
 TYPED_TEST(FileServices, NamesMayHoldBlanksDotsAndTheLongestComponent) {
@@ -309,7 +309,7 @@ TEST_F(RenameFile, DoesWithAnExistingTargetWhatTheRunTimeDoes) {
         MakeFile(root + "full/file");
         const eNames before = Tree(root);
         const bool replaced = File::Rename(Named(root + row.from), Named(root + row.to));
-        EXPECT_EQ(row.replacedWithoutDrives && !hasDrives, replaced) << root;
+        EXPECT_EQ(row.replacedWithoutDrives && !kHasDrives, replaced) << root;
         EXPECT_EQ(!replaced, Exists(root + row.from)) << root;
         EXPECT_EQ(!replaced, Tree(root) == before) << root;
         EXPECT_EQ(replaced && row.from == "file" ? "new" : "old", Content(root + "other")) << root;
@@ -330,7 +330,7 @@ class RenameToAnotherVolume : public RenameFile {
 protected:
     // A folder on another volume than the temporary files', or none.
     static std::filesystem::path OtherVolume() {
-        const std::filesystem::path folder = hasDrives ? "z:/dev/shm" : "/dev/shm";
+        const std::filesystem::path folder = kHasDrives ? "z:/dev/shm" : "/dev/shm";
         std::error_code error;
         const auto other = std::filesystem::space(folder, error);
         const auto own = std::filesystem::space(std::filesystem::temp_directory_path());
@@ -345,9 +345,9 @@ TEST_F(RenameToAnotherVolume, MovesFilesWhereThereAreDrivesAndNeverFolders) {
     MakeFile("file", "content");
     MakeFile("folder/file");
     const bool fileMoved = File::Rename(Named("file"), away.generic_string());
-    EXPECT_EQ(hasDrives, fileMoved);
-    EXPECT_EQ(!hasDrives, Exists("file"));
-    EXPECT_EQ(hasDrives, std::filesystem::remove(away));
+    EXPECT_EQ(kHasDrives, fileMoved);
+    EXPECT_EQ(!kHasDrives, Exists("file"));
+    EXPECT_EQ(kHasDrives, std::filesystem::remove(away));
     EXPECT_FALSE(File::Rename(Named("folder"), away.generic_string()));
     EXPECT_TRUE(Exists("folder/file"));
     EXPECT_FALSE(std::filesystem::exists(away));

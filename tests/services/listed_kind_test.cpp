@@ -10,7 +10,7 @@ using IO::IsListedLink;
 using IO::ListedKind;
 using IO::Platform::eEntryKind;
 
-constexpr unsigned long readOnly = 0x1, directory = 0x10, archive = 0x20, reparsePoint = 0x400;
+constexpr unsigned long kReadOnly = 0x1, kDirectory = 0x10, kArchive = 0x20, kReparsePoint = 0x400;
 
 TEST(ListedKind, GoesByTheReparseTag) {
     struct eRow {
@@ -45,8 +45,8 @@ TEST(ListedKind, GoesByTheReparseTag) {
              eRow{"distributed", 0x8000000A, false},
              eRow{"a tag that is not told", 0, true},
          }) {
-        for (const unsigned long other : {0ul, readOnly, archive, readOnly | archive | 0x1000ul}) {
-            const unsigned long file = reparsePoint | other, folder = file | directory;
+        for (const unsigned long other : {0ul, kReadOnly, kArchive, kReadOnly | kArchive | 0x1000ul}) {
+            const unsigned long file = kReparsePoint | other, folder = file | kDirectory;
             EXPECT_EQ(row.link, IsListedLink(file, row.tag)) << row.what;
             EXPECT_EQ(row.link, IsListedLink(folder, row.tag)) << row.what;
             EXPECT_EQ(row.link ? eEntryKind::Link : eEntryKind::File, ListedKind(file, row.tag)) << row.what;
@@ -57,10 +57,10 @@ TEST(ListedKind, GoesByTheReparseTag) {
 
 // Where there is no reparse point the field of the tag holds anything.
 TEST(ListedKind, TakesNoTagForOneWithoutAReparsePoint) {
-    EXPECT_FALSE(IsListedLink(archive, 0xA000000C));
-    EXPECT_FALSE(IsListedLink(directory, 0xA0000003));
-    EXPECT_EQ(eEntryKind::File, ListedKind(archive, 0xA000000C));
-    EXPECT_EQ(eEntryKind::Folder, ListedKind(directory, 0xA0000003));
+    EXPECT_FALSE(IsListedLink(kArchive, 0xA000000C));
+    EXPECT_FALSE(IsListedLink(kDirectory, 0xA0000003));
+    EXPECT_EQ(eEntryKind::File, ListedKind(kArchive, 0xA000000C));
+    EXPECT_EQ(eEntryKind::Folder, ListedKind(kDirectory, 0xA0000003));
 }
 
 } // namespace

@@ -202,12 +202,12 @@ TEST(CachedText, MayBeAskedFromWithinItsOwnQuestion) {
 }
 
 TEST(CachedText, GivesManyThreadsOneTextAtOneAddress) {
-    constexpr int threadCount = 8;
+    constexpr int kThreadCount = 8;
     eCachedText<char> text;
     std::atomic<int> number = 0;
-    std::vector<const std::string*> seen(threadCount);
+    std::vector<const std::string*> seen(kThreadCount);
     std::vector<std::thread> threads;
-    for (int index = 0; index < threadCount; ++index)
+    for (int index = 0; index < kThreadCount; ++index)
         threads.emplace_back([&, index] {
             const auto ask = [&] { return number++ % 3 == 0 ? std::string() : "answer" + std::to_string(number); };
             const std::string* answer = nullptr;

@@ -79,7 +79,7 @@ TYPED_TEST(PathServices, CreateOfARelativeNameStartsAtTheCurrentFolder) {
 }
 
 TYPED_TEST(PathServices, CreateOfARootedNameWithoutADriveDoesWhatTheSystemAllows) {
-    if (!hasDrives)
+    if (!kHasDrives)
         GTEST_SKIP() << "every full name begins with a slash here";
     EXPECT_TRUE(TypeParam::Create(TypeParam::Of("/")));
     EXPECT_FALSE(TypeParam::Create(TypeParam::Of("/qzl_io_not_made/x")));
@@ -179,13 +179,13 @@ TYPED_TEST(PathServices, DeleteWorksFiftyLevelsDeep) {
 
 // Twenty thousand files by narrow names; both widths walk in the same way, so a tenth is enough for the wide ones.
 TYPED_TEST(PathServices, LargeTreesAreCopiedAndDeleted) {
-    constexpr int filesPerFolder = std::same_as<TypeParam, eNarrow> ? 1000 : 100;
+    constexpr int kFilesPerFolder = std::same_as<TypeParam, eNarrow> ? 1000 : 100;
     for (int folder = 0; folder < 20; ++folder)
-        for (int file = 0; file < filesPerFolder; ++file)
+        for (int file = 0; file < kFilesPerFolder; ++file)
             this->MakeFile("root/" + std::to_string(folder) + "/" + std::to_string(file), "x");
     TypeParam::Copy(this->Named("root"), this->Named("copy"));
     const eNames copied = this->Tree("copy");
-    EXPECT_EQ(20u * (filesPerFolder + 1u), copied.size());
+    EXPECT_EQ(20u * (kFilesPerFolder + 1u), copied.size());
     EXPECT_EQ(this->Tree("root"), copied);
     TypeParam::Delete(this->Named("root"), true);
     TypeParam::Delete(this->Named("copy"), true);
@@ -275,7 +275,7 @@ TYPED_TEST(PathServices, PurgeRemovesFoldersWithoutFilesAndKeepsTheRest) {
 
 TYPED_TEST(PathServices, NamesThatBeginWithDotsAreNamesLikeAnyOther) {
     std::vector<std::string> names = {".a", "..a", ".a.", "..."};
-    if (hasDrives)
+    if (kHasDrives)
         names = {".a", "..a", "...a"};
     eNames expected;
     for (const std::string& name : names) {
@@ -315,7 +315,7 @@ TYPED_TEST(PathServices, WorkingDirIsTheProgramsFolder) {
     ASSERT_FALSE(folder.empty());
     EXPECT_EQ(typename TypeParam::Char('/'), folder.back());
     EXPECT_EQ(folder.npos, folder.find(typename TypeParam::Char('\\')));
-    const auto program = TypeParam::Of(hasDrives ? "service_tests.exe" : "service_tests");
+    const auto program = TypeParam::Of(kHasDrives ? "service_tests.exe" : "service_tests");
     EXPECT_TRUE(TypeParam::MayAccess(typename TypeParam::Name(folder + program), 0));
 }
 

@@ -17,7 +17,7 @@ struct eMaskRow {
     bool matches;
 };
 
-constexpr eMaskRow maskRows[] = {
+constexpr eMaskRow kMaskRows[] = {
     {L"*.*", L"a", true},
     {L"*.*", L"a.b", true},
     {L"*.*", L".", true},
@@ -108,7 +108,7 @@ std::string Shown(std::wstring_view text) {
 }
 
 TEST(SearchMask, FollowsTheRulesOfTheWindowsFileSearch) {
-    for (const eMaskRow& row : maskRows)
+    for (const eMaskRow& row : kMaskRows)
         EXPECT_EQ(row.matches, eSearchMask(row.mask).Matches(row.name)) << Shown(row.mask) << " " << Shown(row.name);
 }
 

@@ -62,7 +62,7 @@ TYPED_TEST(SearchServices, TellsFilesFromSubfolders) {
 }
 
 TYPED_TEST(SearchServices, AFolderNamedByThreeDotsIsASubfolder) {
-    if (hasDrives)
+    if (kHasDrives)
         GTEST_SKIP() << "names of dots alone cannot be made here";
     this->MakeFolder("folder/...");
     typename TypeParam::Search search(this->Folder("folder"), TypeParam::Of("..."));
@@ -147,23 +147,23 @@ TYPED_TEST(SearchServices, SizeIsTheFilesLength) {
 }
 
 TYPED_TEST(SearchServices, SizeCountsBeyond32Bits) {
-    constexpr unsigned long long size = 4294967296ull;
+    constexpr unsigned long long kSize = 4294967296ull;
     this->MakeFile("folder/large", "");
     std::error_code error;
-    std::filesystem::resize_file(this->At("folder/large"), size, error);
+    std::filesystem::resize_file(this->At("folder/large"), kSize, error);
     if (error)
         GTEST_SKIP() << "the disk takes no file of 4 GiB: " << error.message();
-    EXPECT_EQ(size, typename TypeParam::Search(this->Folder("folder"), TypeParam::Of("large")).Size());
+    EXPECT_EQ(kSize, typename TypeParam::Search(this->Folder("folder"), TypeParam::Of("large")).Size());
 }
 
 TYPED_TEST(SearchServices, ModifyTimeCountsHundredNanosecondsSince1601) {
-    constexpr unsigned long long secondsFrom1601To1970 = 11'644'473'600;
+    constexpr unsigned long long kSecondsFrom1601To1970 = 11'644'473'600;
     this->MakeFile("folder/file");
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now).count();
     const typename TypeParam::Search search(this->Folder("folder"), TypeParam::Of("file"));
     const IO::eFileTime time = search.ModifyTime();
-    EXPECT_NEAR(static_cast<double>(seconds), static_cast<double>(time.Ticks() / 10'000'000 - secondsFrom1601To1970),
+    EXPECT_NEAR(static_cast<double>(seconds), static_cast<double>(time.Ticks() / 10'000'000 - kSecondsFrom1601To1970),
                 60);
     EXPECT_EQ(time.dwLowDateTime, static_cast<unsigned int>(time.Ticks()));
     EXPECT_EQ(time.dwHighDateTime, static_cast<unsigned int>(time.Ticks() >> 32));
@@ -382,11 +382,11 @@ TYPED_TEST(SearchServices, EntriesThatVanishDuringTheWalkDoNoHarm) {
 }
 
 TYPED_TEST(SearchServices, LargeFoldersComeWhole) {
-    constexpr int count = 3000;
-    for (int number = 0; number < count; ++number)
+    constexpr int kCount = 3000;
+    for (int number = 0; number < kCount; ++number)
         this->MakeFile("folder/a rather long name to fill the buffers " + std::to_string(number) + ".txt", "");
-    EXPECT_EQ(static_cast<std::size_t>(count), this->FoundIn("folder", "*.txt").size());
-    EXPECT_EQ(static_cast<std::size_t>(count) + 2, this->FoundIn("folder", "*.*").size());
+    EXPECT_EQ(static_cast<std::size_t>(kCount), this->FoundIn("folder", "*.txt").size());
+    EXPECT_EQ(static_cast<std::size_t>(kCount) + 2, this->FoundIn("folder", "*.*").size());
 }
 
 TYPED_TEST(SearchServices, LongNamesComeWhole) {

@@ -31,7 +31,7 @@ TEST(SystemInfo, MachineNameIsLowerCasedAndKept) {
     EXPECT_EQ(&name, &MachineName());
     EXPECT_EQ(ToStringW(name), MachineNameW());
     EXPECT_EQ(&MachineNameW(), &MachineNameW());
-    EXPECT_LE(name.size(), hasDrives ? 15u : 64u);
+    EXPECT_LE(name.size(), kHasDrives ? 15u : 64u);
 }
 
 TEST(SystemInfo, UserNameIsLowerCasedAndKept) {
@@ -58,7 +58,7 @@ TEST(SystemInfo, WindowsVersionIsAKnownNameAndKept) {
     EXPECT_EQ(&name, &WindowsVersion());
     EXPECT_EQ(ToStringW(name), WindowsVersionW());
     EXPECT_EQ(&WindowsVersionW(), &WindowsVersionW());
-    if (hasDrives) {
+    if (kHasDrives) {
         EXPECT_TRUE(workstations.count(name) || name.starts_with("windows_server_")) << name;
     } else {
         EXPECT_EQ("unknown", name);
@@ -68,7 +68,7 @@ TEST(SystemInfo, WindowsVersionIsAKnownNameAndKept) {
 TEST(SystemInfo, ProductIdFillsItsWholeBuffer) {
     const std::string& id = ProductId();
     EXPECT_EQ(&id, &ProductId());
-    if (!hasDrives) {
+    if (!kHasDrives) {
         EXPECT_EQ("", id);
         EXPECT_EQ(L"", ProductIdW());
         return;
@@ -110,8 +110,8 @@ TEST(SystemInfo, TheWideSerialNumberIsTheNarrowOne) {
 
 TEST(SystemInfo, ManyThreadsGetTheSameTexts) {
     eReports reports;
-    constexpr std::size_t threadCount = 8;
-    std::vector<std::vector<const void*>> seen(threadCount);
+    constexpr std::size_t kThreadCount = 8;
+    std::vector<std::vector<const void*>> seen(kThreadCount);
     std::vector<std::thread> threads;
     for (auto& addresses : seen)
         threads.emplace_back([&addresses] {

@@ -299,22 +299,22 @@ TEST_F(Tree, CopyingDoesNotCopyTheTargetIntoItself) {
 }
 
 TEST_F(Tree, DepthNeitherRecursesNorHoldsMoreFoldersOpenThanTheLimit) {
-    constexpr int depth = 20'000;
-    auto from = Chain(depth, Folder()), to = Folder();
+    constexpr int kDepth = 20'000;
+    auto from = Chain(kDepth, Folder()), to = Folder();
     Copy(from, to);
-    EXPECT_LE(watch.mostAwake, 2 * static_cast<int>(eFolderStack::keptOpen) + 2);
+    EXPECT_LE(watch.mostAwake, 2 * static_cast<int>(eFolderStack::kKeptOpen) + 2);
     int copied = 0;
     for (auto node = to; node->below.count("down"); node = node->below["down"]) {
-        ASSERT_EQ(std::to_string(depth - 1 - copied), node->below["file"]->content);
+        ASSERT_EQ(std::to_string(kDepth - 1 - copied), node->below["file"]->content);
         ++copied;
     }
-    EXPECT_EQ(depth, copied);
+    EXPECT_EQ(kDepth, copied);
     watch = {};
     for (const auto& root : {from, to}) {
         Delete(root);
         EXPECT_EQ(eShown(), Shown(root));
     }
-    EXPECT_LE(watch.mostAwake, static_cast<int>(eFolderStack::keptOpen) + 1);
+    EXPECT_LE(watch.mostAwake, static_cast<int>(eFolderStack::kKeptOpen) + 1);
     EXPECT_EQ(0, watch.awake);
 }
 
@@ -324,7 +324,7 @@ TEST_F(Tree, AFolderThatCannotBeReachedAgainEndsTheWorkThereAndNothingElse) {
         using eMemoryFolder::eMemoryFolder;
         void Wake(eFolder&) override {}
     };
-    const int depth = static_cast<int>(eFolderStack::keptOpen) + 5;
+    const int depth = static_cast<int>(eFolderStack::kKeptOpen) + 5;
     auto root = Chain(depth, Folder());
     eLost opened(root, &watch);
     DeleteContents(opened, patience);

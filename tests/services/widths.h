@@ -89,4 +89,4 @@ public:
 };
 
 // Names of 2-byte characters belong to the system with drive letters.
-inline constexpr bool hasDrives = sizeof(wchar_t) == 2;
+inline constexpr bool kHasDrives = sizeof(wchar_t) == 2;

@@ -132,11 +132,11 @@ private:
     }
 
     void Escape(std::string* result) {
-        constexpr std::string_view letters = "\"\\/bfnrt";
-        constexpr std::string_view characters = "\"\\/\b\f\n\r\t";
-        const std::size_t which = letters.find(text.front());
+        constexpr std::string_view kLetters = "\"\\/bfnrt";
+        constexpr std::string_view kCharacters = "\"\\/\b\f\n\r\t";
+        const std::size_t which = kLetters.find(text.front());
         if (which != std::string_view::npos) {
-            *result += characters[which];
+            *result += kCharacters[which];
             text.remove_prefix(1);
             return;
         }

@@ -14,7 +14,7 @@
 namespace bench::platform {
 namespace {
 
-/// The number of kilobytes behind a name such as "VmHWM:" in the process's status, as bytes.
+// The number of kilobytes behind a name such as "VmHWM:" in the process's status, as bytes.
 size_t StatusBytes(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;)
@@ -59,8 +59,8 @@ bool ResetPeak() {
 }
 
 void ReturnLargeBlocks() {
-    constexpr int initialThreshold = 128 * 1024;
-    mallopt(M_MMAP_THRESHOLD, initialThreshold);
+    constexpr int kInitialThreshold = 128 * 1024;
+    mallopt(M_MMAP_THRESHOLD, kInitialThreshold);
 }
 
 std::string RunSelf(const std::vector<std::string>& arguments) {

@@ -208,8 +208,8 @@ private:
 
     unsigned long long Size() const { return static_cast<unsigned long long>(end - text.get()); }
     unsigned long long Room() const { return static_cast<unsigned long long>(roomEnd - end); }
-    unsigned long long Indentation() const { return newlinePending ? layout & depthMask : 0; }
-    void ChangeDepth(unsigned by) { layout = (layout & ~depthMask) | ((layout + by) & depthMask); }
+    unsigned long long Indentation() const { return newlinePending ? layout & kDepthMask : 0; }
+    void ChangeDepth(unsigned by) { layout = (layout & ~kDepthMask) | ((layout + by) & kDepthMask); }
 
     char* Separate(unsigned long long room);
     char* BreakLine(char* to);
@@ -223,12 +223,12 @@ private:
     void WriteReleasing(IO::eStream& target);
     void Empty();
 
-    static constexpr unsigned depthMask = 0xFFFF;
-    static constexpr unsigned spacePending = 0x10000;
+    static constexpr unsigned kDepthMask = 0xFFFF;
+    static constexpr unsigned kSpacePending = 0x10000;
 
     // For each open block the position at which it began; below zero, minus the position of an empty-block mark.
     eIds positions;
-    // Nesting depth and spacePending.
+    // Nesting depth and kSpacePending.
     unsigned layout = 0;
     // The text so far. Its memory doubles like that of an IO::eMemoryStream, but it is not cleared, and moved only
     // where the system cannot extend it.

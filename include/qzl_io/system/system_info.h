@@ -11,39 +11,39 @@
 
 namespace IO::System {
 
-/// The computer's name in lower case, on Windows at most 15 characters. Running the "app" group of global functions
-/// fills this and UserName (narrow forms) at start-up.
+// The computer's name in lower case, on Windows at most 15 characters. Running the "app" group of global functions
+// fills this and UserName (narrow forms) at start-up.
 QZL_IO_API const std::string& MachineName();
 QZL_IO_API const std::wstring& MachineNameW();
 
-/// The name of the user that the process runs as, in lower case, at most 256 characters on Windows.
+// The name of the user that the process runs as, in lower case, at most 256 characters on Windows.
 QZL_IO_API const std::string& UserName();
 QZL_IO_API const std::wstring& UserNameW();
 
-/// The product identifier of the Windows installation, followed by zero bytes up to the size of the buffer that it was
-/// read into: `c_str()` is the identifier, `size()` is not its length. A value that cannot be read is such a buffer of
-/// zeros. Empty on Linux.
+// The product identifier of the Windows installation, followed by zero bytes up to the size of the buffer that it was
+// read into: `c_str()` is the identifier, `size()` is not its length. A value that cannot be read is such a buffer of
+// zeros. Empty on Linux.
 QZL_IO_API const std::string& ProductId();
 QZL_IO_API const std::wstring& ProductIdW();
 
-/// A name for the version of Windows, "unknown" where there is none and on Linux.
-///
-/// | version | workstation        | server                   |
-/// |---------|--------------------|--------------------------|
-/// | 10.0    | "windows_10"       | "windows_server_2016"    |
-/// | 6.3     | "windows_8_point1" | "windows_server_2012_r2" |
-/// | 6.2     | "windows_8"        | "windows_server_2012"    |
-/// | 6.1     | "windows_7"        | "windows_server_2008_r2" |
-/// | 6.0     | "windows_vista"    | "windows_server_2008"    |
-/// | 5.2     | "windows_xp_x64"   | "windows_server_2003_r2" |
-/// | 5.1     | "windows_xp"       | "unknown"                |
-/// | 5.0     | "windows_2000"     | "unknown"                |
-/// | other   | "unknown"          | "unknown"                |
+// A name for the version of Windows, "unknown" where there is none and on Linux.
+//
+// | version | workstation        | server                   |
+// |---------|--------------------|--------------------------|
+// | 10.0    | "windows_10"       | "windows_server_2016"    |
+// | 6.3     | "windows_8_point1" | "windows_server_2012_r2" |
+// | 6.2     | "windows_8"        | "windows_server_2012"    |
+// | 6.1     | "windows_7"        | "windows_server_2008_r2" |
+// | 6.0     | "windows_vista"    | "windows_server_2008"    |
+// | 5.2     | "windows_xp_x64"   | "windows_server_2003_r2" |
+// | 5.1     | "windows_xp"       | "unknown"                |
+// | 5.0     | "windows_2000"     | "unknown"                |
+// | other   | "unknown"          | "unknown"                |
 QZL_IO_API const std::string& WindowsVersion();
 QZL_IO_API const std::wstring& WindowsVersionW();
 
-/// The serial number of the disk that holds the system, as the disk tells it, leading blanks included. When it cannot
-/// be asked for: empty, with one warning, "eHDDInfo: obtain serialNumber failure(n)", n the system's error number.
+// The serial number of the disk that holds the system, as the disk tells it, leading blanks included. When it cannot
+// be asked for: empty, with one warning, "eHDDInfo: obtain serialNumber failure(n)", n the system's error number.
 QZL_IO_API const std::string& HDDSerialNumber();
 QZL_IO_API const std::wstring& HDDSerialNumberW();
 

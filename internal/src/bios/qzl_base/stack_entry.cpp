@@ -91,7 +91,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t describedOfMany = 8;
+    static constexpr std::size_t kDescribedOfMany = 8;
 
     void Note(unsigned long long thread) {
         std::size_t many = 0;
@@ -99,7 +99,7 @@ private:
         for (eStackEntry* entry = stack.newest; entry; entry = entry->older) {
             if (entry->thread != thread)
                 continue;
-            if (entry->oneOfMany && ++many > describedOfMany)
+            if (entry->oneOfMany && ++many > kDescribedOfMany)
                 continue;
             if (entry->oneOfMany)
                 last = entries.size();
@@ -107,8 +107,8 @@ private:
         }
         for (eStackEntry*& entry : entries)
             entry->awaited = &entry;
-        if (many > describedOfMany) {
-            more = many - describedOfMany;
+        if (many > kDescribedOfMany) {
+            more = many - kDescribedOfMany;
             lastOfMany = &entries[last];
         }
     }

@@ -6,7 +6,7 @@ namespace IO::System {
 
 namespace {
 
-/// A name with forward slashes alone: one that was read from a stream may hold others. It must outlive this.
+// A name with forward slashes alone: one that was read from a stream may hold others. It must outlive this.
 template <class Name>
 class eForwardName {
 public:

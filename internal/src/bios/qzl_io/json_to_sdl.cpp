@@ -21,15 +21,15 @@
 
 namespace {
 
-constexpr const char* sourceFile = "internal/src/bios/qzl_io/json_to_sdl";
+constexpr const char* kSource = "internal/src/bios/qzl_io/json_to_sdl";
 
-constexpr int numberLine = 20;
-constexpr int valueTypeLine = 40;
-constexpr int readingLine = 60;
-constexpr int walkingLine = 80;
-constexpr int writingLine = 100;
+constexpr int kNumberLine = 20;
+constexpr int kValueTypeLine = 40;
+constexpr int kReadingLine = 60;
+constexpr int kWalkingLine = 80;
+constexpr int kWritingLine = 100;
 
-constexpr int noKeyword = -1;
+constexpr int kNoKeyword = -1;
 
 using web::json::value;
 
@@ -123,7 +123,7 @@ public:
     void WriteJsonValue(value json) { WriteJsonValue(&json, json.type()); }
 
 private:
-    static constexpr int itemsInPiece = 8192;
+    static constexpr int kItemsInPiece = 8192;
 
     static bool IsContainer(value::value_type type) { return type == value::Object || type == value::Array; }
     // Whether 32 bits hold the integer, with a sign or without.
@@ -148,7 +148,7 @@ private:
 
 // An item that begins a line, and so one before which the text may be cut.
 void eJsonWalk::BeginItem() {
-    if (++items < itemsInPiece)
+    if (++items < kItemsInPiece)
         return;
     before.Take(&text);
     items = 0;
@@ -160,7 +160,7 @@ void eJsonWalk::WriteJsonNumber(const web::json::number& number) {
     } else if (IsShort(number)) {
         text.WriteInt(number.to_int32());
     } else {
-        xError::Warning(sourceFile, numberLine, "Json number not parsed correctly.", 0);
+        xError::Warning(kSource, kNumberLine, "Json number not parsed correctly.", 0);
         text.WriteInt(0);
     }
 }
@@ -171,7 +171,7 @@ void eJsonWalk::WriteJsonObject(web::json::object* object) {
         const value::value_type type = member.type();
         BeginItem();
         text.WriteControl(sdlBlockStart);
-        text.WriteIdent(JsonTextToUtf8(name).c_str(), noKeyword);
+        text.WriteIdent(JsonTextToUtf8(name).c_str(), kNoKeyword);
         if (IsContainer(type))
             WriteLines(std::move(member), type);
         else
@@ -225,18 +225,18 @@ void eJsonWalk::WriteJsonValue(value* json, value::value_type type) {
     case value::Null:
         return;
     }
-    xError::Fatal(sourceFile, valueTypeLine, "Json parsing failed due to unknown json value type.");
+    xError::Fatal(kSource, kValueTypeLine, "Json parsing failed due to unknown json value type.");
 }
 
 // Where there was no memory for the report, there may be now that the step has given back its own.
 void Warn(int line, const char* message) {
     try {
-        xError::Warning(sourceFile, line, message, 0);
+        xError::Warning(kSource, line, message, 0);
         return;
     } catch (const std::bad_alloc&) {
     }
     try {
-        xError::Warning(sourceFile, line, message, 0);
+        xError::Warning(kSource, line, message, 0);
     } catch (const std::bad_alloc&) {
         // There is none at all.
     }
@@ -273,14 +273,14 @@ bool JsonToSdl(const eFileName& input, const eFileName& output) {
         conversion = std::make_unique<eConversion>();
         conversion->json = ParseJson(ReadFile(&reading));
     };
-    if (!Succeeds(readingLine, read))
+    if (!Succeeds(kReadingLine, read))
         return false;
     const auto walk = [&] {
         eJsonWalk(&conversion->text, &conversion->beginning, &reading.place)
             .WriteJsonValue(std::move(conversion->json));
     };
-    if (!Succeeds(walkingLine, walk))
+    if (!Succeeds(kWalkingLine, walk))
         return false;
     eFileAtWork writing(output);
-    return Succeeds(writingLine, [&] { WriteFile(&writing, conversion->beginning, &conversion->text); });
+    return Succeeds(kWritingLine, [&] { WriteFile(&writing, conversion->beginning, &conversion->text); });
 }

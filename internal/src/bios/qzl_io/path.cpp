@@ -16,17 +16,17 @@ namespace IO::System {
 
 namespace {
 
-/// Names of 2-byte characters belong to the system that has drives.
-constexpr eNameRoot nameRoot = sizeof(wchar_t) == 2 ? eNameRoot::Drive : eNameRoot::Slash;
+// Names of 2-byte characters belong to the system that has drives.
+constexpr eNameRoot kNameRoot = sizeof(wchar_t) == 2 ? eNameRoot::Drive : eNameRoot::Slash;
 
-/// Taken as paths, these would be a root with everything on it.
+// Taken as paths, these would be a root with everything on it.
 template <class Name>
 bool NamesNothing(const Name& folder) {
     const auto* text = folder.c_str();
     return text[0] == 0 || (text[1] == ':' && text[2] == 0);
 }
 
-/// Null when it cannot be opened.
+// Null when it cannot be opened.
 template <class Char>
 std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience& patience) {
     std::unique_ptr<eFolder> opened;
@@ -34,7 +34,7 @@ std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience
     return opened;
 }
 
-/// With `like`, the last part has that folder's permissions.
+// With `like`, the last part has that folder's permissions.
 template <class Char>
 bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience, eFolder* like = nullptr) {
     const Platform::eUnattended unattended;
@@ -44,7 +44,7 @@ bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience, eF
         const bool isLast = part.size() + 1 >= folder.size();
         return patience.Get([&] { return Platform::MakeFolder(part.c_str(), isLast ? like : nullptr); });
     };
-    return MakeParts(folder, FirstPart(std::basic_string_view<Char>(folder), nameRoot), makeFolder);
+    return MakeParts(folder, FirstPart(std::basic_string_view<Char>(folder), kNameRoot), makeFolder);
 }
 
 template <class Name>
@@ -81,8 +81,8 @@ void CopyFolder(const Name& from, const Name& to) {
     CopyContents(*openedSource, *openedTarget, patience);
 }
 
-/// The name is put before whatever it and the mask find together, as text: on Linux a listed name may hold a back
-/// slash, which a name value would turn.
+// The name is put before whatever it and the mask find together, as text: on Linux a listed name may hold a back
+// slash, which a name value would turn.
 template <class Search, class Name, class Char>
 void PurgeFound(const Name& prefix, const Char* mask) {
     ePatience patience;

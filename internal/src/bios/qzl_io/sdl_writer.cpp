@@ -19,21 +19,21 @@
 
 namespace {
 
-constexpr const char* sourceFile = "internal/src/bios/qzl_io/sdl_writer";
+constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_writer";
 
-constexpr int notOpenLine = 40;
-constexpr int unknownKeywordLine = 60;
-constexpr int invalidFloatLine = 80;
+constexpr int kNotOpenLine = 40;
+constexpr int kUnknownKeywordLine = 60;
+constexpr int kInvalidFloatLine = 80;
 
-constexpr int utf8 = 65001;
-constexpr unsigned tabsAtOnce = 8;
-constexpr unsigned long long textCapacity = 1024;
+constexpr int kUtf8 = 65001;
+constexpr unsigned kTabsAtOnce = 8;
+constexpr unsigned long long kTextCapacity = 1024;
 // A larger block is never kept by the heap for the next one, so that it may as well go while it is written out.
-constexpr unsigned long long keptByHeap = 32ULL << 20;
-constexpr unsigned long long releasedAtOnce = 2ULL << 20;
-constexpr int noKeyword = -1;
+constexpr unsigned long long kKeptByHeap = 32ULL << 20;
+constexpr unsigned long long kReleasedAtOnce = 2ULL << 20;
+constexpr int kNoKeyword = -1;
 // Position of a block that cannot be removed any more: it has gone to the target, or an int cannot hold where it began.
-constexpr int outOfReach = INT_MAX;
+constexpr int kOutOfReach = INT_MAX;
 
 std::string_view View(const char* text) {
     return text ? std::string_view(text) : std::string_view();
@@ -52,7 +52,7 @@ public:
     void MarkEmpty() override { Refuse(); }
 
 private:
-    [[noreturn]] static void Refuse() { xError::Fatal(sourceFile, notOpenLine, "SDLWriter: Not open!"); }
+    [[noreturn]] static void Refuse() { xError::Fatal(kSource, kNotOpenLine, "SDLWriter: Not open!"); }
 };
 
 void WriteEncoded(IO::eStream& target, eSDLCipher& cipher, const void* text, std::size_t size) {
@@ -64,7 +64,7 @@ void WriteEncoded(IO::eStream& target, eSDLCipher& cipher, const void* text, std
 
 void WarnOfInvalid(float value) {
     const std::string message = format("Saving invalid floating number %1%. It was truncated to 0") % value;
-    xError::Warning(sourceFile, invalidFloatLine, message, 0);
+    xError::Warning(kSource, kInvalidFloatLine, message, 0);
 }
 
 } // namespace
@@ -82,7 +82,7 @@ void eSDLWriter::eWriteStream::MarkEmpty() {}
 // --- eSDLTextStream: the bytes ---
 
 eSDLTextStream::eSDLTextStream() {
-    Resize(textCapacity);
+    Resize(kTextCapacity);
 }
 
 eSDLTextStream::~eSDLTextStream() = default;
@@ -113,13 +113,13 @@ char* eSDLTextStream::MakeRoom(unsigned long long room) {
 
 // The separator step. Returns where the item's own bytes go, with room for so many.
 inline char* eSDLTextStream::Separate(unsigned long long room) {
-    constexpr unsigned long long lineBreakAndBlank = 3;
-    room += lineBreakAndBlank + tabsAtOnce + Indentation();
+    constexpr unsigned long long kLineBreakAndBlank = 3;
+    room += kLineBreakAndBlank + kTabsAtOnce + Indentation();
     char* to = Room() >= room ? end : MakeRoom(room);
     if (newlinePending)
         to = BreakLine(to);
-    if (layout & spacePending) {
-        layout &= ~spacePending;
+    if (layout & kSpacePending) {
+        layout &= ~kSpacePending;
         *to++ = ' ';
     }
     return to;
@@ -128,11 +128,11 @@ inline char* eSDLTextStream::Separate(unsigned long long room) {
 inline char* eSDLTextStream::BreakLine(char* to) {
     *to++ = '\r';
     *to++ = '\n';
-    const unsigned tabs = layout & depthMask;
-    for (unsigned put = 0; put < tabs; put += tabsAtOnce)
-        std::memcpy(to + put, "\t\t\t\t\t\t\t\t", tabsAtOnce);
+    const unsigned tabs = layout & kDepthMask;
+    for (unsigned put = 0; put < tabs; put += kTabsAtOnce)
+        std::memcpy(to + put, "\t\t\t\t\t\t\t\t", kTabsAtOnce);
     newlinePending = false;
-    layout &= ~spacePending;
+    layout &= ~kSpacePending;
     return to + tabs;
 }
 
@@ -148,7 +148,7 @@ void eSDLTextStream::WriteString(const char* string) {
         to = PutEscapedAt(to, characters);
     *to++ = '"';
     end = to;
-    layout |= spacePending;
+    layout |= kSpacePending;
 }
 
 char* eSDLTextStream::PutEscapedAt(char* to, std::string_view characters) {
@@ -164,19 +164,19 @@ void eSDLTextStream::WriteFloat(float value) {
         value = 0;
     }
     end = PutFloat(end, value);
-    layout |= spacePending;
+    layout |= kSpacePending;
 }
 
 void eSDLTextStream::WriteInt(int value) {
     end = PutInt(Separate(kNumberTextRoom), value, formatFlag);
-    layout |= spacePending;
+    layout |= kSpacePending;
     formatFlag = false;
 }
 
 void eSDLTextStream::WriteIdent(const char* name, int) {
     const std::string_view word = View(name);
     end = xSDL::CopyText(Separate(word.size()), word.data(), word.size());
-    layout |= spacePending;
+    layout |= kSpacePending;
 }
 
 void eSDLTextStream::WriteHashed(const char* mark) {
@@ -186,7 +186,7 @@ void eSDLTextStream::WriteHashed(const char* mark) {
     char* to = Separate(word.size() + 1);
     *to++ = '#';
     end = xSDL::CopyText(to, word.data(), word.size());
-    layout |= spacePending;
+    layout |= kSpacePending;
 }
 
 void eSDLTextStream::WriteControl(int code) {
@@ -215,7 +215,7 @@ inline void eSDLTextStream::PutStructure(char character) {
 // --- eSDLTextStream: blocks ---
 
 void eSDLTextStream::OpenBlock() {
-    positions.push_back(static_cast<int>(std::min<unsigned long long>(Size(), outOfReach)));
+    positions.push_back(static_cast<int>(std::min<unsigned long long>(Size(), kOutOfReach)));
     PutStructure('{');
     ChangeDepth(1);
 }
@@ -224,11 +224,11 @@ void eSDLTextStream::CloseBlock() {
     const bool removed = RemoveEmptyBlock();
     if (!positions.empty()) {
         positions.pop_back();
-        ChangeDepth(depthMask);
+        ChangeDepth(kDepthMask);
     }
     if (removed)
         return;
-    layout &= ~spacePending;
+    layout &= ~kSpacePending;
     PutStructure('}');
 }
 
@@ -240,7 +240,7 @@ bool eSDLTextStream::RemoveEmptyBlock() {
         empty = empty || 0ULL - static_cast<unsigned long long>(positions.back()) == Size();
         positions.pop_back();
     }
-    if (!empty || positions.empty() || positions.back() == outOfReach)
+    if (!empty || positions.empty() || positions.back() == kOutOfReach)
         return false;
     end = text.get() + positions.back();
     return true;
@@ -248,17 +248,17 @@ bool eSDLTextStream::RemoveEmptyBlock() {
 
 void eSDLTextStream::MarkEmpty() {
     const unsigned long long position = Size();
-    if (position > 0 && position < outOfReach)
+    if (position > 0 && position < kOutOfReach)
         positions.push_back(-static_cast<int>(position));
 }
 
 void eSDLTextStream::Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> cipher) {
-    layout &= ~spacePending;
+    layout &= ~kSpacePending;
     if (Size() != 0)
         end = Separate(0);
     if (target && cipher)
         WriteEncoded(*target, *cipher, text.get(), Size());
-    else if (Size() > keptByHeap && dynamic_cast<IO::eFileStreamBase*>(target))
+    else if (Size() > kKeptByHeap && dynamic_cast<IO::eFileStreamBase*>(target))
         WriteReleasing(*target);
     else if (target)
         target->Write(text.get(), Size());
@@ -272,7 +272,7 @@ void eSDLTextStream::WriteReleasing(IO::eStream& target) {
     Empty();
     for (char* piece = end; piece != textEnd;) {
         const auto size =
-            std::min<unsigned long long>(static_cast<unsigned long long>(textEnd - piece), releasedAtOnce);
+            std::min<unsigned long long>(static_cast<unsigned long long>(textEnd - piece), kReleasedAtOnce);
         target.Write(piece, size);
         IO::Platform::ReleasePages(piece, size);
         piece += size;
@@ -282,7 +282,7 @@ void eSDLTextStream::WriteReleasing(IO::eStream& target) {
 void eSDLTextStream::Empty() {
     end = text.get();
     std::erase_if(positions, [](int position) { return position < 0; });
-    std::fill(positions.begin(), positions.end(), outOfReach);
+    std::fill(positions.begin(), positions.end(), kOutOfReach);
 }
 
 // --- eSDLWriter: opening and closing ---
@@ -415,7 +415,7 @@ void eSDLWriter::PopKeywords() {
 const char* eSDLWriter::KeywordName(int id) const {
     const char* name = keywords.empty() ? nullptr : eSDLKeyword::FindIn(keywords.back(), id);
     if (!name)
-        xError::Fatal(sourceFile, unknownKeywordLine, "SDLWriter: Unknown keyword ID!");
+        xError::Fatal(kSource, kUnknownKeywordLine, "SDLWriter: Unknown keyword ID!");
     return name;
 }
 
@@ -431,12 +431,12 @@ eSDLWriter& eSDLWriter::operator<<(const keyword& value) {
 }
 
 eSDLWriter& eSDLWriter::operator<<(const ident& value) {
-    Stream().WriteIdent(value.name, noKeyword);
+    Stream().WriteIdent(value.name, kNoKeyword);
     return *this;
 }
 
 eSDLWriter& eSDLWriter::operator<<(const std::wstring& string) {
-    return *this << WideCharToString(string, utf8);
+    return *this << WideCharToString(string, kUtf8);
 }
 
 eSDLWriter& eSDLWriter::operator<<(const eStrings& strings) {

@@ -11,9 +11,9 @@ namespace IO::System {
 
 namespace {
 
-constexpr const char* unit = "internal/src/bios/qzl_io/system_hdd";
-constexpr int lineNoSerial = 92;
-constexpr int windows1252 = 1252;
+constexpr const char* kSource = "internal/src/bios/qzl_io/system_hdd";
+constexpr int kLineNoSerial = 92;
+constexpr int kWindows1252 = 1252;
 
 std::string AskSerial() {
     std::string serial;
@@ -21,7 +21,7 @@ std::string AskSerial() {
     if (failure == 0)
         return serial;
     const std::string message = format("eHDDInfo: obtain serialNumber failure(%1%)") % failure;
-    xError::Warning(unit, lineNoSerial, message, 0);
+    xError::Warning(kSource, kLineNoSerial, message, 0);
     return {};
 }
 
@@ -34,7 +34,7 @@ const std::string& HDDSerialNumber() {
 
 const std::wstring& HDDSerialNumberW() {
     static eCachedText<wchar_t>& serial = *new eCachedText<wchar_t>;
-    return serial.Get([] { return StringToWideChar(AskSerial(), windows1252); });
+    return serial.Get([] { return StringToWideChar(AskSerial(), kWindows1252); });
 }
 
 } // namespace IO::System

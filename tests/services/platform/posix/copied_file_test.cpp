@@ -313,29 +313,29 @@ TEST_F(CopiedFile, ThatShowsNoSizeComesWhole) {
 // --- Holes ---
 
 TEST_F(CopiedFile, KeepsItsHoles) {
-    constexpr off_t size = 16 << 20;
+    constexpr off_t kSize = 16 << 20;
     struct eRow {
         const char* promise;
         std::vector<off_t> data;
     };
-    for (const eRow& row : {eRow{"nothing but a hole", {}}, eRow{"at its end", {0}}, eRow{"at its start", {size - 4}},
-                            eRow{"all over", {5, 1 << 20, 10 << 20, size - 4}}}) {
+    for (const eRow& row : {eRow{"nothing but a hole", {}}, eRow{"at its end", {0}}, eRow{"at its start", {kSize - 4}},
+                            eRow{"all over", {5, 1 << 20, 10 << 20, kSize - 4}}}) {
         SCOPED_TRACE(row.promise);
         fs::remove_all(At("from"));
         fs::remove_all(At("to"));
         MakeFile("from/file", "");
         const int file = ::open(At("from/file").c_str(), O_WRONLY | O_CLOEXEC);
-        ASSERT_EQ(0, ::ftruncate(file, size));
+        ASSERT_EQ(0, ::ftruncate(file, kSize));
         for (const off_t at : row.data)
             EXPECT_EQ(4, ::pwrite(file, "data", 4, at));
         ASSERT_EQ(0, ::fsync(file));
         ::close(file);
         const blkcnt_t blocks = Facts("from/file").st_blocks;
-        if (blocks > size / 1024)
+        if (blocks > kSize / 1024)
             GTEST_SKIP() << "the file system has no holes";
         MakeFile("to/file", "old");
         EXPECT_TRUE(Copy("from/file", "to/file"));
-        EXPECT_EQ(size, Facts("to/file").st_size);
+        EXPECT_EQ(kSize, Facts("to/file").st_size);
         EXPECT_LE(Facts("to/file").st_blocks, blocks + 64);
         EXPECT_TRUE(Content("from/file") == Content("to/file"));
         IO::System::Path::Copy(Named("from"), Named("tree"));

@@ -18,7 +18,7 @@ struct eMachine {
     unsigned int failure = 0;
     int serialsAsked = 0;
     int versionsAsked = 0;
-    std::string namesAsked = {}; ///< "c" and "u" for the computer's and the user's name, "C" and "U" for the wide ones
+    std::string namesAsked = {}; // "c" and "u" for the computer's and the user's name, "C" and "U" for the wide ones
 };
 
 eMachine theMachine;

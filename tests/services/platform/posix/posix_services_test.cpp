@@ -265,8 +265,8 @@ void MakeDeep(const fs::path& root, int depth) {
 }
 
 TYPED_TEST(PosixServices, TreesOfAnyDepthNeedFewDescriptors) {
-    constexpr int depth = 1000;
-    MakeDeep(this->At("root"), depth);
+    constexpr int kDepth = 1000;
+    MakeDeep(this->At("root"), kDepth);
     rlimit limit{};
     ASSERT_EQ(0, ::getrlimit(RLIMIT_NOFILE, &limit));
     const rlimit few{100, limit.rlim_max};
@@ -313,7 +313,7 @@ TYPED_TEST(PosixServices, WhatMayNotBeRemovedStaysWithItsParentsAndTheRestGoes) 
     for (const char* folder : {"", "root", "root/a", "root/a/gone"})
         ASSERT_EQ(0, ::chmod(this->At(folder).c_str(), 0777));
     ASSERT_EQ(0, ::chmod(this->At("root/a/sealed").c_str(), 0555));
-    EXPECT_EQ(heldInChild, AsNobody([&] {
+    EXPECT_EQ(kHeldInChild, AsNobody([&] {
                   TypeParam::Delete(this->Named("root"), true);
                   return 0;
               }));
@@ -328,7 +328,7 @@ TYPED_TEST(PosixServices, AFolderThatMayNotBeListedHasNoEntriesAndStays) {
         ASSERT_EQ(0, ::chmod(this->At(folder).c_str(), 0777));
     for (const char* folder : {"root/closed", "root/closed and empty"})
         ASSERT_EQ(0, ::chmod(this->At(folder).c_str(), 0));
-    EXPECT_EQ(heldInChild, AsNobody([&] {
+    EXPECT_EQ(kHeldInChild, AsNobody([&] {
                   using Search = typename TypeParam::Search;
                   const bool listed = Search(this->Folder("root/closed"), TypeParam::Of("*.*")).Valid();
                   TypeParam::Copy(this->Named("root/closed"), this->Named("copy"));
@@ -444,7 +444,7 @@ TYPED_TEST(PosixServices, ACopiedFolderIsFilledWhateverItsOwnerMayDoInTheEnd) {
         ASSERT_EQ(0, ::chmod(this->At(name).c_str(), 0555));
     for (const char* name : {"", "to"})
         ASSERT_EQ(0, ::chmod(this->At(name).c_str(), 0777));
-    EXPECT_EQ(heldInChild, AsNobody([&] {
+    EXPECT_EQ(kHeldInChild, AsNobody([&] {
                   TypeParam::Copy(this->Named("from"), this->Named("to/copy"));
                   return 0;
               }));

@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int errors[] = {EINTR, EIO, ENOSPC, EACCES, ENOMEM, EMFILE};
+constexpr int kErrors[] = {EINTR, EIO, ENOSPC, EACCES, ENOMEM, EMFILE};
 
 // A folder in memory where there is one: the trees are made anew for every call, thousands of times.
 fs::path FastFolder() {
@@ -53,7 +53,7 @@ protected:
     // every error. After an interruption, and where no call failed, all is to be done.
     void Sweep(const std::function<void()>& make, const std::function<void()>& operation,
                const std::function<void(bool done)>& look) {
-        for (const int error : errors) {
+        for (const int error : kErrors) {
             for (int call = 1;; ++call) {
                 SCOPED_TRACE("call " + std::to_string(call) + ", error " + std::to_string(error));
                 Clear();

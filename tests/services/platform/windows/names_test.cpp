@@ -81,7 +81,7 @@ protected:
 };
 TYPED_TEST_SUITE(WindowsNames, eWidths, eWidthNames);
 
-constexpr std::string_view victim = "precious";
+constexpr std::string_view kVictim = "precious";
 
 // --- Outside the code page ---
 
@@ -98,23 +98,23 @@ const std::wstring cAcute = L"\x0107"; // the best fit for which is "c"
 const std::wstring eAcute = L"\x00E9";
 
 TYPED_TEST(WindowsNames, DeletionRemovesNamesOutsideTheCodePageAndNothingInTheirStead) {
-    this->Make(L"victim.txt", victim);
+    this->Make(L"victim.txt", kVictim);
     this->Make(L"tree/" + slashLike + L"victim.txt", "odd");
     this->Make(L"tree/sub/" + slashLike + slashLike + L"victim.txt", "odd");
     this->Make(L"tree/" + sun + L"/" + sun + L".txt", "odd");
     TypeParam::Delete(this->Below(TypeParam::Of("tree")), true);
-    EXPECT_EQ(victim, this->Content(L"victim.txt"));
+    EXPECT_EQ(kVictim, this->Content(L"victim.txt"));
     EXPECT_FALSE(this->Stands(L"tree"));
 }
 
 TYPED_TEST(WindowsNames, CopyingKeepsNamesOutsideTheCodePage) {
-    this->Make(L"victim.txt", victim);
+    this->Make(L"victim.txt", kVictim);
     this->Make(L"from/" + slashLike + L"victim.txt", "odd");
     this->Make(L"from/" + sun + L"/" + sun + L".txt", "sun");
     this->Make(L"from/" + cAcute, "accent");
     this->Make(L"from/c", "none");
     TypeParam::Copy(this->Below(TypeParam::Of("from")), this->Below(TypeParam::Of("to")));
-    EXPECT_EQ(victim, this->Content(L"victim.txt"));
+    EXPECT_EQ(kVictim, this->Content(L"victim.txt"));
     EXPECT_EQ("odd", this->Content(L"to/" + slashLike + L"victim.txt"));
     EXPECT_EQ("sun", this->Content(L"to/" + sun + L"/" + sun + L".txt"));
     EXPECT_EQ("accent", this->Content(L"to/" + cAcute));
@@ -479,12 +479,12 @@ TYPED_TEST(WindowsNames, FoldersWithADotOrABlankAtTheEndAreFolders) {
 }
 
 TYPED_TEST(WindowsNames, AFolderOfDotsDoesNotLeadUp) {
-    this->Make(L"victim", victim);
+    this->Make(L"victim", kVictim);
     this->Make(L"tree/.../victim", "odd");
     this->Make(L"from/.../victim", "odd");
     TypeParam::Delete(this->Below(TypeParam::Of("tree")), true);
     TypeParam::Copy(this->Below(TypeParam::Of("from")), this->Below(TypeParam::Of("to")));
-    EXPECT_EQ(victim, this->Content(L"victim"));
+    EXPECT_EQ(kVictim, this->Content(L"victim"));
     EXPECT_FALSE(this->Stands(L"tree"));
     EXPECT_EQ("odd", this->Content(L"to/.../victim"));
 }

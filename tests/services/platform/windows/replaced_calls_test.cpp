@@ -17,7 +17,7 @@
 // it.
 namespace {
 
-constexpr const char* library = "qzl_io.dll";
+constexpr const char* kLibrary = "qzl_io.dll";
 
 enum class eCall { Any, DeleteFile, RemoveDirectory, CreateDirectory, CopyFile, CreateFile };
 
@@ -92,18 +92,18 @@ protected:
 };
 
 TEST_F(BusySystem, DeletionTriesAgainWhatIsRefusedForAMoment) {
-    const eReplacedCall deleting(library, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
-    const eReplacedCall removing(library, "RemoveDirectoryW", &RemoveDirectoryInstead, &systemsRemoveDirectory);
-    const eReplacedCall opening(library, "CreateFileW", &CreateFileInstead, &systemsCreateFile);
+    const eReplacedCall deleting(kLibrary, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
+    const eReplacedCall removing(kLibrary, "RemoveDirectoryW", &RemoveDirectoryInstead, &systemsRemoveDirectory);
+    const eReplacedCall opening(kLibrary, "CreateFileW", &CreateFileInstead, &systemsCreateFile);
     struct eRow {
         eCall call;
         const wchar_t* part;
         DWORD error;
     };
-    constexpr DWORD pending = 303;
+    constexpr DWORD kPending = 303;
     for (const eRow& row :
          {eRow{eCall::DeleteFile, L"file", ERROR_SHARING_VIOLATION},
-          eRow{eCall::DeleteFile, L"file", ERROR_ACCESS_DENIED}, eRow{eCall::DeleteFile, L"file", pending},
+          eRow{eCall::DeleteFile, L"file", ERROR_ACCESS_DENIED}, eRow{eCall::DeleteFile, L"file", kPending},
           eRow{eCall::CreateFile, L"sub", ERROR_SHARING_VIOLATION},
           eRow{eCall::RemoveDirectory, L"sub", ERROR_SHARING_VIOLATION},
           eRow{eCall::RemoveDirectory, L"sub", ERROR_DIR_NOT_EMPTY},
@@ -129,9 +129,9 @@ DWORD WINAPI AttributesInstead(LPCWSTR name) {
 }
 
 TEST_F(BusySystem, CopyingWaitsForDeletionsThatAreNotThrough) {
-    const eReplacedCall making(library, "CreateDirectoryW", &CreateDirectoryInstead, &systemsCreateDirectory);
-    const eReplacedCall copying(library, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
-    const eReplacedCall asking(library, "GetFileAttributesW", &AttributesInstead, &systemsAttributes);
+    const eReplacedCall making(kLibrary, "CreateDirectoryW", &CreateDirectoryInstead, &systemsCreateDirectory);
+    const eReplacedCall copying(kLibrary, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
+    const eReplacedCall asking(kLibrary, "GetFileAttributesW", &AttributesInstead, &systemsAttributes);
     for (const wchar_t* part : {L"to", L"to\\sub", L"from\\sub\\file"}) {
         MakeFile("from/sub/file");
         Refuse(eCall::Any, part, ERROR_ACCESS_DENIED, 2);
@@ -143,7 +143,7 @@ TEST_F(BusySystem, CopyingWaitsForDeletionsThatAreNotThrough) {
 }
 
 TEST_F(BusySystem, CopyingTriesAgainWhatSomebodyHasOpen) {
-    const eReplacedCall copying(library, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
+    const eReplacedCall copying(kLibrary, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
     MakeFile("from/file");
     Refuse(eCall::Any, L"from\\file", ERROR_SHARING_VIOLATION, 3);
     Copy("from", "to");
@@ -152,7 +152,7 @@ TEST_F(BusySystem, CopyingTriesAgainWhatSomebodyHasOpen) {
 }
 
 TEST_F(BusySystem, PurgingTriesAgainWhereAFolderSeemsFullAfterItsSubfolders) {
-    const eReplacedCall removing(library, "RemoveDirectoryW", &RemoveDirectoryInstead, &systemsRemoveDirectory);
+    const eReplacedCall removing(kLibrary, "RemoveDirectoryW", &RemoveDirectoryInstead, &systemsRemoveDirectory);
     MakeFolder("root/a/b/c");
     Refuse(eCall::Any, L"root\\a\\b", ERROR_DIR_NOT_EMPTY, 2);
     eWide::PurgeEmpty(Folder("root"));
@@ -160,8 +160,8 @@ TEST_F(BusySystem, PurgingTriesAgainWhereAFolderSeemsFullAfterItsSubfolders) {
 }
 
 TEST_F(BusySystem, AReadOnlyFileStaysAndIsNotTriedAgain) {
-    const eReplacedCall deleting(library, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
-    const eReplacedCall removing(library, "RemoveDirectoryW", &RemoveDirectoryInstead, &systemsRemoveDirectory);
+    const eReplacedCall deleting(kLibrary, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
+    const eReplacedCall removing(kLibrary, "RemoveDirectoryW", &RemoveDirectoryInstead, &systemsRemoveDirectory);
     MakeFile("root/a/b/kept");
     ASSERT_TRUE(::SetFileAttributesW(At("root/a/b/kept").c_str(), FILE_ATTRIBUTE_READONLY));
     Refuse(eCall::Any, L"root", 0, 0);
@@ -174,7 +174,7 @@ TEST_F(BusySystem, AReadOnlyFileStaysAndIsNotTriedAgain) {
 }
 
 TEST_F(BusySystem, ManyRefusedFilesDoNotHoldADeletionUpForLong) {
-    const eReplacedCall deleting(library, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
+    const eReplacedCall deleting(kLibrary, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
     for (int number = 0; number < 200; ++number)
         MakeFile("root/file" + std::to_string(number), "");
     Refuse(eCall::Any, L"file", ERROR_SHARING_VIOLATION, -1);
@@ -245,9 +245,9 @@ BOOL WINAPI InformationExInstead(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, LP
 
 class ReparsePoints : public BusySystem {
 protected:
-    eReplacedCall<decltype(&::FindFirstFileW)> first{library, "FindFirstFileW", &FindFirstInstead, &systemsFindFirst};
-    eReplacedCall<decltype(&::FindNextFileW)> next{library, "FindNextFileW", &FindNextInstead, &systemsFindNext};
-    eReplacedCall<decltype(&::GetFileInformationByHandleEx)> information{library, "GetFileInformationByHandleEx",
+    eReplacedCall<decltype(&::FindFirstFileW)> first{kLibrary, "FindFirstFileW", &FindFirstInstead, &systemsFindFirst};
+    eReplacedCall<decltype(&::FindNextFileW)> next{kLibrary, "FindNextFileW", &FindNextInstead, &systemsFindNext};
+    eReplacedCall<decltype(&::GetFileInformationByHandleEx)> information{kLibrary, "GetFileInformationByHandleEx",
                                                                          &InformationExInstead, &systemsInformationEx};
 };
 
@@ -329,8 +329,8 @@ TEST_F(ReparsePoints, AreLinksToASearchWhereTheirTagSaysSo) {
 decltype(&::CopyFileExW) systemsCopyFileEx;
 BOOL WINAPI CopyFileExInstead(LPCWSTR from, LPCWSTR to, LPPROGRESS_ROUTINE progress, LPVOID data, LPBOOL cancel,
                               DWORD flags) {
-    constexpr DWORD asLink = 0x800;
-    if ((flags & asLink) == 0)
+    constexpr DWORD kAsLink = 0x800;
+    if ((flags & kAsLink) == 0)
         return systemsCopyFileEx(from, to, progress, data, cancel, flags);
     ::SetLastError(ERROR_PRIVILEGE_NOT_HELD);
     return FALSE;
@@ -343,9 +343,9 @@ BOOL WINAPI CreateDirectoryExInstead(LPCWSTR, LPCWSTR, LPSECURITY_ATTRIBUTES) {
 }
 
 TEST_F(ReparsePoints, OfFileLinksThatMayNotBeMadeTheContentIsCopied) {
-    const eReplacedCall linking(library, "CopyFileExW", &CopyFileExInstead, &systemsCopyFileEx);
-    const eReplacedCall making(library, "CreateDirectoryExW", &CreateDirectoryExInstead, &systemsCreateDirectoryEx);
-    const eReplacedCall copying(library, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
+    const eReplacedCall linking(kLibrary, "CopyFileExW", &CopyFileExInstead, &systemsCopyFileEx);
+    const eReplacedCall making(kLibrary, "CreateDirectoryExW", &CreateDirectoryExInstead, &systemsCreateDirectoryEx);
+    const eReplacedCall copying(kLibrary, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
     MakeFile("from/sub/tag a000000c file", "behind the link");
     MakeFile("from/tag a000000c folder/file");
     MakeFile("from/tag a0000003 junction/file");
@@ -378,10 +378,10 @@ class Unnumbered : public ReparsePoints {
 protected:
     Unnumbered() { theSystem.numbersFolders = false; }
 
-    eReplacedCall<decltype(&::GetFileInformationByHandle)> numbers{library, "GetFileInformationByHandle",
+    eReplacedCall<decltype(&::GetFileInformationByHandle)> numbers{kLibrary, "GetFileInformationByHandle",
                                                                    &InformationInstead, &systemsInformation};
-    eReplacedCall<decltype(&::GetFinalPathNameByHandleW)> names{library, "GetFinalPathNameByHandleW", &FinalNameInstead,
-                                                                &systemsFinalName};
+    eReplacedCall<decltype(&::GetFinalPathNameByHandleW)> names{kLibrary, "GetFinalPathNameByHandleW",
+                                                                &FinalNameInstead, &systemsFinalName};
 };
 
 TEST_F(Unnumbered, FoldersAreCopiedWithTheirSubfolders) {
@@ -419,7 +419,7 @@ BOOL WINAPI LargeNumbersInstead(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, LPV
 }
 
 TEST_F(Unnumbered, LargeNumbersTellFoldersApartWhereThereAreSuch) {
-    const eReplacedCall large(library, "GetFileInformationByHandleEx", &LargeNumbersInstead, &systemsLargeNumbers);
+    const eReplacedCall large(kLibrary, "GetFileInformationByHandleEx", &LargeNumbersInstead, &systemsLargeNumbers);
     MakeFile("root/sub/file");
     Copy("root", "root/new");
     EXPECT_EQ((eNames{"new/", "new/sub/", "new/sub/file", "sub/", "sub/file"}), Tree("root"));
@@ -436,7 +436,7 @@ BOOL WINAPI MakeFolderNoted(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
 }
 
 TEST_F(BusySystem, CreateAsksForEachPartAndForNothingWhereTheFolderExists) {
-    const eReplacedCall making(library, "CreateDirectoryW", &MakeFolderNoted, &systemsMakeFolder);
+    const eReplacedCall making(kLibrary, "CreateDirectoryW", &MakeFolderNoted, &systemsMakeFolder);
     theFolders.clear();
     EXPECT_TRUE(eWide::Create(Folder("a/b")));
     ASSERT_GE(theFolders.size(), 3u);
@@ -450,15 +450,15 @@ TEST_F(BusySystem, CreateAsksForEachPartAndForNothingWhereTheFolderExists) {
 }
 
 TEST_F(BusySystem, CopyOfAMissingFileAsksForNothing) {
-    const eReplacedCall copying(library, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
+    const eReplacedCall copying(kLibrary, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
     Refuse(eCall::Any, L"", 0, 0);
     EXPECT_FALSE(eWide::CopyFile(Named("missing"), Named("to")));
     EXPECT_EQ(0, theSystem.calls);
 }
 
 TEST_F(BusySystem, SingleFilesAreNotWaitedFor) {
-    const eReplacedCall deleting(library, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
-    const eReplacedCall copying(library, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
+    const eReplacedCall deleting(kLibrary, "DeleteFileW", &DeleteFileInstead, &systemsDeleteFile);
+    const eReplacedCall copying(kLibrary, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
     MakeFile("file");
     Refuse(eCall::Any, L"file", ERROR_SHARING_VIOLATION, 1);
     EXPECT_FALSE(eWide::DeleteFile(Named("file")));
@@ -489,7 +489,7 @@ BOOL WINAPI StoppableInstead(LPCWSTR, LPCWSTR, LPPROGRESS_ROUTINE progress, LPVO
 }
 
 TEST_F(BusySystem, CopyExLooksAtTheFlagWheneverTheSystemReportsProgress) {
-    const eReplacedCall copying(library, "CopyFileExW", &StoppableInstead, &systemsStoppable);
+    const eReplacedCall copying(kLibrary, "CopyFileExW", &StoppableInstead, &systemsStoppable);
     MakeFile("from");
     bool flag = false;
     EXPECT_TRUE(eWide::CopyFileEx(Named("from"), Named("to"), &flag));

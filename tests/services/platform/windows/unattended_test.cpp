@@ -17,7 +17,7 @@
 // Whether the system could show a dialog while the library asks it for something by a name.
 namespace {
 
-constexpr const char* library = "qzl_io.dll";
+constexpr const char* kLibrary = "qzl_io.dll";
 
 int quietCalls;
 int askingCalls;
@@ -32,7 +32,7 @@ class eWatched;
 template <int number, class Result, class... Arguments>
 class eWatched<number, Result(WINAPI*)(Arguments...)> {
 public:
-    explicit eWatched(const char* name) : replaced(library, name, &Instead, &systems) {}
+    explicit eWatched(const char* name) : replaced(kLibrary, name, &Instead, &systems) {}
 
 private:
     using Call = Result(WINAPI*)(Arguments...);
@@ -67,7 +67,7 @@ protected:
     eWatched<6, decltype(&::FindFirstFileW)> findFirst{"FindFirstFileW"};
     eWatched<7, decltype(&::FindNextFileW)> findNext{"FindNextFileW"};
     eWatched<8, decltype(&::_wrename)> rename{"_wrename"};
-    eReplacedCall<decltype(&::SetThreadErrorMode)> setMode{library, "SetThreadErrorMode", &SetModeInstead,
+    eReplacedCall<decltype(&::SetThreadErrorMode)> setMode{kLibrary, "SetThreadErrorMode", &SetModeInstead,
                                                            &systemsSetMode};
 };
 TYPED_TEST_SUITE(UnattendedCalls, eWidths, eWidthNames);

@@ -64,10 +64,10 @@ public:
     }
 
     bool Make(const std::filesystem::path& target, const std::filesystem::path& link) {
-        constexpr DWORD folder = 1, unprivileged = 2;
+        constexpr DWORD kFolder = 1, kUnprivileged = 2;
         links.push_back(link);
         if (!IsUnderWine())
-            return ::CreateSymbolicLinkW(link.c_str(), target.c_str(), folder | unprivileged) != 0;
+            return ::CreateSymbolicLinkW(link.c_str(), target.c_str(), kFolder | kUnprivileged) != 0;
         const std::string place = UnixName(link.parent_path()) + "/" + link.filename().string();
         RunBelowWine(L"ln", {"-s", UnixName(target), place});
         WaitUntil([&] { return IsShownAsLink(link); });

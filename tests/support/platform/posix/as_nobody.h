@@ -6,14 +6,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-inline constexpr int heldInChild = 0;
+inline constexpr int kHeldInChild = 0;
 
 // Runs in a child whom permissions bind, and gives its exit status. The work must not use the test framework.
 inline int AsNobody(const std::function<int()>& work) {
-    constexpr uid_t nobody = 65534;
+    constexpr uid_t kNobody = 65534;
     const pid_t child = ::fork();
     if (child == 0) {
-        const bool bound = ::geteuid() != 0 || (::setgid(nobody) == 0 && ::setuid(nobody) == 0);
+        const bool bound = ::geteuid() != 0 || (::setgid(kNobody) == 0 && ::setuid(kNobody) == 0);
         ::_exit(bound ? work() : 99);
     }
     int status = 0;

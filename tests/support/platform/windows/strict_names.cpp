@@ -11,10 +11,10 @@
 
 namespace {
 
-constexpr char library[] = "qzl_io.dll";
-constexpr char runTime[] = "msvcrt.dll"; // has the access test, which is not reached by way of an import table
-constexpr std::size_t fileRoom = 260;    // with the zero
-constexpr std::size_t folderRoom = 248;  // likewise
+constexpr char kLibrary[] = "qzl_io.dll";
+constexpr char kRunTime[] = "msvcrt.dll"; // has the access test, which is not reached by way of an import table
+constexpr std::size_t kFileRoom = 260;    // with the zero
+constexpr std::size_t kFolderRoom = 248;  // likewise
 
 std::vector<std::wstring> given;
 
@@ -32,7 +32,7 @@ bool IsOnDiskForm(std::wstring_view extended) {
     return extended.size() > 2 && !extended.ends_with(L"\\.") && !extended.ends_with(L"\\..");
 }
 
-bool Passes(const wchar_t* name, std::size_t room = fileRoom) {
+bool Passes(const wchar_t* name, std::size_t room = kFileRoom) {
     given.emplace_back(name);
     const bool extended = given.back().starts_with(L"\\\\?\\");
     const bool passes = extended ? IsOnDiskForm(given.back()) : Absolute(name).size() < room;
@@ -56,7 +56,7 @@ decltype(&::_wrename) renameFile;
 decltype(&::_wsopen_s) openFile;
 
 BOOL WINAPI CreateDirectoryIn(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
-    return Passes(name, folderRoom) && makeFolder(name, security);
+    return Passes(name, kFolderRoom) && makeFolder(name, security);
 }
 BOOL WINAPI RemoveDirectoryIn(LPCWSTR name) {
     return Passes(name) && removeFolder(name);
@@ -92,16 +92,16 @@ errno_t __cdecl OpenIn(int* file, const wchar_t* name, int flags, int share, int
 } // namespace
 
 struct eStrictNames::eReplacements {
-    eReplacedCall<decltype(makeFolder)> a{library, "CreateDirectoryW", &CreateDirectoryIn, &makeFolder};
-    eReplacedCall<decltype(removeFolder)> b{library, "RemoveDirectoryW", &RemoveDirectoryIn, &removeFolder};
-    eReplacedCall<decltype(createFile)> c{library, "CreateFileW", &CreateFileIn, &createFile};
-    eReplacedCall<decltype(deleteFile)> d{library, "DeleteFileW", &DeleteFileIn, &deleteFile};
-    eReplacedCall<decltype(copyFile)> e{library, "CopyFileW", &CopyFileIn, &copyFile};
-    eReplacedCall<decltype(copyFileEx)> f{library, "CopyFileExW", &CopyFileExIn, &copyFileEx};
-    eReplacedCall<decltype(findFirst)> g{library, "FindFirstFileW", &FindFirstFileIn, &findFirst};
-    eReplacedCall<decltype(askAttributes)> h{runTime, "GetFileAttributesW", &GetFileAttributesIn, &askAttributes};
-    eReplacedCall<decltype(renameFile)> i{library, "_wrename", &RenameIn, &renameFile};
-    eReplacedCall<decltype(openFile)> j{library, "_wsopen_s", &OpenIn, &openFile};
+    eReplacedCall<decltype(makeFolder)> a{kLibrary, "CreateDirectoryW", &CreateDirectoryIn, &makeFolder};
+    eReplacedCall<decltype(removeFolder)> b{kLibrary, "RemoveDirectoryW", &RemoveDirectoryIn, &removeFolder};
+    eReplacedCall<decltype(createFile)> c{kLibrary, "CreateFileW", &CreateFileIn, &createFile};
+    eReplacedCall<decltype(deleteFile)> d{kLibrary, "DeleteFileW", &DeleteFileIn, &deleteFile};
+    eReplacedCall<decltype(copyFile)> e{kLibrary, "CopyFileW", &CopyFileIn, &copyFile};
+    eReplacedCall<decltype(copyFileEx)> f{kLibrary, "CopyFileExW", &CopyFileExIn, &copyFileEx};
+    eReplacedCall<decltype(findFirst)> g{kLibrary, "FindFirstFileW", &FindFirstFileIn, &findFirst};
+    eReplacedCall<decltype(askAttributes)> h{kRunTime, "GetFileAttributesW", &GetFileAttributesIn, &askAttributes};
+    eReplacedCall<decltype(renameFile)> i{kLibrary, "_wrename", &RenameIn, &renameFile};
+    eReplacedCall<decltype(openFile)> j{kLibrary, "_wsopen_s", &OpenIn, &openFile};
 };
 
 eStrictNames::eStrictNames() : replacements(std::make_unique<eReplacements>()) {

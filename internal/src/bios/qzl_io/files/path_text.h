@@ -9,8 +9,8 @@
 // What path operations decide from texts alone.
 namespace IO::System {
 
-/// Calls visit with the position of every character other than the double-byte ones, which are no delimiters whatever
-/// their second halves look like.
+// Calls visit with the position of every character other than the double-byte ones, which are no delimiters whatever
+// their second halves look like.
 template <class Char, class IsLead, class Visit>
 constexpr void EachSingle(std::basic_string_view<Char> text, IsLead isLead, Visit visit) {
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -26,21 +26,21 @@ constexpr bool IsSlash(Char letter) {
     return letter == Char('/') || letter == Char('\\');
 }
 
-/// The parts of a path; put together in this order they are the path again. `isLead` tells the first halves of
-/// double-byte characters.
+// The parts of a path; put together in this order they are the path again. `isLead` tells the first halves of
+// double-byte characters.
 template <class Char>
 struct ePathParts {
-    static constexpr std::size_t driveRoom = 2; ///< in characters, as for the others
-    static constexpr std::size_t partRoom = 255;
+    static constexpr std::size_t kDriveRoom = 2; // in characters, as for the others
+    static constexpr std::size_t kPartRoom = 255;
 
-    std::basic_string_view<Char> drive; ///< "c:", any character before the colon
-    std::basic_string_view<Char> dir;   ///< up to and with the last slash of either kind
+    std::basic_string_view<Char> drive; // "c:", any character before the colon
+    std::basic_string_view<Char> dir;   // up to and with the last slash of either kind
     std::basic_string_view<Char> name;
-    std::basic_string_view<Char> ext; ///< from the last dot after that slash
+    std::basic_string_view<Char> ext; // from the last dot after that slash
 
     template <class IsLead>
     constexpr ePathParts(std::basic_string_view<Char> path, IsLead isLead) {
-        const std::size_t driveEnd = path.size() >= driveRoom && path[1] == Char(':') ? driveRoom : 0;
+        const std::size_t driveEnd = path.size() >= kDriveRoom && path[1] == Char(':') ? kDriveRoom : 0;
         drive = path.substr(0, driveEnd);
         path.remove_prefix(driveEnd);
         std::size_t dirEnd = 0, nameEnd = path.npos;
@@ -56,20 +56,20 @@ struct ePathParts {
     }
 
     constexpr bool FitRoom() const {
-        return dir.size() <= partRoom && name.size() <= partRoom && ext.size() <= partRoom;
+        return dir.size() <= kPartRoom && name.size() <= kPartRoom && ext.size() <= kPartRoom;
     }
 };
 
-/// How a system's names begin: with a drive's letter, or with a "/" alone.
+// How a system's names begin: with a drive's letter, or with a "/" alone.
 enum class eNameRoot { Drive, Slash };
 
-/// Where the walk over the parts of a folder's name begins, so that the first part is not the root.
-///
-/// | name     | with drives | with slashes |
-/// |----------|-------------|--------------|
-/// | "c:/a/b" | 3           | 0            |
-/// | "a/b"    | 0           | 0            |
-/// | "/a/b"   | 0           | 1            |
+// Where the walk over the parts of a folder's name begins, so that the first part is not the root.
+//
+// | name     | with drives | with slashes |
+// |----------|-------------|--------------|
+// | "c:/a/b" | 3           | 0            |
+// | "a/b"    | 0           | 0            |
+// | "/a/b"   | 0           | 1            |
 template <class Char>
 constexpr std::size_t FirstPart(std::basic_string_view<Char> folder, eNameRoot root) {
     if (root == eNameRoot::Slash)
@@ -78,8 +78,8 @@ constexpr std::size_t FirstPart(std::basic_string_view<Char> folder, eNameRoot r
     return colon == folder.npos ? 0 : colon + 2;
 }
 
-/// Calls makeFolder with every prefix of the name that ends before a "/", from `first` on, and with the whole name at
-/// last. False as soon as one call gives false.
+// Calls makeFolder with every prefix of the name that ends before a "/", from `first` on, and with the whole name at
+// last. False as soon as one call gives false.
 template <class Char, class MakeFolder>
 bool MakeParts(const std::basic_string<Char>& folder, std::size_t first, MakeFolder makeFolder) {
     for (std::size_t at = first;;) {
@@ -92,29 +92,29 @@ bool MakeParts(const std::basic_string<Char>& folder, std::size_t first, MakeFol
     }
 }
 
-/// A full name as the system tells it, in its plain form: without the start of an extended one ("\\?\C:\x",
-/// "\\?\UNC\server\share\x") and with forward slashes.
+// A full name as the system tells it, in its plain form: without the start of an extended one ("\\?\C:\x",
+// "\\?\UNC\server\share\x") and with forward slashes.
 template <class Char>
 std::basic_string<Char> PlainName(std::basic_string<Char> name) {
-    constexpr Char extended[] = {Char('\\'), Char('\\'), Char('?'), Char('\\'), Char()};
-    constexpr Char share[] = {Char('U'), Char('N'), Char('C'), Char('\\'), Char()};
-    if (name.starts_with(extended)) {
-        name.erase(0, std::size(extended) - 1);
-        if (name.starts_with(share))
-            name.replace(0, std::size(share) - 2, 1, Char('\\'));
+    constexpr Char kExtended[] = {Char('\\'), Char('\\'), Char('?'), Char('\\'), Char()};
+    constexpr Char kShare[] = {Char('U'), Char('N'), Char('C'), Char('\\'), Char()};
+    if (name.starts_with(kExtended)) {
+        name.erase(0, std::size(kExtended) - 1);
+        if (name.starts_with(kShare))
+            name.replace(0, std::size(kShare) - 2, 1, Char('\\'));
     }
     std::replace(name.begin(), name.end(), Char('\\'), Char('/'));
     return name;
 }
 
-/// The folder of an executable's full name, with forward slashes and a trailing "/". Empty for a name of more than 519
-/// characters, and for a folder of more than 255.
+// The folder of an executable's full name, with forward slashes and a trailing "/". Empty for a name of more than 519
+// characters, and for a folder of more than 255.
 template <class Char>
 std::basic_string<Char> FolderOf(const std::basic_string<Char>& fullName) {
-    constexpr std::size_t nameRoom = 519;
+    constexpr std::size_t kNameRoom = 519;
     const std::basic_string<Char> executable = PlainName(fullName);
     const ePathParts<Char> parts(executable, [](Char) { return false; });
-    if (executable.size() > nameRoom || parts.dir.size() > parts.partRoom)
+    if (executable.size() > kNameRoom || parts.dir.size() > parts.kPartRoom)
         return {};
     return executable.substr(0, parts.drive.size() + parts.dir.size());
 }

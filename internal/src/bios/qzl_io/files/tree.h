@@ -17,10 +17,10 @@ using Platform::eEntryKind;
 using Platform::eFolder;
 using Platform::eNamedLink;
 
-/// The folders from a root, which is the caller's, down to where a walk stands. Only the lowest ones are kept open.
+// The folders from a root, which is the caller's, down to where a walk stands. Only the lowest ones are kept open.
 class eFolderStack {
 public:
-    static constexpr std::size_t keptOpen = 24;
+    static constexpr std::size_t kKeptOpen = 24;
 
     explicit eFolderStack(eFolder& top) : root(top) {}
 
@@ -29,27 +29,27 @@ public:
 
     void Push(std::unique_ptr<eFolder> folder) {
         below.push_back(std::move(folder));
-        if (below.size() >= keptOpen)
-            At(below.size() - keptOpen).Rest();
+        if (below.size() >= kKeptOpen)
+            At(below.size() - kKeptOpen).Rest();
     }
 
     void Pop() {
-        if (below.size() >= keptOpen)
-            At(below.size() - keptOpen).Wake(At(below.size() - keptOpen + 1));
+        if (below.size() >= kKeptOpen)
+            At(below.size() - kKeptOpen).Wake(At(below.size() - kKeptOpen + 1));
         below.pop_back();
     }
 
 private:
-    /// Level 0 is the root.
+    // Level 0 is the root.
     eFolder& At(std::size_t level) { return level == 0 ? root : *below[level - 1]; }
 
     eFolder& root;
     std::vector<std::unique_ptr<eFolder>> below;
 };
 
-/// Visits everything below the root, in the order of the listings. The visitor's File and Link are called for those
-/// entries; Enter for a subfolder of the one before it that has been opened, and where that gives false it is left out;
-/// Leave when all in the subfolder has been visited, or when it could not be opened.
+// Visits everything below the root, in the order of the listings. The visitor's File and Link are called for those
+// entries; Enter for a subfolder of the one before it that has been opened, and where that gives false it is left out;
+// Leave when all in the subfolder has been visited, or when it could not be opened.
 template <class Visitor>
 void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
     eFolderStack folders(root);
@@ -81,8 +81,8 @@ void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
     }
 }
 
-/// For visitors that remove folders after what is in them. Notes where something stays: of such a folder the system
-/// says for good that it is not empty.
+// For visitors that remove folders after what is in them. Notes where something stays: of such a folder the system
+// says for good that it is not empty.
 class eEmptying {
 public:
     explicit eEmptying(ePatience& waiting) : patience(waiting) {}
@@ -93,7 +93,7 @@ public:
         return true;
     }
 
-    /// Whether everything in the folder where the walk stands has been removed.
+    // Whether everything in the folder where the walk stands has been removed.
     bool Emptied() const { return emptied; }
 
 protected:
@@ -112,11 +112,11 @@ protected:
 
 private:
     bool emptied = true;
-    std::vector<bool> above; ///< the same of the folders above it
+    std::vector<bool> above; // the same of the folders above it
 };
 
-/// Removes everything in the folder that the system lets go; links themselves, never what they point to. True when
-/// nothing stays.
+// Removes everything in the folder that the system lets go; links themselves, never what they point to. True when
+// nothing stays.
 inline bool DeleteContents(eFolder& root, ePatience& patience) {
     class eDeletion : public eEmptying {
     public:
@@ -138,7 +138,7 @@ inline bool DeleteContents(eFolder& root, ePatience& patience) {
     return deletion.Emptied();
 }
 
-/// Removes the subfolders that hold no file and no link anywhere below them, deepest first. True when nothing stays.
+// Removes the subfolders that hold no file and no link anywhere below them, deepest first. True when nothing stays.
 inline bool PurgeContents(eFolder& root, ePatience& patience) {
     class ePurge : public eEmptying {
     public:
@@ -153,9 +153,9 @@ inline bool PurgeContents(eFolder& root, ePatience& patience) {
     return purge.Emptied();
 }
 
-/// Copies what one folder holds into another. Subfolders that the target has already are emptied first. Where the
-/// target lies below the source it is not copied into itself. Of a link to a file that the system does not make again
-/// the content is copied; any other such link is left out.
+// Copies what one folder holds into another. Subfolders that the target has already are emptied first. Where the
+// target lies below the source it is not copied into itself. Of a link to a file that the system does not make again
+// the content is copied; any other such link is left out.
 inline void CopyContents(eFolder& source, eFolder& target, ePatience& patience) {
     class eCopy {
     public:

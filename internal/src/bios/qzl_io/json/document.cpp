@@ -31,9 +31,9 @@ private:
 };
 
 void DropByteOrderMark(std::string* text) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    if (std::string_view(*text).starts_with(mark))
-        text->erase(0, mark.size());
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    if (std::string_view(*text).starts_with(kMark))
+        text->erase(0, kMark.size());
 }
 
 // The text as the parser takes it; its part from `unknownFrom` on may be ill-formed.

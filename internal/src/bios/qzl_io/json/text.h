@@ -33,9 +33,9 @@ constexpr std::size_t Utf8SequenceSize(std::string_view text) {
 // Number of leading bytes, in whole blocks of 16, before the first that `isStop` finds in one.
 template <class eTest>
 std::size_t BlocksBefore(std::string_view text, eTest isStop) {
-    constexpr std::size_t block = sizeof(__m128i);
+    constexpr std::size_t kBlock = sizeof(__m128i);
     std::size_t at = 0;
-    for (; at + block <= text.size(); at += block)
+    for (; at + kBlock <= text.size(); at += kBlock)
         if (_mm_movemask_epi8(isStop(_mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at)))) != 0)
             break;
     return at;
@@ -66,11 +66,11 @@ inline bool IsUtf8(std::string_view text) {
 
 // The code unit of the escape "\uHHHH" that `text` begins with, -1 when it begins with none.
 constexpr int EscapedUnit(std::string_view text) {
-    constexpr std::size_t escapeSize = 6;
-    if (text.size() < escapeSize || text[0] != '\\' || text[1] != 'u')
+    constexpr std::size_t kEscapeSize = 6;
+    if (text.size() < kEscapeSize || text[0] != '\\' || text[1] != 'u')
         return -1;
     int unit = 0;
-    for (const char letter : text.substr(2, escapeSize - 2)) {
+    for (const char letter : text.substr(2, kEscapeSize - 2)) {
         if (letter >= '0' && letter <= '9')
             unit = unit * 16 + (letter - '0');
         else if (letter >= 'a' && letter <= 'f')
@@ -93,17 +93,17 @@ constexpr bool IsLowSurrogate(int unit) {
 
 // True when one half of a surrogate pair is escaped and the other half is not, right before or behind it.
 constexpr bool HasLoneSurrogate(std::string_view text) {
-    constexpr std::size_t escapeSize = 6;
+    constexpr std::size_t kEscapeSize = 6;
     for (std::size_t at = text.find('\\'); at != std::string_view::npos; at = text.find('\\', at)) {
         const int unit = EscapedUnit(text.substr(at));
         if (IsLowSurrogate(unit))
             return true;
         if (IsHighSurrogate(unit)) {
-            at += escapeSize;
+            at += kEscapeSize;
             if (!IsLowSurrogate(EscapedUnit(text.substr(at))))
                 return true;
         }
-        at += unit < 0 ? 2 : escapeSize;
+        at += unit < 0 ? 2 : kEscapeSize;
         if (at >= text.size())
             return false;
     }

@@ -13,7 +13,7 @@ class eTextPieces {
 public:
     // Takes what was written since the last time. Throws std::bad_alloc when there is no memory for it.
     void Take(eSDLWriter::eWriteStream* text) {
-        IO::eMemoryStream& piece = pieces.emplace_back(0, roomStep);
+        IO::eMemoryStream& piece = pieces.emplace_back(0, kRoomStep);
         text->Flush(&piece, nullptr);
         if (piece.Enabled(IO::StreamMode::Bad))
             throw std::bad_alloc();
@@ -25,7 +25,7 @@ public:
     }
 
 private:
-    static constexpr unsigned long long roomStep = 4096;
+    static constexpr unsigned long long kRoomStep = 4096;
 
     std::deque<IO::eMemoryStream> pieces;
 };

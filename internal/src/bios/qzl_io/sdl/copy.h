@@ -67,20 +67,20 @@ inline bool AnyEscaped(std::uint64_t first, std::uint64_t last) {
 }
 
 inline bool CopyBlocks(char* to, const char* from, std::size_t size) {
-    constexpr std::size_t block = sizeof(__m128i);
-    for (std::size_t at = 0; at + block < size; at += block) {
+    constexpr std::size_t kBlock = sizeof(__m128i);
+    for (std::size_t at = 0; at + kBlock < size; at += kBlock) {
         const auto bytes = LoadWord<__m128i>(from + at);
         if (AnyEscaped(bytes))
             return false;
         StoreWord(to + at, bytes);
     }
-    const auto bytes = LoadWord<__m128i>(from + size - block);
-    StoreWord(to + size - block, bytes);
+    const auto bytes = LoadWord<__m128i>(from + size - kBlock);
+    StoreWord(to + size - kBlock, bytes);
     return !AnyEscaped(bytes);
 }
 
 inline bool CopyFew(char* to, const char* from, std::size_t size) {
-    constexpr std::uint64_t blanks = 0x2020202020202020;
+    constexpr std::uint64_t kBlanks = 0x2020202020202020;
     if (size == 0)
         return true;
     const auto middle = static_cast<unsigned char>(from[size / 2]);
@@ -89,7 +89,7 @@ inline bool CopyFew(char* to, const char* from, std::size_t size) {
     to[0] = from[0];
     to[size / 2] = from[size / 2];
     to[size - 1] = from[size - 1];
-    return !AnyEscaped((blanks << 24) | (std::uint64_t{first} << 16) | (std::uint64_t{middle} << 8) | last, blanks);
+    return !AnyEscaped((kBlanks << 24) | (std::uint64_t{first} << 16) | (std::uint64_t{middle} << 8) | last, kBlanks);
 }
 
 // Copies the text when all of it can stand in a quoted string as it is. Otherwise false, and the copy is worth nothing.

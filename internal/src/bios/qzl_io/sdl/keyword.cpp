@@ -53,7 +53,7 @@ bool Matches(const eSDLKeyword& entry, const char* name, std::size_t length) {
 
 eKeywordIndex::eKeywordIndex(const eSDLKeyword* first)
     : table(first),
-      mask(std::max(kLeastCapacity, std::bit_ceil(CountFrom(first) * roomForEach)) - 1),
+      mask(std::max(kLeastCapacity, std::bit_ceil(CountFrom(first) * kRoomForEach)) - 1),
       slots(std::make_unique<eSlot[]>(mask + 1)),
       entries(std::make_unique_for_overwrite<const eSDLKeyword*[]>(Room())),
       last(first) {

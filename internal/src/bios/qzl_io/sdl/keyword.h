@@ -71,8 +71,8 @@ public:
     void Replace(eKeywordIndex* smaller) { replaced.reset(smaller); }
 
 private:
-    static constexpr std::size_t roomForEach = 4; // slots
-    static constexpr std::size_t kCompared = 16;  // as many characters are compared in a slot
+    static constexpr std::size_t kRoomForEach = 4; // slots
+    static constexpr std::size_t kCompared = 16;   // as many characters are compared in a slot
 
     struct eSlot {
         std::uint64_t head = 0; // the name's first eight characters and, when it has more, its last eight
@@ -96,7 +96,7 @@ private:
 
     using eNext = unsigned eFollowing::*;
 
-    std::size_t Room() const { return (mask + 1) / roomForEach; }
+    std::size_t Room() const { return (mask + 1) / kRoomForEach; }
 
     std::size_t PlaceOf(int id) const {
         constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;

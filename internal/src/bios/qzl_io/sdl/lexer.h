@@ -6,7 +6,7 @@
 #include "sdl/automaton.h"
 #include "sdl/scan.h"
 
-// The lexer at work: the automaton of sdl/automaton.h, taken in runs. The first character decides by the automaton's
+// The lexer at work: the automaton of sdl_automaton.h, taken in runs. The first character decides by the automaton's
 // own row for "between tokens"; what follows it is passed many characters at a time.
 namespace xSDL {
 

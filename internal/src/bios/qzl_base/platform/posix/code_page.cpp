@@ -138,11 +138,11 @@ bool HasDescriptors() {
 }
 
 bool HasRoom() {
-    constexpr std::size_t moreThanAnyConverter = std::size_t{4} << 20;
-    void* const probe = mmap(nullptr, moreThanAnyConverter, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    constexpr std::size_t kMoreThanAnyConverter = std::size_t{4} << 20;
+    void* const probe = mmap(nullptr, kMoreThanAnyConverter, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (probe == MAP_FAILED)
         return false;
-    munmap(probe, moreThanAnyConverter);
+    munmap(probe, kMoreThanAnyConverter);
     return true;
 }
 

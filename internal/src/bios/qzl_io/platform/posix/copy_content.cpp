@@ -17,9 +17,9 @@ using System::CopyInSteps;
 using System::eCopyEnd;
 using System::eCopyWay;
 
-constexpr std::size_t copyStep = std::size_t{4} << 20;
-constexpr std::size_t plainStep = std::size_t{64} << 10;
-constexpr blkcnt_t blockSize = 512;
+constexpr std::size_t kCopyStep = std::size_t{4} << 20;
+constexpr std::size_t kPlainStep = std::size_t{64} << 10;
+constexpr blkcnt_t kBlockSize = 512;
 
 bool WriteAll(int target, const char* bytes, std::size_t count) {
     while (count != 0) {
@@ -33,7 +33,7 @@ bool WriteAll(int target, const char* bytes, std::size_t count) {
 }
 
 long long PlainStep(int source, int target, std::size_t limit) {
-    const std::size_t most = limit < plainStep ? limit : plainStep;
+    const std::size_t most = limit < kPlainStep ? limit : kPlainStep;
     const auto buffer = std::make_unique_for_overwrite<char[]>(most);
     const ssize_t count = Uninterrupted([&] { return ::read(source, buffer.get(), most); });
     if (count > 0 && !WriteAll(target, buffer.get(), static_cast<std::size_t>(count)))
@@ -41,7 +41,7 @@ long long PlainStep(int source, int target, std::size_t limit) {
     return count;
 }
 
-/// Copies from where both stand; a size of 0 is not known.
+// Copies from where both stand; a size of 0 is not known.
 eCopyEnd CopyRun(int source, int target, unsigned long long size, const bool* cancel) {
     const eCopyWay inKernel = [=](std::size_t limit) -> long long {
         return Uninterrupted([&] { return ::copy_file_range(source, nullptr, target, nullptr, limit, 0); });
@@ -52,9 +52,9 @@ eCopyEnd CopyRun(int source, int target, unsigned long long size, const bool* ca
     const eCopyWay plain = [=](std::size_t limit) { return PlainStep(source, target, limit); };
     const auto stop = [cancel] { return cancel && IsCancelled(cancel); };
     // The kernel's own ways cost more to set up than one read and one write.
-    if (size <= plainStep)
-        return CopyInSteps({plain}, plainStep, size, stop);
-    return CopyInSteps({inKernel, byPages, plain}, copyStep, size, stop);
+    if (size <= kPlainStep)
+        return CopyInSteps({plain}, kPlainStep, size, stop);
+    return CopyInSteps({inKernel, byPages, plain}, kCopyStep, size, stop);
 }
 
 off_t MoveTo(int file, off_t position, int from = SEEK_SET) {
@@ -67,7 +67,7 @@ eCopyEnd CopyPart(int source, int target, off_t begin, off_t end, const bool* ca
     return CopyRun(source, target, static_cast<unsigned long long>(end - begin), cancel);
 }
 
-/// Where the system does not tell of holes, the rest is taken for data.
+// Where the system does not tell of holes, the rest is taken for data.
 eCopyEnd CopyAroundHoles(int source, int target, off_t size, const bool* cancel) {
     if (cancel && IsCancelled(cancel))
         return eCopyEnd::Stopped;
@@ -92,7 +92,7 @@ eCopyEnd CopyAroundHoles(int source, int target, off_t size, const bool* cancel)
 } // namespace
 
 eCopyEnd CopyContent(int source, const struct stat& facts, int target, eCopyHoles holes, const bool* cancel) {
-    const bool hasHoles = facts.st_blocks < facts.st_size / blockSize;
+    const bool hasHoles = facts.st_blocks < facts.st_size / kBlockSize;
     if (hasHoles && holes == eCopyHoles::Keep)
         return CopyAroundHoles(source, target, facts.st_size, cancel);
     return CopyRun(source, target, static_cast<unsigned long long>(facts.st_size), cancel);

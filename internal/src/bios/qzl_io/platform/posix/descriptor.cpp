@@ -10,8 +10,8 @@ namespace IO::Platform {
 
 namespace {
 
-/// Another process holds a lease on the file and is told to give it back: that is waited for, as every program does.
-/// By way of a descriptor that opens nothing, so that no pipe can take the file's place meanwhile.
+// Another process holds a lease on the file and is told to give it back: that is waited for, as every program does.
+// By way of a descriptor that opens nothing, so that no pipe can take the file's place meanwhile.
 eDescriptor OpenLeased(int folder, const char* name, int flags) noexcept {
     const int whichLink = flags & O_NOFOLLOW;
     const eDescriptor place(Uninterrupted([&] { return ::openat(folder, name, O_PATH | O_CLOEXEC | whichLink); }));
@@ -27,8 +27,8 @@ eDescriptor OpenLeased(int folder, const char* name, int flags) noexcept {
 } // namespace
 
 eDescriptor OpenAtOnce(int folder, const char* name, int flags, mode_t mode) noexcept {
-    constexpr int alone = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    eDescriptor file(Uninterrupted([&] { return ::openat(folder, name, flags | alone, mode); }));
+    constexpr int kAlone = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    eDescriptor file(Uninterrupted([&] { return ::openat(folder, name, flags | kAlone, mode); }));
     return file.IsOpen() || errno != EWOULDBLOCK ? std::move(file) : OpenLeased(folder, name, flags);
 }
 

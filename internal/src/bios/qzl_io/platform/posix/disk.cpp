@@ -17,7 +17,7 @@ namespace IO::Platform {
 
 namespace {
 
-/// What the system shows of a device in a file, at most one page; 0, or why it does not.
+// What the system shows of a device in a file, at most one page; 0, or why it does not.
 unsigned int ReadShown(const std::string& name, std::string* content) {
     std::array<char, 4096> page{};
     const eDescriptor file(Uninterrupted([&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC); }));
@@ -38,10 +38,10 @@ std::string FirstEntryOf(const std::string& folder) {
     return {};
 }
 
-/// Down through the layers (encryption, volume groups) that stand on one another, then from a partition to its disk.
+// Down through the layers (encryption, volume groups) that stand on one another, then from a partition to its disk.
 std::string DiskBelow(std::string device) {
-    constexpr int mostLayers = 8;
-    for (int layer = 0; layer < mostLayers; ++layer) {
+    constexpr int kMostLayers = 8;
+    for (int layer = 0; layer < kMostLayers; ++layer) {
         const std::string lower = FirstEntryOf(device + "/slaves");
         if (lower.empty())
             break;

@@ -7,8 +7,8 @@ namespace IO::Platform {
 const dirent64* eEntryReader::Next(int folder) {
     if (position == end) {
         if (!buffer)
-            buffer = std::make_unique_for_overwrite<std::byte[]>(bufferSize);
-        const ssize_t count = Uninterrupted([&] { return ::getdents64(folder, buffer.get(), bufferSize); });
+            buffer = std::make_unique_for_overwrite<std::byte[]>(kBufferSize);
+        const ssize_t count = Uninterrupted([&] { return ::getdents64(folder, buffer.get(), kBufferSize); });
         position = 0;
         end = count > 0 ? static_cast<std::size_t>(count) : 0;
         if (end == 0)

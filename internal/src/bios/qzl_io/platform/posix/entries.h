@@ -8,14 +8,14 @@
 
 namespace IO::Platform {
 
-/// Reads a folder's entries straight from the system, "." and ".." included.
+// Reads a folder's entries straight from the system, "." and ".." included.
 class eEntryReader {
 public:
-    /// The next entry, valid until the next call; null at the end, and when the folder can no longer be read.
+    // The next entry, valid until the next call; null at the end, and when the folder can no longer be read.
     const dirent64* Next(int folder);
 
 private:
-    static constexpr std::size_t bufferSize = std::size_t{32} << 10;
+    static constexpr std::size_t kBufferSize = std::size_t{32} << 10;
 
     std::unique_ptr<std::byte[]> buffer;
     std::size_t position = 0;

@@ -17,7 +17,7 @@ namespace {
 
 using System::eCopyEnd;
 
-constexpr mode_t ownersAlone = 0600;
+constexpr mode_t kOwnersAlone = 0600;
 
 struct eOpened {
     eDescriptor file;
@@ -45,13 +45,13 @@ void Remove(int folder, const char* name) {
     Uninterrupted([&] { return ::unlinkat(folder, name, 0); });
 }
 
-/// Refused where the file belongs to somebody else.
+// Refused where the file belongs to somebody else.
 void KeepTime(int target, const struct stat& source) {
     const timespec times[] = {{0, UTIME_OMIT}, source.st_mtim};
     Uninterrupted([&] { return ::futimens(target, times); });
 }
 
-/// The content and the time of its last change, to an empty file.
+// The content and the time of its last change, to an empty file.
 eCopyEnd CopyWithTime(const eOpened& source, int target, const bool* cancel) {
     const eCopyEnd end = CopyContent(source.file.Get(), source.facts, target, eCopyHoles::Keep, cancel);
     if (end == eCopyEnd::Complete)
@@ -59,7 +59,7 @@ eCopyEnd CopyWithTime(const eOpened& source, int target, const bool* cancel) {
     return end;
 }
 
-/// While it lives, the calling thread survives a pipe whose reader goes away.
+// While it lives, the calling thread survives a pipe whose reader goes away.
 class eBrokenPipeSurvived {
 public:
     eBrokenPipeSurvived() {
@@ -85,7 +85,7 @@ private:
     bool wasPending;
 };
 
-/// One copy onto something that is there.
+// One copy onto something that is there.
 class eOverwriting {
 public:
     eOverwriting(const eOpened& from, const eOpened& to, const eRealPlace* toPlace, const bool* stopFlag)
@@ -97,9 +97,9 @@ public:
     }
 
 private:
-    /// False where the target can be written at most.
+    // False where the target can be written at most.
     bool Replace() {
-        eReplacement replacement(*place, ownersAlone);
+        eReplacement replacement(*place, kOwnersAlone);
         if (!replacement.IsOpen())
             return !IsForbidden(errno);
         if (!replacement.Resemble(target.file.Get(), target.facts))
@@ -110,8 +110,8 @@ private:
         return end != eCopyEnd::Complete || replacement.TakePlace() || !IsForbidden(errno);
     }
 
-    /// To this process, to everybody there (a file mounted by itself, in a folder that takes no changes), or unknown to
-    /// the file system.
+    // To this process, to everybody there (a file mounted by itself, in a folder that takes no changes), or unknown to
+    // the file system.
     static bool IsForbidden(int error) {
         return error == EACCES || error == EPERM || error == EBUSY || error == EROFS || error == ENOSYS ||
                error == EOPNOTSUPP;
@@ -142,7 +142,7 @@ private:
 };
 
 void CopyAnew(const eOpened& source, const eRealPlace& place, const bool* cancel) {
-    eReplacement target(place, source.facts.st_mode & permissionBits);
+    eReplacement target(place, source.facts.st_mode & kPermissionBits);
     if (target.IsOpen() && CopyWithTime(source, target.Get(), cancel) == eCopyEnd::Complete)
         target.TakePlace();
 }
@@ -171,8 +171,8 @@ void CopyNewFile(ePlace from, ePlace to, eNamedLink link) {
     const eOpened source(from, O_RDONLY | (link == eNamedLink::Refuse ? O_NOFOLLOW : 0));
     if (!source.IsRegular())
         return;
-    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL;
-    eDescriptor target = OpenAtOnce(to.folder, to.name, flags, source.facts.st_mode & permissionBits);
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL;
+    eDescriptor target = OpenAtOnce(to.folder, to.name, kFlags, source.facts.st_mode & kPermissionBits);
     if (!target.IsOpen()) {
         if (errno == EEXIST)
             CopyOpened(source, to, eLastLinks::Refuse, nullptr);

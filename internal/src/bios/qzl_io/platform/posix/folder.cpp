@@ -18,20 +18,20 @@ namespace IO::Platform {
 
 namespace {
 
-constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-constexpr mode_t newFolderMode = 0777;
-constexpr mode_t permissionsOfFolders = 01777;
-constexpr mode_t allOfMode = 07777;
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+constexpr mode_t kNewFolderMode = 0777;
+constexpr mode_t kPermissionsOfFolders = 01777;
+constexpr mode_t kAllOfMode = 07777;
 
 eDescriptor OpenDescriptor(int parent, const char* name, int flags) {
-    return eDescriptor(Uninterrupted([&] { return ::openat(parent, name, folderFlags | flags); }));
+    return eDescriptor(Uninterrupted([&] { return ::openat(parent, name, kFolderFlags | flags); }));
 }
 
 eAnswer Told(bool done) {
     return done ? eAnswer::Done : eAnswer::Refused;
 }
 
-/// Makes a call that a signal may interrupt, and tells whether it worked.
+// Makes a call that a signal may interrupt, and tells whether it worked.
 template <class Call>
 bool Worked(Call call) {
     return Uninterrupted(call) == 0;
@@ -41,15 +41,15 @@ const char* NameOf(const eEntry& entry) {
     return static_cast<const char*>(entry.name);
 }
 
-/// Lists itself as a whole at the first Next: what is removed or added meanwhile cannot confuse the listing, and it can
-/// rest from then on.
+// Lists itself as a whole at the first Next: what is removed or added meanwhile cannot confuse the listing, and it can
+// rest from then on.
 class ePosixFolder final : public eFolder {
 public:
     explicit ePosixFolder(eDescriptor opened) : folder(std::move(opened)) {}
     ~ePosixFolder() override {
         struct stat status {};
         if (surplus != 0 && Worked([&] { return ::fstat(folder.Get(), &status); }))
-            Worked([&] { return ::fchmod(folder.Get(), status.st_mode & allOfMode & ~surplus); });
+            Worked([&] { return ::fchmod(folder.Get(), status.st_mode & kAllOfMode & ~surplus); });
     }
     ePosixFolder(const ePosixFolder&) = delete;
     ePosixFolder& operator=(const ePosixFolder&) = delete;
@@ -100,10 +100,10 @@ public:
 
     void EndLike(eFolder& source) override { EndWith(static_cast<ePosixFolder&>(source).Mode()); }
 
-    /// The owner of a folder may do everything there until all is in it.
-    static mode_t ToBeFilled(mode_t mode) { return (mode & permissionsOfFolders) | S_IRWXU; }
+    // The owner of a folder may do everything there until all is in it.
+    static mode_t ToBeFilled(mode_t mode) { return (mode & kPermissionsOfFolders) | S_IRWXU; }
 
-    /// Where the system does not tell, nobody but the owner may do anything.
+    // Where the system does not tell, nobody but the owner may do anything.
     mode_t Mode() const {
         struct stat status {};
         return Worked([&] { return ::fstat(folder.Get(), &status); }) ? status.st_mode : mode_t{S_IRWXU};
@@ -149,7 +149,7 @@ private:
 
     void EndWith(mode_t mode) { surplus = S_IRWXU & ~mode; }
 
-    /// Each entry is its kind, its name and a zero.
+    // Each entry is its kind, its name and a zero.
     void List() {
         listed = true;
         eEntryReader reader;
@@ -188,15 +188,15 @@ private:
     static int Descriptor(eFolder& other) { return static_cast<ePosixFolder&>(other).folder.Get(); }
 
     eDescriptor folder;
-    eFileId id;         ///< of no folder until asked for
-    mode_t surplus = 0; ///< what the owner may not do there in the end
+    eFileId id;         // of no folder until asked for
+    mode_t surplus = 0; // what the owner may not do there in the end
     bool listed = false;
     std::vector<char> listing;
     std::size_t position = 0;
 };
 
-/// The system looks behind a link whose name ends in "/" or "/.", and removes no folder by the latter: the name without
-/// these means the link or the folder itself.
+// The system looks behind a link whose name ends in "/" or "/.", and removes no folder by the latter: the name without
+// these means the link or the folder itself.
 std::string OwnName(const char* name) {
     std::string text(name);
     while (text.size() > 1 && (text.back() == '/' || text.ends_with("/.")))
@@ -213,7 +213,7 @@ eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* 
 
 template <class Char>
 eAnswer MakeFolder(const Char* name, eFolder* like) {
-    const mode_t mode = like ? ePosixFolder::ToBeFilled(static_cast<ePosixFolder&>(*like).Mode()) : newFolderMode;
+    const mode_t mode = like ? ePosixFolder::ToBeFilled(static_cast<ePosixFolder&>(*like).Mode()) : kNewFolderMode;
     const eNativeName native(name);
     return Told(Worked([&] { return ::mkdir(native.c_str(), mode); }) || errno == EEXIST);
 }

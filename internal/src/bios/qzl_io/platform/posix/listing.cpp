@@ -38,19 +38,19 @@ namespace Platform {
 
 namespace {
 
-constexpr unsigned int directory = eSearchRecord<char>::Directory;
-constexpr unsigned int link = eSearchRecord<char>::Link;
+constexpr unsigned int kDirectory = eSearchRecord<char>::Directory;
+constexpr unsigned int kLink = eSearchRecord<char>::Link;
 
 eFileTime FileTimeOf(const timespec& time) {
-    constexpr unsigned long long ticksPerSecond = 10'000'000;
-    constexpr unsigned long long secondsFrom1601To1970 = 11'644'473'600;
-    const auto seconds = static_cast<unsigned long long>(time.tv_sec) + secondsFrom1601To1970;
-    return eFileTime::FromTicks(seconds * ticksPerSecond + static_cast<unsigned long long>(time.tv_nsec) / 100);
+    constexpr unsigned long long kTicksPerSecond = 10'000'000;
+    constexpr unsigned long long kSecondsFrom1601To1970 = 11'644'473'600;
+    const auto seconds = static_cast<unsigned long long>(time.tv_sec) + kSecondsFrom1601To1970;
+    return eFileTime::FromTicks(seconds * kTicksPerSecond + static_cast<unsigned long long>(time.tv_nsec) / 100);
 }
 
 template <class Char>
 void Fill(const dirent64& entry, eSearchRecord<Char>* record) {
-    record->attributes = entry.d_type == DT_DIR ? directory : 0;
+    record->attributes = entry.d_type == DT_DIR ? kDirectory : 0;
     record->kindPending = entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN;
     record->detailsPending = true;
     record->size = 0;
@@ -103,7 +103,7 @@ void CompleteKind(eSearchHandle& handle, eSearchRecord<Char>* record) {
         return;
     const bool isLink = S_ISLNK(own.st_mode);
     const bool isFolder = isLink ? Ask(handle, *record, 0, &target) && S_ISDIR(target.st_mode) : S_ISDIR(own.st_mode);
-    record->attributes = (isLink ? link : 0) | (isFolder ? directory : 0);
+    record->attributes = (isLink ? kLink : 0) | (isFolder ? kDirectory : 0);
 }
 
 template <class Char>

@@ -22,12 +22,12 @@ std::string HostName() {
 }
 
 std::string EffectiveUser() {
-    constexpr std::size_t mostBytes = std::size_t{1} << 20;
+    constexpr std::size_t kMostBytes = std::size_t{1} << 20;
     std::vector<char> room(1024);
     passwd record{};
     passwd* found = nullptr;
     int failure = ERANGE;
-    while (failure == EINTR || (failure == ERANGE && room.size() <= mostBytes)) {
+    while (failure == EINTR || (failure == ERANGE && room.size() <= kMostBytes)) {
         if (failure == ERANGE)
             room.resize(room.size() * 2);
         failure = ::getpwuid_r(::geteuid(), &record, room.data(), room.size(), &found);
@@ -58,7 +58,7 @@ std::basic_string<Char> ExecutableName() {
     return NameText<Char>(ExecutableBytes());
 }
 
-/// No such thing here.
+// No such thing here.
 template <class Char>
 eProductIdQuery OpenProductId() {
     return {};

@@ -7,14 +7,14 @@ namespace IO::Platform {
 
 namespace {
 
-constexpr char32_t escapeBase = 0xDC00;
+constexpr char32_t kEscapeBase = 0xDC00;
 
 struct eSequence {
     std::size_t length; // 0: ill-formed
     char32_t character;
 };
 
-/// Length, bits of the first byte and smallest character of the sequences that the byte can begin.
+// Length, bits of the first byte and smallest character of the sequences that the byte can begin.
 struct eLead {
     std::size_t length;
     char32_t bits;
@@ -94,7 +94,7 @@ std::wstring WideName(std::string_view bytes) {
     while (!bytes.empty()) {
         const eSequence sequence = FirstSequence(bytes);
         const bool wellFormed = sequence.length != 0;
-        const char32_t escaped = escapeBase + static_cast<unsigned char>(bytes[0]);
+        const char32_t escaped = kEscapeBase + static_cast<unsigned char>(bytes[0]);
         name.push_back(static_cast<wchar_t>(wellFormed ? sequence.character : escaped));
         bytes.remove_prefix(wellFormed ? sequence.length : 1);
     }
@@ -111,7 +111,7 @@ std::string ByteName(std::wstring_view name) {
             AppendCharacter(&bytes, 0x10000 + ((character - 0xD800) << 10) + (next - 0xDC00));
             ++at;
         } else if (IsEscapedByte(character)) {
-            AppendByte(&bytes, character - escapeBase);
+            AppendByte(&bytes, character - kEscapeBase);
         } else if (IsSurrogate(character) || character > 0x10FFFF) {
             return {};
         } else {

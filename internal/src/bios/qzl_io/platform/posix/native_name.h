@@ -12,11 +12,11 @@ namespace IO::Platform {
 
 QZL_IO_API std::wstring WideName(std::string_view bytes);
 
-/// A surrogate pair counts as the one character that it stands for. Empty when the name holds what is no character, so
-/// that it names nothing.
+// A surrogate pair counts as the one character that it stands for. Empty when the name holds what is no character, so
+// that it names nothing.
 QZL_IO_API std::string ByteName(std::wstring_view name);
 
-/// A name as the system takes it.
+// A name as the system takes it.
 class eNativeName {
 public:
     explicit eNativeName(const char* name) : bytes(name) {}
@@ -31,7 +31,7 @@ private:
     const char* bytes;
 };
 
-/// A name on disk as text of either kind.
+// A name on disk as text of either kind.
 template <class Char>
 std::basic_string<Char> NameText(std::string_view bytes) {
     if constexpr (sizeof(Char) == 1)

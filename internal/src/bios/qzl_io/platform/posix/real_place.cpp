@@ -10,10 +10,10 @@
 namespace IO::Platform {
 
 std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links) {
-    constexpr int mostLinks = 40;
+    constexpr int kMostLinks = 40;
     eRealPlace real{eDescriptor(), place.name};
     int begin = place.folder;
-    for (int followed = 0; followed <= mostLinks; ++followed) {
+    for (int followed = 0; followed <= kMostLinks; ++followed) {
         const std::size_t cut = real.name.rfind('/') + 1;
         const std::string above = cut == 0 ? "." : real.name.substr(0, cut);
         real.name.erase(0, cut);

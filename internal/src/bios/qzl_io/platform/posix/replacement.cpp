@@ -15,7 +15,7 @@ namespace IO::Platform {
 
 namespace {
 
-constexpr char accessList[] = "system.posix_acl_access";
+constexpr char kAccessList[] = "system.posix_acl_access";
 
 std::string NewName() {
     static std::atomic<unsigned> counter = 0;
@@ -24,17 +24,17 @@ std::string NewName() {
     return ".qzl_" + std::to_string(::getpid()) + "_" + std::to_string(now.tv_nsec) + "_" + std::to_string(++counter);
 }
 
-/// What vouches for a file's content does not hold for another content.
+// What vouches for a file's content does not hold for another content.
 bool SpeaksOfContent(std::string_view attribute) {
     return attribute == "security.capability" || attribute == "security.ima" || attribute == "security.evm";
 }
 
-/// The lists of who may do what.
+// The lists of who may do what.
 bool SpeaksOfAccess(std::string_view attribute) {
     return attribute.starts_with("system.");
 }
 
-/// Asks for the size, then for the bytes. False where the system tells neither.
+// Asks for the size, then for the bytes. False where the system tells neither.
 template <class Call>
 bool AskSized(std::vector<char>* bytes, Call call) {
     const ssize_t size = Uninterrupted([&] { return call(nullptr, std::size_t{0}); });
@@ -46,7 +46,7 @@ bool AskSized(std::vector<char>* bytes, Call call) {
     return filled >= 0;
 }
 
-/// None where the file system keeps no such thing.
+// None where the file system keeps no such thing.
 std::vector<char> AttributeNames(int file) {
     std::vector<char> names;
     AskSized(&names, [file](char* list, std::size_t size) { return ::flistxattr(file, list, size); });
@@ -59,7 +59,7 @@ bool CopyAttribute(int from, int to, const char* name) {
            Uninterrupted([&] { return ::fsetxattr(to, name, value.data(), value.size(), 0); }) == 0;
 }
 
-/// Calls `each` with every name, and tells whether it was true for all.
+// Calls `each` with every name, and tells whether it was true for all.
 template <class Each>
 bool ForAll(const std::vector<char>& names, Each each) {
     bool all = true;
@@ -71,11 +71,11 @@ bool ForAll(const std::vector<char>& names, Each each) {
 } // namespace
 
 eReplacement::eReplacement(const eRealPlace& target, mode_t mode) : place(target) {
-    constexpr int mostTries = 100;
-    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-    for (int tries = 0; tries < mostTries && !file.IsOpen(); ++tries) {
+    constexpr int kMostTries = 100;
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    for (int tries = 0; tries < kMostTries && !file.IsOpen(); ++tries) {
         name = NewName();
-        file = eDescriptor(Uninterrupted([&] { return ::openat(place.folder.Get(), name.c_str(), flags, mode); }));
+        file = eDescriptor(Uninterrupted([&] { return ::openat(place.folder.Get(), name.c_str(), kFlags, mode); }));
         if (!file.IsOpen() && errno != EEXIST)
             break;
     }
@@ -98,9 +98,9 @@ bool eReplacement::Resemble(int replaced, const struct stat& facts) {
         return false;
     // The folder may give its new files rights that the replaced one does not have.
     const bool plain = ForAll(AttributeNames(Get()), [this](std::string_view attribute) {
-        return attribute != accessList || Uninterrupted([&] { return ::fremovexattr(Get(), accessList); }) == 0;
+        return attribute != kAccessList || Uninterrupted([&] { return ::fremovexattr(Get(), kAccessList); }) == 0;
     });
-    if (!plain || Uninterrupted([&] { return ::fchmod(Get(), facts.st_mode & permissionBits); }) != 0)
+    if (!plain || Uninterrupted([&] { return ::fchmod(Get(), facts.st_mode & kPermissionBits); }) != 0)
         return false;
     return ForAll(AttributeNames(replaced), [&](const char* attribute) {
         return SpeaksOfContent(attribute) || CopyAttribute(replaced, Get(), attribute) || !SpeaksOfAccess(attribute);

@@ -8,29 +8,29 @@
 // What devices answer when asked for their serial number. Nothing in it is to be trusted.
 namespace IO::System {
 
-/// The text in a storage device descriptor to which the little-endian offset at byte 24 points, up to its zero or the
-/// end of the bytes. Empty when the offset is 0, beyond the bytes, or not there.
+// The text in a storage device descriptor to which the little-endian offset at byte 24 points, up to its zero or the
+// end of the bytes. Empty when the offset is 0, beyond the bytes, or not there.
 inline std::string SerialInDescriptor(std::span<const unsigned char> descriptor) {
-    constexpr std::size_t offsetAt = 24;
-    constexpr std::size_t offsetSize = 4;
-    if (descriptor.size() < offsetAt + offsetSize)
+    constexpr std::size_t kOffsetAt = 24;
+    constexpr std::size_t kOffsetSize = 4;
+    if (descriptor.size() < kOffsetAt + kOffsetSize)
         return {};
     std::size_t offset = 0;
-    for (std::size_t byte = offsetSize; byte-- > 0;)
-        offset = offset << 8 | descriptor[offsetAt + byte];
+    for (std::size_t byte = kOffsetSize; byte-- > 0;)
+        offset = offset << 8 | descriptor[kOffsetAt + byte];
     if (offset == 0 || offset >= descriptor.size())
         return {};
     const auto text = descriptor.subspan(offset);
     return {text.begin(), std::find(text.begin(), text.end(), 0)};
 }
 
-/// The text in a disk's page 0x80: its big-endian length at byte 2, its characters from byte 4, up to a zero.
+// The text in a disk's page 0x80: its big-endian length at byte 2, its characters from byte 4, up to a zero.
 inline std::string SerialInPage80(std::span<const unsigned char> page) {
-    constexpr std::size_t textAt = 4;
-    if (page.size() < textAt || page[1] != 0x80)
+    constexpr std::size_t kTextAt = 4;
+    if (page.size() < kTextAt || page[1] != 0x80)
         return {};
     const std::size_t length = static_cast<std::size_t>(page[2] << 8 | page[3]);
-    const auto text = page.subspan(textAt, std::min(length, page.size() - textAt));
+    const auto text = page.subspan(kTextAt, std::min(length, page.size() - kTextAt));
     return {text.begin(), std::find(text.begin(), text.end(), 0)};
 }
 

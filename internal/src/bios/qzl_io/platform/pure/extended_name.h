@@ -16,38 +16,38 @@
 // drive. For an absolute name `current` means nothing.
 namespace IO::System {
 
-/// How many characters an absolute name may have in its plain form. The calls differ; the strictest makes folders.
-inline constexpr std::size_t plainRoom = 247;
+// How many characters an absolute name may have in its plain form. The calls differ; the strictest makes folders.
+inline constexpr std::size_t kPlainRoom = 247;
 
 enum class eNameKind {
-    Extended, ///< "\\?\C:\x" with these very slashes
-    Device,   ///< "//?/x", "//./x"
-    Share,    ///< "//server/share/x"
-    Drive,    ///< "c:/x"
-    OnDrive,  ///< "c:x"
-    Rooted,   ///< "/x": on the drive or share of the current folder
-    Relative, ///< "x", and the empty name
+    Extended, // "\\?\C:\x" with these very slashes
+    Device,   // "//?/x", "//./x"
+    Share,    // "//server/share/x"
+    Drive,    // "c:/x"
+    OnDrive,  // "c:x"
+    Rooted,   // "/x": on the drive or share of the current folder
+    Relative, // "x", and the empty name
 };
 
 namespace NameSteps {
 
-inline constexpr std::wstring_view slashes = L"\\/";
-inline constexpr std::wstring_view extendedStart = L"\\\\?\\";
-inline constexpr std::wstring_view extendedShareStart = L"\\\\?\\UNC\\";
+inline constexpr std::wstring_view kSlashes = L"\\/";
+inline constexpr std::wstring_view kExtendedStart = L"\\\\?\\";
+inline constexpr std::wstring_view kExtendedShareStart = L"\\\\?\\UNC\\";
 
 constexpr bool IsSlashAt(std::wstring_view name, std::size_t at) {
-    return at < name.size() && slashes.find(name[at]) != slashes.npos;
+    return at < name.size() && kSlashes.find(name[at]) != kSlashes.npos;
 }
 
 constexpr bool EndsInSlash(std::wstring_view name) {
     return IsSlashAt(name, name.size() - 1);
 }
 
-/// Calls visit with each component, the leftmost first, until it gives true, and tells whether it did.
+// Calls visit with each component, the leftmost first, until it gives true, and tells whether it did.
 template <class Visit>
 constexpr bool AnyPart(std::wstring_view name, Visit visit) {
     for (std::size_t at = 0; at < name.size();) {
-        const std::wstring_view part = name.substr(at, name.find_first_of(slashes, at) - at);
+        const std::wstring_view part = name.substr(at, name.find_first_of(kSlashes, at) - at);
         if (!part.empty() && visit(part))
             return true;
         at += part.size() + 1;
@@ -55,7 +55,7 @@ constexpr bool AnyPart(std::wstring_view name, Visit visit) {
     return false;
 }
 
-/// Whether the plain form loses something of a component.
+// Whether the plain form loses something of a component.
 constexpr bool IsOdd(std::wstring_view part) {
     return part != L"." && part != L".." && (part.ends_with(L'.') || part.ends_with(L' '));
 }
@@ -64,7 +64,7 @@ constexpr bool IsOdd(std::wstring_view part) {
 
 constexpr eNameKind KindOfName(std::wstring_view name) {
     using NameSteps::IsSlashAt;
-    if (name.starts_with(NameSteps::extendedStart))
+    if (name.starts_with(NameSteps::kExtendedStart))
         return eNameKind::Extended;
     if (IsSlashAt(name, 0) && IsSlashAt(name, 1))
         return IsSlashAt(name, 3) && (name[2] == L'?' || name[2] == L'.') ? eNameKind::Device : eNameKind::Share;
@@ -81,19 +81,19 @@ constexpr bool IsAbsolute(eNameKind kind) {
 
 namespace NameSteps {
 
-/// The components of an absolute name, the first `root` of which are its drive, share or device. "." is left out, and
-/// ".." takes the one before it away, but none of the root.
+// The components of an absolute name, the first `root` of which are its drive, share or device. "." is left out, and
+// ".." takes the one before it away, but none of the root.
 class eNameParts {
 public:
     explicit eNameParts(std::wstring_view absolute) {
         const eNameKind kind = KindOfName(absolute);
         bool isShare = kind == eNameKind::Share;
         if (kind == eNameKind::Extended || kind == eNameKind::Device) {
-            absolute.remove_prefix(extendedStart.size());
+            absolute.remove_prefix(kExtendedStart.size());
             isShare = absolute.starts_with(L"UNC") && IsSlashAt(absolute, 3);
             absolute.remove_prefix(isShare ? 3 : 0);
         }
-        start = isShare ? extendedShareStart : extendedStart;
+        start = isShare ? kExtendedShareStart : kExtendedStart;
         root = isShare ? 2 : 1;
         Append(absolute);
     }
@@ -112,11 +112,11 @@ public:
 
     bool HasRoot() const { return parts.size() >= root; }
 
-    /// A drive's root ends in a slash, whatever is wanted.
+    // A drive's root ends in a slash, whatever is wanted.
     std::wstring Extended(bool endsInSlash) const {
         std::wstring name(start);
         for (const std::wstring_view part : parts)
-            (name += part) += slashes[0];
+            (name += part) += kSlashes[0];
         if (!endsInSlash && !(parts.size() == 1 && parts.front().ends_with(L':')))
             name.pop_back();
         return name;
@@ -128,25 +128,25 @@ private:
     std::vector<std::wstring_view> parts;
 };
 
-/// Whether the plain form loses something of a name of which `literal` is the part that is taken as it stands.
+// Whether the plain form loses something of a name of which `literal` is the part that is taken as it stands.
 constexpr bool IsPlainEnough(std::wstring_view name, std::wstring_view literal, std::wstring_view current) {
     const eNameKind kind = KindOfName(name);
     if (kind == eNameKind::Extended || name.empty())
         return true;
     const std::size_t length = name.size() + (IsAbsolute(kind) ? 0 : current.size() + 1);
-    return length <= plainRoom && !AnyPart(literal, IsOdd) && (IsAbsolute(kind) || !AnyPart(current, IsOdd));
+    return length <= kPlainRoom && !AnyPart(literal, IsOdd) && (IsAbsolute(kind) || !AnyPart(current, IsOdd));
 }
 
-/// What begins where a pattern's mask does.
+// What begins where a pattern's mask does.
 constexpr std::size_t MaskStart(std::wstring_view pattern) {
-    const std::size_t slash = pattern.find_last_of(slashes);
+    const std::size_t slash = pattern.find_last_of(kSlashes);
     if (slash != pattern.npos)
         return slash + 1;
     return KindOfName(pattern) == eNameKind::OnDrive ? 2 : 0;
 }
 
-/// A mask as it is compared when nobody takes dots and blanks off its end: a last "*." there means any characters but
-/// the last dot, for which the system has a character of its own. Where "*.*" is left, it means every name.
+// A mask as it is compared when nobody takes dots and blanks off its end: a last "*." there means any characters but
+// the last dot, for which the system has a character of its own. Where "*.*" is left, it means every name.
 inline std::wstring ExtendedMask(std::wstring_view mask) {
     std::wstring extended(mask.substr(0, mask.find_last_not_of(L". ") + 1));
     if (mask.ends_with(L'.') && extended.ends_with(L'*') && extended != L"*.*")
@@ -156,8 +156,8 @@ inline std::wstring ExtendedMask(std::wstring_view mask) {
 
 } // namespace NameSteps
 
-/// The extended form of a name. "." and ".." are resolved, a slash at the end stays. What names nothing ("",
-/// "//server") and what is in extended form stay as they are.
+// The extended form of a name. "." and ".." are resolved, a slash at the end stays. What names nothing ("",
+// "//server") and what is in extended form stay as they are.
 inline std::wstring ExtendedName(std::wstring_view name, std::wstring_view current) {
     const eNameKind kind = KindOfName(name);
     const std::wstring_view absolute = IsAbsolute(kind) ? name : current;
@@ -171,13 +171,13 @@ inline std::wstring ExtendedName(std::wstring_view name, std::wstring_view curre
     return parts.HasRoot() ? parts.Extended(NameSteps::EndsInSlash(name)) : std::wstring(name);
 }
 
-/// The name as it is where the plain form says it, otherwise the extended form.
+// The name as it is where the plain form says it, otherwise the extended form.
 inline std::wstring SystemName(std::wstring_view name, std::wstring_view current) {
     return NameSteps::IsPlainEnough(name, name, current) ? std::wstring(name) : ExtendedName(name, current);
 }
 
-/// The same for the pattern of a search, whose last component may hold wild cards; the mask means the same in both
-/// forms.
+// The same for the pattern of a search, whose last component may hold wild cards; the mask means the same in both
+// forms.
 inline std::wstring SystemPattern(std::wstring_view pattern, std::wstring_view current) {
     const std::size_t cut = NameSteps::MaskStart(pattern);
     const std::wstring_view folder = pattern.substr(0, cut), mask = pattern.substr(cut);
@@ -187,7 +187,7 @@ inline std::wstring SystemPattern(std::wstring_view pattern, std::wstring_view c
         return std::wstring(pattern);
     std::wstring extended = ExtendedName(folder.empty() ? L"." : folder, current);
     if (!NameSteps::EndsInSlash(extended))
-        extended += NameSteps::slashes[0];
+        extended += NameSteps::kSlashes[0];
     return extended += NameSteps::ExtendedMask(mask);
 }
 

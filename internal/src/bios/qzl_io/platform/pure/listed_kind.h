@@ -6,19 +6,19 @@ namespace IO {
 
 // What the attributes of an entry and the tag of its reparse point, as Windows lists them, say of it.
 
-/// A link is a reparse point whose tag says that it stands for another name (a symbolic link, a junction). Any other is
-/// the file or folder that it looks like, kept in a special way: in the cloud, deduplicated, compressed, in a layer.
-/// One whose tag is not told (0) is taken for a link, so that nothing leads out of a tree.
+// A link is a reparse point whose tag says that it stands for another name (a symbolic link, a junction). Any other is
+// the file or folder that it looks like, kept in a special way: in the cloud, deduplicated, compressed, in a layer.
+// One whose tag is not told (0) is taken for a link, so that nothing leads out of a tree.
 constexpr bool IsListedLink(unsigned long attributes, unsigned long tag) {
-    constexpr unsigned long reparsePoint = 0x400, nameSurrogate = 0x20000000;
-    return (attributes & reparsePoint) != 0 && (tag == 0 || (tag & nameSurrogate) != 0);
+    constexpr unsigned long kReparsePoint = 0x400, kNameSurrogate = 0x20000000;
+    return (attributes & kReparsePoint) != 0 && (tag == 0 || (tag & kNameSurrogate) != 0);
 }
 
 constexpr Platform::eEntryKind ListedKind(unsigned long attributes, unsigned long tag) {
-    constexpr unsigned long directory = 0x10;
+    constexpr unsigned long kDirectory = 0x10;
     if (IsListedLink(attributes, tag))
         return Platform::eEntryKind::Link;
-    return (attributes & directory) != 0 ? Platform::eEntryKind::Folder : Platform::eEntryKind::File;
+    return (attributes & kDirectory) != 0 ? Platform::eEntryKind::Folder : Platform::eEntryKind::File;
 }
 
 } // namespace IO

@@ -11,53 +11,53 @@ namespace IO::System {
 
 using Platform::eAnswer;
 
-/// What an error of Windows means to those who ask for a change in a folder. `forGood`: something that lasts explains
-/// why access is denied, as the read-only attribute does.
-///
-/// | error | the system says   | answer                       | as long as                                       |
-/// |-------|-------------------|------------------------------|--------------------------------------------------|
-/// | 5     | access denied     | Busy, or Refused for good    | a deletion of that name is not through           |
-/// | 32    | sharing violation | Busy                         | a virus scanner or an indexer has the file open  |
-/// | 145   | not empty         | Full                         | deletions within are not through                 |
-/// | 303   | deletion pending  | Busy                         | the same as for 5                                |
-/// | other |                   | Refused                      |                                                  |
+// What an error of Windows means to those who ask for a change in a folder. `forGood`: something that lasts explains
+// why access is denied, as the read-only attribute does.
+//
+// | error | the system says   | answer                       | as long as                                       |
+// |-------|-------------------|------------------------------|--------------------------------------------------|
+// | 5     | access denied     | Busy, or Refused for good    | a deletion of that name is not through           |
+// | 32    | sharing violation | Busy                         | a virus scanner or an indexer has the file open  |
+// | 145   | not empty         | Full                         | deletions within are not through                 |
+// | 303   | deletion pending  | Busy                         | the same as for 5                                |
+// | other |                   | Refused                      |                                                  |
 constexpr eAnswer AnswerTo(unsigned long error, bool forGood) {
-    constexpr unsigned long accessDenied = 5, sharingViolation = 32, notEmpty = 145, deletionPending = 303;
+    constexpr unsigned long kAccessDenied = 5, kSharingViolation = 32, kNotEmpty = 145, kDeletionPending = 303;
     switch (error) {
-    case accessDenied:
+    case kAccessDenied:
         return forGood ? eAnswer::Refused : eAnswer::Busy;
-    case sharingViolation:
-    case deletionPending:
+    case kSharingViolation:
+    case kDeletionPending:
         return eAnswer::Busy;
-    case notEmpty:
+    case kNotEmpty:
         return eAnswer::Full;
     default:
         return eAnswer::Refused;
     }
 }
 
-/// Asks again for what a system refuses for a moment, with pauses that grow. An entry is waited for less than a quarter
-/// of a second. What was waited for in vain is added up: after a second of that no entry is waited for any more, so
-/// that many refused entries do not hold an operation up. One for each operation.
+// Asks again for what a system refuses for a moment, with pauses that grow. An entry is waited for less than a quarter
+// of a second. What was waited for in vain is added up: after a second of that no entry is waited for any more, so
+// that many refused entries do not hold an operation up. One for each operation.
 class ePatience {
 public:
     using ePause = std::chrono::milliseconds;
     using eSleep = std::function<void(ePause)>;
 
-    static constexpr ePause pauses[] = {ePause(5), ePause(10), ePause(20), ePause(40), ePause(80)};
-    static constexpr ePause limitInVain{1000};
+    static constexpr ePause kPauses[] = {ePause(5), ePause(10), ePause(20), ePause(40), ePause(80)};
+    static constexpr ePause kLimitInVain{1000};
 
     explicit ePatience(eSleep pausing = &std::this_thread::sleep_for<ePause::rep, ePause::period>)
         : sleep(std::move(pausing)) {}
 
-    /// True when it was done, at once or in the end.
+    // True when it was done, at once or in the end.
     template <class Ask>
     bool Get(Ask ask) {
         const eAnswer answer = ask();
         return answer == eAnswer::Done || (answer == eAnswer::Busy && GetLater(ask));
     }
 
-    /// The same for the removal of a folder: that it is Full may pass, too, when all in it has been removed.
+    // The same for the removal of a folder: that it is Full may pass, too, when all in it has been removed.
     template <class Ask>
     bool GetRemoved(bool emptied, Ask ask) {
         return Get([emptied, &ask] {
@@ -69,10 +69,10 @@ public:
 private:
     template <class Ask>
     bool GetLater(Ask& ask) {
-        if (inVain >= limitInVain)
+        if (inVain >= kLimitInVain)
             return false;
         ePause waited{0};
-        for (const ePause pause : pauses) {
+        for (const ePause pause : kPauses) {
             sleep(pause);
             waited += pause;
             const eAnswer answer = ask();

@@ -8,7 +8,7 @@
 
 namespace IO {
 
-/// A search pattern's two halves: the folder with its trailing "/", empty for the current one, and the mask.
+// A search pattern's two halves: the folder with its trailing "/", empty for the current one, and the mask.
 template <class Char>
 struct eSearchPattern {
     std::basic_string_view<Char> folder;
@@ -21,19 +21,19 @@ struct eSearchPattern {
     }
 };
 
-/// A search mask, made ready once and then compared with many names, by the rules of the Windows file search.
-/// ASCII letter case is ignored. Every mask of "*.*" or "*" matches all names, an empty one none.
-///
-/// | in the mask               | stands for                                                          |
-/// |---------------------------|---------------------------------------------------------------------|
-/// | "*.*" as the whole mask   | every name                                                          |
-/// | "*"                       | any characters, none too                                            |
-/// | "*" before "."            | the same, but never the name's last dot                             |
-/// | dots, blanks at the end   | nothing, in a mask with "*" or "?": so "?." is "?"                  |
-/// | "*" before these, "." last | any characters but the last dot: so "*." is the names without dots |
-/// | "?"                       | one character that is no dot; before a dot and at the end nothing   |
-/// | "." before "*" or "?"     | a dot, or the name's end: so "a.*" matches "a"                      |
-/// | other characters          | themselves                                                          |
+// A search mask, made ready once and then compared with many names, by the rules of the Windows file search.
+// ASCII letter case is ignored. Every mask of "*.*" or "*" matches all names, an empty one none.
+//
+// | in the mask               | stands for                                                          |
+// |---------------------------|---------------------------------------------------------------------|
+// | "*.*" as the whole mask   | every name                                                          |
+// | "*"                       | any characters, none too                                            |
+// | "*" before "."            | the same, but never the name's last dot                             |
+// | dots, blanks at the end   | nothing, in a mask with "*" or "?": so "?." is "?"                  |
+// | "*" before these, "." last | any characters but the last dot: so "*." is the names without dots |
+// | "?"                       | one character that is no dot; before a dot and at the end nothing   |
+// | "." before "*" or "?"     | a dot, or the name's end: so "a.*" matches "a"                      |
+// | other characters          | themselves                                                          |
 class eSearchMask {
 public:
     explicit eSearchMask(std::wstring_view mask) {
@@ -70,10 +70,10 @@ private:
         wchar_t letter;
     };
 
-    /// Which items of the mask may come next.
+    // Which items of the mask may come next.
     using ePlaces = std::vector<bool>;
 
-    /// A mask without wild cards is a name, and names may end in anything.
+    // A mask without wild cards is a name, and names may end in anything.
     static constexpr std::wstring_view WithoutEnd(std::wstring_view mask) {
         const bool wild = mask.find_first_of(L"*?") != mask.npos;
         return wild ? mask.substr(0, mask.find_last_not_of(L". ") + 1) : mask;

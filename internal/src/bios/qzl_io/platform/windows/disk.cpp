@@ -14,7 +14,7 @@ namespace IO::Platform {
 
 namespace {
 
-/// "C" for "C:\\Windows"; empty when the system does not tell.
+// "C" for "C:\\Windows"; empty when the system does not tell.
 std::string SystemDrive() {
     std::array<char, 260> folder{};
     if (::GetWindowsDirectoryA(folder.data(), folder.size()) == 0)
@@ -23,7 +23,7 @@ std::string SystemDrive() {
     return text.substr(0, text.find(':'));
 }
 
-/// 0, or why the system refused.
+// 0, or why the system refused.
 DWORD QueryDevice(HANDLE device, void* answer, DWORD size) {
     STORAGE_PROPERTY_QUERY query{};
     query.PropertyId = StorageDeviceProperty;
@@ -37,7 +37,7 @@ DWORD QueryDevice(HANDLE device, void* answer, DWORD size) {
 } // namespace
 
 unsigned int AskDiskSerial(std::string* serial) {
-    constexpr DWORD mostBytes = 1 << 20;
+    constexpr DWORD kMostBytes = 1 << 20;
     const std::string name = "\\\\.\\" + SystemDrive() + ":";
     const eOpenHandle device(
         ::CreateFileA(name.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
@@ -46,7 +46,7 @@ unsigned int AskDiskSerial(std::string* serial) {
     STORAGE_DESCRIPTOR_HEADER header{};
     if (const DWORD failure = QueryDevice(device.Get(), &header, sizeof(header)))
         return failure;
-    if (header.Size > mostBytes)
+    if (header.Size > kMostBytes)
         return ERROR_INVALID_DATA;
     std::vector<unsigned char> descriptor(header.Size);
     if (const DWORD failure = QueryDevice(device.Get(), descriptor.data(), header.Size))

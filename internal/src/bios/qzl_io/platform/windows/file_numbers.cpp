@@ -27,7 +27,7 @@ eFileId SmallId(HANDLE file) noexcept {
     return id;
 }
 
-/// Empty when the system does not tell it in this form.
+// Empty when the system does not tell it in this form.
 std::wstring FinalName(HANDLE folder, DWORD form) {
     std::wstring name(MAX_PATH, L'\0');
     for (;;) {

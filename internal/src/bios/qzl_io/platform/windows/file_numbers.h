@@ -6,10 +6,10 @@
 
 namespace IO::Platform {
 
-/// By the volume's and the file's numbers alone; of 128 bits where the file system has such.
+// By the volume's and the file's numbers alone; of 128 bits where the file system has such.
 eFileId NumberedId(HANDLE file) noexcept;
 
-/// With its final name where the folder has no number.
+// With its final name where the folder has no number.
 eFileId FolderId(HANDLE folder);
 
 } // namespace IO::Platform

@@ -16,38 +16,38 @@ namespace IO::Platform {
 
 namespace {
 
-constexpr DWORD linkFlag = 0x800; // COPY_FILE_COPY_SYMLINK
-constexpr DWORD folderFlags = FILE_FLAG_BACKUP_SEMANTICS;
-constexpr DWORD noLinks = FILE_FLAG_OPEN_REPARSE_POINT;
+constexpr DWORD kLinkFlag = 0x800; // COPY_FILE_COPY_SYMLINK
+constexpr DWORD kFolderFlags = FILE_FLAG_BACKUP_SEMANTICS;
+constexpr DWORD kNoLinks = FILE_FLAG_OPEN_REPARSE_POINT;
 
-/// Without FILE_SHARE_DELETE: while the handle is open nobody can remove, rename or exchange the folder. Reading the
-/// list is what makes the system compare the sharing.
+// Without FILE_SHARE_DELETE: while the handle is open nobody can remove, rename or exchange the folder. Reading the
+// list is what makes the system compare the sharing.
 eOpenHandle Pin(const std::wstring& name, DWORD flags) {
     return eOpenHandle(::CreateFileW(name.c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                     OPEN_EXISTING, folderFlags | flags, nullptr));
+                                     OPEN_EXISTING, kFolderFlags | flags, nullptr));
 }
 
-/// Of what was opened as itself.
+// Of what was opened as itself.
 bool IsRealFolder(const eOpenHandle& opened) {
     FILE_ATTRIBUTE_TAG_INFO told{};
     if (::GetFileInformationByHandleEx(opened.Get(), FileAttributeTagInfo, &told, sizeof(told)))
         return ListedKind(told.FileAttributes, told.ReparseTag) == eEntryKind::Folder;
     // A file system that has no tags has no links either.
     BY_HANDLE_FILE_INFORMATION plain{};
-    constexpr DWORD looked = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    constexpr DWORD kLooked = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
     return ::GetFileInformationByHandle(opened.Get(), &plain) &&
-           (plain.dwFileAttributes & looked) == FILE_ATTRIBUTE_DIRECTORY;
+           (plain.dwFileAttributes & kLooked) == FILE_ATTRIBUTE_DIRECTORY;
 }
 
-constexpr DWORD anyAttribute = ~DWORD{0};
+constexpr DWORD kAnyAttribute = ~DWORD{0};
 
-/// False for what cannot be seen, as it is while its deletion is not through.
+// False for what cannot be seen, as it is while its deletion is not through.
 bool Has(const std::wstring& name, DWORD attributes) {
     const DWORD seen = ::GetFileAttributesW(name.c_str());
     return seen != INVALID_FILE_ATTRIBUTES && (seen & attributes) != 0;
 }
 
-/// What a call's result means. Access is denied for good where the name can be seen to have one of the attributes.
+// What a call's result means. Access is denied for good where the name can be seen to have one of the attributes.
 eAnswer Told(BOOL done, const std::wstring& name, DWORD denying) {
     if (done)
         return eAnswer::Done;
@@ -55,12 +55,12 @@ eAnswer Told(BOOL done, const std::wstring& name, DWORD denying) {
     return System::AnswerTo(error, error == ERROR_ACCESS_DENIED && Has(name, denying));
 }
 
-/// "." and "..", and what would lead out of the folder that lists it, whoever keeps that.
+// "." and "..", and what would lead out of the folder that lists it, whoever keeps that.
 bool LeadsAway(std::wstring_view name) {
     return name == L"." || name == L".." || name.find_first_of(L"\\/") != name.npos;
 }
 
-/// A root has its slash already.
+// A root has its slash already.
 std::wstring WithSlash(std::wstring name) {
     if (!name.ends_with(L'\\'))
         name += L'\\';
@@ -73,16 +73,16 @@ bool IsLink(const std::wstring& name) {
     return found.IsOpen() && IsListedLink(data.dwFileAttributes, data.dwReserved0);
 }
 
-/// Holds the folder and so do all above it that were entered on the way: what their names say stays true meanwhile.
+// Holds the folder and so do all above it that were entered on the way: what their names say stays true meanwhile.
 class eWindowsFolder final : public eFolder {
 public:
-    /// The path is in extended form and ends in a back slash.
+    // The path is in extended form and ends in a back slash.
     eWindowsFolder(std::wstring fullPath, eOpenHandle opened) : path(std::move(fullPath)), pin(std::move(opened)) {}
 
     static eAnswer Open(const std::wstring& name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
-        eOpenHandle pin = Pin(name, link == eNamedLink::Refuse ? noLinks : 0);
+        eOpenHandle pin = Pin(name, link == eNamedLink::Refuse ? kNoLinks : 0);
         if (!pin.IsOpen())
-            return Told(FALSE, name, anyAttribute);
+            return Told(FALSE, name, kAnyAttribute);
         if (!IsRealFolder(pin))
             return eAnswer::Refused;
         *opened = std::make_unique<eWindowsFolder>(WithSlash(name), std::move(pin));
@@ -114,10 +114,10 @@ public:
         const std::wstring name = Named(entry);
         return Told(::RemoveDirectoryW(name.c_str()), name, FILE_ATTRIBUTE_READONLY);
     }
-    /// Permissions come from the folder above.
+    // Permissions come from the folder above.
     eAnswer Make(const eEntry& entry, eFolder&, std::unique_ptr<eFolder>* opened) override {
         const std::wstring name = Named(entry);
-        const eAnswer made = Told(::CreateDirectoryW(name.c_str(), nullptr), name, anyAttribute);
+        const eAnswer made = Told(::CreateDirectoryW(name.c_str(), nullptr), name, kAnyAttribute);
         return made == eAnswer::Done ? Enter(entry, opened) : made;
     }
     void EndLike(eFolder&) override {}
@@ -127,15 +127,16 @@ public:
         const std::wstring to = Other(target).Named(entry);
         if (link == eNamedLink::Follow && Has(from, FILE_ATTRIBUTE_DIRECTORY))
             return eAnswer::Refused;
-        return Told(::CopyFileW(from.c_str(), to.c_str(), FALSE), to, anyAttribute);
+        return Told(::CopyFileW(from.c_str(), to.c_str(), FALSE), to, kAnyAttribute);
     }
 
     eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
         const std::wstring from = Named(entry);
         const std::wstring to = Other(target).Named(entry);
         if (!Has(from, FILE_ATTRIBUTE_DIRECTORY))
-            return Told(::CopyFileExW(from.c_str(), to.c_str(), nullptr, nullptr, nullptr, linkFlag), to, anyAttribute);
-        const eAnswer made = Told(::CreateDirectoryExW(from.c_str(), to.c_str(), nullptr), to, anyAttribute);
+            return Told(::CopyFileExW(from.c_str(), to.c_str(), nullptr, nullptr, nullptr, kLinkFlag), to,
+                        kAnyAttribute);
+        const eAnswer made = Told(::CreateDirectoryExW(from.c_str(), to.c_str(), nullptr), to, kAnyAttribute);
         if (made != eAnswer::Done || IsLink(to))
             return made;
         // A system that cannot recreate the link has made a plain folder of it.
@@ -149,7 +150,7 @@ public:
         return id;
     }
 
-    /// Letting go would allow the exchange; handles are not short.
+    // Letting go would allow the exchange; handles are not short.
     void Rest() override {}
     void Wake(eFolder&) override {}
 
@@ -190,7 +191,7 @@ template <class Char>
 eAnswer MakeFolder(const Char* name, eFolder*) {
     const std::wstring folder = eNativeName(name).c_str();
     const BOOL done = ::CreateDirectoryW(folder.c_str(), nullptr) || ::GetLastError() == ERROR_ALREADY_EXISTS;
-    return Told(done, folder, anyAttribute);
+    return Told(done, folder, kAnyAttribute);
 }
 
 template <class Char>

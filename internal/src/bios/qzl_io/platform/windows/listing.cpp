@@ -24,7 +24,7 @@ namespace Platform {
 
 namespace {
 
-/// False for an entry without a name of this width.
+// False for an entry without a name of this width.
 template <class Char>
 bool Fill(const WIN32_FIND_DATAW& data, eSearchRecord<Char>* record) {
     if (!ListedName(data, &record->name))
@@ -60,7 +60,7 @@ bool NextEntry(eSearchHandle& handle, eSearchRecord<Char>* record) {
     return false;
 }
 
-/// The listing tells everything at once: nothing is ever pending.
+// The listing tells everything at once: nothing is ever pending.
 template <class Char>
 void CompleteKind(eSearchHandle&, eSearchRecord<Char>*) {}
 

@@ -43,11 +43,11 @@ LSTATUS QueryValue(HKEY key, const wchar_t* name, void* buffer, DWORD* bytes) {
 
 } // namespace Calls
 
-constexpr DWORD computerNameRoom = 16;
-constexpr DWORD userNameRoom = 257;
-constexpr DWORD moduleNameRoom = 520;
+constexpr DWORD kComputerNameRoom = 16;
+constexpr DWORD kUserNameRoom = 257;
+constexpr DWORD kModuleNameRoom = 520;
 
-/// The longest name that fits is one character shorter than the room.
+// The longest name that fits is one character shorter than the room.
 template <class Char, DWORD Room>
 std::basic_string<Char> AskName(BOOL (*ask)(Char*, DWORD*)) {
     std::array<Char, Room> name{};
@@ -68,11 +68,11 @@ const wchar_t* ProductValue(wchar_t) {
     return L"Productid";
 }
 
-/// Empty when the system does not tell it.
+// Empty when the system does not tell it.
 std::wstring ShortName(const std::wstring& name) {
-    std::array<wchar_t, moduleNameRoom> shortName{};
-    const DWORD length = ::GetShortPathNameW(name.c_str(), shortName.data(), moduleNameRoom);
-    return length < moduleNameRoom ? std::wstring(shortName.data(), length) : std::wstring();
+    std::array<wchar_t, kModuleNameRoom> shortName{};
+    const DWORD length = ::GetShortPathNameW(name.c_str(), shortName.data(), kModuleNameRoom);
+    return length < kModuleNameRoom ? std::wstring(shortName.data(), length) : std::wstring();
 }
 
 eQueryEnd EndOf(LSTATUS status) {
@@ -90,7 +90,7 @@ bool IsServer() {
     return !::VerifyVersionInfoW(&wanted, VER_PRODUCT_TYPE, equal);
 }
 
-/// Untouched when the system has no such call.
+// Untouched when the system has no such call.
 OSVERSIONINFOEXW RunningVersion() {
     using eGetVersion = LONG(WINAPI*)(OSVERSIONINFOEXW*);
     OSVERSIONINFOEXW version{};
@@ -106,22 +106,22 @@ OSVERSIONINFOEXW RunningVersion() {
 
 template <class Char>
 std::basic_string<Char> ComputerName() {
-    return AskName<Char, computerNameRoom>(&Calls::ComputerName);
+    return AskName<Char, kComputerNameRoom>(&Calls::ComputerName);
 }
 
 template <class Char>
 std::basic_string<Char> AccountName() {
-    return AskName<Char, userNameRoom>(&Calls::UserName);
+    return AskName<Char, kUserNameRoom>(&Calls::UserName);
 }
 
 template <>
 std::wstring ExecutableName() {
-    std::array<wchar_t, moduleNameRoom> name{};
-    const DWORD length = ::GetModuleFileNameW(nullptr, name.data(), moduleNameRoom);
+    std::array<wchar_t, kModuleNameRoom> name{};
+    const DWORD length = ::GetModuleFileNameW(nullptr, name.data(), kModuleNameRoom);
     return {name.data(), length};
 }
 
-/// By its short name where the code page lacks a character of the long one.
+// By its short name where the code page lacks a character of the long one.
 template <>
 std::string ExecutableName() {
     const std::wstring name = ExecutableName<wchar_t>();

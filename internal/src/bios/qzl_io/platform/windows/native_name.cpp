@@ -11,8 +11,8 @@ namespace {
 
 using System::eNameKind;
 
-constexpr std::size_t longestName = 32767;
-constexpr std::size_t longestNarrowName = 4 * longestName;
+constexpr std::size_t kLongestName = 32767;
+constexpr std::size_t kLongestNarrowName = 4 * kLongestName;
 
 UINT CodePage() {
     return ::AreFileApisANSI() ? CP_ACP : CP_OEMCP;
@@ -23,7 +23,7 @@ bool IsAscii(std::basic_string_view<Char> text) {
     return std::all_of(text.begin(), text.end(), [](Char letter) { return letter >= 0 && letter < 0x80; });
 }
 
-/// Empty where a part is ill-formed.
+// Empty where a part is ill-formed.
 std::wstring Widened(std::string_view text) {
     const int size = static_cast<int>(text.size());
     const auto convert = [&](wchar_t* room, int count) {
@@ -34,7 +34,7 @@ std::wstring Widened(std::string_view text) {
     return wide;
 }
 
-/// What the page lacks is replaced, or the result empty.
+// What the page lacks is replaced, or the result empty.
 std::string Narrowed(std::wstring_view text) {
     const int size = static_cast<int>(text.size());
     DWORD flags = WC_NO_BEST_FIT_CHARS;
@@ -72,7 +72,7 @@ wchar_t UpperLetter(wchar_t letter) {
     return letter >= L'a' && letter <= L'z' ? static_cast<wchar_t>(letter - L'a' + L'A') : letter;
 }
 
-/// The run-time libraries keep the folders of the other drives in the environment.
+// The run-time libraries keep the folders of the other drives in the environment.
 std::wstring CurrentFolderOf(wchar_t drive) {
     std::wstring folder = CurrentFolder();
     if (folder.size() > 1 && folder[1] == L':' && UpperLetter(folder[0]) == UpperLetter(drive))
@@ -82,7 +82,7 @@ std::wstring CurrentFolderOf(wchar_t drive) {
     return folder.empty() ? std::wstring{drive, L':', L'\\'} : folder;
 }
 
-/// Nothing for an absolute name.
+// Nothing for an absolute name.
 std::wstring FolderBelow(std::wstring_view name) {
     const eNameKind kind = System::KindOfName(name);
     if (name.empty() || System::IsAbsolute(kind))
@@ -99,7 +99,7 @@ std::wstring SystemPattern(std::wstring_view pattern) {
 }
 
 bool IsRoot(std::wstring_view extended) {
-    const std::size_t start = System::NameSteps::extendedStart.size();
+    const std::size_t start = System::NameSteps::kExtendedStart.size();
     return extended.find(L'\\', start) == extended.size() - 1;
 }
 
@@ -108,11 +108,11 @@ bool IsRoot(std::wstring_view extended) {
 std::wstring WideName(std::string_view name) {
     if (IsAscii(name))
         return {name.begin(), name.end()};
-    return name.size() > longestNarrowName ? std::wstring() : Widened(name);
+    return name.size() > kLongestNarrowName ? std::wstring() : Widened(name);
 }
 
 bool NarrowName(std::wstring_view name, std::string* narrow) {
-    if (name.size() > longestName)
+    if (name.size() > kLongestName)
         return false;
     const bool ascii = IsAscii(name);
     std::string converted = ascii ? std::string(name.begin(), name.end()) : Narrowed(name);
