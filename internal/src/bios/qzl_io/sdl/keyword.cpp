@@ -5,7 +5,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "sdl/keyword.h"
+#include "sdl/keyword_index.h"
 
 namespace xSDL {
 
