@@ -49,15 +49,17 @@ void Add(eSuite& suite) {
     const auto pass = [table, &words] { return FindAll(table, words); };
     suite.Add(LookUpWork(entries), kLookUps, {"eSDLKeyword::Find", eKind::Ours, 0, 0, {}, pass, {}}, "look-up");
     suite.Add("keyword look-up, cost as the table grows", kLookUps,
-              {"eSDLKeyword::Find, table of " + std::to_string(entries),
+              {"eSDLKeyword::Find",
                eKind::Ours,
                entries == kTableSizes.front() ? 0 : kGrowthAllowed,
                0,
                {},
                pass,
                [table, &words] { return CountFound(table, words); },
-               false},
-              "look-up");
+               false,
+               0,
+               entries},
+              "look-up", "entries");
 }
 
 const eContender contender(0, [](eSuite& suite) {

@@ -4,11 +4,25 @@
 
 #include <cstddef>
 #include <cstring>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "../typed_values/values.h"
 
 namespace bench {
+
+// Bytes of a fixed size to write into.
+class eHandRoom {
+public:
+    explicit eHandRoom(size_t size) : bytes(size) {}
+    unsigned char* Begin() { return bytes.data(); }
+    unsigned char* End() { return bytes.data() + bytes.size(); }
+    [[gnu::noinline]] unsigned char* Grow(unsigned char*, size_t) { throw std::length_error("no room left"); }
+
+private:
+    std::vector<unsigned char> bytes;
+};
 
 // Typed values copied into bytes that make room through `Sink::Grow(size)`: one comparison for each value.
 template <class Sink>

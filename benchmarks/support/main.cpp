@@ -13,6 +13,7 @@
 #include "progress.h"
 #include "suite.h"
 #include "tables.h"
+#include "verdicts.h"
 #include "work_folder.h"
 
 namespace bench {
@@ -38,10 +39,6 @@ struct eArguments {
     unsigned passes = 1; // of the one row
     std::vector<std::string> sizes;
 };
-
-std::string RowName(const eWork& work, const eRow& row) {
-    return work.name + "/" + row.contender;
-}
 
 bool TakeOwn(std::string_view argument, eArguments& taken) {
     const auto value = argument.substr(std::min(argument.find('=') + 1, argument.size()));
@@ -245,7 +242,7 @@ int RunAll(eSuite& suite, const eArguments& arguments, int count, char** given) 
     benchmark::RunSpecifiedBenchmarks(&collector);
     benchmark::Shutdown();
 
-    std::cout << Tables(suite.Works(), measured);
+    std::cout << Tables(Judge(suite.Works(), measured));
     bool isEqual = true;
     for (const auto& [row, each] : measured)
         isEqual = isEqual && each.failure.empty();

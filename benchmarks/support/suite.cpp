@@ -1,6 +1,7 @@
 #include "suite.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace bench {
@@ -13,7 +14,21 @@ std::vector<std::pair<int, eContender::eAdd>>& Contenders() {
 
 } // namespace
 
-void eSuite::Add(const std::string& work, double values, eRow row, const std::string& unit) {
+double ValuesOfPass(const eWork& work, const eRow& row) {
+    return row.values > 0 ? row.values : work.values;
+}
+
+std::string ContenderName(const eWork& work, const eRow& row) {
+    if (work.axis.empty())
+        return row.contender;
+    return row.contender + ", " + std::to_string(std::llround(row.size)) + " " + work.axis;
+}
+
+std::string RowName(const eWork& work, const eRow& row) {
+    return work.name + "/" + ContenderName(work, row);
+}
+
+void eSuite::Add(const std::string& work, double values, eRow row, const std::string& unit, const std::string& axis) {
     const auto found = std::ranges::find(works, work, [](const auto& each) { return each->name; });
     if (found != works.end()) {
         (*found)->rows.push_back(std::move(row));
@@ -23,6 +38,7 @@ void eSuite::Add(const std::string& work, double values, eRow row, const std::st
     made->name = work;
     made->values = values;
     made->unit = unit;
+    made->axis = axis;
     made->rows.push_back(std::move(row));
     works.push_back(std::move(made));
 }

@@ -27,7 +27,8 @@ struct eRow {
     std::string contender;
     eKind kind = eKind::Ours;
     // The ratio "ours over this row" to stay at or below; 0 states none. On a row of ours it is the ratio
-    // "this row over our first one of the work".
+    // "this row over our first one of the work". Ours is our first row of the work, with an axis that of the same
+    // size.
     double target = 0;
     size_t bytes = 0; // bytes that one pass takes in or puts out
     // Brings back the state that a pass starts from, untimed. May be empty.
@@ -36,8 +37,9 @@ struct eRow {
     std::function<std::uint64_t()> pass;
     // Told once after the first pass, untimed: the checksum of what the pass produced. May be empty.
     std::function<std::uint64_t()> check;
-    bool counted = true; // a row of ours whose instructions are counted
-    double values = 0;   // values that one pass handles, where they are not the work's
+    bool counted = true;  // a row of ours whose instructions are counted
+    double values = 0;    // values that one pass handles, where they are not the work's
+    double size = 0;      // the row's place on the work's axis, where it has one
     int repetitions = 0; // where they are not the run's
     // The most memory that a pass may need above what was held before, in bytes; empty where nothing is said.
     // Asked after the run. What the row named `peakBase` needed is added to it.
@@ -50,8 +52,17 @@ struct eWork {
     std::string name;
     double values = 0; // values that one pass handles; the report's "ns per value" divides by it
     std::string unit = "value";
+    std::string axis; // what the sizes of its rows count, such as "MB"; empty where all have one size
     std::vector<eRow> rows;
 };
+
+double ValuesOfPass(const eWork& work, const eRow& row);
+
+// The contender, and its size where the work has an axis: "eSDLReader, 10 MB".
+std::string ContenderName(const eWork& work, const eRow& row);
+
+// "work/contender"
+std::string RowName(const eWork& work, const eRow& row);
 
 // The works of one program in the order of their first mention.
 class eSuite {
@@ -65,7 +76,8 @@ public:
     bool Wants(const std::string& work) const { return only.empty() || only.starts_with(work + "/"); }
 
     // Adds a row to the work of that name, which is made when it is new.
-    void Add(const std::string& work, double values, eRow row, const std::string& unit = "value");
+    void Add(const std::string& work, double values, eRow row, const std::string& unit = "value",
+             const std::string& axis = {});
 
     std::vector<std::unique_ptr<eWork>>& Works() { return works; }
 

@@ -24,100 +24,99 @@ std::string Today() {
     return text + " UTC";
 }
 
-std::string Bytes(long long bytes) {
-    if (bytes < 0)
+std::string Bytes(double bytes) {
+    return bytes < 1e7 ? Fixed(bytes / 1e3, 0) + " KB" : Fixed(bytes / 1e6, 1) + " MB";
+}
+
+const char* Name(eVerdict verdict) {
+    return verdict == eVerdict::Met ? "met" : verdict == eVerdict::Missed ? "NOT MET" : "";
+}
+
+std::string NanosecondsCell(const eJudgedRow& judged) {
+    return judged.perValue > 0 ? Fixed(judged.perValue * 1e9, 2) : judged.measured->failure;
+}
+
+std::string RateCell(const eJudgedRow& judged, const eWork& work) {
+    if (judged.row->bytes == 0 || judged.perValue <= 0)
         return "";
-    return bytes < 10'000'000 ? Fixed(static_cast<double>(bytes) / 1e3, 0) + " KB"
-                              : Fixed(static_cast<double>(bytes) / 1e6, 1) + " MB";
+    return Fixed(static_cast<double>(judged.row->bytes) / ValuesOfPass(work, *judged.row) / judged.perValue / 1e6, 0);
 }
 
-struct eTally {
-    int met = 0;
-    int missed = 0;
-};
-
-const char* Verdict(bool isMet, eTally& tally) {
-    ++(isMet ? tally.met : tally.missed);
-    return isMet ? "met" : "NOT MET";
+std::string PeakCell(const eJudgedRow& judged) {
+    if (judged.measured->peak < 0)
+        return "";
+    const std::string told = Bytes(static_cast<double>(judged.measured->peak));
+    if (judged.peakVerdict == eVerdict::None)
+        return told;
+    return told + " of " + Bytes(judged.peakAllowed) + ": " + Name(judged.peakVerdict);
 }
 
-// One work's rows turned into lines.
-class eTable {
-public:
-    eTable(const eWork& tabled, const eMeasurements& all, eTally& counts) : work(tabled), measured(all), tally(counts) {
-        for (const eRow& row : work.rows)
-            if (ours == 0 && row.kind == eKind::Ours && !measured.at(&row).seconds.empty())
-                ours = PerValue(row);
-    }
+std::string RatioCells(const eJudgedRow& judged) {
+    if (judged.ratio == 0)
+        return " | | ";
+    const std::string target = judged.row->target > 0 ? Fixed(judged.row->target, 2) : "";
+    return Fixed(judged.ratio, 3) + " | " + target + " | " + Name(judged.verdict);
+}
 
-    std::string Text() {
-        std::string rows;
-        for (const eRow& row : work.rows)
-            rows += Line(row);
-        if (rows.empty())
-            return "";
-        return "### " + work.name + " (" + Fixed(work.values, 0) + " " + work.unit + "s)\n\n| contender | ns per " +
-               work.unit + " | MB/s | peak memory | ours / theirs | target | |\n|---|--:|--:|--:|--:|--:|---|\n" +
-               rows + "\n";
-    }
+std::string Title(const eWork& work) {
+    return "### " + work.name + (work.values > 0 ? " (" + Fixed(work.values, 0) + " " + work.unit + "s)" : "") + "\n\n";
+}
 
-private:
-    double PerValue(const eRow& row) const {
-        return Median(measured.at(&row).seconds) / (row.values > 0 ? row.values : work.values);
-    }
+// A line for each contender.
+std::string PlainTable(const eJudgedWork& judged) {
+    const eWork& work = *judged.work;
+    std::string text = Title(work) + "| contender | ns per " + work.unit +
+                       " | MB/s | peak memory | ours / theirs | target | |\n|---|--:|--:|--:|--:|--:|---|\n";
+    for (const eJudgedRow& row : judged.rows)
+        text += "| " + ContenderName(work, *row.row) + " | " + NanosecondsCell(row) + " | " + RateCell(row, work) +
+                " | " + PeakCell(row) + " | " + RatioCells(row) + " |\n";
+    return text + "\n";
+}
 
-    std::string Line(const eRow& row) {
-        const eMeasured& figures = measured.at(&row);
-        if (!figures.failure.empty())
-            return "| " + row.contender + " | " + figures.failure + " | | | | | |\n";
-        if (figures.seconds.empty())
-            return "";
-        return "| " + row.contender + " | " + Fixed(PerValue(row) * 1e9, 2) + " | " +
-               Rate(row, Median(figures.seconds)) + " | " + PeakCell(row) + " | " + RatioCells(row) + " |\n";
-    }
+std::vector<const eJudgedRow*> OfSize(const eJudgedWork& judged, double size) {
+    std::vector<const eJudgedRow*> rows;
+    for (const eJudgedRow& row : judged.rows)
+        if (row.row->size == size)
+            rows.push_back(&row);
+    return rows;
+}
 
-    static std::string Rate(const eRow& row, double seconds) {
-        return row.bytes ? Fixed(static_cast<double>(row.bytes) / seconds / 1e6, 0) : "";
+// A line for each size, and in it nanoseconds of each contender, then the ratios to those of others.
+std::string TableOverSizes(const eJudgedWork& judged) {
+    const eWork& work = *judged.work;
+    const auto first = OfSize(judged, judged.rows.front().row->size);
+    std::string head = "| " + work.axis;
+    std::string rule = "|--:";
+    for (const eJudgedRow* row : first) {
+        head += " | " + row->row->contender;
+        rule += "|--:";
     }
-
-    // Ours over theirs; for a row of ours with a target, this over the first of ours.
-    std::string RatioCells(const eRow& row) {
-        const bool isOurs = row.kind == eKind::Ours;
-        if (ours == 0 || (isOurs && row.target == 0))
-            return " | | ";
-        const double ratio = isOurs ? PerValue(row) / ours : ours / PerValue(row);
-        if (row.target == 0)
-            return Fixed(ratio, 3) + " | | ";
-        return Fixed(ratio, 3) + " | " + Fixed(row.target, 2) + " | " + Verdict(ratio <= row.target, tally);
+    for (const eJudgedRow* row : first)
+        if (row->row->kind != eKind::Ours) {
+            head += " | ours / " + row->row->contender + " | target | ";
+            rule += "|--:|--:|---";
+        }
+    std::string text = Title(work) + "ns per " + work.unit + "\n\n" + head + " |\n" + rule + "|\n";
+    for (const eJudgedRow& judgedRow : judged.rows) {
+        if (judgedRow.row->contender != first.front()->row->contender)
+            continue;
+        const auto rows = OfSize(judged, judgedRow.row->size);
+        text += "| " + Fixed(judgedRow.row->size, 0);
+        for (const eJudgedRow* row : rows)
+            text += " | " + NanosecondsCell(*row);
+        for (const eJudgedRow* row : rows)
+            if (row->row->kind != eKind::Ours)
+                text += " | " + RatioCells(*row);
+        text += " |\n";
     }
+    return text + "\n";
+}
 
-    std::string PeakCell(const eRow& row) {
-        const long long peak = measured.at(&row).peak;
-        if (!row.peakAllowed || peak < 0)
-            return Bytes(peak);
-        double allowed = row.peakAllowed();
-        for (const eRow& base : work.rows)
-            if (base.contender == row.peakBase)
-                allowed += static_cast<double>(measured.at(&base).peak);
-        return Bytes(peak) + " of " + Bytes(static_cast<long long>(allowed)) + ": " +
-               Verdict(static_cast<double>(peak) <= allowed, tally);
-    }
-
-    const eWork& work;
-    const eMeasurements& measured;
-    eTally& tally;
-    double ours = 0; // seconds for one value in the first row of ours; 0 when there is none
-};
+bool HasSeveralOfOneSize(const eJudgedWork& judged) {
+    return !judged.work->axis.empty() && OfSize(judged, judged.rows.front().row->size).size() > 1;
+}
 
 } // namespace
-
-double Median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::ranges::nth_element(values, middle);
-    if (values.size() % 2 != 0)
-        return *middle;
-    return (*middle + *std::max_element(values.begin(), middle)) / 2;
-}
 
 std::string Heading(const std::string& family, const std::string& folder) {
     std::string text = "## " + family + "\n\n" + Today() + "; " + platform::ProcessorName() + ", " +
@@ -130,12 +129,12 @@ std::string Heading(const std::string& family, const std::string& folder) {
     return text + "\n";
 }
 
-std::string Tables(const std::vector<std::unique_ptr<eWork>>& works, const eMeasurements& measured) {
+std::string Tables(const std::vector<eJudgedWork>& works) {
     std::string text;
-    eTally tally;
-    for (const auto& work : works)
-        text += eTable(*work, measured, tally).Text();
-    return text + std::to_string(tally.met) + " of " + std::to_string(tally.met + tally.missed) + " targets met\n";
+    for (const eJudgedWork& work : works)
+        text += HasSeveralOfOneSize(work) ? TableOverSizes(work) : PlainTable(work);
+    const eTally tally = Count(works);
+    return text + std::to_string(tally.met) + " of " + std::to_string(tally.all) + " targets met\n";
 }
 
 } // namespace bench

@@ -8,18 +8,6 @@
 namespace bench {
 namespace {
 
-// Bytes of a fixed size.
-class eRoom {
-public:
-    explicit eRoom(size_t size) : bytes(size) {}
-    unsigned char* Begin() { return bytes.data(); }
-    unsigned char* End() { return bytes.data() + bytes.size(); }
-    [[gnu::noinline]] unsigned char* Grow(unsigned char*, size_t) { throw std::length_error("no room left"); }
-
-private:
-    std::vector<unsigned char> bytes;
-};
-
 // Bytes that double.
 class eGrowing {
 public:
@@ -69,7 +57,7 @@ const eContender contender(2, [](eSuite& suite) {
         const size_t sets = Sets(kilobytes);
         const size_t size = sets * kBytesOfSet;
         const double values = static_cast<double>(sets) * kValuesInSet;
-        const auto room = std::make_shared<eRoom>(size);
+        const auto room = std::make_shared<eHandRoom>(size);
         suite.Add(RoomWork(kilobytes), values,
                   {"memcpy by hand, one comparison each",
                    eKind::Limit,
