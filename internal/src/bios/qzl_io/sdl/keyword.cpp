@@ -24,7 +24,6 @@ std::size_t CountFrom(const eSDLKeyword* entry) {
 }
 
 // Of names of more than eight characters; the last eight overlap those before.
-
 std::uint64_t HashName(const char* name, std::size_t length) {
     std::uint64_t hash = length;
     for (std::size_t at = 0; at < length - 8; at += 8)
