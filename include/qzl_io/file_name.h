@@ -10,7 +10,7 @@ namespace IO {
 class eStream;
 }
 
-// A piece of a name, by the examples "c:/data/archive.tar.gz", "a.b/c" and "readme" ("-" is empty):
+// A piece of a name, shown for "c:/data/archive.tar.gz", "a.b/c" and "readme" ("-" is empty):
 enum eFileNameItem : int {
     Folder = 0,           // up to and including the last "/":              "c:/data/"        "a.b/"   -
     Title = 1,            // the last component up to its first ".":        "archive"         "c"      "readme"
@@ -19,29 +19,29 @@ enum eFileNameItem : int {
     NameExt = 4           // the last component:                            "archive.tar.gz"  "c"      "readme"
 };
 
-// The name of a file or a folder. Its text never holds a back slash: construction and assignment turn each into "/",
-// and change nothing else. A text that ends in "/" names a folder, one that begins with "/" is rooted. Values are held
-// and copied as such; a null pointer counts as the empty text.
+// The name of a file or a folder. Its text never contains a backslash: construction and assignment turn each backslash
+// into "/" and change nothing else. A text that ends in "/" names a folder; one that begins with "/" is rooted. A null
+// pointer counts as the empty text.
 //
-// The template holds the logic; eFileName and eFileNameW say what their characters are.
+// The template implements names; eFileName and eFileNameW define their characters.
 template <class T>
 class QZL_IO_API eFileNameBase {
 public:
     using eText = std::basic_string<T>;
 
-    // True for a text that can be a single component: neither empty nor "." nor "..", and every character is valid.
+    // True if the text can be a single component: it is neither empty nor "." nor "..", and every character is valid.
     virtual bool IsValidName() const;
     virtual bool IsCharValidForName(T character) const = 0;
 
 protected:
-    virtual T DelimiterWin() const = 0; // back slash
+    virtual T DelimiterWin() const = 0; // backslash
     virtual T Delimiter() const = 0;    // slash
     virtual T Dot() const = 0;
-    // As the C library's strncmp.
+    // Compares like the C library's strncmp.
     virtual int StrNCmp(const T* left, const T* right, unsigned long long count) const = 0;
 
 public:
-    // Assigns and turns back slashes into slashes.
+    // Assigns the text and turns backslashes into slashes.
     eFileNameBase& operator=(const eFileNameBase& other) { return Set(other), *this; }
     eFileNameBase& operator=(const eText& other) { return Set(other), *this; }
     eFileNameBase& operator=(const T* other) { return Set(other), *this; }
@@ -49,11 +49,10 @@ public:
     bool IsPath() const noexcept; // ends in "/"
     bool IsRoot() const noexcept; // begins with "/"
 
-    // Puts the piece into the target's text, which may be this one's; another number than those above leaves it as it
-    // was.
+    // Assigns the piece to the target, which may be this name. A number that is not an eFileNameItem changes nothing.
     void GetItemTo(eFileNameBase* target, eFileNameItem item) const { GetItem(&target->text, item); }
 
-    // Exactly, character by character.
+    // Comparisons are exact, character by character.
     bool operator==(const eFileNameBase& other) const noexcept { return text == other.text; }
     bool operator!=(const eFileNameBase& other) const noexcept { return text != other.text; }
     bool operator<(const eFileNameBase& other) const noexcept { return text < other.text; }
@@ -67,15 +66,15 @@ public:
 
 protected:
     eFileNameBase() = default;
-    eFileNameBase(const eFileNameBase&) = default; // the text as it stands
+    eFileNameBase(const eFileNameBase&) = default; // the text unchanged
     eFileNameBase(eFileNameBase&& other) noexcept : text(std::exchange(other.text, eText())) {}
     ~eFileNameBase() = default;
 
     void Set(const eFileNameBase& other);
     void Set(const eText& other);
     void Set(const T* other);
-    void Take(eFileNameBase&& other) noexcept; // leaves the other empty
-    void Validate() noexcept;                  // turns back slashes into slashes
+    void Take(eFileNameBase&& other) noexcept; // leaves the other name empty
+    void Validate() noexcept;                  // turns backslashes into slashes
     void Path();
     void Unpath() noexcept;
     void Add(const eText& other);
@@ -83,7 +82,7 @@ protected:
     void Item(eFileNameItem item);
     void GetItem(eText* out, eFileNameItem item) const;
 
-    // What stream operators read into.
+    // The text that stream operators read into.
     eText& Text() noexcept { return text; }
 
 private:
@@ -92,12 +91,12 @@ private:
     eText text;
 };
 
-// A name in bytes.
+// A name in narrow characters.
 class QZL_IO_API eFileName : public eFileNameBase<char> {
 public:
     eFileName() = default;
     eFileName(const eFileName& other) : eFileNameBase(other) { Validate(); }
-    eFileName(eFileName&& other) noexcept = default; // the text as it stands
+    eFileName(eFileName&& other) noexcept = default; // the text unchanged
     eFileName(const eText& other) { Set(other); }
     eFileName(const char* other) { Set(other); }
     ~eFileName() = default;
@@ -106,10 +105,10 @@ public:
     eFileName& operator=(const eFileName& other) { return Set(other), *this; }
     eFileName& operator=(eFileName&& other) noexcept { return Take(std::move(other)), *this; }
 
-    // Valid are the ASCII letters and digits and the characters [](){}@$%^-+._ ! and blank; no byte from 128 up.
+    // Valid are the ASCII letters and digits, the characters [](){}@$%^-+._ ! and the blank; no byte from 128 up.
     bool IsCharValidForName(char character) const override;
 
-    // Makes it a folder: appends "/" unless the text ends in one. The empty text becomes "/".
+    // Makes the name a folder: appends "/" unless the text ends in one. The empty text becomes "/".
     eFileName& Path() { return eFileNameBase::Path(), *this; }
     // Removes one "/" from the end, if there is one.
     eFileName& Unpath() noexcept { return eFileNameBase::Unpath(), *this; }
@@ -124,7 +123,7 @@ public:
         return name;
     }
 
-    // Appends the other text as it stands: no "/" is put in between.
+    // Appends the other text unchanged, without a "/" in between.
     eFileName& Add(const eFileName& other) { return eFileNameBase::Add(other.str()), *this; }
     eFileName GetAdd(const eFileName& other) const {
         eFileName sum(*this);
@@ -132,11 +131,10 @@ public:
         return sum;
     }
 
-    // Removes the base from the beginning, if the text begins with it (letter case counts).
+    // Removes the base from the beginning, if the text begins with it (case-sensitive).
     eFileName& Trim(const eFileName& base) { return eFileNameBase::Trim(base.str()), *this; }
 
-    // Replaces the text by a piece of it, as it stands; another number than those of eFileNameItem gives the empty
-    // text.
+    // Replaces the text by a piece of it, unchanged. A number that is not an eFileNameItem gives the empty text.
     eFileName& Item(eFileNameItem item) { return eFileNameBase::Item(item), *this; }
     eFileName GetItem(eFileNameItem item) const {
         eFileName piece;
@@ -159,7 +157,7 @@ class QZL_IO_API eFileNameW : public eFileNameBase<wchar_t> {
 public:
     eFileNameW() = default;
     eFileNameW(const eFileNameW& other) : eFileNameBase(other) { Validate(); }
-    eFileNameW(eFileNameW&& other) noexcept = default; // the text as it stands
+    eFileNameW(eFileNameW&& other) noexcept = default; // the text unchanged
     eFileNameW(const eText& other) { Set(other); }
     eFileNameW(const wchar_t* other) { Set(other); }
     ~eFileNameW() = default;
@@ -168,10 +166,10 @@ public:
     eFileNameW& operator=(const eFileNameW& other) { return Set(other), *this; }
     eFileNameW& operator=(eFileNameW&& other) noexcept { return Take(std::move(other)), *this; }
 
-    // Valid is every character but \ / : * ? " < > and |.
+    // Valid is every character except \ / : * ? " < > and |.
     bool IsCharValidForName(wchar_t character) const override;
 
-    // Makes it a folder: appends "/" unless the text ends in one. The empty text becomes "/".
+    // Makes the name a folder: appends "/" unless the text ends in one. The empty text becomes "/".
     eFileNameW& Path() { return eFileNameBase::Path(), *this; }
     // Removes one "/" from the end, if there is one.
     eFileNameW& Unpath() noexcept { return eFileNameBase::Unpath(), *this; }
@@ -186,7 +184,7 @@ public:
         return name;
     }
 
-    // Appends the other text as it stands: no "/" is put in between.
+    // Appends the other text unchanged, without a "/" in between.
     eFileNameW& Add(const eFileNameW& other) { return eFileNameBase::Add(other.str()), *this; }
     eFileNameW GetAdd(const eFileNameW& other) const {
         eFileNameW sum(*this);
@@ -194,11 +192,10 @@ public:
         return sum;
     }
 
-    // Removes the base from the beginning, if the text begins with it (letter case counts).
+    // Removes the base from the beginning, if the text begins with it (case-sensitive).
     eFileNameW& Trim(const eFileNameW& base) { return eFileNameBase::Trim(base.str()), *this; }
 
-    // Replaces the text by a piece of it, as it stands; another number than those of eFileNameItem gives the empty
-    // text.
+    // Replaces the text by a piece of it, unchanged. A number that is not an eFileNameItem gives the empty text.
     eFileNameW& Item(eFileNameItem item) { return eFileNameBase::Item(item), *this; }
     eFileNameW GetItem(eFileNameItem item) const {
         eFileNameW piece;
@@ -213,7 +210,7 @@ protected:
     int StrNCmp(const wchar_t* left, const wchar_t* right, unsigned long long count) const override;
 };
 
-// The text as the stream writes a const char*.
+// Writes the text as a const char*.
 QZL_IO_API IO::eStream& operator<<(IO::eStream& stream, const eFileName& name);
-// The text as the stream reads a std::string. Back slashes stay until the value is next assigned.
+// Reads the text as a std::string. Backslashes remain until the name is next copied or assigned.
 QZL_IO_API IO::eStream& operator>>(IO::eStream& stream, eFileName& name);

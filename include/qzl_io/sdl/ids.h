@@ -7,7 +7,7 @@ class eIds;
 template <class T>
 class eIdsGeneric;
 
-// What the operations of eIdsGeneric<T> on whole lists take.
+// The list type that the operations of eIdsGeneric<T> on whole lists take.
 template <class T>
 struct eIdsOf {
     using type = eIdsGeneric<T>;
@@ -17,8 +17,8 @@ struct eIdsOf<int> {
     using type = eIds;
 };
 
-// A list of ids that is also handled as a set. All operations are virtual, and those on whole lists go through those
-// on single ids, so a subclass that redefines what "present" means is heard everywhere.
+// A list of ids that can also be used as a set. All operations are virtual, and those on whole lists call those on
+// single ids, so a subclass that redefines what "present" means changes both.
 template <class T>
 class eIdsGeneric : public std::vector<T> {
 public:
@@ -31,7 +31,7 @@ public:
 
     virtual ~eIdsGeneric() = default;
 
-    // Appends `id`; false, and nothing changes, when it is present already.
+    // Appends `id`. If it is already present, returns false and changes nothing.
     virtual bool Add(T id) {
         if (Has(id)) {
             return false;
@@ -40,7 +40,7 @@ public:
         return true;
     }
 
-    // Appends all of `other` in order; false, and nothing changes, when any of it is present already.
+    // Appends all of `other` in order. If any of them is already present, returns false and changes nothing.
     virtual bool Add(const eList& other) {
         if (HasAny(other)) {
             return false;
@@ -50,7 +50,7 @@ public:
         return true;
     }
 
-    // Removes each of `other` once; what is not present is passed over.
+    // Removes each id of `other` once; ids that are not present are ignored.
     virtual void Remove(const eList& other) {
         const std::vector<T> removed(other);
         for (const T& id : removed) {
@@ -58,7 +58,7 @@ public:
         }
     }
 
-    // Removes the first `id`, the later ones move up; false when there is none.
+    // Removes the first `id`, and later ids move up; false if there is none.
     virtual bool Remove(T id) {
         const auto found = std::find(this->begin(), this->end(), id);
         if (found == this->end()) {
@@ -70,18 +70,18 @@ public:
 
     virtual bool Has(T id) { return std::find(this->begin(), this->end(), id) != this->end(); }
 
-    // Replaces the ids of `other` by these.
+    // Replaces the ids of `other` by those of this list.
     virtual void CopyTo(eList& other) const { other.std::template vector<T>::operator=(*this); }
 
-    // Replaces these ids by those of `other`.
+    // Replaces the ids of this list by those of `other`.
     virtual void Assign(const eList& other) { std::vector<T>::operator=(other); }
 
-    // True when at least one of `other` is present.
+    // True if at least one id of `other` is present.
     virtual bool HasAny(const eList& other) {
         return std::any_of(other.begin(), other.end(), [this](const T& id) { return Has(id); });
     }
 
-    // The same of a list that is const. What a subclass puts in place of the two above must not change the list.
+    // Has and HasAny for const lists. A subclass that overrides the non-const forms must not change the list in them.
     bool Has(T id) const { return const_cast<eIdsGeneric*>(this)->Has(id); }
     bool HasAny(const eList& other) const { return const_cast<eIdsGeneric*>(this)->HasAny(other); }
 };

@@ -3,24 +3,24 @@
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 
-// Converts the JSON document in the file `input` (UTF-8, a leading byte-order mark is skipped) to an SDL text in the
+// Converts the JSON document in the file `input` (UTF-8; a leading byte-order mark is skipped) to an SDL text in the
 // file `output`. Members keep the document's order, repeated names included:
 //
-// - a member becomes a block headed by its name, written bare whatever characters it holds;
+// - a member becomes a block headed by the member's name, written without quotes whatever characters it contains;
 // - an object or array that is an element of an array becomes a block without a name;
-// - elements stand one per line; true and false are 1 and 0, null is nothing;
-// - an integer from -2147483648 to 4294967295 is written as a 32-bit integer (from 2147483648 on as the negative
-//   number with the same bits); another one within 64 bits gives 0 and the warning "Json number not parsed
+// - elements are written one per line; true and false are written as 1 and 0, null as nothing;
+// - an integer from -2147483648 to 4294967295 is written as a 32-bit integer (from 2147483648 on as the negative number
+//   with the same bits); any other integer within 64 bits is written as 0, with the warning "Json number not parsed
 //   correctly.";
-// - a number with a fraction or an exponent, or an integer beyond 64 bits, is narrowed to a float; one beyond the
-//   floats gives 0 and the warning of eSDLWriter;
+// - a number with a fraction or an exponent, or an integer beyond 64 bits, is narrowed to a float; one outside the
+//   range of floats is written as 0, with the warning of eSDLWriter;
 // - names and strings end at their first NUL character.
 //
-// The context of a warning about a value names the input and the place in it, as in /items/3/name.
+// The context of a warning about a value names the input and the place of the value, as in /items/3/name.
 //
-// Returns true when the whole text stands in `output`. Otherwise makes one warning, whose message is the failure's
-// own and whose context names the file, and returns false. A previous `output` stays as it was unless the failure is
-// that the disk does not take the new one: it is opened when the whole text is ready.
+// Returns true if the whole text has been written to `output`. Otherwise makes one warning, whose message is that of
+// the failure and whose context names the file, and returns false. The output is opened when the whole text is ready,
+// so a previous `output` is unchanged unless the failure is in writing, such as a full disk.
 //
-// Conversions may run in several threads at once; they take turns while parsing.
+// Conversions may run in several threads at once; they parse one at a time.
 QZL_IO_API bool JsonToSdl(const eFileName& input, const eFileName& output);

@@ -20,33 +20,33 @@ struct block {
     int id;
 };
 
-// The name of the keyword `id`, written bare.
+// The name of the keyword `id`, written without quotes.
 struct keyword {
     int id;
 };
 
-// A word written bare and unchanged.
+// A word, written unchanged and without quotes.
 struct ident {
     const char* name;
 };
 
-// Writes SDL text: nested blocks, words, quoted strings, integers and floats, with tab indentation and CR LF line
-// ends. The whole text is collected in memory and reaches the target once, when the writer is closed, through the
-// cipher if there is one. What is written here, eSDLReader reads back.
+// Writes SDL text: nested blocks, words, quoted strings, integers and floats, with tab indentation and CR LF line ends.
+// The whole text is collected in memory and written to the target once, when the writer is closed, through the cipher
+// if there is one. eSDLReader reads back what a writer wrote.
 //
-// Texts are 8-bit and end at their first NUL; wide texts become UTF-8. A null text is empty.
+// Texts are 8-bit and end at their first NUL; wide texts are written as UTF-8. A null text is empty.
 //
-// Copies share one document: they write into the same text, each with a keyword stack of its own. The last of them
-// to be destroyed closes the document. `Close` on any of them closes it for all; the others are then not open.
+// Copies share one document: they write to the same text, each with its own keyword stack. The last of them to be
+// destroyed closes the document. `Close` on any of them closes it for all; the others are then not open.
 //
-// A closed writer takes no items: writing through one reports "SDLWriter: Not open!" and throws.
+// A closed writer takes no items: writing to it reports "SDLWriter: Not open!" and throws.
 //
-// A target that takes only a part (a disk that fills) is not reported here: a file stream's failing write sets its
-// `Bad` flag, so an application that must know opens the stream itself, hands it in, closes the writer, flushes the
-// stream and asks it.
+// A target that takes only a part of the text (a full disk) is not reported here; a file stream then sets its `Bad`
+// flag. An application that must know opens the stream itself, passes it in, closes the writer, flushes the stream and
+// checks the flag.
 class QZL_IO_API eSDLWriter {
 public:
-    // Receives the items and turns them into text.
+    // Turns the items into text. A writer passes every item to one.
     class QZL_IO_API eWriteStream {
     public:
         eWriteStream() = default;
@@ -56,30 +56,31 @@ public:
         virtual ~eWriteStream();
 
         virtual void WriteString(const char* text) = 0;
-        // A NaN or an infinity is written as 0 after the warning "Saving invalid floating number %1%. It was
-        // truncated to 0".
+        // A NaN or an infinity is written as 0 after the warning "Saving invalid floating number %1%. It was truncated
+        // to 0".
         virtual void WriteFloat(float value) = 0;
-        // Here it only clears `formatFlag`.
+        // In this class, only clears `formatFlag`.
         virtual void WriteInt(int value);
-        // The character of a token type: sdlBlockStart, sdlBlockEnd, sdlOpen or sdlClose; any other writes nothing.
+        // Writes the character of a token type: sdlBlockStart, sdlBlockEnd, sdlOpen or sdlClose. Any other type writes
+        // nothing.
         virtual void WriteControl(int code) = 0;
-        // `id` is the keyword's, or -1 where there is none.
+        // Writes a word. `id` is that of the keyword, or -1 for other words.
         virtual void WriteIdent(const char* name, int id) = 0;
-        // "#" and the text: right behind a block's opening, the block's mark. An empty text writes nothing.
+        // Writes "#" and the text: directly after a block's opening, the block's mark. An empty text writes nothing.
         virtual void WriteHashed(const char* text) = 0;
-        // Hands the text to `target`, through `cipher` if there is one, and empties it.
+        // Writes the text to `target`, through `cipher` if there is one, and empties it.
         virtual void Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> cipher) = 0;
-        // Called right behind a block's header: the block leaves no trace if nothing else is written before it
-        // closes. Here it does nothing.
+        // Called directly after a block's header: the block is removed if nothing else is written before it closes. In
+        // this class, does nothing.
         virtual void MarkEmpty();
 
-        // The next integer is written in hexadecimal; each integer clears it.
+        // True: the next integer is written in hexadecimal. Each integer clears the flag.
         bool formatFlag = false;
-        // The next item starts on a new line.
+        // True: the next item starts on a new line.
         bool newlinePending = false;
     };
 
-    // Not open.
+    // A writer that is not open.
     eSDLWriter();
     explicit eSDLWriter(std::shared_ptr<eSDLCipher> cipher);
 
@@ -88,24 +89,24 @@ public:
     explicit eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
     explicit eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
 
-    // Writes to a stream that stays the caller's and must live until the writer is closed.
+    // A writer to a stream that remains the caller's and must live until the writer is closed.
     explicit eSDLWriter(IO::eStream* stream, std::shared_ptr<eSDLCipher> cipher = nullptr);
 
     eSDLWriter(const eSDLWriter& other);
-    // Lets go of its own document first, and closes that if no copy is left.
+    // Releases its own document first, and closes that if no copy is left.
     eSDLWriter& operator=(const eSDLWriter& other);
 
-    // Closes the document if no copy is left, and may throw what that reports. While another exception is under way
-    // it reports nothing.
+    // Closes the document if no copy is left, and may throw what that reports. While another exception unwinds the
+    // stack, it reports nothing.
     virtual ~eSDLWriter() noexcept(false);
 
-    // Closes first, and so writes out, a document that is open. The cipher and the keyword tables stay.
+    // Closes an open document first, which writes it. The cipher and the keyword tables stay.
     void Open(IO::eStream* stream);
-    // False when the file cannot be opened.
+    // False if the file cannot be opened.
     bool Open(const eFileName& path);
     bool Open(const eFileNameW& path);
 
-    // True while there is a target.
+    // True while the writer has a target.
     bool Opened() const { return document->target != nullptr; }
 
     // Hands the text to the target; deletes a target that was opened here by name. May be called again.
@@ -113,9 +114,9 @@ public:
 
     eWriteStream& Stream() { return *document->text; }
 
-    // Makes `table` the current one; it must live as long as it is used.
+    // Makes `table` the current one; it must live as long as the writer uses it.
     void PushKeywords(eSDLKeyword* table);
-    // Returns to the table before.
+    // Returns to the previous table.
     void PopKeywords();
 
     // An id that the current table lacks is reported as "SDLWriter: Unknown keyword ID!", and then thrown if the
@@ -131,24 +132,24 @@ public:
     eSDLWriter& operator<<(const eStrings& texts);
     eSDLWriter& operator<<(const eStringsW& texts);
 
-    // A character is written as its number.
+    // Characters are written as their numbers.
     eSDLWriter& operator<<(char value) { return *this << int{static_cast<signed char>(value)}; }
     eSDLWriter& operator<<(unsigned char value) { return *this << int{value}; }
     eSDLWriter& operator<<(bool value) { return *this << int{value}; }
     eSDLWriter& operator<<(short value) { return *this << int{value}; }
     eSDLWriter& operator<<(unsigned short value) { return *this << int{value}; }
     inline eSDLWriter& operator<<(int value);
-    // Above 2147483647 the negative number with the same bits.
+    // Values above 2147483647 are written as the negative number with the same bits.
     eSDLWriter& operator<<(unsigned int value) { return *this << static_cast<int>(value); }
     inline eSDLWriter& operator<<(float value);
 
     eSDLWriter& operator<<(eSDLWriter& (*manipulator)(eSDLWriter&)) { return manipulator(*this); }
 
-    // Any other pointer would silently be written as a bool.
+    // Any other pointer would be written as a bool.
     eSDLWriter& operator<<(const void*) = delete;
 
 protected:
-    // Forgets the document without writing it to the target.
+    // Discards the document without writing it to the target.
     void Init();
 
 private:
@@ -161,7 +162,7 @@ private:
     };
     using eTarget = std::unique_ptr<IO::eStream, eTargetRelease>;
 
-    // What copies share. `text` is never null: a closed document has one that refuses every item.
+    // The part that copies share. `text` is never null: a closed document has one that refuses every item.
     struct eDocument {
         eDocument();
 
@@ -185,8 +186,8 @@ private:
 
 QZL_IO_API eSDLWriter& operator<<(eSDLWriter& writer, const eFileName& path);
 
-// The text behind a writer: every item passes one separator step, which places a pending line break with its
-// indentation, or a pending blank.
+// The text of a writer. Every item passes one separator step, which writes a pending line break with its indentation,
+// or a pending blank.
 class QZL_IO_API eSDLTextStream : public eSDLWriter::eWriteStream {
 public:
     eSDLTextStream();
@@ -226,12 +227,12 @@ private:
     static constexpr unsigned kDepthMask = 0xFFFF;
     static constexpr unsigned kSpacePending = 0x10000;
 
-    // For each open block the position at which it began; below zero, minus the position of an empty-block mark.
+    // For each open block, the position where it began; a negative number is minus the position of an empty-block mark.
     eIds positions;
-    // Nesting depth and kSpacePending.
+    // The nesting depth and kSpacePending.
     unsigned layout = 0;
-    // The text so far. Its memory doubles like that of an IO::eMemoryStream, but it is not cleared, and moved only
-    // where the system cannot extend it.
+    // The text so far. Its memory doubles like that of an IO::eMemoryStream, but is not cleared, and moves only where
+    // the system cannot extend it.
     std::unique_ptr<char, eFree> text;
     char* end = nullptr;     // of the text
     char* roomEnd = nullptr; // of its memory
@@ -243,7 +244,7 @@ inline eSDLWriter& endb(eSDLWriter& writer) {
     return writer;
 }
 
-// The next item starts on a new line.
+// Starts a new line before the next item.
 inline eSDLWriter& endl(eSDLWriter& writer) {
     writer.Stream().newlinePending = true;
     return writer;

@@ -2,14 +2,14 @@
 
 namespace IO {
 
-// A moment as the Windows structure FILETIME holds it: the count of 100-nanosecond steps since 1601-01-01 UTC, in two
-// halves. It is a type of its own, so that this header neither needs nor disturbs the system's, and turns into the
-// system's structure by itself wherever one is wanted:
+// A moment, laid out like the Windows structure FILETIME: the number of 100-nanosecond steps since 1601-01-01 UTC, in
+// two halves. This separate type keeps the system's header out of this one. It converts implicitly to the system's
+// structure:
 //
 //     FILETIME time = search.ModifyTime();
 //
-// Name the system's type there: with `auto` the variable is an eFileTime, whose address no function of the system
-// takes.
+// Name the system's type there: with `auto` the variable would be an eFileTime, and no function of the system takes its
+// address.
 struct eFileTime {
     unsigned int dwLowDateTime = 0;
     unsigned int dwHighDateTime = 0;

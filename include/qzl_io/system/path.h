@@ -5,20 +5,20 @@
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 
-// Whole folders. A back slash in a folder's name counts as a slash. Only Create tells of failure; the other tree
-// operations skip what the system refuses and go on.
+// Whole folders. A backslash in a folder's name counts as a slash. Only Create tells whether it failed; the other tree
+// operations skip what the system refuses and continue.
 //
-// Links (symbolic links and junctions: what eSearch::IsLink tells) never lead a tree operation out of the tree, not
-// even when somebody exchanges a folder for a link while it runs.
+// Links (symbolic links and junctions, as eSearch::IsLink tells) never lead a tree operation out of the tree, even if a
+// folder is replaced by a link while the operation runs.
 //
-// What Windows refuses because somebody has it open, or because a deletion is not through yet, is tried again for up to
-// a quarter of a second. When a second of such waiting has been in vain the operation waits no more. A read-only file
-// or folder is not waited for and stays.
+// What Windows refuses because it is open elsewhere, or because a deletion is not complete, is tried again for up to a
+// quarter of a second. Once an operation has waited a second in total without success, it waits no more. It does not
+// wait for a read-only file or folder, which stays.
 
 namespace IO::System::Path {
 
-// Creates the folder with all its missing parents. True when the name is empty or already exists, or when every part
-// of the walk was created or existed before; false at the first part that the system refuses.
+// Creates the folder with all its missing parents. True if the name is empty or exists already, or if every part of the
+// walk existed or was created; false at the first part that the system refuses.
 //
 // | folder         | parts created, in order                      |
 // |----------------|----------------------------------------------|
@@ -29,33 +29,33 @@ namespace IO::System::Path {
 // | "//server/s/x" | Windows: refused unless it exists            |
 QZL_IO_API bool Create(const eFileName& folder);
 
-// Copies a folder tree. FIRST DELETES `to` WITH EVERYTHING IN IT, whatever it held; afterwards `to` holds what `from`
-// held. Links are recreated; where the system refuses that, a link to a file becomes a copy of that file, and any
-// other link is left out. Devices and pipes are left out, too. An empty name or a bare drive ("q:") on either side
-// does nothing. On Linux what is made has the source's permissions under the umask, folders and files alike.
+// Copies a folder tree. FIRST DELETES `to` WITH EVERYTHING IN IT; afterwards `to` contains what `from` contained. Links
+// are recreated; where the system refuses that, a link to a file becomes a copy of that file, and any other link is
+// left out. Devices and pipes are left out, too. If either name is empty or a bare drive ("q:"), nothing is done. On
+// Linux new files and folders get the permissions of the source under the umask.
 //
-// Do not copy a folder onto itself, into one of its own subfolders or over a folder that contains it: the deletion
-// comes first and destroys what was to be copied.
-// - Onto itself, or over a folder that contains it: everything is gone, `to` is an empty folder.
-// - Into a subfolder of its own: that subfolder's content is gone, and it holds a copy of the rest.
+// Do not copy a folder onto itself, into one of its subfolders or over a folder that contains it: the deletion comes
+// first and destroys what was to be copied.
+// - Onto itself, or over a folder that contains it: everything is lost, and `to` is an empty folder.
+// - Into one of its subfolders: the content of that subfolder is lost; it then holds a copy of the rest.
 QZL_IO_API void Copy(const eFileName& from, const eFileName& to);
 
-// Removes the folder. Recursive: everything in it goes first; a link is removed and what it points to stays; what the
-// system refuses to remove stays, and so do the folders above it. Not recursive: the folder goes only if it is empty.
-// `folder` may itself be a link to a folder: then the link goes and nothing else. An empty name and a bare drive
-// ("q:") name nothing: nothing is done.
+// Removes the folder. With `recursive`, everything in it is removed first: a link is removed, but not what it points
+// to; what the system refuses to remove stays, and so do the folders above it. Without `recursive`, the folder is
+// removed only if it is empty. If `folder` is itself a link to a folder, only the link is removed. An empty name and a
+// bare drive ("q:") name nothing, so nothing is done.
 QZL_IO_API void Delete(const eFileName& folder, bool recursive);
 
-// Removes every folder below `folder` that holds no file anywhere below it, deepest first. `folder` itself stays,
-// links stay and count as content; a `folder` that is itself a link is left alone. The name is used as given and so
-// must end in "/": without it, the folders named by the pattern `folder` + "*.*" are meant, and with an empty name
-// those in the current folder.
+// Removes every folder below `folder` that contains no file at any depth, deepest first. `folder` itself stays; links
+// stay and count as content; if `folder` is itself a link, nothing is done. The name is used unchanged and must end in
+// "/": without the "/", the pattern `folder` + "*.*" selects the folders, and an empty name selects those in the
+// current folder.
 QZL_IO_API void PurgeEmpty(const eFileName& folder);
 
-// Cuts a path into drive, folder, name and extension, by the same rules on both systems, and returns `path`. A part
-// whose pointer is null is skipped; an empty path leaves all of them as they were. Both slashes count. The
-// concatenated parts are the path again. Room is 2 characters for the drive and 255 for each other part: when one part
-// is longer, all outputs are emptied.
+// Cuts a path into drive, folder, name and extension, by the same rules on both systems, and returns `path`. A null
+// pointer skips its part; an empty path leaves all outputs unchanged. Both kinds of slash separate folders. The parts,
+// joined, are the path again. The drive may have 2 characters and every other part 255: if one part is longer, all
+// outputs are emptied.
 //
 // | path               | drive | folder    | name    | extension |
 // |--------------------|-------|-----------|---------|-----------|
@@ -67,14 +67,14 @@ QZL_IO_API void PurgeEmpty(const eFileName& folder);
 QZL_IO_API std::string SplitPath(const std::string& path, std::string* drive, std::string* dir, std::string* name,
                                  std::string* ext);
 
-// The folder of the running program's executable, with forward slashes and a trailing "/": "C:/Prog/". Empty when the
-// system does not tell it, or when it exceeds 519 characters in all or 255 for the folder. On Windows the narrow text
-// holds short names where the code page lacks a character; it is empty where there are none.
+// The folder of the running program's executable, with forward slashes and a trailing "/": "C:/Prog/". Empty if the
+// system does not tell it, or if it exceeds 519 characters in all or 255 for the folder. On Windows the narrow text
+// contains short names where the code page lacks a character, and is empty where there are no short names.
 QZL_IO_API std::string WorkingDir();
 
 } // namespace IO::System::Path
 
-// The same over wide names.
+// The functions of Path for wide names.
 namespace IO::System::PathW {
 
 QZL_IO_API bool Create(const eFileNameW& folder);

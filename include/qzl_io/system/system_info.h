@@ -4,29 +4,29 @@
 
 #include <qzl_io/export.h>
 
-// The machine that the program runs on. Each fact is found out at its first use and kept for the life of the process,
-// for the narrow and the wide form apart. An empty result is not kept: the next call tries again. A reference to a
-// non-empty text never changes, in address or text; one to an empty text stays empty. Both are good until the process
-// ends, also in destructors of static objects. Any number of threads may call at once.
+// The machine that the program runs on. Each fact is queried at its first use and kept for the life of the process,
+// separately for the narrow and the wide form. An empty result is not kept: the next call tries again. A reference to a
+// non-empty text never changes, in address or text; one to an empty text stays empty. Both are valid until the process
+// ends, even in destructors of static objects. Any number of threads may call at once.
 
 namespace IO::System {
 
 // The computer's name in lower case, on Windows at most 15 characters. Running the "app" group of global functions
-// fills this and UserName (narrow forms) at start-up.
+// fills the narrow forms of this and of UserName at start-up.
 QZL_IO_API const std::string& MachineName();
 QZL_IO_API const std::wstring& MachineNameW();
 
-// The name of the user that the process runs as, in lower case, at most 256 characters on Windows.
+// The name of the user that the process runs as, in lower case; on Windows at most 256 characters.
 QZL_IO_API const std::string& UserName();
 QZL_IO_API const std::wstring& UserNameW();
 
-// The product identifier of the Windows installation, followed by zero bytes up to the size of the buffer that it was
-// read into: `c_str()` is the identifier, `size()` is not its length. A value that cannot be read is such a buffer of
-// zeros. Empty on Linux.
+// The product id of the Windows installation, followed by zero bytes up to the size of the buffer that it was read
+// into: `c_str()` is the id, `size()` is not its length. If the id cannot be read, the whole buffer is zeros. Empty on
+// Linux.
 QZL_IO_API const std::string& ProductId();
 QZL_IO_API const std::wstring& ProductIdW();
 
-// A name for the version of Windows, "unknown" where there is none and on Linux.
+// A name for the version of Windows; "unknown" for other versions and on Linux.
 //
 // | version | workstation        | server                   |
 // |---------|--------------------|--------------------------|
@@ -42,8 +42,9 @@ QZL_IO_API const std::wstring& ProductIdW();
 QZL_IO_API const std::string& WindowsVersion();
 QZL_IO_API const std::wstring& WindowsVersionW();
 
-// The serial number of the disk that holds the system, as the disk tells it, leading blanks included. When it cannot
-// be asked for: empty, with one warning, "eHDDInfo: obtain serialNumber failure(n)", n the system's error number.
+// The serial number of the disk that holds the system, as the disk gives it, leading blanks included. If it cannot be
+// queried, the text is empty and one warning is made, "eHDDInfo: obtain serialNumber failure(n)", where n is the
+// system's error number.
 QZL_IO_API const std::string& HDDSerialNumber();
 QZL_IO_API const std::wstring& HDDSerialNumberW();
 

@@ -8,31 +8,31 @@
 
 namespace IO::System {
 
-// The folders that an application works in, asked for by their role. All four roles are the folder of the running
-// program's executable (Path::WorkingDir): forward slashes, a trailing "/", empty when the system does not tell it.
-// Nothing is created and no file is touched.
+// The folders that an application works in, by their role. All four roles are the folder of the running program's
+// executable (Path::WorkingDir), with forward slashes and a trailing "/"; empty if the system does not tell it. Nothing
+// is created and no file is touched.
 class QZL_IO_API eWorkingPaths {
 public:
-    // The application's name has no influence on the folders.
+    // Paths for an application of that name, which does not affect them.
     eWorkingPaths(const std::string& application);
     eWorkingPaths(const eWorkingPaths&);
     eWorkingPaths& operator=(const eWorkingPaths&);
     virtual ~eWorkingPaths();
 
-    // Data shared by all users of the machine.
+    // The folder for data that all users of the machine share.
     const std::string& AppDataAllUsers() const;
-    // Data of the current user.
+    // The folder for data of the current user.
     const std::string& AppDataUser() const;
-    // The user's documents.
+    // The folder for the user's documents.
     const std::string& MyDocuments() const;
-    // The folder to work in.
+    // The folder that the application works in.
     const std::string& Working() const;
 
 private:
     eStrings folders;
 };
 
-// The same over wide text.
+// The folders as wide texts.
 class QZL_IO_API eWorkingPathsW {
 public:
     eWorkingPathsW(const std::wstring& application);

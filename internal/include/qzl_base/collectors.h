@@ -18,14 +18,15 @@ public:
     eGlobalFunctionRegistrator& operator=(const eGlobalFunctionRegistrator&) = delete;
 
 private:
-    unsigned long long id; // never given twice
+    unsigned long long id; // never used twice
 };
 
-// Runs the group's initialisation functions in the order of registration. Runs each function that was registered when
-// the call began and still is when its turn comes; an exception from one ends the call. An unknown group runs nothing.
+// Runs the group's initialisation functions in the order of registration: those that were registered when the call
+// began and still are when their turn comes. An exception from one of them ends the call. An unknown group has no
+// functions.
 QZL_BASE_API void Init(const std::string& group);
 
-// Runs the group's shut-down functions in the reverse order, under the same rules.
+// Runs the group's shut-down functions in reverse order, under the rules of Init.
 QZL_BASE_API void Exit(const std::string& group);
 
 } // namespace xCollectors::xGlobal

@@ -9,20 +9,20 @@
 
 #include <qzl_base/export.h>
 
-// A text with places for arguments:
+// A text with placeholders for arguments:
 //     std::string text = format("%1% - open error!") % name;
 //
-// "%1%" to "%9%" stand for the first to the ninth argument, as often as they occur and in any order. A place whose
-// argument is missing, an argument without a place, and every other use of "%" ("%%", "%0%", "100%") change nothing.
-// Arguments are inserted as they are: what looks like a place inside one is not replaced.
+// "%1%" to "%9%" stand for the first to the ninth argument and may occur any number of times, in any order. A
+// placeholder without an argument, an argument without a placeholder, and any other use of "%" ("%%", "%0%", "100%")
+// change nothing. Arguments are inserted unchanged: what looks like a placeholder in an argument is not replaced.
 class QZL_BASE_API format {
 public:
     explicit format(const char* pattern); // null is empty
     explicit format(std::string pattern);
 
-    // The text with the next argument; this one stays as it is. Numbers become decimal texts (floats the shortest text
-    // that keeps their value), values of plain enumerations their numbers, wide texts UTF-8, a null text nothing, a
-    // bool 1 or 0; whatever has c_str() counts as its text.
+    // The text with the next argument; this one is unchanged. Numbers are inserted as decimal texts (floats as the
+    // shortest text that keeps their value), values of plain enumerations as their numbers, wide texts as UTF-8, a bool
+    // as 1 or 0, a null text as nothing, and whatever has c_str() as that text.
     [[nodiscard]] friend format operator%(format text, const std::string& argument) {
         return std::move(text.Add(argument));
     }
@@ -70,7 +70,7 @@ public:
         return std::move(text.AddWide(argument.c_str()));
     }
 
-    // The text with the arguments given so far in their places.
+    // The text with the arguments so far in their places.
     [[nodiscard]] std::string str() const;
     operator std::string() const { return str(); }
 

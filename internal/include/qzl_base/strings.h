@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-// A text as element of a string list and as key of an ordered map. It holds its characters by value. Texts compare
-// character by character (bytes as unsigned numbers), letter case included, whatever the locale.
+// A text as an element of a string list and as a key of an ordered map. It owns its characters. Texts compare character
+// by character (bytes as unsigned numbers), case-sensitive, whatever the locale.
 template <class T>
 class eStringKeyBase {
 public:
@@ -30,9 +30,9 @@ private:
     std::basic_string<T> text;
 };
 
-// An ordered list of texts. The flag given at construction says how AddUnique and Find compare: exactly, or with the
-// case of the ASCII letters ignored, whatever the locale. Indices count from 0; references and iterators stay valid
-// until the list is next changed.
+// An ordered list of texts. The flag passed to the constructor decides how AddUnique and Find compare: exactly, or
+// ignoring the case of ASCII letters, whatever the locale. Indices start at 0; references and iterators are valid until
+// the list next changes.
 template <class T>
 class eStringsBase {
 public:
@@ -46,7 +46,7 @@ public:
     void Add(const eKey& text) { items.push_back(text); }
     void Add(eKey&& text) { items.push_back(std::move(text)); }
 
-    // Appends the text unless the list has an equal one. True when it was appended.
+    // Appends the text unless the list contains an equal one. True if it was appended.
     bool AddUnique(eKey text) {
         if (Find(text) != npos)
             return false;
@@ -54,7 +54,7 @@ public:
         return true;
     }
 
-    // Index of the first text equal to the given one, npos when there is none.
+    // The index of the first text equal to the given one; npos if there is none.
     std::size_t Find(const eKey& text) const noexcept {
         for (std::size_t index = 0; index < items.size(); ++index)
             if (Equal(items[index].str(), text.str()))
@@ -62,7 +62,7 @@ public:
         return npos;
     }
 
-    // Removes one text; those behind it move up. An index beyond the list does nothing.
+    // Removes one text, and later ones move up. An index beyond the list does nothing.
     void Delete(std::size_t index) {
         if (index < items.size())
             items.erase(items.begin() + static_cast<std::ptrdiff_t>(index));
@@ -70,7 +70,7 @@ public:
 
     // Removes all texts.
     void Clear() noexcept { items.clear(); }
-    // Makes room for so many texts in all, without changing the list.
+    // Reserves room for `count` texts in all, without changing the list.
     void Reserve(std::size_t count) { items.reserve(count); }
 
     std::size_t size() const noexcept { return items.size(); }
@@ -85,7 +85,7 @@ public:
     auto begin() noexcept { return items.begin(); }
     auto end() noexcept { return items.end(); }
 
-    // The same texts in the same order, compared exactly.
+    // Whether the lists contain equal texts in the same order, compared exactly.
     friend bool operator==(const eStringsBase& left, const eStringsBase& right) { return left.items == right.items; }
 
 private:
@@ -109,7 +109,7 @@ private:
     }
 
     std::vector<eKey> items;
-    bool exact; // letter case counts
+    bool exact; // case-sensitive
 };
 
 using eStringKey = eStringKeyBase<char>;

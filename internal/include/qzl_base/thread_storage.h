@@ -8,7 +8,7 @@
 
 #include <qzl_base/export.h>
 
-// A lock that its owner may enter again; each Enter needs its Leave on the same thread.
+// A lock that its owner may enter again. Each Enter needs its Leave on the same thread.
 class QZL_BASE_API eCriticalSection {
 public:
     eCriticalSection();
@@ -35,11 +35,11 @@ private:
     eCriticalSection& section;
 };
 
-// One pointer for each thread, null at first: a thread-local-storage index of the operating system.
+// A pointer for each thread, initially null, in a thread-local-storage index of the operating system.
 //
-// When the system has no index left, the constructor reports the error "Thread Storage Overflow : %1%" with the
-// system's error code. Where the error handler returns, the pointers are kept in a map under a lock instead, slower but
-// with the same results.
+// If the system has no index left, the constructor reports the error "Thread Storage Overflow : %1%" with the system's
+// error code. If the error handler returns, the pointers are kept in a map under a lock instead, slower but with the
+// same results.
 class QZL_BASE_API eThreadIndex {
 public:
     eThreadIndex();
@@ -55,11 +55,11 @@ private:
     unsigned long index = 0;
     bool allocated = false;
     mutable std::mutex fallbackMutex;
-    std::map<unsigned long long, void*> fallback; // by thread number, used while no index is allocated
+    std::map<unsigned long long, void*> fallback; // by thread number, used if no index is allocated
 };
 
-// One object of type T for each thread that asks for it, made by T's default constructor. The objects live until the
-// storage is destroyed, also after the end of their threads; the storage must outlive its use by any thread.
+// An object of type T for each thread that asks for it, created by T's default constructor. The objects live until the
+// storage is destroyed, even after their threads have ended; the storage must outlive its use by any thread.
 template <class T>
 class eCriticalResource {
 public:
