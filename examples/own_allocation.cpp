@@ -9,7 +9,7 @@ public:
     using eMemoryStream::eMemoryStream;
     eNewStream(const eNewStream&) = default;
     eNewStream& operator=(const eNewStream&) = default;
-    // Here the hooks are still those of this class.
+    // At this point the hooks are still those of this class.
     ~eNewStream() override { ReleaseBuffer(); }
 
 protected:
@@ -23,7 +23,7 @@ protected:
 };
 
 int main() {
-    eNewStream stream(16); // the first 16 bytes are eMemoryStream's own and go back there
+    eNewStream stream(16); // the first 16 bytes come from eMemoryStream and go back there
     for (int i = 0; i < 1000; ++i)
         stream << i;
     eNewStream copy(stream); // shares the bytes until one of the two grows

@@ -14,15 +14,15 @@ static bool Take(IO::eStream& packet, eMeasurement* measurement) {
     return packet.Position() == packet.Size();
 }
 
-// The byte behind the text, its NUL, is no data, but with it the last value does not end at the end of the buffer,
-// which would be reported.
+// The byte after the text, its NUL, is not data. But because of it the last value does not end at the end of the
+// buffer, which would be reported.
 static bool FromText(const std::string& bytes, eMeasurement* measurement) {
     const auto* const first = reinterpret_cast<const unsigned char*>(bytes.data());
     IO::eBufferStream packet(first, bytes.size() + 1, bytes.size());
     return Take(packet, measurement) && packet.Disabled(IO::StreamMode::Bad);
 }
 
-// No byte behind these may be addressed: the last value sets Bad, and without Errors that is all.
+// The byte after these must not be addressed. So the last value sets Bad; without Errors, nothing else happens.
 static bool FromBytes(const unsigned char* bytes, unsigned long long n, eMeasurement* measurement) {
     IO::eBufferStream packet(bytes, n, n);
     packet.Disable(IO::StreamMode::Errors);

@@ -6,8 +6,8 @@
 #include <qzl_base/error.h>
 #include <qzl_io/sdl.h>
 
-// Any bytes given to JsonToSdl as a document: it fails with a warning or makes a file, and whatever it makes can be
-// read to its end or to a syntax error (member names stand bare, so not every document reads back).
+// Any bytes as a JSON document for JsonToSdl: it fails with a warning or writes a file, and that file can be read to
+// its end or to a syntax error (member names have no quotes, so not every document reads back).
 
 namespace {
 

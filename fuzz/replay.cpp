@@ -6,8 +6,8 @@
 #include <iterator>
 #include <string>
 
-// Gives every file named, and every file of every folder named, to a fuzz target, so that what was found once is tried
-// again as an ordinary test and without a fuzzing engine.
+// Runs a fuzz target on every named file, and on every file of a named folder, so that earlier findings are tried again
+// in an ordinary test without a fuzzing engine.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

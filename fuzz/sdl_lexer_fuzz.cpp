@@ -6,7 +6,7 @@
 
 #include "sdl/lexer.h"
 
-// Any bytes as a text: the lexer at work cuts the same tokens from it as the plain walk of the automaton.
+// Any bytes as a text: the fast lexer cuts the same tokens from it as the plain walk of the automaton.
 
 namespace {
 
@@ -21,7 +21,7 @@ struct eCutter {
         return cut(&position, &line, &token);
     }
 
-    // A broken string keeps a text too, and an error that consumes nothing has none.
+    // A broken string has a text, too; an error that consumes nothing has none.
     std::string Text() const { return std::string(token.begin ? token.begin : "", token.length); }
 };
 

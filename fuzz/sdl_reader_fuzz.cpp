@@ -10,8 +10,8 @@
 
 #include "sdl/skip_check.h"
 
-// The first bytes are calls, the rest is the text that they read: every call ends, with a value or with a report, and
-// looking ahead reads nothing. Skipping the whole text as one block ends where cutting its tokens does.
+// The first bytes are calls, the rest is the text that they read: every call ends with a value or a report, and looking
+// ahead reads nothing. Skipping the whole text as one block ends where cutting its tokens ends.
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <qzl_base/error.h>
 #include <qzl_io/sdl.h>
 
-// The bytes are a list of calls to a writer; a reader that is told the same list finds every value again.
+// The bytes are a list of calls to a writer; a reader with the same list finds every value again.
 
 namespace {
 
@@ -28,7 +28,7 @@ void Require(bool promise, const char* what) {
     std::abort();
 }
 
-// Takes the bytes apart into calls.
+// Splits the bytes into calls.
 class eCalls {
 public:
     explicit eCalls(std::string_view bytes) : rest(bytes) {}
@@ -106,7 +106,7 @@ private:
     eSDLReader reader;
 };
 
-// Makes the calls; blocks that are left open are closed at the end.
+// Makes the calls, and closes blocks that are left open at the end.
 template <class eTarget>
 void Make(eCalls calls, eTarget& target) {
     constexpr bool reading = requires {

@@ -13,7 +13,7 @@ constexpr unsigned long long kValuesBetweenProgress = 1 << 16;
 
 } // namespace
 
-// Reads every token of a file, whatever the blocks are called.
+// Reads every token of a file, whatever the names of its blocks.
 class eOutline::eWalk : public eSDLReader {
 public:
     eWalk(const eFileName& sdl, eOutline* target, eProgress report)
@@ -54,7 +54,7 @@ private:
         }
     }
 
-    // A block's name is the word right behind its brace.
+    // A block's name is the word directly after its brace.
     void Enter() {
         const bool named = Test(sdlIdent);
         const std::string name = named ? GetIdent() : kAnonymous;

@@ -7,25 +7,25 @@
 
 #include <qzl_io/sdl.h>
 
-// What an SDL document is made of: its blocks, their keywords and depths, and how many values of which kind it has.
+// The structure of an SDL document: its blocks with their keywords and depths, and the number of its values by kind.
 class eOutline {
 public:
-    // Called now and then with the line that is being read.
+    // Called now and then with the number of the line being read.
     using eProgress = void (*)(int line);
 
-    // Reads a file through eSDLReader from its beginning to its end. Throws what the reader reports.
+    // Reads a file through eSDLReader from beginning to end. Throws what the reader reports.
     explicit eOutline(const eFileName& sdl, eProgress progress = nullptr);
 
-    // The blocks as an indented list: those of one name inside one parent as one entry with their number, and at most
-    // so many entries inside one parent.
+    // Prints the blocks as an indented list. Blocks of one name in one parent are one entry with their number; each
+    // parent shows at most `entriesOfOneParent` entries.
     void PrintBlocks(std::ostream& out, std::size_t entriesOfOneParent) const;
-    // The number of blocks, their greatest depth, and the values by kind.
+    // Prints the number of blocks, their greatest depth, and the values by kind.
     void PrintCounts(std::ostream& out) const;
 
     unsigned long long Values() const { return words + strings + integers + floats; }
 
 private:
-    // Blocks of one name inside the blocks of another.
+    // The blocks of one name inside the blocks of another.
     struct eEntry {
         std::string name;
         unsigned long long count = 0;

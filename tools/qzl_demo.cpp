@@ -21,7 +21,7 @@
 #include "show_system.h"
 #include "terminal.h"
 
-// Shows the library at work on a JSON document: to SDL, and back through the reader.
+// Shows the library at work on a JSON document: converts it to SDL and reads that back.
 
 namespace {
 
@@ -110,7 +110,7 @@ int Run(eArguments arguments) {
     return EXIT_SUCCESS;
 }
 
-// A context marks the place in a line with the byte 171, which is no UTF-8; on a terminal it becomes a "»".
+// A context marks the place in a line with the byte 171, which is not UTF-8; on a terminal it is shown as "»".
 std::string ForTerminal(const std::string& text) {
     constexpr std::string_view kIllFormed = "\xEF\xBF\xBD";
     constexpr std::string_view kMark = "\xC2\xBB";
@@ -129,7 +129,7 @@ void PrintReport(const xError::eReport& report) {
         std::cerr << "    " << line << '\n';
 }
 
-// Shows each warning where it occurs first, and counts those that say the same.
+// Shows each warning when it first occurs, and counts the repetitions of its message.
 class eWarnings {
 public:
     void Take(const xError::eReport& report) {

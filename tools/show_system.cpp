@@ -21,7 +21,7 @@ void PrintMachine(std::ostream& out) {
     PrintFact(out, "computer", IO::System::MachineName());
     PrintFact(out, "user", IO::System::UserName());
     PrintFact(out, "version", IO::System::WindowsVersion());
-    // The text ends at its first zero, the buffer that holds it does not.
+    // The id ends at its first zero, but the text that holds it does not.
     PrintFact(out, "product id", IO::System::ProductId().c_str());
     PrintFact(out, "disk serial", IO::System::HDDSerialNumber());
 }

@@ -2,5 +2,5 @@
 
 #include <ostream>
 
-// Prints what the system services tell: the machine, the working folders and the entries of the current folder.
+// Prints what the system services know: the machine, the working folders and the entries of the current folder.
 void ShowSystem(std::ostream& out);

@@ -11,7 +11,7 @@ namespace {
 
 using platform::eRawFile;
 
-// 32 KiB in front of a file that is written.
+// A buffer of 32 KiB in front of a file that is written.
 class eWrittenBlock {
 public:
     explicit eWrittenBlock(const std::string& name) : file(name.c_str(), eRawFile::Writing) {}
@@ -27,7 +27,7 @@ private:
     std::array<unsigned char, kBlockSize> block;
 };
 
-// 32 KiB in front of a file that is read.
+// A buffer of 32 KiB in front of a file that is read.
 class eReadBlock {
 public:
     explicit eReadBlock(const std::string& name) : file(name.c_str(), eRawFile::Reading) {}
@@ -57,7 +57,7 @@ std::uint64_t GetAll(const std::string& name, size_t sets) {
     return GetByHand(block, sets);
 }
 
-// Pieces gathered in 32 KiB and written when these are full.
+// Collects pieces in 32 KiB and writes these when they are full.
 size_t WritePieces(const std::string& name, size_t pieces) {
     const eRawFile file(name.c_str(), eRawFile::Writing);
     std::array<unsigned char, kBlockSize> block;
@@ -72,7 +72,7 @@ size_t WritePieces(const std::string& name, size_t pieces) {
     return pieces;
 }
 
-// 32 KiB read at once, and pieces copied out of them.
+// Reads 32 KiB at once and copies pieces out of them.
 std::uint64_t ReadPieces(const std::string& name) {
     const eRawFile file(name.c_str(), eRawFile::Reading);
     std::array<unsigned char, kBlockSize> block;
@@ -81,13 +81,13 @@ std::uint64_t ReadPieces(const std::string& name) {
     while (const size_t got = file.Read(block.data(), kBlockSize))
         for (size_t at = 0; at < got; at += kPieceSize) {
             std::memcpy(piece.data(), block.data() + at, kPieceSize);
-            benchmark::DoNotOptimize(piece); // a compiler that sees how little of it is looked at copies no more
+            benchmark::DoNotOptimize(piece); // a compiler that sees how little of the piece is used copies no more
             AddPiece(sum, piece.data());
         }
     return sum.Value();
 }
 
-// The same bytes in blocks that nobody cuts into pieces.
+// Writes the bytes of WritePieces in whole blocks.
 size_t WriteBlocks(const std::string& name, size_t pieces) {
     const eRawFile file(name.c_str(), eRawFile::Writing);
     std::array<unsigned char, kBlockSize> block;

@@ -8,7 +8,7 @@
 
 namespace bench {
 
-// The system's calls behind protobuf's adaptors, as its own file streams have them.
+// System calls under protobuf's adaptors, as protobuf's own file streams use them.
 class eRawOutput : public google::protobuf::io::CopyingOutputStream {
 public:
     explicit eRawOutput(const std::string& name) : file(name.c_str(), platform::eRawFile::Writing) {}

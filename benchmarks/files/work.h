@@ -15,7 +15,7 @@ namespace bench {
 inline constexpr size_t kPieceSize = 4096;
 inline constexpr size_t kBlockSize = 32768;
 
-// The pieces that a bulk write hands over in turn.
+// The pieces that a bulk write writes in turn.
 inline const std::array<std::vector<unsigned char>, 8>& Pieces() {
     static const auto made = [] {
         std::array<std::vector<unsigned char>, 8> pieces;
@@ -28,12 +28,12 @@ inline const std::array<std::vector<unsigned char>, 8>& Pieces() {
     return made;
 }
 
-// What is told of a piece that was read.
+// Adds to the checksum a few bytes of a piece that was read.
 inline void AddPiece(eChecksum& sum, const unsigned char* piece) {
     sum.Text({reinterpret_cast<const char*>(piece), 16});
 }
 
-// How many megabytes the bulk works move.
+// The number of megabytes that bulk works move.
 inline unsigned BulkMegabytes(const eOptions& options) {
     return options.small ? 1 : options.full ? 1000 : 128;
 }
@@ -42,7 +42,7 @@ inline size_t BulkPieces(const eOptions& options) {
     return size_t{BulkMegabytes(options)} * 1'000'000 / kPieceSize;
 }
 
-// The file that bulk reads and copies start from.
+// The file that bulk reads and copies read.
 inline std::string BulkFile(const eOptions& options) {
     static const std::string name = [&] {
         const std::string file = WorkFile("bulk.bin");
@@ -55,12 +55,12 @@ inline std::string BulkFile(const eOptions& options) {
     return name;
 }
 
-// The file that all bulk writes and copies go to.
+// The file that all bulk writes and copies write.
 inline std::string BulkTarget() {
     return WorkFile("bulk_target.bin");
 }
 
-// The checksum of what a bulk read of that file would tell, so that written and copied files can be compared.
+// The checksum that a bulk read of that file would give, to compare written and copied files.
 inline std::uint64_t SumOfFile(const std::string& file) {
     const std::string bytes = ReadWhole(file);
     eChecksum sum;

@@ -12,7 +12,7 @@ namespace {
 
 using platform::eRawFile;
 
-// The text that stands for a document, written without a library.
+// The text that a document is converted to, written without a library.
 class eHandText {
 public:
     void Value(const web::json::value& value) {

@@ -35,7 +35,7 @@ inline std::vector<eJsonWork> JsonWorks(const eOptions& options) {
     return works;
 }
 
-// The checksum of the values of a converted file.
+// The checksum of the values in a converted file.
 inline std::uint64_t SumOfConverted(const std::string& file) {
     const std::string text = ReadWhole(file);
     return ReadBare(text.c_str());

@@ -9,7 +9,7 @@ namespace {
 constexpr std::array<std::string_view, 10> kParts{"light", "pos", "size", "color", "mesh",
                                                   "path",  "key", "view", "sound", "map"};
 
-// The word that three digits stand for.
+// A word for a number of up to three digits.
 std::string Word(int index) {
     std::string word;
     for (int place = 1; place < kTableSizes.back(); place *= 10)

@@ -39,7 +39,7 @@ std::uint64_t CountFound(const eSDLKeyword* table, const std::vector<std::string
     return found;
 }
 
-// The same cost for 1000 entries as for 10; the rest is for an index that the first cache does not hold.
+// 1000 entries cost as much as 10; the allowance is for an index that does not fit into the first-level cache.
 constexpr double kGrowthAllowed = 1.2;
 
 template <int entries>

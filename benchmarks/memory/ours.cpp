@@ -16,7 +16,7 @@ namespace {
 
 constexpr double kMebibyte = 1048576;
 
-// Linear growth, but for what data beyond the processor's caches cost.
+// Growth is linear; the allowance is for data beyond the processor's caches.
 constexpr double kGrowthAllowed = 1.5;
 
 constexpr const char* kReadingWork = "reading a file value by value, 9 values a record";
@@ -26,21 +26,21 @@ constexpr const char* kConvertingWork = "converting JSON, file to file";
 constexpr unsigned kBytesOfRecord = 112;
 constexpr int kRepetitions = 3;
 
-// A tree of 1 GB of JSON would not fit into every machine's memory.
+// A tree of 1 GB of JSON would not fit into the memory of every machine.
 constexpr unsigned kLargestTree = 100;
 
 size_t Count(unsigned megabytes) {
     return size_t{megabytes} * 1'000'000 / kBytesOfRecord;
 }
 
-// The decades to measure.
+// The decades that a run measures.
 std::vector<unsigned> Decades(const eOptions& options) {
     return options.small  ? std::vector<unsigned>{}
            : options.full ? std::vector<unsigned>{1, 10, 100, 1000}
                           : std::vector<unsigned>{1, 10, 100};
 }
 
-// A document of so many records on disk, and the checksum of its values.
+// A document on disk with a given number of records, and the checksum of its values.
 struct eFileOnDisk {
     std::string name;
     size_t bytes;

@@ -5,29 +5,29 @@
 
 namespace bench::platform {
 
-// The processor's own name, "unknown processor" where the system does not tell.
+// The processor's name; "unknown processor" if the system does not tell it.
 std::string ProcessorName();
 
-// How many processors the system schedules on.
+// The number of processors that the system schedules on.
 unsigned ProcessorCount();
 
-// Bytes of memory that the process holds at this moment; 0 where the system does not tell.
+// The bytes of memory that the process holds now; 0 if the system does not tell.
 size_t Resident();
 
-// The most bytes of memory held since ResetPeak(); 0 where the system does not tell.
+// The most bytes of memory held since ResetPeak(); 0 if the system does not tell.
 size_t Peak();
 
-// Hands unused memory back and starts the peak anew from what is held now. False where the system cannot.
+// Returns unused memory to the system and starts the peak again at what is held now. False if the system cannot.
 bool ResetPeak();
 
-// From here on large blocks go back to the system as soon as they are freed, whatever was freed before; so a peak
-// shows what is needed and not what the allocator keeps.
+// From now on large blocks are returned to the system as soon as they are freed, whatever was freed before, so that a
+// peak shows what is needed and not what the allocator keeps.
 void ReturnLargeBlocks();
 
-// Runs this program once more with other arguments and returns what it printed, empty when it failed.
+// Runs this program again with other arguments and returns what it printed; empty if it failed.
 std::string RunSelf(const std::vector<std::string>& arguments);
 
-// A folder in memory where the system has one with this many bytes of room, else the one for temporary files.
+// A folder in memory if the system has one with this many bytes of room, else the folder for temporary files.
 std::string FastFolder(size_t room);
 
 // A number that no other running process has.

@@ -4,7 +4,7 @@
 
 namespace bench::platform {
 
-// A file through the system's own calls, nothing between. Failures end the program with an exception.
+// A file through plain system calls. A failure throws an exception that ends the program.
 class eRawFile {
 public:
     enum eUse { Reading, Writing };
@@ -14,7 +14,7 @@ public:
     eRawFile& operator=(const eRawFile&) = delete;
 
     size_t Size() const;
-    // Reads until `size` bytes are there or the file ends; returns how many came.
+    // Reads until it has `size` bytes or the file ends; returns the number of bytes read.
     size_t Read(void* to, size_t size) const;
     void Write(const void* from, size_t size) const;
 

@@ -8,7 +8,7 @@
 namespace bench {
 namespace {
 
-// Every token's kind and text, as the lexer alone tells them.
+// The checksum of every token's kind and text, from the lexer alone.
 std::uint64_t LexBare(const char* source) {
     using eType = eBareTokenizer::eType;
     eBareTokenizer tokens(source);

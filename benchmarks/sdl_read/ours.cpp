@@ -31,7 +31,7 @@ std::uint64_t ReadFile(const std::string& file) {
     return SumScene(eDocument::Records, reader);
 }
 
-// Every token's text, as far as the end.
+// The checksum of every token's text, up to the end.
 std::uint64_t Lex(eSDLParser& parser) {
     eChecksum sum;
     while (parser.Get())
@@ -39,7 +39,7 @@ std::uint64_t Lex(eSDLParser& parser) {
     return sum.Value();
 }
 
-// The document as one block behind which a last value stands.
+// The document as one block, followed by one last value.
 std::string InBlock(const std::string& text) {
     return text + " 42";
 }

@@ -1,4 +1,4 @@
-// Compiled with RAPIDJSON_SSE2 and a namespace of its own: long strings and blanks are passed 16 bytes at a time.
+// Compiled with RAPIDJSON_SSE2 in a namespace of its own: long strings and blanks are scanned 16 bytes at a time.
 namespace rapidjson_sse2 {}
 namespace rapidjson = rapidjson_sse2;
 

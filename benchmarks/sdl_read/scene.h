@@ -22,8 +22,8 @@ inline std::string LexWork(eDocument document, unsigned kilobytes) {
     return std::string("lexing alone: ") + Name(document) + ", " + SizeName(kilobytes);
 }
 
-// Calls `each` for the documents and sizes that the options ask for: records at every size, the others at the
-// first size, at every one in a full run.
+// Calls `each` for the documents and sizes that the options select: records at every size, the others at the first
+// size, or at every size in a full run.
 inline void ForEachDocument(const eOptions& options, const std::function<void(eDocument, unsigned)>& each) {
     for (const unsigned kilobytes : options.kilobytes)
         each(eDocument::Records, kilobytes);

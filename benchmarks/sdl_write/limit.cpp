@@ -9,7 +9,7 @@
 namespace bench {
 namespace {
 
-// Bytes that grow by doubling, with room asked for once for several items.
+// Bytes that grow by doubling; room is reserved once for several items.
 class eBytes {
 public:
     void Room(size_t size) {

@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kFilesInFolder = 200;
-// A walk is little work, and what it takes depends on the state that others leave the system's caches in.
+// A walk is little work, and its time depends on the state in which others leave the system's caches.
 constexpr int kRepetitionsOfWalk = 45;
 
 int Folders(const eOptions& options) {
@@ -23,7 +23,7 @@ std::string FolderName(int index) {
     return "folder" + std::to_string(index) + "/";
 }
 
-// The tree that walks and copies start from: two floors, a small text in each file.
+// The tree that is walked and copied: two levels, with a small text in each file.
 const std::string& Tree(const eOptions& options) {
     static const std::string name = [&] {
         const std::string made = WorkFile("tree/");

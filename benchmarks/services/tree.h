@@ -8,19 +8,19 @@
 
 namespace bench {
 
-// How one contender does the work. All folder names end in "/".
+// The functions by which one contender does the work. All folder names end in "/".
 struct eFolderWays {
     std::string name;
     eKind kind;
     double target;
-    std::uint64_t (*walk)(const std::string& folder);  // adds up every file name's first letter, plus one each
+    std::uint64_t (*walk)(const std::string& folder);  // adds up the first letter, plus one, of every file name
     std::uint64_t (*sizes)(const std::string& folder); // adds up the sizes of the files
     void (*copy)(const std::string& from, const std::string& to);
     void (*remove)(const std::string& folder);
-    void (*purge)(const std::string& folder); // removes the folders in it that hold no file anywhere
+    void (*purge)(const std::string& folder); // removes the folders in it that contain no file at any depth
 };
 
-// Adds the contender's rows to the works over the same trees.
+// Adds the contender's rows to the works, which all use one tree.
 void AddWays(eSuite& suite, const eFolderWays& ways);
 
 } // namespace bench

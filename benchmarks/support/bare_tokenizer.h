@@ -5,9 +5,8 @@
 
 namespace bench {
 
-// The least that a reader of the text format can do: a switch over the first character, each token's text copied
-// once, numbers converted with from_chars. No lines are counted, no place is kept, nothing is checked.
-// The text must end in a zero.
+// The least that a reader of the text format can do: a switch over the first character, one copy of each token's text,
+// numbers converted by from_chars. It counts no lines, keeps no place and checks nothing. The text must end in a zero.
 class eBareTokenizer {
 public:
     enum class eType { End, Error, Ident, String, BlockStart, BlockEnd, Open, Close, Float, Int, Operator };
@@ -85,7 +84,7 @@ public:
     std::string text;
     float real = 0;
     int integer = 0;
-    bool isEscaped = false; // the string holds a back slash
+    bool isEscaped = false; // the string contains a backslash
 
 private:
     static bool IsWord(char c) {

@@ -12,7 +12,7 @@
 
 namespace bench {
 
-// Bytes of a fixed size to write into.
+// A target of fixed size.
 class eHandRoom {
 public:
     explicit eHandRoom(size_t size) : bytes(size) {}
@@ -24,7 +24,7 @@ private:
     std::vector<unsigned char> bytes;
 };
 
-// Typed values copied into bytes that make room through `Sink::Grow(size)`: one comparison for each value.
+// Copies typed values to bytes whose room grows by `Sink::Grow(size)`: one comparison for each value.
 template <class Sink>
 class eHandWriter {
 public:
@@ -55,7 +55,8 @@ private:
     unsigned char* limit;
 };
 
-// The same for reading; `Source::Refill(next)` brings the unread bytes and those that follow to the front.
+// Copies typed values from bytes; `Source::Refill(next)` moves the unread bytes to the front and appends those that
+// follow.
 template <class Source>
 class eHandReader {
 public:
@@ -70,7 +71,7 @@ public:
     void Get(std::string& text) {
         unsigned char length = 0;
         Get(length);
-        // Left to know that the length is below 256, GCC 12 copies with rep movs, three times as slow.
+        // If GCC 12 knows that the length is below 256, it copies with rep movs, which is three times as slow.
         size_t size = length;
         benchmark::DoNotOptimize(size);
         Need(size);
@@ -91,7 +92,7 @@ private:
     const unsigned char* limit;
 };
 
-// The sets copied into a sink; returns where the next byte would go.
+// Copies the sets to a sink; returns the place after the last byte.
 template <class Sink>
 unsigned char* PutByHand(Sink& sink, size_t sets) {
     eHandWriter<Sink> out(sink);

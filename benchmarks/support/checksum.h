@@ -8,15 +8,15 @@
 
 namespace bench {
 
-// Folds the values that a pass read, in their order, cheaply enough for a timed loop.
-// Contenders that read the same values from their own formats reach the same Value().
+// Combines the values that a pass read, in their order, cheaply enough for a timed loop. Contenders that read equal
+// values from their own formats get equal Value()s.
 class eChecksum {
 public:
     void Integer(std::int64_t value) { Word(static_cast<std::uint64_t>(value)); }
     void Real(float value) { Word(std::bit_cast<std::uint32_t>(value)); }
     void Real(double value) { Word(std::bit_cast<std::uint64_t>(value)); }
 
-    // The length and up to 16 bytes, the first and the last eight.
+    // Adds the length and up to 16 bytes, the first and the last eight.
     void Text(std::string_view text) {
         const size_t size = text.size();
         if (size >= 8)
@@ -48,7 +48,7 @@ private:
     std::uint64_t state = 0x243F6A8885A308D3u;
 };
 
-// 1, and an exception when the sums differ. For rows over sizes, which have no checksum that all of them could share.
+// Returns 1, or throws if the sums differ. For rows over sizes, which have no checksum in common.
 inline std::uint64_t SameSum(std::uint64_t one, std::uint64_t other) {
     if (one != other)
         throw std::runtime_error("other values than those expected");

@@ -8,7 +8,7 @@
 
 namespace bench {
 
-// The sets through protobuf's coded streams, in the bytes that all contenders write.
+// Writes the sets through protobuf's coded streams, as the bytes that all contenders write.
 inline void PutCoded(google::protobuf::io::CodedOutputStream& out, size_t sets) {
     PutSets(sets, [&](const eTypedValues& set) {
         out.WriteLittleEndian32(static_cast<std::uint32_t>(set.integer));

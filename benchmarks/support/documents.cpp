@@ -9,7 +9,7 @@
 namespace bench {
 namespace {
 
-// The marks of one format around the same content.
+// The punctuation of one format around content that all formats share.
 struct eSyntax {
     std::string_view rootOpen, rootClose;
     std::string_view between; // between items
@@ -149,7 +149,7 @@ constexpr std::array<std::string_view, 16> kWords{"lamp",   "column", "river", "
                                                   "amber",  "field",  "tower", "glass"};
 constexpr std::array<const char*, 6> kTags{"metal", "wood", "glass", "stone", "water", "cloth"};
 
-// Ints of one to nine digits, either sign.
+// An int of one to nine digits with either sign.
 int AnyInt(eRandom& random) {
     static constexpr std::array<unsigned, 9> kLimits{10,        100,        1'000,       10'000,       100'000,
                                                      1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
@@ -157,13 +157,13 @@ int AnyInt(eRandom& random) {
     return random.Below(4) == 0 ? -value : value;
 }
 
-// Two-thousandths of a coordinate as scenes hold them: odd, so that every format's text shows a fraction.
+// A coordinate as in scenes, in units of 1/2000: odd, so that every format's text has a fraction.
 int Coordinate(eRandom& random) {
     const int odd = static_cast<int>(random.Below(1'000'000)) * 2 + 1;
     return random.Below(2) == 0 ? -odd : odd;
 }
 
-// Floats with all their digits, from 0.0001 to 100000.
+// A float with all its digits, from 0.0001 to 100000.
 float AnyFloat(eRandom& random) {
     static constexpr std::array<float, 5> kScales{0.0001f, 0.01f, 1.0f, 100.0f, 10000.0f};
     return (static_cast<float>(random.Below(1u << 24)) + 0.5f) / 16777216.0f * kScales[random.Below(5)];

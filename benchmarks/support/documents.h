@@ -5,30 +5,30 @@
 
 namespace bench {
 
-// The contents measured. Each is a pure function of its size: every machine reads the same bytes.
+// The contents measured. Each is a pure function of its size, so every machine reads the same bytes.
 enum class eDocument {
     Records,  // an item with a name, an int, a block of three floats, a tag, a block of three ints
     Strings,  // blocks of 16 strings of 20 to 200 characters, one in 16 with escapes
     Numbers,  // blocks of 8 ints and 8 floats
     Nested,   // chains of 32 blocks inside each other, each with an int and a short string
-    Comments, // records under three lines of comment each
+    Comments, // records, each after three lines of comment
 };
 
 enum class eFormat { Sdl, Json, JsonTight, Config, Toml };
 
-// The document of about that many thousand bytes of SDL text, or the same content in another format.
-// Made on first use and kept.
+// The document as about that many thousand bytes of SDL text, or its content in another format. Created on first use
+// and kept.
 const std::string& Text(eDocument document, unsigned kilobytes, eFormat format);
 
-// The same document with so many records, blocks, rows or chains, made anew and not kept.
+// A document with that many records, blocks, rows or chains, created for this call and not kept.
 std::string TextOf(eDocument document, std::uint64_t items, eFormat format);
 
-// How many values (not block names) the document holds.
+// The number of values (block names excluded) in the document.
 double Values(eDocument document, unsigned kilobytes);
 
 double ValuesOf(eDocument document, std::uint64_t items);
 
-// How many records, blocks of strings, rows of numbers or chains the document holds.
+// The number of records, blocks of strings, rows of numbers or chains in the document.
 std::uint64_t Items(eDocument document, unsigned kilobytes);
 
 const char* Name(eDocument document);
@@ -40,12 +40,12 @@ constexpr int kStringsInBlock = 16;
 constexpr int kNumbersOfEachKind = 8;
 constexpr int kChainDepth = 32;
 
-// The content of one record, for those who write it.
+// The content of one record, for programs that write it.
 struct eRecord {
     std::string name;
     int count;
     float position[3];
-    double decimals[3]; // the positions as their decimal texts say them, for writers that know no floats
+    double decimals[3]; // the positions as in their decimal texts, for writers without floats
     const char* tag;
     int ids[3];
 };

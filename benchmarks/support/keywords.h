@@ -6,7 +6,7 @@
 
 namespace bench {
 
-// The scene's words as a keyword table; the ids are those of eSceneWord.
+// The words of the scene as a keyword table; the ids are those of eSceneWord.
 inline eSDLKeyword* SceneKeywords() {
     static eSDLKeyword* head;
     static eSDLKeyword table[]{{head, kSceneWords[0], 1},  {head, kSceneWords[1], 2},   {head, kSceneWords[2], 3},

@@ -18,7 +18,7 @@
 
 namespace bench {
 
-// The one function inside which instructions are counted; found by its name.
+// The only function in which instructions are counted; it is found by its name.
 [[gnu::noinline]] std::uint64_t MeasuredPass(const eRow& row) {
     return row.pass();
 }
@@ -26,17 +26,17 @@ namespace bench {
 namespace {
 
 constexpr int kRepetitions = 15;
-// In a full run, a pass over so much data is repeated less often.
+// In a full run, a pass over this many bytes or more is repeated less often.
 constexpr size_t kLargeBytes = 100'000'000;
 constexpr int kRepetitionsOfLarge = 3;
 
 struct eArguments {
     eOptions options;
-    std::string row;   // the row to run once, in place of all
+    std::string row;   // the row to run once, instead of all
     bool list = false; // print the names of the rows whose instructions are counted
     bool peaks = true;
-    bool isPeak = false; // the one row is run for its peak of memory
-    unsigned passes = 1; // of the one row
+    bool isPeak = false; // the row is run for its peak of memory
+    unsigned passes = 1; // of that row
     std::vector<std::string> sizes;
 };
 
@@ -100,7 +100,7 @@ int RunOneRow(eSuite& suite, const eArguments& arguments) {
     return EXIT_FAILURE;
 }
 
-// Keeps the checksum that the first contender of each work reached, and says whether later ones agree.
+// Keeps the checksum of the first contender of each work and tells whether later ones agree.
 class eAgreement {
 public:
     bool Agrees(const eWork& work, std::uint64_t checksum) {
@@ -113,7 +113,7 @@ private:
     std::map<const eWork*, std::uint64_t> checksums;
 };
 
-// Collects the repetitions of every row; the tables are printed when all are in.
+// Collects the repetitions of every row. The tables are printed when all have been collected.
 class eCollector : public benchmark::BenchmarkReporter {
 public:
     eCollector(const std::map<std::string, const eRow*>& known, eMeasurements& taken) : rows(known), measured(taken) {}
@@ -139,14 +139,14 @@ private:
     eMeasurements& measured;
 };
 
-// How often the row is repeated where that is not the run's choice, else 0.
+// The number of repetitions that the row itself demands, or 0.
 int OwnRepetitions(const eRow& row, const eOptions& options) {
     if (row.repetitions > 0)
         return row.repetitions;
     return options.full && row.bytes > kLargeBytes ? kRepetitionsOfLarge : 0;
 }
 
-// The checksum of a row's pass; what the row itself checks is checked once.
+// The checksum of a row's pass. A row's own check runs once.
 class eChecked {
 public:
     std::uint64_t Sum(const eRow& row, std::uint64_t passed) {
@@ -197,7 +197,7 @@ std::string ProgramName(const char* path) {
     return name.starts_with("bench_") ? name.substr(6) : name;
 }
 
-// Google Benchmark's arguments: ours first, so that the caller's own ones win.
+// Google Benchmark's arguments: ours first, so that the caller's arguments win.
 std::vector<std::string> BenchmarkArguments(int count, char** arguments) {
     std::vector<std::string> all{arguments[0], "--benchmark_repetitions=" + std::to_string(kRepetitions),
                                  "--benchmark_min_time=0.02", "--benchmark_enable_random_interleaving=true"};

@@ -6,12 +6,12 @@
 
 namespace bench {
 
-// Tells on the error output, every ten seconds at most, how far a run is.
+// Shows on the error output, every ten seconds at most, how far a run has got.
 class eProgress {
 public:
     explicit eProgress(const std::string& programName) : program(programName) {}
 
-    // The next step, the part-th of about so many of its kind, is one for the row of that name.
+    // Begins the next step, which is for `row`: number `part` of about `parts` steps of its kind.
     void Next(const char* kind, size_t part, size_t parts, const std::string& row) {
         const auto now = eClock::now();
         if (now - told < std::chrono::seconds(10))

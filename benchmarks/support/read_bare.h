@@ -8,7 +8,7 @@
 
 namespace bench {
 
-// Takes the escapes out of a string's text.
+// Replaces the escapes in a string's text.
 inline void Unescape(std::string& text) {
     size_t kept = 0;
     for (size_t i = 0; i < text.size(); ++i) {
@@ -22,7 +22,7 @@ inline void Unescape(std::string& text) {
     text.resize(kept);
 }
 
-// The checksum of the values of a text. Every identifier is handed to `look` besides.
+// The checksum of the values of a text. `look` is called with every identifier.
 template <class T>
 std::uint64_t ReadBare(const char* source, T look) {
     using eType = eBareTokenizer::eType;

@@ -8,11 +8,11 @@
 #include "checksum.h"
 #include "scene_words.h"
 
-// Each source file has its own, for RapidJSON is compiled in two ways.
+// Each source file has its own definitions, since RapidJSON is compiled in two ways.
 namespace bench {
 namespace {
 
-// Copies every text, looks every member name up, and takes the numbers as they come.
+// Copies every text, looks up every member name, and takes the numbers as they are.
 class eJsonHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, eJsonHandler> {
 public:
     explicit eJsonHandler(const eSceneWords& known) : words(known) {}
@@ -47,7 +47,7 @@ private:
     std::uint64_t found = 0;
 };
 
-// The checksum of the values of a JSON source, 0 when it is malformed.
+// The checksum of the values of a JSON source; 0 if it is malformed.
 template <unsigned flags, class T>
 std::uint64_t ReadJson(T& source) {
     static const eSceneWords words;

@@ -5,12 +5,12 @@
 
 namespace bench {
 
-// The twelve names that every reader looks words up in.
+// The twelve names that every reader looks up.
 enum eSceneWord { wordItem = 1, wordCount, wordPos, wordTag, wordIds, wordText, wordRow, wordNode, wordScene };
 inline constexpr std::array<const char*, 12> kSceneWords{"item", "count", "pos",   "tag",   "ids",  "text",
                                                          "row",  "node",  "scene", "light", "mesh", "camera"};
 
-// A look-up of those names for contenders that bring none of their own: open addressing, letter case folded.
+// A table of these names for contenders without a table of their own: open addressing, letter case folded.
 class eSceneWords {
 public:
     eSceneWords() {
@@ -22,7 +22,7 @@ public:
         }
     }
 
-    // The word's number, 0 when it is none of them.
+    // The word's number; 0 if it is not one of the names.
     int Find(std::string_view word) const {
         if (word.empty())
             return 0;

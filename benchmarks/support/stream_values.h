@@ -6,7 +6,7 @@
 
 namespace bench {
 
-// The sets through the operators of any stream.
+// Writes the sets through the operators of any stream.
 inline void PutOnStream(IO::eStream& out, size_t sets) {
     PutSets(sets, [&](const eTypedValues& set) {
         out << set.integer << set.byte << set.real << set.precise << set.large << set.name;

@@ -10,7 +10,7 @@
 
 namespace bench {
 
-// Reads the items of a scene as an application does, each string copied, and folds the values.
+// Reads the items of a scene as an application does, copying each string, and adds the values to a checksum.
 class eSceneSum {
 public:
     explicit eSceneSum(eSDLReader& from) : reader(from) {}
@@ -70,7 +70,7 @@ private:
     std::string text;
 };
 
-// Everything up to the end of the scene's block.
+// The checksum of everything up to the end of the scene's block.
 inline std::uint64_t SumScene(eDocument document, eSDLReader& reader) {
     eSceneSum sum(reader);
     while (!reader.End())

@@ -62,7 +62,7 @@ std::string Title(const eWork& work) {
     return "### " + work.name + (work.values > 0 ? " (" + Fixed(work.values, 0) + " " + work.unit + "s)" : "") + "\n\n";
 }
 
-// A line for each contender.
+// A table with one line for each contender.
 std::string PlainTable(const eJudgedWork& judged) {
     const eWork& work = *judged.work;
     std::string text = Title(work) + "| contender | ns per " + work.unit +
@@ -81,7 +81,7 @@ std::vector<const eJudgedRow*> OfSize(const eJudgedWork& judged, double size) {
     return rows;
 }
 
-// A line for each size, and in it nanoseconds of each contender, then the ratios to those of others.
+// A table with one line for each size: the nanoseconds of each contender, then the ratios to other contenders.
 std::string TableOverSizes(const eJudgedWork& judged) {
     const eWork& work = *judged.work;
     const auto first = OfSize(judged, judged.rows.front().row->size);

@@ -7,10 +7,10 @@
 
 namespace bench {
 
-// The lines that stand above the tables: what, when, on what machine, how built.
+// The lines above the tables: what was measured, when, on what machine, and in which build.
 std::string Heading(const std::string& family, const std::string& folder);
 
-// One table for each work, and below them how many targets are met.
+// One table for each work, followed by the number of targets met.
 std::string Tables(const std::vector<eJudgedWork>& works);
 
 } // namespace bench

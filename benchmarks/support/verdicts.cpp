@@ -17,7 +17,7 @@ eVerdict Verdict(bool isMet) {
     return isMet ? eVerdict::Met : eVerdict::Missed;
 }
 
-// What a row is compared with: our first row of the work, for a row of others our first of the same size.
+// The row that a row is compared with: our first row of the work; for a row of others, our first row of its size.
 const eJudgedRow* Base(const eJudgedWork& judged, const eRow& row) {
     for (const eJudgedRow& each : judged.rows)
         if (each.row->kind == eKind::Ours && each.perValue > 0 &&

@@ -4,8 +4,8 @@
 
 namespace bench {
 
-// This run's own folder, made on first use, in memory where there is room, and removed when the program ends.
-// The environment variable QZL_BENCH_FOLDER names another place to make it in. Ends in "/".
+// The folder of this run, with a trailing "/". It is created on first use, in memory if there is room, and removed when
+// the program ends. The environment variable QZL_BENCH_FOLDER names another place for it.
 const std::string& WorkFolder();
 
 // A file of that name in the work folder.

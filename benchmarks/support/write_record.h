@@ -7,7 +7,7 @@
 
 namespace bench {
 
-// One record as the documents hold it.
+// Writes one record as it is in the documents.
 inline void WriteRecord(eSDLWriter& writer, const eRecord& record) {
     writer << block{wordItem} << record.name << record.count << endl;
     writer << block{wordPos} << record.position[0] << record.position[1] << record.position[2] << endb << endl;

@@ -20,7 +20,7 @@ void PutPointers(IO::eStream& stream, const eTexts& texts) {
             stream << text.c_str();
 }
 
-// To where the texts begin.
+// Moves the position to where the texts begin.
 void Rewind(IO::eMemoryStream& stream, ePlace place) {
     if (place == ePlace::AtEnd)
         stream.Clear();
@@ -28,7 +28,7 @@ void Rewind(IO::eMemoryStream& stream, ePlace place) {
         stream.Reset();
 }
 
-// `put` is a constant, so that the compiler sees the loop that it is in, as it would in an application.
+// `put` is a constant, so that the compiler sees the loop around it, as in an application.
 template <void (*put)(IO::eStream&, const eTexts&)>
 void Add(eSuite& suite, ePlace place, const eTexts& texts, const char* contender) {
     const size_t size = texts.Bytes() + 64;

@@ -10,7 +10,7 @@ namespace {
 constexpr size_t kLongest = 40;
 constexpr size_t kTextsOfOneLength = 128;
 constexpr size_t kMixedTexts = 1024;
-constexpr int kRepetitions = 5; // of each length; there are many of them
+constexpr int kRepetitions = 5; // of each length; there are many lengths
 
 std::string MakeText(size_t length, unsigned number) {
     std::string text;

@@ -8,7 +8,7 @@
 namespace bench {
 namespace {
 
-// Bytes that double.
+// Bytes that grow by doubling.
 class eGrowing {
 public:
     unsigned char* Begin() { return bytes.data(); }
@@ -23,7 +23,7 @@ private:
     std::vector<unsigned char> bytes;
 };
 
-// Bytes that are all there.
+// Bytes that are complete from the start.
 class eWhole {
 public:
     explicit eWhole(const std::string& from) : bytes(from) {}

@@ -10,7 +10,7 @@
 
 namespace bench {
 
-// One of each kind, as applications put them on streams in turn.
+// One value of each kind, as applications write them to streams in turn.
 struct eTypedValues {
     int integer;
     unsigned char byte;
@@ -20,7 +20,7 @@ struct eTypedValues {
     std::string name; // 12 bytes
 };
 
-// Bytes of one set of values on a stream: the string's length takes one.
+// Bytes of one set of values on a stream; the string's length takes one.
 inline constexpr size_t kBytesOfSet = 4 + 1 + 4 + 8 + 8 + 1 + 12;
 inline constexpr double kValuesInSet = 6;
 
@@ -43,12 +43,12 @@ inline const std::array<eTypedValues, 256>& TypedValues() {
     return made;
 }
 
-// How many sets make up about that many thousand bytes.
+// The number of sets in about that many thousand bytes.
 inline size_t Sets(unsigned kilobytes) {
     return size_t{kilobytes} * 1000 / kBytesOfSet;
 }
 
-// The bytes that every contender has to produce, and reads.
+// The bytes that every contender has to write and to read.
 inline std::string EncodedSets(size_t sets) {
     std::string bytes;
     bytes.reserve(sets * kBytesOfSet);
@@ -74,7 +74,7 @@ inline std::uint64_t SumOfBytes(std::string_view bytes) {
     return sum.Value();
 }
 
-// Hands the sets to `put`, one after the other.
+// Passes the sets to `put`, one after the other.
 template <class T>
 void PutSets(size_t sets, T put) {
     const auto& values = TypedValues();

@@ -1,4 +1,4 @@
 #pragma once
 
-// True when what goes to standard error is shown on a terminal.
+// True if standard error goes to a terminal.
 bool ErrorOutputIsTerminal();

@@ -14,7 +14,7 @@
 namespace bench::platform {
 namespace {
 
-// The number of kilobytes behind a name such as "VmHWM:" in the process's status, as bytes.
+// The number of kilobytes after a name such as "VmHWM:" in the process's status, in bytes.
 size_t StatusBytes(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;)

@@ -19,7 +19,7 @@ int Checked(long result) {
     return static_cast<int>(result);
 }
 
-// A folder's open listing, without the entries that stand for itself and its parent.
+// A folder's open listing, without the entries "." and "..".
 class eListing {
 public:
     explicit eListing(int handle) : listing(fdopendir(Checked(handle))) {}
