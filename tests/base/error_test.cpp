@@ -17,7 +17,7 @@ namespace {
 using xError::eException;
 using xError::eReport;
 
-// Leaves the default handlers in place for the test and puts back what was there.
+// Runs a test with the default handlers, and then restores the previous ones.
 class Reports : public testing::Test {
 protected:
     Reports() : error(xError::SetErrorHandler({})), warning(xError::SetWarningHandler({})) {}
@@ -37,7 +37,7 @@ std::string StandardErrorOf(const std::string& message) {
     return testing::internal::GetCapturedStderr();
 }
 
-// What a fatal error throws.
+// The report of the exception that a fatal error throws.
 eReport FatalReport() {
     const auto fail = [] { xError::Fatal("unit", 9, "text"); };
     try {

@@ -30,8 +30,8 @@ std::string Appended(const std::string& text) {
     return target.substr(2);
 }
 
-// Whether a quoted SDL string could have the text between its quotes: no line end, no quote but behind a backslash, no
-// backslash at the end.
+// Whether a quoted SDL string can contain the text: no line end, no quote except after a backslash, no backslash at the
+// end.
 bool StandsInQuotes(const std::string& text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '\\' && ++at == text.size())

@@ -15,7 +15,7 @@
 
 #include "support/interface.h"
 
-// What the library and applications compile against: types, signatures and what can be overridden.
+// The interface that applications compile against: types, signatures and virtual functions.
 namespace {
 
 using std::is_same_v;

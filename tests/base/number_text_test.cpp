@@ -28,9 +28,9 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// The float that an SDL reader takes from a text that is one decimal number and nothing else; nothing for other texts.
-// It follows the format's rules character by character: after a leading zero without a sign only a digit or a point
-// goes on, digits may be followed by a point or an exponent, a fraction by an exponent.
+// The float that an SDL reader reads from a text that is exactly one decimal number; nothing for other texts. It
+// follows the rules of the format character by character: after a leading zero without a sign only a digit or a point
+// may follow, after digits a point or an exponent, after a fraction an exponent.
 std::optional<float> ReadAsSdl(const std::string& text) {
     enum { Start, Sign, Zero, Whole, Fraction, Exponent } state = Start;
     for (const char c : text) {
@@ -65,7 +65,7 @@ bool ReadsBack(float value) {
     return read && SameBits(*read, value);
 }
 
-// How many of the floats first, first + stride ... (as bits) up to the last do not read back.
+// The number of floats among first, first + stride ... (as bits) that do not read back.
 std::uint64_t CountFailures(std::uint64_t first, std::uint64_t stride) {
     std::uint64_t failures = 0;
     for (std::uint64_t bits = first; bits <= 0xffffffffu; bits += stride) {

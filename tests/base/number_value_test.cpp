@@ -21,7 +21,7 @@ void CheckBothForms(const std::string& text, T expectedValue, bool expectedResul
     T value = 77;
     EXPECT_EQ(expectedResult, _FromString(&value, text.c_str())) << text.substr(0, 80);
     EXPECT_EQ(expectedValue, value) << text.substr(0, 80);
-    // Digits right behind the end must not be read.
+    // Digits directly after the end must not be read.
     const std::string embedded = text + "77";
     value = 77;
     EXPECT_EQ(expectedResult, _FromString(&value, embedded.data(), embedded.data() + text.size()))

@@ -33,7 +33,7 @@ using eStorage = eCriticalResource<eCounted>;
 static_assert(!std::is_copy_constructible_v<eStorage> && !std::is_copy_assignable_v<eStorage>);
 static_assert(!std::is_copy_constructible_v<eCriticalSection> && !std::is_copy_assignable_v<eCriticalSection>);
 
-// Storages until the system has no index left. The last one, which found none, reported so.
+// Creates storages until the system has no index left. The last one has none and has reported that.
 std::vector<std::unique_ptr<eStorage>> Exhaust(const eReports& reports) {
     std::vector<std::unique_ptr<eStorage>> storages;
     while (reports.errors().empty() && storages.size() < 100000)
@@ -110,7 +110,7 @@ TEST(ThreadStorage, GivesAThreadThatOutlivesAStorageAFreshObjectOfTheNext) {
     });
     step.wait(0);
     storage.reset();
-    storage = std::make_unique<eStorage>(); // as a rule with the index that was given back
+    storage = std::make_unique<eStorage>(); // usually with the index that was released
     step = 2;
     step.notify_all();
     thread.join();

@@ -51,7 +51,7 @@ TEST_F(ByteOrderMark, IsPassedOverInIncludedFilesAndDecipheredTexts) {
         EXPECT_EQ(reader.GetInt(), expected);
     const auto cipher = std::make_shared<eTurningCipher>();
     EXPECT_EQ(eSDLReader(File("c.sdl", Turned(mark + "{c 5}")), "c", cipher).GetInt(), 5);
-    // Not before deciphering.
+    // A mark before the enciphered text is not skipped.
     EXPECT_EQ(FailureOf([&] { eSDLReader(File("d.sdl", mark + Turned("{c 5}")), "c", cipher); }),
               ReaderFailure(17, "Not SDL file!"));
 }

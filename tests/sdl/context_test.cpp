@@ -13,7 +13,7 @@
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
-// What a report's context shows of the sources that are being read.
+// The context of a report: what it shows of the sources that are being read.
 namespace {
 
 using testing::HasSubstr;
@@ -27,7 +27,7 @@ std::size_t Count(const std::string& text, const std::string& part) {
     return count;
 }
 
-// Of the report that a string is expected; the token is read by then.
+// The context of a report that a string is expected, made after the token has been read.
 std::string Failing(eSDLReader& reader) {
     return ContextOf([&] { reader.GetString(); });
 }
@@ -37,7 +37,7 @@ protected:
     eFileName File(const std::string& name, const std::string& text = "1 2 3") const {
         return eFileName(folder.Write(name, text));
     }
-    // How a source that begins with its name is shown when its first token has been read.
+    // The context of a source that begins with its name, after its first token has been read.
     std::string Shown(const std::string& name) const {
         return '"' + folder.Name(name) + "\", 1\n1: " + name.substr(0, 1) + "\xAB 2 3\n";
     }
@@ -182,7 +182,7 @@ TEST_F(Context, OfMissingFilesNamesTheLastEight) {
     EXPECT_THAT(context, HasSubstr("/22\"\n"));
 }
 
-// --- How much there is of it ---
+// --- How much a report shows ---
 
 TEST_F(Context, DescribesTheInnermostEightSourcesAndCountsTheRest) {
     const eFileName included = File("i.sdl");
@@ -215,7 +215,7 @@ TEST_F(Context, TakesTimeThatGrowsNoFasterThanTheSources) {
     eSDLReader reader = Reader("a.sdl");
     for (int source = 1; source < 20'000; ++source)
         reader.Include(included);
-    // Growing with the square, these would take a minute.
+    // If the cost were quadratic, these reports would take a minute.
     for (int report = 0; report < 20; ++report) {
         EXPECT_THAT(Failing(reader), HasSubstr("... and 19992 more\n"));
         reader.Back();

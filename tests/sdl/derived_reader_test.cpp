@@ -12,7 +12,7 @@
 #include "sdl_source.h"
 #include "support/temp_folder.h"
 
-// What a derived reader can make of the protected operations.
+// Readers that applications can derive by the protected operations.
 namespace {
 
 using testing::ElementsAre;
@@ -20,7 +20,7 @@ using testing::ElementsAre;
 eSDLKeyword* words;
 eSDLKeyword itemWord(words, "item", 10);
 
-// Reads other files with arguments and expands defines, as an application may choose to.
+// Reads other files with arguments and expands defines, as an application may do.
 class eMacroReader : public eSDLReader {
 public:
     explicit eMacroReader(const std::string& text) : eSDLReader(std::make_unique<IO::eBufferStream>(text).get(), {}) {
@@ -33,7 +33,7 @@ public:
     using eSDLReader::PopParser;
     using eSDLReader::PushParser;
 
-    // Goes on with the file, which may use the arguments of the list that is next.
+    // Continues with the file, which may use the arguments of the next list.
     void Call(const eFileName& file) {
         ASSERT_TRUE(Parser().Get());
         ASSERT_EQ(Token().type, sdlOpen);
@@ -46,7 +46,7 @@ public:
 
     void Expand(const std::string& name) { PushParser(new eSDLParser(Defines().at(name), noTables, {})); }
 
-    // Executes the control block that is next, whatever it is.
+    // Executes the next control block, whatever it is.
     bool Execute() {
         Parser().Get();
         EXPECT_EQ(Token().type, sdlOpen);
@@ -57,7 +57,7 @@ private:
     const std::vector<eSDLKeyword*> noTables;
 };
 
-// Notes its destruction.
+// Records its destruction.
 class eNotedParser : public eSDLParser {
 public:
     eNotedParser(int parserNumber, std::vector<int>& destroyedParsers, const std::vector<eSDLKeyword*>& tables)

@@ -8,7 +8,7 @@
 #include "sdl_source.h"
 #include "support/temp_folder.h"
 
-// What docs/sdl-format.md says to people who write files by hand.
+// The statements of docs/sdl-format.md for people who write files by hand.
 namespace {
 
 std::string Read(const std::string& text) {

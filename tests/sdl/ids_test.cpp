@@ -18,7 +18,7 @@ eIds Ids(std::initializer_list<int> ids) {
     return list;
 }
 
-// Two ids are the same when they are equal without regard to sign.
+// Ids that compare equal without regard to sign.
 class eUnsignedIds : public eIds {
 public:
     bool Has(int id) override { return eIds::Has(id) || eIds::Has(-id); }
@@ -87,7 +87,7 @@ TEST(Ids, CopyToAndAssignReplaceTheOtherSide) {
     EXPECT_THAT(assigned, ElementsAre(1, 2));
 }
 
-// Notes the operations that are asked of it.
+// Records the operations that are called.
 class eNotingIds : public eIds {
 public:
     using eIds::eIds;

@@ -36,7 +36,7 @@ private:
     bool ended = false;
 };
 
-// The tokens that a JSON text must come back as, compared with those of an SDL file as they are found.
+// The tokens expected for a JSON text, compared one by one with those of an SDL file.
 class eComparison : public eJsonContent {
 public:
     explicit eComparison(eTokenReader* sdl) : reader(*sdl) {}
@@ -75,8 +75,8 @@ public:
     int Compared() const { return compared; }
 
 private:
-    // What stands right inside an array is a block without a name; the root and a member's value have none of their
-    // own.
+    // An object or array directly inside an array is a block without a name; the root and a member's value are not
+    // blocks of their own.
     void Enter() {
         blocks.push_back(!inArray.empty() && inArray.back());
         if (blocks.back())
@@ -105,7 +105,7 @@ private:
         EXPECT_EQ(token.floatValue, tooLarge ? 0.0f : static_cast<float>(value)) << Place();
     }
 
-    // A name stands bare, so it comes back as the tokens that its characters make.
+    // A name is written without quotes, so it reads back as the tokens that its characters form.
     void CompareName(const std::string& name) {
         const std::string head = "{" + name + " ";
         IO::eBufferStream stream(head);

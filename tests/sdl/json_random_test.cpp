@@ -12,7 +12,7 @@
 
 namespace {
 
-// SDL text put together item by item.
+// SDL text composed item by item.
 class eSdlText {
 public:
     void Item(std::string_view item) {
@@ -75,7 +75,7 @@ constexpr std::array<eScalar, 16> kScalars = {{
     {"\"\\u00e9 \xE2\x82\xAC\"", "\"\xC3\xA9 \xE2\x82\xAC\""},
 }};
 
-// A made-up document in both languages.
+// A random document in both languages.
 class eMadeUpDocument {
 public:
     eMadeUpDocument(unsigned seed, int leastItems) : random(seed) {

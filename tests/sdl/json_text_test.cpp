@@ -42,7 +42,7 @@ TEST(JsonText, KnowsWellFormedUtf8) {
         EXPECT_EQ(json_text::IsUtf8(row.text), row.expected) << testing::PrintToString(row.text);
 }
 
-// Mostly plain, with what is not at places of any kind.
+// A text of mostly plain characters, with backslashes and with well-formed and ill-formed sequences at any place.
 std::string RandomText(std::mt19937* random) {
     static constexpr const char* kPieces[] = {"\\",   "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8C\x85",
                                               "\xC3", "\x80",     "\xFF"};

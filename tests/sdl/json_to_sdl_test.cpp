@@ -21,7 +21,7 @@ protected:
         return JsonToSdl(eFileName(folder.Name("in.json")), eFileName(folder.Name("out.sdl")));
     }
 
-    // The SDL text, or what went wrong.
+    // The SDL text, or the failure.
     std::string Converted(std::string_view json) {
         return Convert(json) ? folder.Read("out.sdl") : "conversion failed";
     }

@@ -19,7 +19,7 @@ eSDLKeyword green(colors, "green", 2);
 eSDLKeyword redAgain(colors, "RED", 3);
 eSDLKeyword tinted(colors, "tinted_with_a_long_name", 2);
 
-// A table of any length, in memory that is zero before the entries are made, as static storage is.
+// A table of any length, in memory that is zero before the entries are constructed, as static storage is.
 class eTable {
 public:
     void Add(const std::string& name, int id) {
@@ -70,7 +70,7 @@ const char* FindOneByOne(const eSDLKeyword* table, int id) {
     return nullptr;
 }
 
-// Of any length up to 40, most of them alike but for a few characters or for letter case.
+// A name of up to 40 characters; most names differ only in a few characters or in letter case.
 std::string RandomName(std::mt19937& random) {
     static constexpr char kCharacters[] = "aAbB@`[{_1\xC4";
     std::string name(random() % 41, random() % 2 ? 'x' : 'X');
@@ -242,7 +242,7 @@ TEST(SdlKeyword, FollowsNextWhereTablesHaveBeenJoinedOrCut) {
 }
 
 TEST(SdlKeyword, TablesOfAnySizeAreBuiltAndSearchedInATimeThatDoesNotGrow) {
-    // Growing with the square, these would take minutes.
+    // If the cost were quadratic, these entries would take minutes.
     constexpr int kSize = 200'000;
     eTable table;
     for (int id = 1; id <= kSize; ++id)

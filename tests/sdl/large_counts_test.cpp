@@ -9,7 +9,7 @@
 #include "sdl/lexer.h"
 #include "sdl/skim.h"
 
-// Counts that leave an int, begun near its end.
+// Counts that exceed an int; the tests begin just below the limit.
 namespace {
 
 std::string Padded(const std::string& text) {

@@ -26,7 +26,7 @@ std::ostream& operator<<(std::ostream& out, const eCut& cut) {
 
 using eCutter = bool (*)(const char**, int*, xSDL::eLexeme*);
 
-// Every token of the text up to its end or to the error that would come again for ever.
+// Every token of the text, up to its end or to an error that would repeat for ever.
 std::vector<eCut> CutAll(const std::string& source, eCutter cutter) {
     const std::string text = source + std::string(xSDL::kTextEnd, '\0');
     std::vector<eCut> cuts;
@@ -51,7 +51,7 @@ std::string Printable(const std::string& text) {
     return shown;
 }
 
-// The number of tokens, 0 when the two lexers differ.
+// The number of tokens; 0 if the two lexers differ.
 std::size_t Agree(const std::string& text) {
     const std::vector<eCut> expected = CutAll(text, xSDL::CutByTable);
     const std::vector<eCut> cut = CutAll(text, xSDL::CutToken);
@@ -76,7 +76,7 @@ constexpr std::string_view kBlanks = "\t\n\r =";
 constexpr std::string_view kAny = {};
 using xSDL::eAction;
 
-// Every row of the automaton; characters of earlier rows of a state are taken before those of later ones.
+// Every row of the automaton; in one state, earlier rows take precedence.
 const eTransitionRow kRows[] = {
     {xSDL::stBetween, kLetters, xSDL::stIdent, eAction::Keep},
     {xSDL::stBetween, "%", xSDL::stIdent, eAction::Keep},

@@ -11,7 +11,7 @@
 #include "support/temp_folder.h"
 #include "turning_cipher.h"
 
-// What loading a source leaves of the stream that it came from.
+// The state of a stream after a source has been loaded from it.
 namespace {
 
 struct eCase {

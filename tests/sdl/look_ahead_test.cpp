@@ -22,7 +22,7 @@ std::string Text(const eSDLParserToken& token) {
     return std::to_string(token.type) + "[" + token.text + "] ";
 }
 
-// A reader behind the 1 in "1 INCLUDED" that goes on with "NEXT" when what is included ends.
+// A reader after the 1 in "1 INCLUDED" that continues with "NEXT" when the included source ends.
 class eIncluding : public eSDLReader {
 public:
     eIncluding(const std::string& included, const std::string& next) : eSDLReader(ReaderOf("0 " + next)) {
@@ -32,7 +32,7 @@ public:
         GetInt();
     }
 
-    // Types and texts of all tokens that are left, or the message that ends them.
+    // The types and texts of all remaining tokens, or the message that ends them.
     std::string Rest() {
         std::string rest;
         const eFailure failure = FailureOf([&] {
@@ -51,18 +51,18 @@ private:
     std::vector<eSDLKeyword*> tables{words};
 };
 
-// Every way in which an included source can end.
+// All ways in which an included source can end.
 const std::string endings[] = {
-    // with nothing, or what is passed over
+    // with nothing, or with characters that are skipped
     "", " ", "=", "\t\r\n", ";", " ; comment", "; comment\r\n", "\0 junk"s, " ; comment\0}"s,
-    // with a string that is not ended
+    // with an unfinished string
     "\"", "\"open", " \"open } {", "\"0123456789abcdefghijklmnopqrstuvwxyz", "\"cut short \\", "\"\\\\\\",
     "\"escaped\\\"", "\"a\\\nb", "\"nul \0\""s, "\"nul \\\0\""s,
-    // with a token, whole or cut short
+    // with a token, complete or cut short
     " 7", " 0x", " 1e", " 1e+", " -", " color", " %", "{", "{#", "{#mark", "}", "\"whole\"", " (+ 1 2)",
     " (\"comment\")", " )", ")", "\"broken\n", "$"};
 
-// What stands behind it in the including source.
+// The text after it in the including source.
 const std::string nexts[] = {
     "",       " ",         "}",       "{",        "{#mark",           "{##hidden 1}}", " 1",  " 1.5",          " word",
     " color", " \"text\"", " \"open", " (+ 1 2)", " (\"comment\") }", " (mod x) {",    ") }", " ; comment\n}", "$"};

@@ -14,7 +14,7 @@ namespace {
 
 using namespace xSDL;
 
-// The 64 bits of a mask for a text that holds one character only, as that character's truth.
+// Whether the bits of a mask are set, all of them or none, for a text of 64 equal characters.
 bool Holds(std::uint64_t mask) {
     EXPECT_TRUE(mask == 0 || mask == ~std::uint64_t{0});
     return mask != 0;

@@ -11,7 +11,8 @@
 #include <qzl_base/error.h>
 #include <qzl_io/sdl/parser.h>
 
-// The format's lexer once more: a table of states and transitions, one character at a time, without regard to speed.
+// The format's lexer a second time: a table of states and transitions, one character at a time, without regard to
+// speed.
 class eModelAutomaton {
 public:
     enum eAction { Skip, Keep, Stay };
@@ -28,7 +29,7 @@ public:
         const std::string hexLetters = "ABCDEFabcdef";
         const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_";
         const std::string lineEnds = "\n\r";
-        // Of the rows of one state the last one that has the character holds.
+        // Among the rows of a state that contain the character, the last one is valid.
         const struct {
             std::size_t state;
             std::string characters;
@@ -97,7 +98,7 @@ inline std::string TextOf(const std::string& bytes) {
     return bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes;
 }
 
-// What eSDLParser is to do, call by call, under the same names.
+// The behaviour expected of eSDLParser, call by call, under the same names.
 class eModelParser {
 public:
     struct eState {
@@ -132,7 +133,7 @@ public:
         previous.position = -1;
     }
 
-    // Throws the report when the parentheses are not there.
+    // Throws the report if there are no parentheses.
     std::string GetParameter() {
         const char c = At(current.position);
         current.position += c != 0;
@@ -192,7 +193,7 @@ private:
         return static_cast<std::size_t>(last - first) + 1;
     }
 
-    // Passes one token and gives the ends of its text, if it has any.
+    // Passes one token and returns the ends of its text, if it has any.
     eSDLParserLexType Walk(std::ptrdiff_t* first, std::ptrdiff_t* last) {
         static const eModelAutomaton automaton;
         for (std::size_t state = 0;;) {

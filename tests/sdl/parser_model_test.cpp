@@ -15,7 +15,7 @@
 #include "sdl_source.h"
 #include "support/rounds.h"
 
-// Parsers and copies of them beside a model: random texts, and calls in any order.
+// Parsers and their copies compared with a model: random texts, and calls in any order.
 namespace {
 
 eSDLKeyword* words;
@@ -43,7 +43,7 @@ std::string Replaced(std::string text, const eParameters& parameters) {
     return text;
 }
 
-// A parser, its model, and a state of each that Back may be told to return to.
+// A parser, its model, and a saved state of each to which Back may return.
 struct ePair {
     std::unique_ptr<eSDLParser> parser;
     eModelParser model;
@@ -82,7 +82,7 @@ void ChangeToken(eParser& parser, unsigned how) {
         token = {sdlBlockId, token.text, 2.5f, 9};
 }
 
-// One call of both; what they give has to be equal.
+// Makes one call of both, whose results must be equal.
 void Call(std::mt19937& random, ePair& pair) {
     switch (const auto call = random() % 12; call) {
     case 0:

@@ -54,7 +54,7 @@ std::string Dump(const eSDLParserToken& token) {
     return dump;
 }
 
-// Every token of the text: type, text, and the int value where it has one; the last is the end or the first error.
+// Every token of the text: its type, its text, and its int value if it has one. The last is the end or the first error.
 std::string DumpAll(eSDLParser& parser) {
     std::string dump;
     bool more = true;
@@ -70,7 +70,7 @@ std::string DumpAll(const std::string& text) {
     return DumpAll(parser);
 }
 
-// Hands over what each letter code minus one stands for.
+// Replaces each character by the one with the preceding code.
 class eShiftCipher : public eSDLCipher {
 public:
     explicit eShiftCipher(std::size_t producedLength) : produced(producedLength) {}

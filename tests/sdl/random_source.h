@@ -4,8 +4,8 @@
 #include <random>
 #include <string>
 
-// Up to as many pieces of SDL text as are asked for, with blanks between most of them or between none, at times after a
-// byte-order mark. The words that tables may have are light, color, a and item.
+// At most `most` pieces of SDL text, with blanks between most pieces or between none, sometimes after a byte-order
+// mark. The words that tables may contain are light, color, a and item.
 inline std::string RandomSource(std::mt19937& random, unsigned most) {
     static const std::string kPieces[] = {"light",
                                           "LIGHT",

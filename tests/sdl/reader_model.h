@@ -12,8 +12,8 @@
 
 #include "parser_model.h"
 
-// What eSDLReader is to do, call by call, under the same names: everything is read token by token. Copies share their
-// sources, as those of a reader do.
+// The behaviour expected of eSDLReader, call by call, under the same names; everything is read token by token. Copies
+// share their sources, as copies of a reader do.
 class eModelReader {
 public:
     using eFiles = std::map<std::string, std::string>; // texts by name
@@ -117,7 +117,7 @@ public:
     }
     std::vector<int>& Grate() { return grate; }
 
-    // A file that is not there is an empty source.
+    // A missing file is an empty source.
     void Include(const eFileName& name) {
         const auto file = files->find(name.str());
         Push(name.str(), file == files->end() ? "" : file->second);

@@ -20,7 +20,7 @@
 #include "support/rounds.h"
 #include "support/temp_folder.h"
 
-// Readers beside a model of them: random texts with included files, every operation in any order.
+// Readers compared with a model: random texts with included files, every operation in any order.
 namespace {
 
 eSDLKeyword* words;
@@ -33,7 +33,7 @@ eSDLKeyword otherLight(otherWords, "light", 50);
 eSDLKeyword otherInclude(otherWords, "include", 51);
 eSDLKeyword otherItem(otherWords, "item", -4);
 
-// A reader with the model's names for what has none of its own.
+// A reader with the model's names for operations that have no name of their own.
 class eTestedReader : public eSDLReader {
 public:
     explicit eTestedReader(const std::string& text) : eSDLReader(std::make_unique<IO::eBufferStream>(text).get(), {}) {}
@@ -78,7 +78,7 @@ std::string Of(const std::string& value) {
 std::string Of(const std::wstring& value) {
     return ToString(value);
 }
-// Values that a token of its type does not have are left out.
+// The token as text, without values that a token of its type does not have.
 std::string Of(const eSDLParserToken& token) {
     std::string text = std::to_string(token.type);
     if (token.type != sdlNone)
@@ -184,7 +184,7 @@ struct ePair {
     eModelReader model;
 };
 
-// A pair and copies of it, which come, go and are assigned to each other.
+// A pair and its copies, which are created, destroyed and assigned to each other.
 class eCopies {
 public:
     explicit eCopies(ePair first) { pairs.push_back(std::move(first)); }
@@ -217,7 +217,7 @@ private:
     std::vector<ePair> pairs;
 };
 
-// Where a reader stands; with a look at its token, which makes it keep the token's text at hand, or without.
+// The place of a reader, after a look at its token, which makes the reader keep the token's text, or without.
 template <class eReader>
 std::string Place(eReader& reader, bool token) {
     auto& parser = reader.Parser();

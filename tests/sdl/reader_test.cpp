@@ -35,7 +35,7 @@ eSDLReader WordReaderOf(const std::string& text) {
     return reader;
 }
 
-// Gives tests the protected operations.
+// Makes the protected operations public.
 class eOpenReader : public eSDLReader {
 public:
     explicit eOpenReader(const std::string& text) : eSDLReader(MakeStream(text).get(), nullptr) {}
@@ -51,7 +51,7 @@ private:
     }
 };
 
-// The types and texts of all tokens as a reader delivers them, up to the end or the first error.
+// The types and texts of all tokens from a reader, up to the end or the first error.
 std::string Tokens(eSDLReader& reader) {
     std::string tokens;
     for (;;) {

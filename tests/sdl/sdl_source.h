@@ -14,7 +14,7 @@ inline eSDLReader ReaderOf(const std::string& text) {
     return eSDLReader(&stream, nullptr);
 }
 
-// The source unit's name, the line and the message with which an action fails.
+// The source unit, the line and the message of the report with which an action fails.
 struct eFailure {
     std::string unit;
     int line = 0;
@@ -31,7 +31,7 @@ inline eFailure ReaderFailure(int line, std::string message) {
     return {"internal/src/bios/qzl_io/sdl_reader", line, std::move(message)};
 }
 
-// An empty failure when the action ends well.
+// Runs the action. The result is an empty failure if the action succeeds.
 template <class eAction>
 eFailure FailureOf(const eAction& action) {
     try {

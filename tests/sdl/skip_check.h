@@ -9,7 +9,8 @@
 #include <qzl_io/sdl/reader.h>
 #include <qzl_io/streams.h>
 
-// What is left after skipping the rest of a block: the token at the end with its place, and the one that Back gives.
+// The state after skipping the rest of a block: the token at the end with its place, and the token that Back returns
+// to.
 struct eSkipOutcome {
     bool failed = false;
     eSDLParserLexType type = sdlNone;
@@ -45,7 +46,7 @@ inline eSkipOutcome OutcomeAt(eSDLParser& parser, const char* begin, bool failed
     return outcome;
 }
 
-// Token by token.
+// Skips token by token.
 inline eSkipOutcome SkipPlainly(const std::string& text) {
     IO::eBufferStream stream(text);
     const std::vector<eSDLKeyword*> tables;
@@ -71,7 +72,7 @@ public:
     using eSDLReader::Parser;
 };
 
-// With the reader's own skipping.
+// Skips by the reader's own function.
 inline eSkipOutcome SkipAtOnce(const std::string& text) {
     IO::eBufferStream stream(text);
     eSkippingReader reader(stream);

@@ -21,7 +21,7 @@ const std::vector<std::string> kPieces = {
     "#",          "$",           "5.",          " ",  "1.", "e",     "e-",   "\xE4",    "'",   ",",   "0x",     "-",
     "\"a\\\nb\"", " 3.25 -1.5 ", "            "};
 
-// Without what ends most texts early.
+// Pieces without those that end most texts early.
 const std::vector<std::string> kTamePieces = {"a",     "word ", "12 ", "0x1F", " 1.5",   " -2.5e+3 ", "{",
                                               "}",     "(",     ")",   "{#m ", "{##x",   "\"s\"",     "\"\\n}\"",
                                               "; }\n", "\n",    " ",   " = ",  " 7-5.5", "b+1.5"};

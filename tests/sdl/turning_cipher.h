@@ -8,7 +8,7 @@
 
 #include <qzl_io/sdl/cipher.h>
 
-// Its own inverse: every byte with all bits turned. It notes how it was called.
+// A cipher that is its own inverse: it inverts all bits of every byte. It records how it was called.
 class eTurningCipher : public eSDLCipher {
 public:
     size_t GetEncodedSize(size_t inputSize) override {

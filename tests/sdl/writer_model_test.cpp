@@ -17,13 +17,13 @@
 #include "support/rounds.h"
 #include "support/written_text.h"
 
-// Writers beside a model of them: items in any order, and every byte of the text.
+// Writers compared with a model: items in any order, and every byte of the text.
 namespace {
 
 eSDLKeyword* words;
 eSDLKeyword itemWord(words, "item", 10);
 
-// What eSDLTextStream is to do, item by item.
+// The behaviour expected of eSDLTextStream, item by item.
 class eModelText {
 public:
     void WriteString(std::string value) {
@@ -120,7 +120,7 @@ std::string RandomString(std::mt19937& random) {
     return text;
 }
 
-// Writes one item to both and tells which it was.
+// Writes one item to both and returns its name.
 const char* WriteItem(std::mt19937& random, eSDLWriter& writer, eModelText& model) {
     switch (random() % 18) {
     case 0: {

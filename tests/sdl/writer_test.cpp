@@ -20,7 +20,7 @@ eSDLKeyword itemWord(words, "item", 10);
 eSDLKeyword* otherWords;
 eSDLKeyword otherWord(otherWords, "other", 10);
 
-// Counts how often it is deleted.
+// A stream that counts how often it is deleted.
 class eWatchedStream : public IO::eMemoryStream {
 public:
     explicit eWatchedStream(int* deletions = nullptr) : deleted(deletions) {}
@@ -563,7 +563,7 @@ TEST(Writer, DeletesAnOwnedTargetOnceHoweverManyCopiesThereWere) {
     EXPECT_EQ(folder.Read("a.sdl"), "0 1 2 3 4 5 6 7 8 9");
 }
 
-// --- What derived writers and callers of the text stream may do ---
+// --- Derived writers and callers of the text stream ---
 
 class eForgetfulWriter : public eSDLWriter {
 public:
@@ -581,7 +581,7 @@ TEST(Writer, ThatIsInitialisedForgetsItsDocument) {
     EXPECT_EQ(target.Size(), 0U);
 }
 
-// The least that a text stream of an application's own must bring.
+// The least that an application's own text stream must implement.
 class ePlainStream : public eSDLWriter::eWriteStream {
 public:
     void WriteString(const char*) override { ++items; }

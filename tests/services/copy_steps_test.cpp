@@ -11,7 +11,7 @@ using IO::System::CopyInSteps;
 using IO::System::eCopyEnd;
 using IO::System::eCopyWay;
 
-// A way that gives these results one after the other, then fails the test.
+// A way to copy that returns these results one after the other, then fails the test.
 eCopyWay Answers(std::vector<long long> results) {
     return [results = std::move(results), at = std::size_t{0}](std::size_t) mutable {
         EXPECT_LT(at, results.size());

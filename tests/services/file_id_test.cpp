@@ -20,7 +20,7 @@ TEST(FileId, IsNumberedWhereVolumeAndNumberAreTold) {
              eRow{{1, 0, 0, {}}, false},         // no number
              eRow{{0, 0, 7, {}}, false},         // no volume
              eRow{{1, 0, kOnes, {}}, false},     // a number that does not fit into 64 bits
-             eRow{{1, kOnes, kOnes, {}}, false}, // nor into 128
+             eRow{{1, kOnes, kOnes, {}}, false}, // nor into 128 bits
              eRow{{1, 0, 7, {}}, true},
              eRow{{1, 7, 0, {}}, true},
              eRow{{1, 7, kOnes, {}}, true},
@@ -43,7 +43,7 @@ TEST(FileId, IsComparedByNumberAndWhereThatIsMissingByFinalName) {
              eRow{{1, 5, 7, {}}, {1, 5, 7, {}}, true, true},
              eRow{{1, 0, 7, L"a"}, {1, 0, 7, L"b"}, true, true},
              eRow{{1, 0, 7, L"a"}, {1, 0, 8, L"a"}, false, false},
-             // Unknown is not equal, and not different either.
+             // Unknown folders are neither equal nor different.
              eRow{{}, {}, false, true},
              eRow{{1, 0, 0, {}}, {1, 0, 0, {}}, false, true},
              eRow{{1, 0, kOnes, {}}, {1, 0, kOnes, {}}, false, true},

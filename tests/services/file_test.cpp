@@ -328,7 +328,7 @@ TEST_F(RenameFile, ChangesTheLetterCaseOfAName) {
 
 class RenameToAnotherVolume : public RenameFile {
 protected:
-    // A folder on another volume than the temporary files', or none.
+    // A folder on a volume other than that of the temporary files; empty if there is none.
     static std::filesystem::path OtherVolume() {
         const std::filesystem::path folder = kHasDrives ? "z:/dev/shm" : "/dev/shm";
         std::error_code error;

@@ -55,7 +55,7 @@ TEST(ListedKind, GoesByTheReparseTag) {
     }
 }
 
-// Where there is no reparse point the field of the tag holds anything.
+// Without a reparse point the field of the tag may contain anything.
 TEST(ListedKind, TakesNoTagForOneWithoutAReparsePoint) {
     EXPECT_FALSE(IsListedLink(kArchive, 0xA000000C));
     EXPECT_FALSE(IsListedLink(kDirectory, 0xA0000003));

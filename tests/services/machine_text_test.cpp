@@ -49,7 +49,7 @@ TEST(VersionName, IsChosenByVersionAndRole) {
     }
 }
 
-// A stored value of so many bytes 'x'; the sizes of the buffers that it was asked into.
+// A stored value of a given number of bytes 'x', and the sizes of the buffers that it was queried with.
 struct eStoredValue {
     unsigned int size;
     std::vector<unsigned int> asked;
@@ -114,7 +114,7 @@ TEST(GrowingQuery, EndsWhenTheNeedIsNeverMet) {
 
 using eBytes = std::vector<unsigned char>;
 
-// A descriptor that ends with the text, the offset as given.
+// A descriptor with the given offset that ends with the text.
 eBytes Descriptor(unsigned int offset, std::string_view text) {
     eBytes bytes(40 + text.size(), 0);
     for (std::size_t byte = 0; byte < 4; ++byte)

@@ -177,7 +177,7 @@ TYPED_TEST(PathServices, DeleteWorksFiftyLevelsDeep) {
     EXPECT_FALSE(this->Exists("root"));
 }
 
-// Twenty thousand files by narrow names; both widths walk in the same way, so a tenth is enough for the wide ones.
+// Twenty thousand files by narrow names. Both widths walk in the same way, so a tenth is enough for the wide names.
 TYPED_TEST(PathServices, LargeTreesAreCopiedAndDeleted) {
     constexpr int kFilesPerFolder = std::same_as<TypeParam, eNarrow> ? 1000 : 100;
     for (int folder = 0; folder < 20; ++folder)
@@ -306,7 +306,7 @@ TYPED_TEST(PathServices, PurgeTakesTheNameAsItIsGiven) {
     this->MakeFolder("root/inside");
     this->MakeFolder("rootroot/inside");
     TypeParam::PurgeEmpty(this->Named("root"));
-    // The entry "root" was found by the pattern "root*.*" and joined to "root" again.
+    // The pattern "root*.*" found the entry "root", which was appended to "root" again.
     EXPECT_EQ((eNames{"root/", "root/inside/"}), this->Tree(""));
 }
 

@@ -60,7 +60,7 @@ TYPED_TEST(PathText, IsSplitIntoDriveFolderNameAndExtension) {
     }
 }
 
-// The lead bytes of the Japanese code page 932, whose second halves reach over "\\" and all letters.
+// The lead bytes of the Japanese code page 932, whose second bytes include "\\" and all letters.
 bool IsJapaneseLead(char byte) {
     const auto value = static_cast<unsigned char>(byte);
     return (value >= 0x81 && value <= 0x9F) || (value >= 0xE0 && value <= 0xFC);

@@ -19,7 +19,7 @@ TEST(RefusalsOfWindows, MeanWhatTheTableSays) {
         eAnswer answer;
     };
     for (const eRow& row : {
-             eRow{5, false, eAnswer::Busy},   // access denied: while a deletion is not through
+             eRow{5, false, eAnswer::Busy},   // access denied: until a deletion is complete
              eRow{5, true, eAnswer::Refused}, // access denied: a read-only file
              eRow{32, false, eAnswer::Busy},  // sharing violation
              eRow{32, true, eAnswer::Busy}, eRow{145, false, eAnswer::Full},     // not empty
@@ -39,7 +39,7 @@ TEST(RefusalsOfWindows, MeanWhatTheTableSays) {
 
 class Patience : public testing::Test {
 protected:
-    // What Get makes of these answers, the last of them repeated.
+    // The result of Get for these answers, of which the last repeats.
     bool Get(const std::vector<eAnswer>& answers) {
         asked = 0;
         return patience.Get([&] { return answers[std::min(asked++, answers.size() - 1)]; });

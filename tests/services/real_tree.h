@@ -12,7 +12,7 @@
 
 #include "widths.h"
 
-// A test on a real tree, once for each width. Paths given to helpers are relative to the test's own folder.
+// A test on a real tree, once for each width. Names passed to helpers are relative to the test's folder.
 template <class Width>
 class eRealTree : public testing::Test {
 public:
@@ -21,7 +21,7 @@ public:
 
 protected:
     eRealTree() = default;
-    // With the test's own folder in the given one.
+    // Creates the test's folder in `parent`.
     explicit eRealTree(const std::filesystem::path& parent) : temp(parent) {}
 
     std::filesystem::path At(std::string_view relative) const { return temp.Path() / relative; }
@@ -40,7 +40,7 @@ protected:
         return std::filesystem::symlink_status(At(relative), error).type() != std::filesystem::file_type::not_found;
     }
 
-    // Everything below a folder, sorted, folders with a "/" behind.
+    // Everything below a folder, sorted; folders end in "/".
     std::vector<std::string> Tree(std::string_view relative) const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(At(relative))) {

@@ -131,9 +131,9 @@ TEST(SearchMask, KnowsWhenItMatchesAll) {
         EXPECT_FALSE(eSearchMask(mask).MatchesAll()) << Shown(mask);
 }
 
-// The system's own way, tried in every way: the file search turns a mask into an expression with three operators more,
-// "<" (any characters, which may not take the last dot), ">" (one character; nothing at a dot or the end) and "\"" (a
-// dot; nothing at the end), and the file system compares names with that.
+// The system's own procedure, with every alternative tried: the file search turns a mask into an expression with three
+// more operators, "<" (any characters, but not the last dot), ">" (one character; nothing at a dot or the end) and "\""
+// (a dot; nothing at the end), and the file system compares names with that.
 std::wstring SystemExpression(std::wstring_view mask) {
     if (mask.find_first_of(L"*?") == mask.npos)
         return std::wstring(mask);
@@ -180,7 +180,7 @@ bool MatchesInTheSystem(std::wstring_view mask, std::wstring_view name) {
     return !mask.empty() && InExpression(SystemExpression(mask), name);
 }
 
-// All texts over the letters, up to the length, the empty one included.
+// All texts over the letters up to the given length, including the empty one.
 std::vector<std::wstring> AllTexts(std::wstring_view letters, std::size_t longest) {
     std::vector<std::wstring> texts{L""};
     for (std::size_t begin = 0, length = 0; length < longest; ++length) {

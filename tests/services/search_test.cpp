@@ -254,7 +254,7 @@ TYPED_TEST(SearchServices, CopiesHaveTheSameStateAndMoveOnTogether) {
         this->MakeFile(std::string("folder/") + name, name);
     using eCursor = typename TypeParam::Search;
     eCursor first(this->Folder("folder"), TypeParam::Of("?"));
-    // A dot entry may stand among them; it is no file.
+    // A dot entry may be among them; it is not a file.
     while (!first.IsFile())
         first.Next();
     eCursor second(first);
@@ -317,7 +317,7 @@ TYPED_TEST(SearchServices, SizeAndTimeStayAsTheyWereFirstTold) {
     EXPECT_EQ(5u, search.Size());
 }
 
-// Nothing may be asked of an entry that is not there.
+// A search without an entry can be queried safely and is empty.
 template <class Search>
 void ExpectNoEntry(Search& search) {
     EXPECT_FALSE(search.Valid());
@@ -395,7 +395,7 @@ TYPED_TEST(SearchServices, LongNamesComeWhole) {
     EXPECT_EQ(this->Texts({name}), this->FoundIn("folder", "nnn*"));
 }
 
-// What a system's header declares as FILETIME.
+// Declared like FILETIME in a system's header.
 struct eSystemTime {
     unsigned long dwLowDateTime;
     unsigned long dwHighDateTime;

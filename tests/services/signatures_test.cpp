@@ -1,4 +1,4 @@
-// What callers compile against, as one table: it is right when it compiles.
+// The interface that callers compile against, as one table: it is correct if it compiles.
 #include <string>
 #include <type_traits>
 
@@ -30,7 +30,7 @@ static_assert(is<decltype(&Size), unsigned long long (*)(const eFileNameW&)>);
 static_assert(is<std::underlying_type_t<eAccessMode>, int>);
 } // namespace OfFileW
 
-// Plain enumerations, of which neither becomes the other.
+// Plain enumerations that do not convert to each other.
 using eMode = IO::System::File::eAccessMode;
 using eModeW = IO::System::FileW::eAccessMode;
 static_assert(std::is_convertible_v<eMode, int> && std::is_convertible_v<eModeW, int>);

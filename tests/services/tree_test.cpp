@@ -11,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
-// The decisions of the tree walks, on folders that exist in memory only: the same on every system, with links wherever
-// a test wants them.
+// The decisions of the tree walks, on folders in memory: they are the same on every system, and a test can place links
+// anywhere.
 namespace {
 
 using IO::eFileId;
@@ -32,12 +32,12 @@ using eNodes = std::map<std::string, std::shared_ptr<eNode>>;
 
 struct eNode {
     eEntryKind kind = eEntryKind::Folder;
-    std::string content; // of a file; of a link, where it leads
+    std::string content; // of a file; the target of a link
     eNodes below;
-    bool locked = false;   // stays, whoever removes it
-    bool unlisted = false; // may not be entered
-    int busy = 0;          // so many wishes are refused for a moment, of whatever kind
-    int lingering = 0;     // so often it is seen as full after its removal
+    bool locked = false;   // cannot be removed
+    bool unlisted = false; // cannot be entered
+    int busy = 0;          // number of requests of any kind that are refused temporarily
+    int lingering = 0;     // how often it still counts as content after its removal
 };
 
 std::shared_ptr<eNode> File(std::string content = "") {
@@ -339,7 +339,7 @@ TEST_F(Tree, OfFileLinksThatCannotBeMadeAgainTheContentIsCopied) {
     EXPECT_EQ((eShown{"a=behind file", "c/", "c/d=behind file"}), Shown(to));
 }
 
-// --- What is refused for a moment ---
+// --- Temporary refusals ---
 
 TEST_F(Tree, DeletionTriesAgainWhatIsBusyForAMoment) {
     auto file = File(), link = Link("out"), folder = Folder({{"file", file}, {"link", link}});

@@ -81,12 +81,12 @@ struct eWidthNames {
     }
 };
 
-// A name with back slashes, as one that was read from a stream may have them.
+// A name with backslashes, as in a value that was read from a stream.
 template <class Width>
 class eRawName : public Width::Name {
 public:
     explicit eRawName(const typename Width::Text& raw) { this->Text() = raw; }
 };
 
-// Names of 2-byte characters belong to the system with drive letters.
+// Systems whose wide characters have 2 bytes have drive letters.
 inline constexpr bool kHasDrives = sizeof(wchar_t) == 2;

@@ -15,7 +15,7 @@ namespace {
 template <class N>
 using eTextOf = typename N::eText;
 
-// The ASCII text as text of the class.
+// The ASCII text in the class's character type.
 template <class N>
 eTextOf<N> T(const std::string& text) {
     return {text.begin(), text.end()};

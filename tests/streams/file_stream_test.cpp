@@ -30,7 +30,7 @@ std::string Pattern(std::size_t size) {
     return text;
 }
 
-// Of a stream that is no probe: only the library's own classes go past their buffers.
+// The dump of a stream that is not a probe: only the library's own classes bypass their buffers.
 std::string DumpOf(const IO::eFileStream& stream) {
     return (stream.*&eFile::Dump)();
 }
@@ -44,7 +44,7 @@ IO::eFileStreamW& MarkW(IO::eFileStreamW& stream) {
     return stream;
 }
 
-// For a file that is not there before the third report.
+// For a file that is missing until the third report.
 template <class Stream, class Name>
 void ExpectOpenErrorsUntilItOpens(const eTempFolder& folder, const std::string& title) {
     const std::string name = folder.Name(title);
@@ -63,7 +63,7 @@ void ExpectOpenErrorsUntilItOpens(const eTempFolder& folder, const std::string& 
     EXPECT_EQ(stream.GetChar(), 'a');
 }
 
-// Shows what the base asks of the classes that name files.
+// Records what the base class asks of classes that name files.
 class eRecordingFile : public IO::eFileStreamBase {
 public:
     mutable std::vector<int> asked;
@@ -829,7 +829,7 @@ TEST(FileStream, ALineThatCrossesTheEndOfTheBufferMovesToItsStart) {
     const eTempFolder folder;
     struct eRow {
         std::size_t start, length; // of the line, without its line feed
-        bool more;                 // data behind it
+        bool more;                 // data follow
         std::string state;
     };
     const eRow rows[] = {

@@ -4,8 +4,8 @@
 
 #include <qzl_io/streams.h>
 
-// Calls of the hooks that a derived class may override, in order: the first letter of each, and the position where it
-// found the stream ("F12 O12 U12 ").
+// Records calls of the virtual hooks in order: the first letter of each, and the position of the stream at the call
+// ("F12 O12 U12 ").
 class eHookCalls {
 public:
     void Note(char hook, unsigned long long position) { text += hook + std::to_string(position) + " "; }
@@ -17,7 +17,7 @@ private:
     std::string text;
 };
 
-// A stream of the given class that notes the calls of its hooks.
+// A stream of the given class that records the calls of its hooks.
 template <class Stream>
 class eNoting : public Stream {
 public:

@@ -14,7 +14,7 @@
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
-// What the hooks of an application's own classes find when they are called, and when that is.
+// The state that hooks of an application's own classes find when they are called, and the time of the call.
 
 using IO::eSeekDir;
 namespace Mode = IO::StreamMode;
@@ -23,7 +23,7 @@ namespace {
 
 using eLengths = std::vector<long long>;
 
-// A growing stream on the core alone, by the heap and by bufferEnd: bufferSize is not its concern.
+// A growing stream on the core alone. It uses the heap and bufferEnd, and leaves bufferSize alone.
 class eGrowing : public IO::eStream {
 public:
     eGrowing() { Allocate(16); }
@@ -52,7 +52,7 @@ private:
     unsigned char* block = nullptr;
 };
 
-// A stream over a text that it brings into its buffer by bufferEnd.
+// A stream over a text, which it makes its buffer by bufferEnd.
 class eOverText : public IO::eStream {
 public:
     eOverText(const std::string& bytes, unsigned short mode, unsigned long long capacity, unsigned long long size)
@@ -82,12 +82,12 @@ public:
     }
     using IO::eStream::Dump;
 
-    // Without a call of any hook.
+    // Moves the position without calling any hook.
     void Stray(long long n) { MoveTo(Shifted(ptr, static_cast<unsigned long long>(n))); }
     // The bytes before the buffer.
     std::string Guard() const { return {block.begin(), block.begin() + 16}; }
 
-    eLengths seen; // of the buffer, by every hook, before and after the core's
+    eLengths seen; // of the buffer, in every hook, before and after the core's hook
 
 private:
     void Fill() {

@@ -13,7 +13,7 @@
 #include "probe.h"
 #include "support/temp_folder.h"
 
-// Which types can be written with <<.
+// The types that can be written with <<.
 
 namespace {
 

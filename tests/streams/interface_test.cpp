@@ -14,8 +14,8 @@
 
 #include "support/interface.h"
 
-// What callers compile against: signatures, what converts to what, and the order of virtual functions. Signatures are
-// held while this compiles; a function that is const or returns something else does not match.
+// The interface that callers compile against: signatures, conversions, and the order of virtual functions. Signatures
+// are checked by compiling: a function that is const or returns something else does not match.
 
 using IO::eBufferStream;
 using IO::eFileStream;

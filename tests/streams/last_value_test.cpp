@@ -14,7 +14,7 @@
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
-// What ends at the last byte of a buffer stream is reported, and it is there when the report is made.
+// A value that ends at the last byte of a buffer stream is reported, and it is complete when the report is made.
 
 using IO::eSeekDir;
 namespace Mode = IO::StreamMode;
@@ -25,7 +25,7 @@ namespace {
 constexpr char kReadBeyond[] = "Attempt to read beyond the stream!";
 constexpr char kWriteBeyond[] = "Attempt to write beyond the stream!";
 
-// Runs a look-around whenever an error is reported; then the report returns or throws.
+// Runs a check when an error is reported; then the report returns or throws.
 class eWitness {
 public:
     eWitness(bool throws, std::function<void()> look)
@@ -45,7 +45,7 @@ private:
     xError::eHandler previous;
 };
 
-// The call finds its results complete in the first report that it makes, and so does whoever comes after it.
+// The results of the call are complete at each of its reports and after it.
 void ExpectCompleteWhenReported(const std::vector<std::string>& messages, const std::function<void()>& call,
                                 const std::function<void()>& check, bool throws) {
     eWitness witness(throws, check);
@@ -316,7 +316,7 @@ TEST(LastValue, WithoutErrorsIsNotReported) {
     EXPECT_TRUE(stream.Enabled(Mode::Bad));
 }
 
-// --- What a hook of a derived class throws ---
+// --- Exceptions from hooks of derived classes ---
 
 namespace {
 

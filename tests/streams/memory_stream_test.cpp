@@ -21,7 +21,8 @@ namespace {
 
 constexpr char kUnit[] = "internal/src/bios/qzl_io/stream_memory";
 
-// A memory stream with an allocator of the application's, which fails beyond a limit and gives soiled bytes.
+// A memory stream with an application's own allocator, which fails beyond a limit and returns bytes that are not
+// cleared.
 class eLimited : public eMemory {
 public:
     explicit eLimited(unsigned long long limit) : eMemory(16), most(limit) {}
@@ -394,11 +395,11 @@ TEST(MemoryStream, AHookOfTheApplicationSeesOneStepPerCall) {
     EXPECT_EQ(copied.blocks, 8);
 }
 
-// --- Blocks and who made them ---
+// --- Blocks and their allocators ---
 
 namespace {
 
-// Hooks that know their own blocks.
+// A memory stream whose hooks recognise their own blocks.
 class eOwnBlocks : public eMemory {
 public:
     using eMemory::eMemory;
@@ -411,7 +412,7 @@ public:
     void Begin() { CreateBuffer(8, 0); }
 
     static inline std::set<const unsigned char*> alive;
-    static inline int strangers = 0; // blocks handed in that are not ours
+    static inline int strangers = 0; // blocks passed in that this class did not make
 
 protected:
     unsigned char* AllocateBuffer(unsigned long long size) const override {

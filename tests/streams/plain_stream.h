@@ -10,8 +10,8 @@
 
 #include "hook_calls.h"
 
-// The buffer model in its plainest form: one step after the other, places as numbers counted from the buffer's first
-// byte, nothing quick. The library's streams are compared with it.
+// The buffer model in its plainest form: one step after another, positions as numbers counted from the first byte of
+// the buffer, no fast paths. The library's streams are compared with it.
 class ePlainStream {
 public:
     using u64 = unsigned long long;
@@ -26,8 +26,8 @@ public:
     u64 Position() const { return offset + static_cast<u64>(ptr); }
     u64 Size() const { return offset + static_cast<u64>(eos); }
     bool Eos() const { return ptr >= eos || Has(IO::StreamMode::Failed | IO::StreamMode::Bad); }
-    bool Holds(u64 n) const { return ptr >= 0 && ptr + static_cast<i64>(n) <= eos; } // n bytes of data lie ahead
-    // What lies at the position is not said any more: the place is no place in the data.
+    bool Holds(u64 n) const { return ptr >= 0 && ptr + static_cast<i64>(n) <= eos; } // n bytes of data follow
+    // The position is not a place in the data, so what is found there is unspecified.
     bool Astray() const { return static_cast<i64>(offset) < 0 || ptr < 0 || ptr > eos || ptr > end; }
 
     std::string Dump() const {
@@ -38,7 +38,7 @@ public:
     unsigned short Flags() const { return flags; }
     const std::vector<std::string>& Reports() const { return reports; }
     eHookCalls& Calls() { return calls; }
-    // What has been stored, as of the last Flush.
+    // The stored content, as of the last Flush.
     virtual std::string Stored() const = 0;
 
     void Disable(unsigned bits) { flags = static_cast<unsigned short>(flags & ~bits); }
@@ -97,7 +97,7 @@ public:
             Fail("Attempt to read beyond the stream!");
         return read;
     }
-    // Ends with one report of the hook where that makes no room.
+    // Ends with one report of the hook if the hook makes no room.
     void Write(const std::string& bytes) {
         for (std::size_t written = 0; written < bytes.size();) {
             if (ptr == end)
@@ -136,7 +136,7 @@ public:
         ptr += static_cast<i64>(n);
         return bytes;
     }
-    // Overflows again as long as that makes more room and the value needs it.
+    // Overflows again while that makes more room and the value needs it.
     void Place(const std::string& bytes) {
         const auto n = static_cast<i64>(bytes.size());
         if (ptr + n >= end) {
@@ -226,13 +226,13 @@ protected:
             reports.push_back(message);
     }
 
-    // The buffer is there, and so is the position, with n bytes to the buffer's end.
+    // There is a buffer, the position is in it, and n bytes fit before its end.
     void Require(u64 n) const {
         const bool there = !buffer.empty() && ptr >= 0 && static_cast<i64>(offset) >= 0;
         if (!there || (n > 0 && ptr + static_cast<i64>(n) > end))
             throw eNoBytes{};
     }
-    // n bytes at the position, zero behind the buffer.
+    // n bytes at the position; zero past the buffer.
     std::string Bytes(u64 n) const {
         std::string bytes(n, '\0');
         std::copy_n(buffer.begin() + std::min(ptr, end), InBuffer(n), bytes.begin());
@@ -262,7 +262,7 @@ private:
             Overflow();
     }
 
-    // n bytes of data at the position, or as many of them as the buffer shows after a refill.
+    // n bytes of data at the position, or as many as the buffer holds after a refill.
     std::string DataHere(u64 n) {
         if (ptr == end) {
             if (Has(IO::StreamMode::Modified))
@@ -272,7 +272,7 @@ private:
         Require(1);
         return Bytes(std::min(n, static_cast<u64>(std::min(end, eos) - ptr)));
     }
-    // What finds no room is dropped.
+    // Bytes without room are dropped.
     void Store(const std::string& bytes) {
         std::copy_n(bytes.begin(), InBuffer(bytes.size()), buffer.begin() + std::min(ptr, end));
         ptr += static_cast<i64>(bytes.size());
@@ -284,7 +284,7 @@ private:
     eHookCalls calls;
 };
 
-// A stream on the core alone, over content that is cut, written and read as a file is.
+// A stream on the core alone, over content that is truncated, written and read like a file.
 class ePlainCore : public ePlainStream {
 public:
     ePlainCore(std::string bytes, u64 capacity, unsigned short mode)
@@ -309,14 +309,14 @@ protected:
         Fill();
     }
 
-    // The buffer from the content, with zeros behind it.
+    // Fills the buffer from the content, and the rest with zeros.
     void Fill() {
         std::fill(buffer.begin(), buffer.end(), static_cast<unsigned char>(0));
         if (offset < content.size())
             std::copy_n(content.begin() + static_cast<i64>(offset), std::min(content.size() - offset, bufferSize),
                         buffer.begin());
     }
-    // The content from the buffer's bytes before the position.
+    // Stores the bytes before the position in the content.
     void Drain() {
         const i64 held = std::min(ptr, end);
         content.resize(std::max(content.size(), static_cast<std::size_t>(offset) + static_cast<std::size_t>(held)));
@@ -326,8 +326,8 @@ protected:
     std::string content;
 };
 
-// A file stream, opened. Its Underflow flushes, too, and neither hook reads where no data remain; one that only writes
-// is filled as well.
+// An open file stream. Its Underflow flushes, too, and neither hook reads if no data remain; the buffer is filled even
+// if the stream is opened only to write.
 class ePlainFile : public ePlainCore {
 public:
     ePlainFile(const std::string& file, const std::string& bytes, unsigned short mode)
@@ -336,7 +336,8 @@ public:
     }
 
     using ePlainStream::GetLine;
-    // Without its line ends. A line that goes on behind the buffer is brought to the buffer's start and has to fit.
+    // Returns a line without its line ends. A line that crosses the end of the buffer is moved to the buffer's start
+    // and has to fit.
     std::string GetLine() {
         std::string line;
         for (bool complete = ptr >= eos; !complete;) {
@@ -417,13 +418,13 @@ protected:
         ePlainStream::RunFlush();
         eos = std::max(eos, ptr);
     }
-    // One step.
+    // Grows by one step.
     void RunOverflow() override { Grow(bufferSize + (growBy > 0 ? growBy : bufferSize)); }
     // There is nothing to refill from.
     void RunUnderflow() override { CheckReadLocation(); }
 
 private:
-    // The data are kept, and zeros follow.
+    // Keeps the data and appends zeros.
     void Grow(u64 size) {
         buffer.resize(static_cast<std::size_t>(std::clamp(eos, i64{0}, end)));
         buffer.resize(size, 0);

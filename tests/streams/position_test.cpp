@@ -11,7 +11,7 @@
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
-// Positions that are no places in the data: what is reported there, and the way back.
+// Positions outside the data: what is reported there, and how a stream returns.
 
 using IO::eSeekDir;
 using IO::eStream;
@@ -32,7 +32,7 @@ eTexts Messages(const eReports& reports) {
     return messages;
 }
 
-// A name on disk may hold what stands for an argument in a text.
+// The file's name contains what stands for an argument in a format.
 eFile TenBytes(const eTempFolder& folder, int mode) {
     return eFile(folder.Write("a%1%b.bin", "0123456789"), mode);
 }

@@ -7,7 +7,7 @@
 
 #include "support/content.h"
 
-// A stream of the given class that shows what is kept for subclasses.
+// A stream of the given class that makes its protected members public.
 template <class Stream>
 class eProbe : public Stream {
 public:
@@ -45,7 +45,7 @@ public:
 using eFile = eFileProbe<IO::eFileStream>;
 using eFileW = eFileProbe<IO::eFileStreamW>;
 
-// A stream on the core alone, over bytes of the test's own: it counts the hooks and keeps what they do.
+// A stream on the core alone, over the test's own bytes. It counts the calls of its hooks and keeps their effect.
 class eBareStream : public IO::eStream {
 public:
     eBareStream(unsigned char* bytes, unsigned long long capacity, unsigned long long used, unsigned short mode) {
@@ -79,7 +79,7 @@ public:
     int underflows = 0;
 };
 
-// A memory stream that holds the text, at its start.
+// A memory stream that contains the text, positioned at its start.
 inline eMemory Holding(const std::string& text) {
     eMemory stream(256);
     stream.Write(text.data(), text.size());

@@ -30,7 +30,7 @@ unsigned long long Upto(eRandom& random, unsigned long long n) {
     return std::uniform_int_distribution<unsigned long long>(0, n)(random);
 }
 
-// An application's own stream, on the core alone: over content that it cuts, writes and reads as a file is.
+// An application's own stream on the core alone, over content that it truncates, writes and reads like a file.
 class eCoreStream : public IO::eStream {
 public:
     eCoreStream(std::string bytes, std::size_t capacity, unsigned short mode)
@@ -81,9 +81,10 @@ public:
     static unsigned long long BufferSizeOf(const IO::eStream& stream) { return stream.*&eInside::bufferSize; }
 };
 
-// A stream and its plain twin, operation by operation. After each one everything that can be seen is compared: state,
-// reports so far, calls of the hooks where the stream notes them, values; after a flush what has been stored. From a
-// place that is none in the data both come back. It ends where the plain steps have no bytes to go on with.
+// A stream and its plain twin, operation by operation. After each operation everything visible is compared: the state,
+// the reports so far, the calls of hooks (if the stream records them), and values; after a flush the stored content.
+// From a position outside the data both are moved back. The comparison ends when the plain steps have no bytes to
+// continue with.
 class eComparison {
 public:
     eComparison(IO::eStream& tested, ePlainStream& twin, eRandom& source, std::size_t largest)
@@ -94,7 +95,7 @@ public:
           memory(dynamic_cast<IO::eMemoryStream*>(&tested)),
           file(dynamic_cast<IO::eFileStreamBase*>(&tested)) {}
 
-    eHookCalls* calls = nullptr;         // of a stream that notes them
+    eHookCalls* calls = nullptr;         // of a stream that records them
     std::function<std::string()> stored; // what the stream has stored
 
     void Run(int steps) {
@@ -161,7 +162,7 @@ private:
             byte = static_cast<char>(random() % 7 == 0 ? '\n' : random());
         return bytes;
     }
-    // Mostly within the data, else near their end, rarely before the start.
+    // A place mostly within the data, sometimes near the end, rarely before the start.
     unsigned long long Place() {
         const unsigned long long size = plain.Size();
         if (Upto(random, 3) > 0)
@@ -247,7 +248,7 @@ private:
         CompareStored();
     }
     void CallOverflow() {
-        if (memory && plain.Size() < Upto(random, 1000)) // which else would only grow
+        if (memory && plain.Size() < Upto(random, 1000)) // which would otherwise only grow
             return;
         Note(0);
         plain.Overflow();
@@ -258,7 +259,7 @@ private:
         plain.Underflow();
         stream.Underflow();
     }
-    // What a file holds behind the data once its stream was astray is not said.
+    // After a stream has been outside its data, the content of the file past the data is unspecified.
     void CompareStored() {
         std::string actual = stored(), expected = plain.Stored();
         if (file && strayed) {
@@ -317,7 +318,7 @@ private:
         ASSERT_EQ(stream.GetLine('\n'), expected) << trace;
     }
 
-    // Of file streams alone.
+    // For file streams only.
     void GetFileLine() {
         if (!file)
             return;
@@ -326,7 +327,7 @@ private:
         ASSERT_EQ(file->GetLine(), expected) << trace;
     }
 
-    // Of memory streams alone.
+    // For memory streams only.
     void Resize() {
         if (!memory)
             return;
@@ -351,7 +352,7 @@ private:
     eRandom& random;
     std::size_t piece;
     IO::eMemoryStream* memory; // null for others
-    IO::eFileStreamBase* file; // likewise
+    IO::eFileStreamBase* file; // null for others
     const eReports reports;
     std::size_t compared = 0;
     bool strayed = false;
@@ -394,7 +395,7 @@ std::span<const eComparison::eOperation> eComparison::Operations() {
     return operations;
 }
 
-// Any call with any argument: nothing is compared, the sanitizers and the end of the buffer are the judges.
+// Makes any call with any argument. Nothing is compared: the sanitizers and the end of the buffer decide.
 void AnyCall(IO::eStream& stream, eRandom& random, std::vector<unsigned char>& block) {
     const unsigned long long wild[] = {0,        1,          2,          7,          300,          40000,
                                        0 - 1ull, 0 - 300ull, 1ull << 63, ~0ull >> 1, stream.Size()};
@@ -580,7 +581,7 @@ void CompareFileStreams() {
     }
 }
 
-// What a random copy leaves of its two streams and their files, which are one file in every fourth round.
+// The state in which a random copy leaves its two streams and their files, which are one file in every fourth round.
 template <class Stream>
 std::string CopiedBetweenFiles(int round) {
     const eTempFolder folder;
@@ -604,7 +605,7 @@ std::string CopiedBetweenFiles(int round) {
 
 } // namespace
 
-// The library's own classes have quicker ways than classes derived from them, whose hooks are called as the plain steps
+// The library's own classes have faster paths than classes derived from them, whose hooks are called as the plain steps
 // call them.
 
 TEST(RandomModel, MemoryStreamsDoWhatThePlainStepsDo) {

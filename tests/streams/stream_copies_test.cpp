@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kNew = Mode::Read | Mode::Write | Mode::Create;
 
-// Counts the blocks that are out.
+// Counts the blocks that have not been released.
 class eCounted : public eMemory {
 public:
     static inline int alive = 0;
@@ -39,7 +39,7 @@ protected:
     }
 };
 
-// For a stream over "abcdef" at its third byte.
+// For a stream over "abcdef", positioned at its third byte.
 template <class Stream>
 void ExpectKeptByAMoveOntoItself(Stream& stream) {
     const unsigned char* const bytes = stream.Buffer();

@@ -31,7 +31,7 @@ std::string Written(T value) {
     return Hex(stream);
 }
 
-// Every power of two of the width with its neighbours.
+// Every power of two of the width, and its neighbours.
 template <class T>
 std::vector<T> Landmarks() {
     std::vector<T> values = {0, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()};
@@ -218,7 +218,7 @@ TEST(TypedValues, StayWithinBuffersOfEverySmallSize) {
     }
 }
 
-// The position plus a value's length is a small number again.
+// The position plus a value's length wraps to a small number.
 TEST(TypedValues, JustBeforeTheStartTouchNothingWithOrWithoutABuffer) {
     for (unsigned long long back = 1; back <= 20; ++back) {
         const eReports reports;

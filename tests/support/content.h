@@ -4,7 +4,7 @@
 
 #include <qzl_io/streams.h>
 
-// All bytes of a stream in memory, wherever its position is.
+// All bytes of a stream in memory, whatever its position.
 inline std::string Content(const IO::eStream& stream) {
     return {reinterpret_cast<const char*>(stream.Buffer()), static_cast<std::size_t>(stream.Size())};
 }

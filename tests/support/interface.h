@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstddef>
 
-// Holds interfaces to what is stated: signatures while this compiles, the order of virtual functions when it runs.
+// Checks of interfaces: signatures at compile time, the order of virtual functions at run time.
 
 // One of the functions of that name has the signature: static_assert(Is<void (eClass::*)(int) const>(&eClass::Name)).
 template <class Signature>
@@ -12,8 +12,8 @@ consteval bool Is(Signature) {
     return true;
 }
 
-// The place of a virtual function in the table, as a pointer to it tells; -1 for any other function. The two entries of
-// a virtual destructor come first where it is declared first.
+// The index of a virtual function in the table, computed from a pointer to it; -1 for other functions. If a class
+// declares its virtual destructor first, the destructor's two entries are first in the table.
 template <class Function>
 std::ptrdiff_t Slot(Function function) {
     const auto words = std::bit_cast<std::array<std::ptrdiff_t, 2>>(function);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-// Receives the content of a JSON text in the document's order.
+// Receives the content of a JSON text in the order of the document.
 class eJsonContent {
 public:
     virtual ~eJsonContent() = default;
@@ -23,7 +23,7 @@ public:
     virtual void Null() = 0;
 };
 
-// Walks a well-formed JSON text, written for the tests so that they share nothing with the parser behind the library.
+// Walks a well-formed JSON text. It is written for the tests and shares nothing with the library's parser.
 class eJsonWalker {
 public:
     eJsonWalker(std::string_view json, eJsonContent* target) : text(json), content(*target) {
@@ -148,7 +148,7 @@ private:
         AppendUtf8(result, point);
     }
 
-    // The four digits behind "u".
+    // The four digits after "u".
     unsigned Unit() {
         unsigned unit = 0;
         const char* const digits = text.data() + 1;

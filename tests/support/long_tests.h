@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-// Whether tests that take minutes in full are to run in full.
+// Whether tests that would take minutes run in full.
 inline bool LongTests() {
     const char* wanted = std::getenv("QZL_LONG_TESTS");
     return wanted && std::string_view(wanted) == "1";

@@ -7,7 +7,8 @@
 #include <qzl_base/error.h>
 
 // Collects the reports of all threads from construction to destruction, in place of the installed handlers, which it
-// puts back. With eReports::Throws the error handler also throws eException, as the default does; otherwise it returns.
+// then restores. With eReports::Throws the error handler also throws eException, as the default does; otherwise it
+// returns.
 class eReports {
 public:
     enum eMode { Returns, Throws };
@@ -29,7 +30,7 @@ public:
     eReports(const eReports&) = delete;
     eReports& operator=(const eReports&) = delete;
 
-    // To be read while no other thread reports.
+    // May be called only while no other thread reports.
     const std::vector<xError::eReport>& errors() const { return errorReports; }
     const std::vector<xError::eReport>& warnings() const { return warningReports; }
 

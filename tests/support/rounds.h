@@ -4,8 +4,8 @@
 
 #include "long_tests.h"
 
-// The rounds of a test at random, counted from 0: up to `most` of them in a second of the processor's time, or
-// `mostInFull` in as long as they take where long tests are wanted. A slow machine sees the first of the same rounds.
+// The rounds of a random test, counted from 0: up to `most` of them within a second of processor time, or all
+// `mostInFull` if long tests are wanted. A slow machine runs the first of the same rounds.
 class eRounds {
 public:
     eRounds(unsigned most, unsigned mostInFull) : end(LongTests() ? mostInFull : most) {}

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-// Assigns a value to itself by moving, under a second name so that no compiler warns of it.
+// Move-assigns a value to itself, under a second name so that no compiler warns.
 template <class T>
 void MoveOntoItself(T& value) {
     T& same = value;

@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
-// A new empty folder of its own for one test, removed with all its content on destruction. It fails the test when the
-// content could not be removed, as when a file is still open on a system that locks open files.
+// A new empty folder for one test, removed with all its content on destruction. It fails the test if the content cannot
+// be removed, for example because a file is still open on a system that locks open files.
 class eTempFolder {
 public:
     explicit eTempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
@@ -29,13 +29,14 @@ public:
 
     const std::filesystem::path& Path() const { return path; }
 
-    // Full names with forward slashes. The folder's own ends with "/"; a name given is relative to it.
+    // The full name of a file or folder, with forward slashes; `name` is relative to this folder. The name of the
+    // folder itself ends in "/".
     std::string Name() const { return path.generic_string() + "/"; }
     std::string Name(std::string_view name) const { return Name() + std::string(name); }
     std::wstring NameW() const { return path.generic_wstring() + L"/"; }
     std::wstring NameW(std::wstring_view name) const { return NameW() + std::wstring(name); }
 
-    // Makes or replaces a file, byte for byte, in a folder that is made where it is missing, and returns its full name.
+    // Creates or replaces a file, byte for byte, and its folder if that is missing. Returns the file's full name.
     std::string Write(std::string_view name, std::string_view bytes) const {
         std::filesystem::create_directories((path / name).parent_path());
         std::ofstream file(path / name, std::ios::binary | std::ios::trunc);
@@ -44,7 +45,7 @@ public:
         return Name(name);
     }
 
-    // All bytes of a file; fails the test when it cannot be read.
+    // All bytes of a file; fails the test if the file cannot be read.
     std::string Read(std::string_view name) const {
         std::ifstream file(path / name, std::ios::binary | std::ios::ate);
         EXPECT_TRUE(file) << name;

@@ -1,4 +1,4 @@
 #pragma once
 
-// True under Wine, which lacks some of what Windows does; a check that stands on that is skipped there alone.
+// True under Wine, which lacks parts of Windows; a check that needs such a part is skipped only there.
 bool IsUnderWine();

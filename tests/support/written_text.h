@@ -7,7 +7,7 @@
 
 #include "content.h"
 
-// What a writer with the given current keyword table hands to its target after the calls of `write`.
+// The text that a writer with the given current keyword table passes to its target after the calls of `write`.
 template <class eWrite>
 std::string WrittenText(eSDLKeyword* table, const eWrite& write) {
     IO::eMemoryStream target;

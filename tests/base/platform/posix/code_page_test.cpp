@@ -1,4 +1,4 @@
-// Code pages of the system, whose converters are files, while it has no descriptors or no memory left.
+// Code pages of the system, whose converters are files, when no descriptors or no memory are left.
 #include <qzl_base/convert.h>
 
 #include <cerrno>
@@ -20,7 +20,7 @@ namespace {
 
 constexpr char kError[] = "The system has no file descriptor for a code page!";
 
-// Cyrillic in code page 866.
+// Cyrillic letters in code page 866.
 const std::string narrow = "\x80\x81";
 const std::wstring wide = L"\u0410\u0411";
 
@@ -58,7 +58,7 @@ protected:
 } // namespace
 
 TEST(CodePages, LoseNothingForGoodWhenDescriptorsRunOut) {
-    const pid_t child = fork(); // a process that has not yet asked for any page
+    const pid_t child = fork(); // a process that has not used any page yet
     if (child == 0) {
         const eReports reports;
         bool right = true;

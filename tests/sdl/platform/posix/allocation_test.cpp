@@ -11,7 +11,7 @@
 
 namespace {
 
-// How many allocations of this thread are still to succeed before one fails, or all; -1: every one succeeds.
+// The number of this thread's allocations that succeed before one (or all) fails; -1: none fails.
 thread_local long long allocationsLeft = -1;
 thread_local bool failsForGood = false;
 thread_local bool failed = false;
@@ -31,7 +31,7 @@ bool Fails() {
 
 } // namespace
 
-// For the whole program, the libraries included.
+// These operators serve the whole program, the libraries included.
 [[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return Fails() ? nullptr : std::malloc(size > 0 ? size : 1);
 }
@@ -59,7 +59,7 @@ namespace {
 
 class Allocations : public testing::TestWithParam<bool> {
 protected:
-    // Converts with a failure at each allocation in turn, until a conversion meets none.
+    // Converts with a failure at each allocation in turn, until a conversion has no failure.
     void FailEach(const std::string& json, bool convertible) {
         const eFileName input(folder.Write("in.json", json));
         const eFileName output(folder.Name("out.sdl"));

@@ -11,7 +11,7 @@
 #include "support/temp_folder.h"
 
 TEST(JsonFile, ThatCannotBeReadToItsEndIsNotParsed) {
-    // The system says that it is a page long, whatever it holds.
+    // The system says that this file is a page long, whatever it contains.
     const std::string shorter = "/sys/devices/system/cpu/online";
     std::error_code error;
     if (std::filesystem::file_size(shorter, error) < 1000 || error)

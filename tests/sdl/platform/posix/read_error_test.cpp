@@ -33,7 +33,7 @@ int TokensIn(eSDLReader reader) {
     return tokens;
 }
 
-// Lets each read of the action fail once, one after another, and gives the number of failures.
+// Makes each read of the action fail once, one after another, and returns the number of failures.
 int FailEachRead(const std::function<void()>& action) {
     for (int failures = 0;; ++failures) {
         const eFault fault("pread", EIO, failures + 1);
@@ -43,7 +43,7 @@ int FailEachRead(const std::function<void()>& action) {
     }
 }
 
-// A load gives the number of tokens read. A failure of the read that finds the end of the file loses nothing.
+// `load` returns the number of tokens read. If the read that finds the end of the file fails, nothing is lost.
 void ExpectReported(const std::function<int()>& load, const std::string& name) {
     const int all = load();
     int reported = 0;
@@ -127,7 +127,7 @@ TEST_F(ReadErrors, EndAConversionWithOneWarning) {
 }
 
 TEST_F(ReadErrors, AFileThatEndsEarlyIsOneWithoutAReasonOfTheSystems) {
-    // The system says that it is a page long, whatever it holds.
+    // The system says that this file is a page long, whatever it contains.
     const std::string shorter = "/sys/devices/system/cpu/online";
     std::error_code error;
     if (std::filesystem::file_size(shorter, error) < 1000 || error)

@@ -1,4 +1,4 @@
-// What becomes of a copy's target here: its permissions, links that lead to it, other names, kinds of files, holes.
+// The target of a copy on this system: permissions, links to it, other names, kinds of files, holes.
 #include <atomic>
 #include <chrono>
 #include <filesystem>

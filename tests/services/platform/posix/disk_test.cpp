@@ -1,4 +1,4 @@
-// The unit under test is compiled here, so that it can be led through a tree of devices that the test makes.
+// The unit under test is compiled here, over a tree of devices that the test creates.
 #define AskDiskSerial AskDiskSerialHere
 #include "platform/posix/disk.cpp"
 #undef AskDiskSerial
@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-// Devices as the system shows them: a disk with its partitions in it, layers that name what they stand on.
+// Devices as the system shows them: a disk contains its partitions, and layers name the devices below them.
 class Disk : public testing::Test {
 protected:
     void MakeLayer(std::string_view layer, std::string_view lower) const {

@@ -1,4 +1,4 @@
-// The units under test are compiled here under other names, over a machine of the test's own.
+// The units under test are compiled here under other names, over the test's own machine.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -109,7 +109,7 @@ struct eLastAsker {
 };
 
 TEST(MachineFacts, AreThereForTheDestructorsOfStaticObjects) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process of its own, where nothing has been asked for yet
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // in a new process, which has not queried any fact
     const auto askAndLeave = [] {
         static const eLastAsker asker;
         System::WindowsVersion();

@@ -1,5 +1,5 @@
-// The units under test are compiled here, so that a folder can be exchanged between any two of their steps, and with
-// listings that do not tell what their entries are, as those of some file systems.
+// The units under test are compiled here, so that a folder can be replaced between any two of their steps, and with
+// listings that do not tell the kind of their entries, as on some file systems.
 #include <cerrno>
 #include <filesystem>
 #include <functional>
@@ -181,7 +181,7 @@ TEST_F(OpenedFolder, IsSearchedRightlyWhereTheListingDoesNotTellWhatAnEntryIs) {
               attributes);
 }
 
-// As file systems do that came from elsewhere.
+// Some file systems from elsewhere do not support links.
 TEST_F(OpenedFolder, CopiesTheContentOfFileLinksWhereNoLinksCanBeMade) {
     fs::create_directory(temp.Path() / "outside/inner");
     fs::create_symlink("../outside/file", temp.Path() / "from/to file");

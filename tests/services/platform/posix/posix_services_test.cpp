@@ -21,7 +21,7 @@
 
 #include "../../real_tree.h"
 
-// What only this system can do to a tree: symbolic links, permissions, pipes, names that are no text.
+// Trees with features of this system: symbolic links, permissions, pipes, names that are not text.
 namespace {
 
 namespace fs = std::filesystem;
@@ -158,9 +158,9 @@ TYPED_TEST(PosixServices, ALinkThatVanishesBeforeItIsAskedAboutIsAFileWithoutSiz
     EXPECT_EQ(IO::eFileTime(), search.ModifyTime());
 }
 
-// --- A folder exchanged for a link while a walk is in it ---
+// --- A folder replaced by a link while a walk is in it ---
 
-// Exchanges the folder and a link to the outside as fast as it can, for as long as it lives.
+// Exchanges the folder and a link to the outside as fast as possible during its lifetime.
 class eExchanger {
 public:
     eExchanger(const fs::path& folder, const fs::path& link)
@@ -249,7 +249,7 @@ TYPED_TEST(PosixServices, PurgingLeavesALinkToAFolderAlone) {
 
 // --- Depth and descriptors ---
 
-// Makes folders within folders, where names would be too long.
+// Creates nested folders whose full names would be too long.
 void MakeDeep(const fs::path& root, int depth) {
     fs::create_directories(root);
     int folder = ::open(root.c_str(), O_RDONLY | O_DIRECTORY);

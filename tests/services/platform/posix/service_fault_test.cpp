@@ -1,6 +1,5 @@
-// Every call that an operation makes of the system fails once, in turn, with each of several errors. Whatever the
-// operation then does, it touches nothing outside, leaves nothing of its own behind and takes targets as a whole or
-// not.
+// Every system call of an operation fails once, in turn, with each of several errors. Whatever the operation then does,
+// it touches nothing outside, leaves no temporary files behind, and replaces a target completely or not at all.
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -26,7 +25,7 @@ namespace fs = std::filesystem;
 
 constexpr int kErrors[] = {EINTR, EIO, ENOSPC, EACCES, ENOMEM, EMFILE};
 
-// A folder in memory where there is one: the trees are made anew for every call, thousands of times.
+// A folder in memory if there is one: the trees are created anew for every call, thousands of times.
 fs::path FastFolder() {
     const fs::path memory = "/dev/shm";
     return ::access(memory.c_str(), R_OK | W_OK | X_OK) == 0 ? memory : fs::temp_directory_path();
@@ -49,8 +48,8 @@ protected:
             fs::remove_all(entry);
     }
 
-    // Makes everything anew, runs the operation with one call failing and looks at what is left; for every call and
-    // every error. After an interruption, and where no call failed, all is to be done.
+    // For every call and every error, creates everything anew, runs the operation with this call failing, and checks
+    // what is left. After an interruption, and if no call failed, the operation must be complete.
     void Sweep(const std::function<void()>& make, const std::function<void()>& operation,
                const std::function<void(bool done)>& look) {
         for (const int error : kErrors) {
@@ -177,7 +176,7 @@ const eNames outside = {"empty/", "file", "sub/", "sub/empty/"};
 template <class Width>
 class TreeFault : public ServiceFault<Width> {
 protected:
-    // A tree with links that lead out of it, and what they lead to.
+    // A tree with links that lead out of it, and their targets.
     void MakeTrees() const {
         this->MakeFile("outside/file", "precious");
         this->MakeFolder("outside/empty");
@@ -191,7 +190,7 @@ protected:
         this->MakeLink("../../outside/file", "root/sub/to file");
         this->MakeFile("to/old/file", "old");
         this->MakeLink("../outside", "to/sub");
-        // What somebody puts in the place of a folder.
+        // The link that replaces a folder.
         this->MakeLink("outside", "link");
         this->MakeLink("../outside", "root/link");
     }
@@ -201,7 +200,7 @@ protected:
         EXPECT_EQ("precious", this->Content("outside/file"));
     }
 
-    // Every file of a copy is whole, and nothing is there that the source has not.
+    // Every file of a copy is complete, and the copy has no file that the source lacks.
     void LookAtCopy(const eNames& source) const {
         for (const std::string& name : this->Tree("to")) {
             EXPECT_NE(source.end(), std::find(source.begin(), source.end(), name)) << name;
@@ -211,8 +210,7 @@ protected:
         }
     }
 
-    // Exchanges a folder for a link to the outside just before the operation's first call of the system, its second and
-    // so on.
+    // Replaces a folder by a link to the outside just before the operation's first system call, its second and so on.
     void SweepExchanges(const std::function<void()>& operation) {
         const std::pair<const char*, const char*> exchanges[] = {
             {"root", "link"}, {"root/sub", "root/link"}, {"root/half", "root/link"}, {"to", "link"}};

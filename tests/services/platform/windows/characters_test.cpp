@@ -21,7 +21,7 @@ Text Lowered(Text text) {
     return text;
 }
 
-// The run-time's locale, put back on destruction.
+// Saves the run-time's locale, and restores it on destruction.
 class eLocale {
 public:
     explicit eLocale(const char* name) : before(std::setlocale(LC_ALL, nullptr)) {
@@ -66,7 +66,7 @@ TEST(LowerCase, LeavesTheHalvesOfDoubleByteCharacters) {
                                   "A")));
 }
 
-// The run-time's code page for file names, put back on destruction.
+// Saves the run-time's code page for file names, and restores it on destruction.
 class eNameCodePage {
 public:
     explicit eNameCodePage(int page) { known = ::_setmbcp(page) == 0; }

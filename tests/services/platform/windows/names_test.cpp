@@ -16,8 +16,8 @@
 
 #include "../../real_tree.h"
 
-// Names that make trouble on this system alone: longer than its calls have room for, with a dot or a blank at the end,
-// taken for devices, outside the code page.
+// Names that are special on this system: too long for its functions, ending in a dot or a blank, naming devices,
+// outside the code page.
 namespace {
 
 template <class Text>
@@ -28,7 +28,7 @@ Text Repeated(const Text& part, int times) {
     return text;
 }
 
-// A test's own folder, seen by way of extended names alone.
+// A test's own folder, seen only through extended names.
 template <class Width>
 class WindowsNames : public eRealTree<Width> {
 protected:
@@ -59,7 +59,7 @@ protected:
         ::CloseHandle(file);
     }
 
-    // "(none)" where there is no such file.
+    // The content of a file; "(none)" if there is no such file.
     std::string Content(std::wstring_view relative) const {
         const HANDLE file =
             ::CreateFileW(OnDisk(relative).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -92,9 +92,9 @@ bool IsInNarrowCodePage(const std::wstring& text) {
     return !replaced;
 }
 
-const std::wstring slashLike = L"..\xFF0F"; // a full-width slash, the best fit for which is a slash
+const std::wstring slashLike = L"..\xFF0F"; // a full-width slash, whose best fit is a slash
 const std::wstring sun = L"\x65E5";
-const std::wstring cAcute = L"\x0107"; // the best fit for which is "c"
+const std::wstring cAcute = L"\x0107"; // whose best fit is "c"
 const std::wstring eAcute = L"\x00E9";
 
 TYPED_TEST(WindowsNames, DeletionRemovesNamesOutsideTheCodePageAndNothingInTheirStead) {
@@ -226,7 +226,7 @@ TEST_F(NarrowSearch, IsNotWhatTreesAreWalkedBy) {
     EXPECT_FALSE(Stands(L"to"));
 }
 
-// Another code page for narrow names.
+// Sets another code page for narrow names.
 UINT namesPage;
 decltype(&::MultiByteToWideChar) systemsWiden;
 decltype(&::WideCharToMultiByte) systemsNarrow;
@@ -270,7 +270,7 @@ TEST_F(Utf8Names, ThatAreIllFormedNameNothing) {
 
 decltype(&::FindFirstFileW) systemsFirstListed;
 
-// Gives every entry a name that no text has.
+// Gives every entry a name that is not valid text.
 HANDLE WINAPI FirstWithLoneSurrogate(LPCWSTR pattern, LPWIN32_FIND_DATAW found) {
     const HANDLE search = systemsFirstListed(pattern, found);
     found->cFileName[0] = 0xD800;
@@ -285,12 +285,12 @@ TEST_F(Utf8Names, AreNotThoseWithALoneSurrogate) {
     EXPECT_TRUE(IO::eSearchW(eFileNameW(this->temp.NameW(L"root/tree/")), L"file").Valid());
 }
 
-// Of Japanese Windows, where the second half of a character may look like a slash.
+// Names of Japanese Windows, where the second byte of a character may look like a slash.
 using JapaneseNames = NamesOfPage<932>;
 
 TEST_F(JapaneseNames, AreFoundAndOpenedByTheirBytes) {
     this->Make(L"tree/" + sun + L".txt", "1");
-    this->Make(L"tree/\x30DD", "22"); // its second half is a vertical bar
+    this->Make(L"tree/\x30DD", "22"); // its second byte is a vertical bar
     EXPECT_EQ((std::map<std::string, unsigned long long>{{"\x93\xFA.txt", 1}, {"\x83|", 2}}),
               Found<IO::eSearch>(Below("tree/"), std::string("*.*")));
     EXPECT_EQ(1u, IO::System::File::Size(Below("tree/\x93\xFA.txt")));
@@ -298,8 +298,8 @@ TEST_F(JapaneseNames, AreFoundAndOpenedByTheirBytes) {
 }
 
 TEST_F(JapaneseNames, WithAHalfThatAFileNameWouldTurnAreGivenByTheirShortNames) {
-    this->Make(L"tree/\x8868.txt", "1");  // its second half is a back slash
-    this->Make(L"tree/\x00A5.txt", "22"); // the best fit for which is a back slash
+    this->Make(L"tree/\x8868.txt", "1");  // its second byte is a backslash
+    this->Make(L"tree/\x00A5.txt", "22"); // its best fit is a backslash
     const auto found = Found<IO::eSearch>(Below("tree/"), std::string("*.*"));
     for (const auto& [name, size] : found) {
         EXPECT_EQ(name.npos, name.find_first_of("\\/")) << name;
@@ -366,7 +366,7 @@ TEST(WorkingDirOutsideTheCodePage, HoldsShortNamesOrIsEmpty) {
 TYPED_TEST(WindowsNames, ForABareDriveNothingIsDone) {
     this->Make(L"other/file", "other");
     const eStrictNames strict;
-    const typename TypeParam::Name bare(TypeParam::Of("1:")); // nobody has such a drive, should something be done
+    const typename TypeParam::Name bare(TypeParam::Of("1:")); // a drive that nobody has, should the test fail
     TypeParam::Delete(bare, true);
     TypeParam::Delete(bare, false);
     TypeParam::Copy(this->Below(TypeParam::Of("other")), bare);
@@ -515,7 +515,7 @@ TYPED_TEST(WindowsNames, ShortOnesReachTheSystemAsTheyAre) {
     }
 }
 
-// What the system knows as the current folder, put back on destruction.
+// Saves the system's current folder, and restores it on destruction.
 class eCurrentFolder {
 public:
     explicit eCurrentFolder(const std::wstring& folder) : before(std::filesystem::current_path()) {
@@ -540,7 +540,7 @@ TYPED_TEST(WindowsNames, RelativeOnesAreCountedFromTheCurrentFolder) {
     for (const std::string& start : {std::string(), drive + ":", "/" + rooted + "/"})
         for (const std::string& name : {longName, odd}) {
             const auto relative = TypeParam::Of(start + name);
-            // Walks that would make the root first are refused.
+            // Walks that would create the root first are refused.
             EXPECT_EQ(!start.starts_with('/'), TypeParam::Create(relative + TypeParam::Of("/sub"))) << start;
             this->Make(folder + L"/" + eWide::Of(name) + L"/sub/", "");
             EXPECT_TRUE(TypeParam::MayAccess(relative, 0)) << start;

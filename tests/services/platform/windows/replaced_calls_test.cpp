@@ -13,21 +13,20 @@
 
 #include "../../real_tree.h"
 
-// What Windows says on machines that people have and Wine never says: the library's calls go to a stand-in that says
-// it.
+// Answers that Windows gives on real machines and Wine never gives: the library's calls go to a stand-in.
 namespace {
 
 constexpr const char* kLibrary = "qzl_io.dll";
 
 enum class eCall { Any, DeleteFile, RemoveDirectory, CreateDirectory, CopyFile, CreateFile };
 
-// What the stand-ins say. A call for a name that holds `part` fails `times` times.
+// The answers of the stand-ins. A call for a name that contains `part` fails `times` times.
 struct eSystem {
     eCall call = eCall::Any;
     std::wstring part;
     DWORD error = 0;
     int times = 0;
-    int calls = 0; // for that name, whether they failed or not
+    int calls = 0; // for that name, whether they fail or not
 
     bool numbersFolders = true;
     bool tellsFinalNames = true;
@@ -119,7 +118,7 @@ TEST_F(BusySystem, DeletionTriesAgainWhatIsRefusedForAMoment) {
     }
 }
 
-// What Windows shows of a file whose deletion is not through: access is denied to everybody, its attributes included.
+// Windows denies all access to a file whose deletion is not complete, even to its attributes.
 decltype(&::GetFileAttributesW) systemsAttributes;
 DWORD WINAPI AttributesInstead(LPCWSTR name) {
     if (std::wstring_view(name).find(theSystem.part) == std::wstring_view::npos || theSystem.times == 0)
@@ -168,7 +167,7 @@ TEST_F(BusySystem, AReadOnlyFileStaysAndIsNotTriedAgain) {
     Delete("root");
     EXPECT_EQ((eNames{"a/", "a/b/", "a/b/kept"}), Tree("root"));
     EXPECT_TRUE(::GetFileAttributesW(At("root/a/b/kept").c_str()) & FILE_ATTRIBUTE_READONLY);
-    // The file once; "b", "a" and the root once as folders, and the first two once more as what could be links.
+    // The file once; "b", "a" and the root once as folders, and the first two once more as possible links.
     EXPECT_EQ(1 + 3 + 2, theSystem.calls);
     ::SetFileAttributesW(At("root/a/b/kept").c_str(), FILE_ATTRIBUTE_NORMAL);
 }
@@ -324,7 +323,7 @@ TEST_F(ReparsePoints, AreLinksToASearchWhereTheirTagSaysSo) {
     }
 }
 
-// --- Links that an ordinary account may not make ---
+// --- Links that an ordinary account may not create ---
 
 decltype(&::CopyFileExW) systemsCopyFileEx;
 BOOL WINAPI CopyFileExInstead(LPCWSTR from, LPCWSTR to, LPPROGRESS_ROUTINE progress, LPVOID data, LPBOOL cancel,
@@ -408,7 +407,7 @@ decltype(&::GetFileInformationByHandleEx) systemsLargeNumbers;
 BOOL WINAPI LargeNumbersInstead(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, LPVOID told, DWORD size) {
     if (kind != FileIdInfo)
         return systemsLargeNumbers(file, kind, told, size);
-    // Two folders of one name differ in the upper half alone.
+    // Two folders with this name differ only in the upper half of their numbers.
     const std::wstring name = OpenedName(file);
     auto* const id = static_cast<FILE_ID_INFO*>(told);
     *id = {};
@@ -425,7 +424,7 @@ TEST_F(Unnumbered, LargeNumbersTellFoldersApartWhereThereAreSuch) {
     EXPECT_EQ((eNames{"new/", "new/sub/", "new/sub/file", "sub/", "sub/file"}), Tree("root"));
 }
 
-// --- What is asked of the system, and what is not ---
+// --- System calls that are made, and calls that are not ---
 
 std::vector<std::wstring> theFolders;
 

@@ -14,7 +14,7 @@
 
 #include "../../real_tree.h"
 
-// Whether the system could show a dialog while the library asks it for something by a name.
+// Whether the system could show a dialog when the library passes it a name.
 namespace {
 
 constexpr const char* kLibrary = "qzl_io.dll";
@@ -26,7 +26,7 @@ void Look() {
     ++((::GetThreadErrorMode() & SEM_FAILCRITICALERRORS) != 0 ? quietCalls : askingCalls);
 }
 
-// A call of the library's that looks at the thread's error mode before it goes on to the system.
+// A replaced call of the library that checks the thread's error mode before it calls the system.
 template <int number, class Call>
 class eWatched;
 template <int number, class Result, class... Arguments>
@@ -113,7 +113,7 @@ TYPED_TEST(UnattendedCalls, ChangeTheModeOnceForAWholeTree) {
     EXPECT_EQ(2, modeChanges);
 }
 
-// What the run-time does by calls of its own can be seen by the mode's changes alone.
+// Calls that the run-time makes can be observed only by the changes of the mode.
 TYPED_TEST(UnattendedCalls, AskForAccessOpenAndRenameFilesSo) {
     this->MakeFile("file", "12345");
     EXPECT_TRUE(TypeParam::MayAccess(this->Named("file"), 0));

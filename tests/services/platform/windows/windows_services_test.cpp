@@ -11,7 +11,7 @@
 
 #include "../../real_tree.h"
 
-// What only this system can do to a tree: attributes, locks, junctions and other reparse points.
+// Trees with features of this system: attributes, locks, junctions and other reparse points.
 namespace {
 
 std::string UnixName(const std::filesystem::path& path) {
@@ -30,7 +30,7 @@ bool IsShownAsLink(const std::filesystem::path& name) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
-// A program of the system below Wine.
+// Runs a program of the system below Wine.
 void RunBelowWine(const std::wstring& program, const std::vector<std::string>& arguments) {
     std::wstring command = L"\\\\?\\unix\\bin\\" + program;
     for (const std::string& argument : arguments)
@@ -50,8 +50,8 @@ void WaitUntil(const std::function<bool()>& reached) {
         ::Sleep(10);
 }
 
-// Makes links to folders and removes those that are left. Wine makes none itself, but shows those of the system below
-// it as reparse points.
+// Creates links to folders and removes those that are left. Wine creates none itself, but shows those of the system
+// below it as reparse points.
 class eFolderLinks {
 public:
     eFolderLinks() = default;

@@ -1,4 +1,4 @@
-// What file streams make of a system that fails now and then, or that would have them wait.
+// File streams on a system that fails now and then, or that would make them wait.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -114,7 +114,7 @@ TEST_F(FileFault, AnInterruptedCallIsMadeAgain) {
     }
 }
 
-// --- Files that others are to be waited for ---
+// --- Files that would block until another process acts ---
 
 TEST_F(FilePipe, IsNotOpenedForReadingWithOrWithoutAWriter) {
     const int before = OpenDescriptors();
@@ -172,11 +172,11 @@ TEST(FileDevice, AFileThatShowsNoSizeIsOpened) {
     EXPECT_TRUE(IO::eFileStream(eFileName("/proc/self/status"), Mode::Read).IsOpen());
 }
 
-// --- A lease: whoever opens the file waits until its holder has given it back ---
+// --- A lease: opening the file blocks until the holder releases it ---
 
 namespace {
 
-// Holds a lease on the file in a process of its own, which gives it back a moment after it is asked to.
+// Holds a lease on the file in a separate process, which releases it a moment after the request.
 class eLeaseHolder {
 public:
     explicit eLeaseHolder(const std::string& name) {

@@ -17,7 +17,7 @@ struct eSystem {
     int interruptions = 0;              // calls that are interrupted before one is served
     std::size_t most = ~std::size_t{0}; // bytes served by one call
     std::size_t room = ~std::size_t{0}; // bytes of the file before the disk is full
-    bool sequential = false;            // no positions
+    bool sequential = false;            // the file has no positions
     int calls = 0;
     std::string file;
     std::string stream;

@@ -12,7 +12,7 @@
 #include <support/reports.h>
 #include <support/temp_folder.h>
 
-// Files as streams by names that make trouble on this system alone.
+// File streams with names that are special on this system.
 namespace {
 
 template <class Stream>

@@ -8,7 +8,8 @@
 
 inline constexpr int kHeldInChild = 0;
 
-// Runs in a child whom permissions bind, and gives its exit status. The work must not use the test framework.
+// Runs the work in a child process that is subject to permissions, and returns its exit status. The work must not use
+// the test framework.
 inline int AsNobody(const std::function<int()>& work) {
     constexpr uid_t kNobody = 65534;
     const pid_t child = ::fork();

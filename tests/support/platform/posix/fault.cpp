@@ -66,8 +66,8 @@ bool eFault::ReachesLibraries() {
     return watch.Calls() != 0;
 }
 
-// Each function stands under the system's name, and under one of its own here, so that it need not agree with what the
-// system's headers say of exceptions and attributes.
+// Each function is defined under the system's name and under a local one, so that it need not match the exceptions and
+// attributes that the system's headers declare.
 #define WATCHED(result, name, parameters, ...)                                                                         \
     extern "C" [[gnu::visibility("default")]] result Watched_##name parameters __asm__(#name);                         \
     result Watched_##name parameters {                                                                                 \

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-// How many descriptors this process holds.
+// The number of open descriptors of this process.
 inline int OpenDescriptors() {
     int count = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))

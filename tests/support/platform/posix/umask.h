@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-// The process's umask for as long as it lives.
+// Sets the process's umask for the object's lifetime.
 class eUmask {
 public:
     explicit eUmask(mode_t mask) : before(::umask(mask)) {}

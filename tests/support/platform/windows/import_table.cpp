@@ -8,7 +8,7 @@
 
 namespace {
 
-// Where a loaded module's bytes are, by their distance from its start.
+// The bytes of a loaded module, by their offset from its start.
 class eModuleBytes {
 public:
     explicit eModuleBytes(HMODULE module) : start(reinterpret_cast<BYTE*>(module)) {}
@@ -29,7 +29,7 @@ const IMAGE_IMPORT_DESCRIPTOR* FirstImported(const eModuleBytes& bytes) {
     return bytes.At<const IMAGE_IMPORT_DESCRIPTOR>(table.VirtualAddress);
 }
 
-// Null when the module does not import the call by name.
+// Null if the module does not import the call by name.
 void** PlaceOf(const eModuleBytes& bytes, std::string_view call) {
     for (const auto* from = FirstImported(bytes); from->Name != 0; ++from) {
         const auto* name = bytes.At<const IMAGE_THUNK_DATA64>(from->OriginalFirstThunk);
@@ -50,7 +50,7 @@ void** FindPlace(const char* module, const char* call) {
     return place;
 }
 
-// The system keeps the table from being written to.
+// The system protects the table against writing.
 void* Exchange(void** place, void* function) {
     DWORD protection = 0;
     if (!::VirtualProtect(place, sizeof(*place), PAGE_READWRITE, &protection))

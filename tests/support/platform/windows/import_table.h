@@ -1,10 +1,10 @@
 #pragma once
 
-// A place in a loaded module's import table that holds another function during the object's life.
+// Puts another function into a loaded module's import table for the object's lifetime.
 class eReplacedImport {
 public:
-    // Throws std::runtime_error when the module is not loaded or does not import the call by name, so that a test never
-    // passes for want of a replacement. `*original`, which must outlive every call, is what stood there.
+    // Throws std::runtime_error if the module is not loaded or does not import the call by name, so that a test never
+    // passes without its replacement. `*original` receives the previous function and must outlive every call.
     eReplacedImport(const char* module, const char* call, void* replacement, void** original);
     ~eReplacedImport();
     eReplacedImport(const eReplacedImport&) = delete;
@@ -15,14 +15,15 @@ private:
     void* replaced;
 };
 
-// Lets a module's calls of a system function go to one of the test's, for the life of the object and on all threads:
+// Redirects a module's calls of a system function to a function of the test, for the object's lifetime and on all
+// threads:
 //
 //     decltype(&::DeleteFileW) systemsDelete;
 //     BOOL WINAPI Refuse(LPCWSTR) { ::SetLastError(ERROR_SHARING_VIOLATION); return FALSE; }
 //     ...
 //     const eReplacedCall refusing("qzl_io.dll", "DeleteFileW", &Refuse, &systemsDelete);
 //
-// The replacement reaches the system's function by the pointer. Replacements of one call nest like scopes.
+// The replacement calls the system's function through the pointer. Replacements of one call nest like scopes.
 template <class Call>
 class eReplacedCall {
 public:

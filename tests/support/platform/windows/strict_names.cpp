@@ -12,9 +12,9 @@
 namespace {
 
 constexpr char kLibrary[] = "qzl_io.dll";
-constexpr char kRunTime[] = "msvcrt.dll"; // has the access test, which is not reached by way of an import table
-constexpr std::size_t kFileRoom = 260;    // with the zero
-constexpr std::size_t kFolderRoom = 248;  // likewise
+constexpr char kRunTime[] = "msvcrt.dll"; // contains the access test, which is not called through an import table
+constexpr std::size_t kFileRoom = 260;    // with the terminating zero
+constexpr std::size_t kFolderRoom = 248;  // with the terminating zero
 
 std::vector<std::wstring> given;
 
@@ -43,7 +43,7 @@ bool Passes(const wchar_t* name, std::size_t room = kFileRoom) {
     return passes;
 }
 
-// Each call of the system as it was before, and what stands in for it.
+// Each system call as it was before, and its replacement.
 decltype(&::CreateDirectoryW) makeFolder;
 decltype(&::RemoveDirectoryW) removeFolder;
 decltype(&::CreateFileW) createFile;

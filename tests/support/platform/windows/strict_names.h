@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// While one lives, the library's calls refuse what Windows refuses and Wine lets pass: plain names too long for the
-// call, and "\\?\" names that are not in the form on disk ("/" or "." or ".." in them). All names are kept, in order.
+// During its lifetime, the library's calls refuse what Windows refuses and Wine accepts: plain names too long for the
+// call, and "\\?\" names that are not in the form on disk (with "/" or "." or ".."). It records all names, in order.
 class eStrictNames {
 public:
     eStrictNames();
