@@ -64,7 +64,8 @@ public:
         // Writes the character of a token type: sdlBlockStart, sdlBlockEnd, sdlOpen or sdlClose. Any other type writes
         // nothing.
         virtual void WriteControl(int code) = 0;
-        // Writes a word. `id` is that of the keyword, or -1 for other words.
+        static constexpr int kNoKeyword = -1;
+        // Writes a word. `id` is that of the keyword, or kNoKeyword for other words.
         virtual void WriteIdent(const char* name, int id) = 0;
         // Writes "#" and the text: directly after a block's opening, the block's mark. An empty text writes nothing.
         virtual void WriteHashed(const char* text) = 0;

@@ -70,7 +70,7 @@ const char* TakeDigits(const char* at, const char* end, std::uint64_t* value) {
 constexpr std::array kPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kMostPower = static_cast<int>(kPowers.size()) - 1;
-constexpr std::ptrdiff_t kMostDigits = 15; // of any integer that a double holds exactly
+constexpr std::ptrdiff_t kExactDigits = 15; // of any integer that a double holds exactly
 
 // digits * 10^exponent as the nearest float. False when rounding to a double has hidden which one that is: when the
 // double lies just between two floats.
@@ -111,7 +111,7 @@ const char* TakeOrdinary(float* value, const char* begin, const char* end) {
         count += at - fraction;
         exponent = static_cast<int>(fraction - at);
     }
-    if (count == 0 || count > kMostDigits)
+    if (count == 0 || count > kExactDigits)
         return nullptr;
     if (at != end && (*at | 0x20) == 'e') {
         at = TakeExponent(at + 1, end, &exponent);

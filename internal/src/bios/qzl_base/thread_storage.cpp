@@ -10,8 +10,10 @@
 
 namespace {
 
+namespace StorageReport {
 constexpr const char* kSource = "internal/include/qzl_base/thread_storage";
-constexpr int kLineOverflow = 20;
+constexpr int kOverflowLine = 20;
+} // namespace StorageReport
 
 } // namespace
 
@@ -31,7 +33,8 @@ eThreadIndex::eThreadIndex() {
     unsigned long code = 0;
     allocated = platform::TakeThreadSlot(&index, &code);
     if (!allocated)
-        xError::Error(kSource, kLineOverflow, format("Thread Storage Overflow : %1%") % code, true);
+        xError::Error(StorageReport::kSource, StorageReport::kOverflowLine,
+                      format("Thread Storage Overflow : %1%") % code, true);
 }
 
 eThreadIndex::~eThreadIndex() {

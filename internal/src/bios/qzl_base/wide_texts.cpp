@@ -11,9 +11,11 @@
 
 namespace {
 
+namespace CodePageReport {
 constexpr char kSource[] = "internal/src/bios/qzl_base/wide_texts";
 constexpr int kNotOpenedLine = 10;
 constexpr char kNotOpened[] = "The system has no file descriptor for a code page!";
+} // namespace CodePageReport
 
 constexpr int kUtf8 = 65001;
 constexpr int kWindows1252 = 1252;
@@ -72,7 +74,7 @@ std::string NarrowAscii(std::wstring_view text) {
 bool OpenPage(int codePage, std::unique_ptr<platform::eCodePage>* page) {
     const bool told = platform::OpenCodePage(codePage, page);
     if (!told)
-        xError::Error(kSource, kNotOpenedLine, kNotOpened, true);
+        xError::Error(CodePageReport::kSource, CodePageReport::kNotOpenedLine, CodePageReport::kNotOpened, true);
     return told;
 }
 

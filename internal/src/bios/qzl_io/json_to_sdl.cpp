@@ -21,15 +21,14 @@
 
 namespace {
 
+namespace ConversionReport {
 constexpr const char* kSource = "internal/src/bios/qzl_io/json_to_sdl";
-
 constexpr int kNumberLine = 20;
 constexpr int kValueTypeLine = 40;
 constexpr int kReadingLine = 60;
 constexpr int kWalkingLine = 80;
 constexpr int kWritingLine = 100;
-
-constexpr int kNoKeyword = -1;
+} // namespace ConversionReport
 
 using web::json::value;
 
@@ -160,7 +159,8 @@ void eJsonWalk::WriteJsonNumber(const web::json::number& number) {
     } else if (IsShort(number)) {
         text.WriteInt(number.to_int32());
     } else {
-        xError::Warning(kSource, kNumberLine, "Json number not parsed correctly.", 0);
+        xError::Warning(ConversionReport::kSource, ConversionReport::kNumberLine, "Json number not parsed correctly.",
+                        0);
         text.WriteInt(0);
     }
 }
@@ -171,7 +171,7 @@ void eJsonWalk::WriteJsonObject(web::json::object* object) {
         const value::value_type type = member.type();
         BeginItem();
         text.WriteControl(sdlBlockStart);
-        text.WriteIdent(JsonTextToUtf8(name).c_str(), kNoKeyword);
+        text.WriteIdent(JsonTextToUtf8(name).c_str(), eSDLWriter::eWriteStream::kNoKeyword);
         if (IsContainer(type))
             WriteLines(std::move(member), type);
         else
@@ -225,18 +225,19 @@ void eJsonWalk::WriteJsonValue(value* json, value::value_type type) {
     case value::Null:
         return;
     }
-    xError::Fatal(kSource, kValueTypeLine, "Json parsing failed due to unknown json value type.");
+    xError::Fatal(ConversionReport::kSource, ConversionReport::kValueTypeLine,
+                  "Json parsing failed due to unknown json value type.");
 }
 
 // Where there was no memory for the report, there may be now that the step has given back its own.
 void Warn(int line, const char* message) {
     try {
-        xError::Warning(kSource, line, message, 0);
+        xError::Warning(ConversionReport::kSource, line, message, 0);
         return;
     } catch (const std::bad_alloc&) {
     }
     try {
-        xError::Warning(kSource, line, message, 0);
+        xError::Warning(ConversionReport::kSource, line, message, 0);
     } catch (const std::bad_alloc&) {
         // There is none at all.
     }
@@ -273,14 +274,15 @@ bool JsonToSdl(const eFileName& input, const eFileName& output) {
         conversion = std::make_unique<eConversion>();
         conversion->json = ParseJson(ReadFile(&reading));
     };
-    if (!Succeeds(kReadingLine, read))
+    if (!Succeeds(ConversionReport::kReadingLine, read))
         return false;
     const auto walk = [&] {
         eJsonWalk(&conversion->text, &conversion->beginning, &reading.place)
             .WriteJsonValue(std::move(conversion->json));
     };
-    if (!Succeeds(kWalkingLine, walk))
+    if (!Succeeds(ConversionReport::kWalkingLine, walk))
         return false;
     eFileAtWork writing(output);
-    return Succeeds(kWritingLine, [&] { WriteFile(&writing, conversion->beginning, &conversion->text); });
+    return Succeeds(ConversionReport::kWritingLine,
+                    [&] { WriteFile(&writing, conversion->beginning, &conversion->text); });
 }

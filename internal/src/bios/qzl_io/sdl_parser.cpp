@@ -17,9 +17,12 @@
 
 namespace {
 
+namespace ParserReport {
 constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_parser";
-
-enum eCheck : int { kReadError = 120, kOpenRequired = 301, kCloseRequired = 306 };
+constexpr int kReadErrorLine = 120;
+constexpr int kOpenRequiredLine = 301;
+constexpr int kCloseRequiredLine = 306;
+} // namespace ParserReport
 
 // The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
 constexpr std::size_t kPiece = 64 * 1024;
@@ -76,7 +79,7 @@ void eSDLParser::CheckRead(const eSDLReader* reader, const IO::eStream& stream) 
     if (stream.Disabled(IO::StreamMode::Bad))
         return;
     failure = FailureText("The source could not be read to its end");
-    Fail(reader, kReadError, (format("%1% - read error!") % (isFile ? name : "Stream")).str());
+    Fail(reader, ParserReport::kReadErrorLine, (format("%1% - read error!") % (isFile ? name : "Stream")).str());
 }
 
 eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
@@ -371,12 +374,12 @@ std::string eSDLParser::GetParameter() {
 std::string eSDLParser::TakeParameter(const eSDLReader* reader) {
     if (*current.position != '(') {
         current.position += *current.position != 0;
-        Fail(reader, kOpenRequired, "'(' required");
+        Fail(reader, ParserReport::kOpenRequiredLine, "'(' required");
     }
     const char* const begin = ++current.position;
     const char* const end = std::strchr(begin, ')');
     if (!end)
-        Fail(reader, kCloseRequired, "')' required");
+        Fail(reader, ParserReport::kCloseRequiredLine, "')' required");
     current.position = end + 1;
     return std::string(begin, end);
 }
@@ -386,7 +389,7 @@ void eSDLParser::Fail(const eSDLReader* reader, int line, const std::string& mes
     if (reader)
         reader->EnterSources();
     EnterStack();
-    xError::Fatal(kSource, line, message);
+    xError::Fatal(ParserReport::kSource, line, message);
 }
 
 std::string eSDLParser::GetContext() const {

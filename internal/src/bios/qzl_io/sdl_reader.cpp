@@ -17,6 +17,8 @@
 
 namespace {
 
+namespace ReaderReport {
+
 constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_reader";
 
 constexpr const char* kNotSDL = "Not SDL file!";
@@ -24,29 +26,27 @@ constexpr const char* kBlockEndExpected = "Block terminator expected!";
 constexpr const char* kStringExpected = "String expected!";
 
 // The numbers under which the checks report.
-enum eCheck : int {
-    kFileNotSDL = 17,
-    kSignatureMismatch = 20,
-    kWideFileNotSDL = 31,
-    kBlockIdentifier = 257,
-    kKeyword = 266,
-    kSkippedBlockEnd = 292,
-    kNumber = 308,
-    kInteger = 317,
-    kString = 336,
-    kWideString = 344,
-    kIdentifier = 352,
-    kControlBlockWord = 466,
-    kArgumentsEnd = 510,
-    kSignatureNotSDL = 526,
-    kToken = 537,
-    kBlockEnd = 553,
-    kControlBlockEnd = 561,
-    kBlockStart = 569,
-    kControlBlockStart = 577
-};
+constexpr int kFileNotSDLLine = 17;
+constexpr int kSignatureMismatchLine = 20;
+constexpr int kWideFileNotSDLLine = 31;
+constexpr int kBlockIdentifierLine = 257;
+constexpr int kKeywordLine = 266;
+constexpr int kSkippedBlockEndLine = 292;
+constexpr int kNumberLine = 308;
+constexpr int kIntegerLine = 317;
+constexpr int kStringLine = 336;
+constexpr int kWideStringLine = 344;
+constexpr int kIdentifierLine = 352;
+constexpr int kControlBlockWordLine = 466;
+constexpr int kArgumentsEndLine = 510;
+constexpr int kSignatureNotSDLLine = 526;
+constexpr int kTokenLine = 537;
+constexpr int kBlockEndLine = 553;
+constexpr int kControlBlockEndLine = 561;
+constexpr int kBlockStartLine = 569;
+constexpr int kControlBlockStartLine = 577;
 
-constexpr int kUtf8 = 65001;
+} // namespace ReaderReport
 
 // Each thread's lexer state from before the control block that is being executed.
 eCriticalResource<eSDLParserState> stateBeforeControlBlock;
@@ -123,7 +123,7 @@ eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared
     Init();
     PushParser(NewParser(file, {}));
     signatureBlock = true;
-    CheckSignature(signature, kFileNotSDL);
+    CheckSignature(signature, ReaderReport::kFileNotSDLLine);
 }
 
 eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
@@ -131,7 +131,7 @@ eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::share
     Init();
     PushParser(NewParser(file));
     signatureBlock = true;
-    CheckSignature(signature, kWideFileNotSDL);
+    CheckSignature(signature, ReaderReport::kWideFileNotSDLLine);
 }
 
 eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher)
@@ -202,16 +202,17 @@ void eSDLReader::CheckSignature(const char* signature, int notSDLLine) {
     const std::string expected(signature ? signature : "");
     const std::string read = LowerCased(ReadSignature(notSDLLine));
     if (read != LowerCased(expected))
-        Fail(kSignatureMismatch, "File signature mismatch (read '" + read + "' instead of '" + expected + "')");
+        Fail(ReaderReport::kSignatureMismatchLine,
+             "File signature mismatch (read '" + read + "' instead of '" + expected + "')");
 }
 
 const std::string& eSDLReader::ReadSignature(int notSDLLine) {
-    Require(sdlBlockStart, notSDLLine, kNotSDL);
+    Require(sdlBlockStart, notSDLLine, ReaderReport::kNotSDL);
     return GetIdent();
 }
 
 const std::string& eSDLReader::GetSignature() {
-    return ReadSignature(kSignatureNotSDL);
+    return ReadSignature(ReaderReport::kSignatureNotSDLLine);
 }
 
 int eSDLReader::GetInt() {
@@ -219,7 +220,7 @@ int eSDLReader::GetInt() {
     if (parser.CutPlainInt(parser.FindToken()))
         return parser.current.token.intValue;
     if (Next() != sdlInt)
-        Fail(kInteger, "Integer expected!");
+        Fail(ReaderReport::kIntegerLine, "Integer expected!");
     return parsers.back()->current.token.intValue;
 }
 
@@ -228,7 +229,7 @@ float eSDLReader::GetFloat() {
     if (parser.CutPlainNumber(parser.FindToken()))
         return parser.current.token.floatValue;
     if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
-        Fail(kNumber, "Number expected!");
+        Fail(ReaderReport::kNumberLine, "Number expected!");
     return parsers.back()->current.token.floatValue;
 }
 
@@ -239,22 +240,22 @@ bool eSDLReader::GetBool() {
 void eSDLReader::RequireString(int line) {
     eSDLParser& parser = *parsers.back();
     if (!parser.CutPlainString(parser.FindToken()))
-        Require(sdlString, line, kStringExpected);
+        Require(sdlString, line, ReaderReport::kStringExpected);
 }
 
 const std::string& eSDLReader::GetString() {
-    RequireString(kString);
+    RequireString(ReaderReport::kStringLine);
     return parsers.back()->FilledText();
 }
 
 std::wstring eSDLReader::GetStringW() {
-    RequireString(kWideString);
-    return StringToWideChar(parsers.back()->FilledText(), kUtf8);
+    RequireString(ReaderReport::kWideStringLine);
+    return ToStringW(parsers.back()->FilledText());
 }
 
 const std::string& eSDLReader::GetIdent(bool lower) {
     if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
-        Fail(kIdentifier, "Identifier expected!");
+        Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
     if (lower)
         LowerCase(&parsers.back()->OwnText());
     return parsers.back()->FilledText();
@@ -262,23 +263,23 @@ const std::string& eSDLReader::GetIdent(bool lower) {
 
 int eSDLReader::GetKeyword() {
     if (NextWord() != sdlKeyword)
-        Fail(kKeyword, defaultError);
+        Fail(ReaderReport::kKeywordLine, defaultError);
     return parsers.back()->current.token.intValue;
 }
 
 const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
     if (!Check(type) && type != sdlNone)
-        Fail(kToken, defaultError);
+        Fail(ReaderReport::kTokenLine, defaultError);
     return Token();
 }
 
 int eSDLReader::GetBlock(int id) {
     eSDLParser& parser = *parsers.back();
     if (AreMarksKept() || !parser.CutPlainBlockStart(parser.FindToken()))
-        Require(sdlBlockStart, kBlockStart, "Block start expected!");
+        Require(sdlBlockStart, ReaderReport::kBlockStartLine, "Block start expected!");
     const eSDLParserLexType type = NextWord();
     if (type != sdlKeyword || (id != 0 && parsers.back()->current.token.intValue != id))
-        Fail(kBlockIdentifier, "Invalid block identifier!");
+        Fail(ReaderReport::kBlockIdentifierLine, "Invalid block identifier!");
     eSDLParserToken& token = parsers.back()->current.token;
     token.type = sdlBlockId;
     return token.intValue;
@@ -310,7 +311,7 @@ eSDLReader& eSDLReader::operator>>(bool& value) {
 }
 
 eSDLReader& eSDLReader::operator>>(std::string& value) {
-    RequireString(kString);
+    RequireString(ReaderReport::kStringLine);
     value.assign(parsers.back()->Text());
     return *this;
 }
@@ -329,7 +330,7 @@ eSDLReader& eSDLReader::operator>>(eStrings& values) {
 
 eSDLReader& eSDLReader::operator>>(eStringsW& values) {
     while (Check(sdlString))
-        values.Add(StringToWideChar(parsers.back()->FilledText(), kUtf8));
+        values.Add(ToStringW(parsers.back()->FilledText()));
     Back();
     return *this;
 }
@@ -426,7 +427,7 @@ bool eSDLReader::SkipInSource(long long* depth) {
         type = Next();
     while (type != sdlNone && type != sdlError && parser.Cptr() <= skimmed.stop);
     if (skimmed.end != xSDL::eSkimEnd::Terminator)
-        Fail(kSkippedBlockEnd, kBlockEndExpected);
+        Fail(ReaderReport::kSkippedBlockEndLine, ReaderReport::kBlockEndExpected);
     return true;
 }
 
@@ -523,7 +524,7 @@ void eSDLReader::Require(eSDLParserLexType type, int line, const char* message) 
 void eSDLReader::RequireBlockEnd() {
     eSDLParser& parser = *parsers.back();
     if (!parser.CutBlockEnd(parser.FindToken()))
-        Require(sdlBlockEnd, kBlockEnd, kBlockEndExpected);
+        Require(sdlBlockEnd, ReaderReport::kBlockEndLine, ReaderReport::kBlockEndExpected);
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
@@ -572,7 +573,7 @@ void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
     else
         TakeNamed(parameters);
     if (parser.current.token.type != sdlClose)
-        Fail(kArgumentsEnd, "')' required");
+        Fail(ReaderReport::kArgumentsEndLine, "')' required");
 }
 
 void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
@@ -612,7 +613,7 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
     const eSDLParser& parser = *parsers.back();
     const eSDLParserToken& operand = parser.current.token;
     if (operand.type != sdlInt && operand.type != sdlFloat)
-        Fail(kNumber, "Number expected!");
+        Fail(ReaderReport::kNumberLine, "Number expected!");
     token->type = sdlFloat;
     token->floatValue = operand.floatValue;
     token->text.assign(parser.Text());
@@ -636,10 +637,10 @@ bool eSDLReader::ProcessControlBlock() {
 void eSDLReader::CheckControlWord() {
     eSDLParser& parser = *parsers.back();
     if (parser.current.token.type != sdlIdent && parser.current.token.type != sdlKeyword)
-        Fail(kIdentifier, "Identifier expected!");
+        Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
     LowerCase(&parser.OwnText());
     if (const std::string_view word = parser.Text(); word != "include" && word != "define" && word != "mod")
-        Fail(kControlBlockWord, "Invalid control block!");
+        Fail(ReaderReport::kControlBlockWordLine, "Invalid control block!");
 }
 
 // The expression becomes one token, and Back returns to before its (.
@@ -673,11 +674,11 @@ void eSDLReader::EnterSources() const {
 void eSDLReader::Fail(int line, const std::string& message) {
     EnterSources();
     const auto told = std::exchange(unopened, {});
-    xError::Fatal(kSource, line, message);
+    xError::Fatal(ReaderReport::kSource, line, message);
 }
 
 eSDLReader& begb(eSDLReader& reader) {
-    reader.Require(sdlBlockStart, kBlockStart, "Block start expected!");
+    reader.Require(sdlBlockStart, ReaderReport::kBlockStartLine, "Block start expected!");
     return reader;
 }
 
@@ -687,11 +688,11 @@ eSDLReader& endb(eSDLReader& reader) {
 }
 
 eSDLReader& begc(eSDLReader& reader) {
-    reader.Require(sdlOpen, kControlBlockStart, "Control Block start expected!");
+    reader.Require(sdlOpen, ReaderReport::kControlBlockStartLine, "Control Block start expected!");
     return reader;
 }
 
 eSDLReader& endc(eSDLReader& reader) {
-    reader.Require(sdlClose, kControlBlockEnd, "Control Block terminator expected!");
+    reader.Require(sdlClose, ReaderReport::kControlBlockEndLine, "Control Block terminator expected!");
     return reader;
 }

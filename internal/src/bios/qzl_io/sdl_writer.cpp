@@ -19,19 +19,18 @@
 
 namespace {
 
+namespace WriterReport {
 constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_writer";
-
 constexpr int kNotOpenLine = 40;
 constexpr int kUnknownKeywordLine = 60;
 constexpr int kInvalidFloatLine = 80;
+} // namespace WriterReport
 
-constexpr int kUtf8 = 65001;
 constexpr unsigned kTabsAtOnce = 8;
 constexpr unsigned long long kTextCapacity = 1024;
 // A larger block is never kept by the heap for the next one, so that it may as well go while it is written out.
 constexpr unsigned long long kKeptByHeap = 32ULL << 20;
 constexpr unsigned long long kReleasedAtOnce = 2ULL << 20;
-constexpr int kNoKeyword = -1;
 // Position of a block that cannot be removed any more: it has gone to the target, or an int cannot hold where it began.
 constexpr int kOutOfReach = INT_MAX;
 
@@ -52,7 +51,9 @@ public:
     void MarkEmpty() override { Refuse(); }
 
 private:
-    [[noreturn]] static void Refuse() { xError::Fatal(kSource, kNotOpenLine, "SDLWriter: Not open!"); }
+    [[noreturn]] static void Refuse() {
+        xError::Fatal(WriterReport::kSource, WriterReport::kNotOpenLine, "SDLWriter: Not open!");
+    }
 };
 
 void WriteEncoded(IO::eStream& target, eSDLCipher& cipher, const void* text, std::size_t size) {
@@ -64,7 +65,7 @@ void WriteEncoded(IO::eStream& target, eSDLCipher& cipher, const void* text, std
 
 void WarnOfInvalid(float value) {
     const std::string message = format("Saving invalid floating number %1%. It was truncated to 0") % value;
-    xError::Warning(kSource, kInvalidFloatLine, message, 0);
+    xError::Warning(WriterReport::kSource, WriterReport::kInvalidFloatLine, message, 0);
 }
 
 } // namespace
@@ -415,7 +416,7 @@ void eSDLWriter::PopKeywords() {
 const char* eSDLWriter::KeywordName(int id) const {
     const char* name = keywords.empty() ? nullptr : eSDLKeyword::FindIn(keywords.back(), id);
     if (!name)
-        xError::Fatal(kSource, kUnknownKeywordLine, "SDLWriter: Unknown keyword ID!");
+        xError::Fatal(WriterReport::kSource, WriterReport::kUnknownKeywordLine, "SDLWriter: Unknown keyword ID!");
     return name;
 }
 
@@ -431,12 +432,12 @@ eSDLWriter& eSDLWriter::operator<<(const keyword& value) {
 }
 
 eSDLWriter& eSDLWriter::operator<<(const ident& value) {
-    Stream().WriteIdent(value.name, kNoKeyword);
+    Stream().WriteIdent(value.name, eSDLWriter::eWriteStream::kNoKeyword);
     return *this;
 }
 
 eSDLWriter& eSDLWriter::operator<<(const std::wstring& string) {
-    return *this << WideCharToString(string, kUtf8);
+    return *this << ToString(string);
 }
 
 eSDLWriter& eSDLWriter::operator<<(const eStrings& strings) {

@@ -19,11 +19,13 @@
 namespace IO {
 namespace {
 
+namespace FileReport {
 constexpr char kSource[] = "internal/src/bios/qzl_io/stream_file";
 constexpr int kNoMemoryLine = 10;
 constexpr int kOpenErrorLine = 20;
 constexpr int kOpenErrorWideLine = 21;
 constexpr char kOpenError[] = "%1% - open error!";
+} // namespace FileReport
 
 constexpr unsigned long long kLargestBuffer = 32768;
 
@@ -39,7 +41,7 @@ void DeleteBlock(unsigned char* block) noexcept {
 }
 
 void ReportOpenError(int line, const std::string& name) {
-    xError::Error(kSource, line, (format(kOpenError) % name).str(), true);
+    xError::Error(FileReport::kSource, line, (format(FileReport::kOpenError) % name).str(), true);
 }
 
 std::string DumpName(const std::string& name) {
@@ -138,7 +140,7 @@ void eFileStreamBase::CreateBuffer(unsigned long long capacity, unsigned long lo
     if (buffer && length == 0)
         std::memset(buffer, 0, capacity);
     if (capacity > 0 && !buffer)
-        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
+        Report(FileReport::kSource, FileReport::kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 void eFileStreamBase::ReleaseBuffer() noexcept {
@@ -163,7 +165,7 @@ void eFileStreamBase::Detach() {
     UseBuffer(block, capacity, static_cast<unsigned long long>(length));
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
     if (!block)
-        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
+        Report(FileReport::kSource, FileReport::kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 void eFileStreamBase::Fill() {
@@ -334,7 +336,7 @@ int eFileStream::CreateHandle(int openFlags) const {
 }
 
 void eFileStream::CreateHandleError() const {
-    ReportOpenError(kOpenErrorLine, name.str());
+    ReportOpenError(FileReport::kOpenErrorLine, name.str());
 }
 
 void eFileStream::WriteStr(const char* text) {
@@ -366,7 +368,7 @@ int eFileStreamW::CreateHandle(int openFlags) const {
 }
 
 void eFileStreamW::CreateHandleError() const {
-    ReportOpenError(kOpenErrorWideLine, ToString(name.str()));
+    ReportOpenError(FileReport::kOpenErrorWideLine, ToString(name.str()));
 }
 
 void eFileStreamW::WriteStr(const wchar_t* text) {

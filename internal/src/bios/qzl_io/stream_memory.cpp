@@ -12,10 +12,12 @@
 namespace IO {
 namespace {
 
+namespace MemoryReport {
 constexpr char kSource[] = "internal/src/bios/qzl_io/stream_memory";
 constexpr int kNoMemoryLine = 10;
 constexpr int kBufferWriteLine = 20;
 constexpr int kBufferReadLine = 21;
+} // namespace MemoryReport
 
 constexpr unsigned short kMemoryMode = StreamMode::Write | StreamMode::Errors;
 
@@ -110,7 +112,7 @@ void eMemoryStream::CreateBuffer(unsigned long long size, unsigned long long use
     ReleaseBuffer();
     UseNewBlock(size > 0 ? NewBlock(size) : nullptr, size, used);
     if (size > 0 && !buffer)
-        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
+        Report(MemoryReport::kSource, MemoryReport::kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 unsigned char* eMemoryStream::CopiedBlock(unsigned long long size, unsigned long long kept) const {
@@ -140,7 +142,7 @@ void eMemoryStream::Grow(unsigned long long size) {
     UseNewBlock(block, size, static_cast<unsigned long long>(length));
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
     if (!block)
-        Report(kSource, kNoMemoryLine, StreamReport::kNoMemory);
+        Report(MemoryReport::kSource, MemoryReport::kNoMemoryLine, StreamReport::kNoMemory);
 }
 
 void eMemoryStream::ResizeBuffer(unsigned long long size, bool extend) {
@@ -232,12 +234,12 @@ void eBufferStream::Flush() {
 
 void eBufferStream::Overflow() {
     SetCapacity(bufferSize);
-    Fail(kSource, kBufferWriteLine, StreamReport::kWriteBeyond);
+    Fail(MemoryReport::kSource, MemoryReport::kBufferWriteLine, StreamReport::kWriteBeyond);
 }
 
 void eBufferStream::Underflow() {
     SetCapacity(bufferSize);
-    Fail(kSource, kBufferReadLine, StreamReport::kReadBeyond);
+    Fail(MemoryReport::kSource, MemoryReport::kBufferReadLine, StreamReport::kReadBeyond);
 }
 
 std::string eBufferStream::Dump() const {

@@ -11,8 +11,11 @@ namespace IO::System {
 
 namespace {
 
+namespace DiskReport {
 constexpr const char* kSource = "internal/src/bios/qzl_io/system_hdd";
-constexpr int kLineNoSerial = 92;
+constexpr int kNoSerialLine = 92;
+} // namespace DiskReport
+
 constexpr int kWindows1252 = 1252;
 
 std::string AskSerial() {
@@ -21,7 +24,7 @@ std::string AskSerial() {
     if (failure == 0)
         return serial;
     const std::string message = format("eHDDInfo: obtain serialNumber failure(%1%)") % failure;
-    xError::Warning(kSource, kLineNoSerial, message, 0);
+    xError::Warning(DiskReport::kSource, DiskReport::kNoSerialLine, message, 0);
     return {};
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <type_traits>
 
 #include <windows.h>
 
@@ -75,6 +76,20 @@ std::wstring ShortName(const std::wstring& name) {
     return length < kModuleNameRoom ? std::wstring(shortName.data(), length) : std::wstring();
 }
 
+std::wstring ModuleName() {
+    std::array<wchar_t, kModuleNameRoom> name{};
+    const DWORD length = ::GetModuleFileNameW(nullptr, name.data(), kModuleNameRoom);
+    return {name.data(), length};
+}
+
+// By its short name where the code page lacks a character of the long one.
+std::string NarrowModuleName(const std::wstring& name) {
+    std::string narrow;
+    if (!NarrowName(System::PlainName(name), &narrow))
+        NarrowName(System::PlainName(ShortName(name)), &narrow);
+    return narrow;
+}
+
 eQueryEnd EndOf(LSTATUS status) {
     if (status == ERROR_SUCCESS)
         return eQueryEnd::Done;
@@ -114,21 +129,13 @@ std::basic_string<Char> AccountName() {
     return AskName<Char, kUserNameRoom>(&Calls::UserName);
 }
 
-template <>
-std::wstring ExecutableName() {
-    std::array<wchar_t, kModuleNameRoom> name{};
-    const DWORD length = ::GetModuleFileNameW(nullptr, name.data(), kModuleNameRoom);
-    return {name.data(), length};
-}
-
-// By its short name where the code page lacks a character of the long one.
-template <>
-std::string ExecutableName() {
-    const std::wstring name = ExecutableName<wchar_t>();
-    std::string narrow;
-    if (!NarrowName(System::PlainName(name), &narrow))
-        NarrowName(System::PlainName(ShortName(name)), &narrow);
-    return narrow;
+template <class Char>
+std::basic_string<Char> ExecutableName() {
+    std::wstring name = ModuleName();
+    if constexpr (std::is_same_v<Char, wchar_t>)
+        return name;
+    else
+        return NarrowModuleName(name);
 }
 
 template <class Char>
@@ -154,6 +161,8 @@ template std::string ComputerName<char>();
 template std::wstring ComputerName<wchar_t>();
 template std::string AccountName<char>();
 template std::wstring AccountName<wchar_t>();
+template std::string ExecutableName<char>();
+template std::wstring ExecutableName<wchar_t>();
 template eProductIdQuery OpenProductId<char>();
 template eProductIdQuery OpenProductId<wchar_t>();
 
