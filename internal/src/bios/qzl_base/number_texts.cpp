@@ -9,6 +9,8 @@
 #include <cstring>
 #include <emmintrin.h>
 
+#include "qzl_base/shared/powers_of_ten.h"
+
 namespace {
 
 constexpr std::size_t kLongTextRoom = 20;          // of 2^64 - 1 in decimal
@@ -114,13 +116,13 @@ struct eFewPlaces {
 // bits and 5^8 fit into a double. Adding 2^52 and taking it away rounds to an integer, a half to the even one.
 eFewPlaces FewestPlaces(float value) {
     static constexpr int kPairs = 4;
-    alignas(16) static constexpr double kPowers[2 * kPairs] = {1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+    static constexpr auto& kPowers = decimal::kPowersOfTen<double, 2 * kPairs + 1>;
     alignas(16) double decimals[2 * kPairs];
     const eHalfGaps gaps = HalfGapsOf(value);
     const __m128d rounder = _mm_set1_pd(0x1p52);
     unsigned found = 0;
     for (int pair = 0; pair < kPairs; ++pair) {
-        const __m128d power = _mm_load_pd(kPowers + 2 * pair);
+        const __m128d power = _mm_loadu_pd(&kPowers[static_cast<std::size_t>(2 * pair + 1)]);
         const __m128d scaled = _mm_mul_pd(_mm_set1_pd(double{value}), power);
         const __m128d nearest = _mm_sub_pd(_mm_add_pd(scaled, rounder), rounder);
         const __m128d difference = _mm_sub_pd(nearest, scaled);
@@ -179,10 +181,10 @@ char* PutLargeInteger(char* out, const eDecimal& decimal, float magnitude, bool 
 
 // The decimal lies between the same integers as the value, for these are floats too.
 char* PutFewPlaces(char* out, std::uint32_t whole, const eFewPlaces& few) {
-    static constexpr std::uint32_t kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+    const std::uint32_t power = decimal::kPowersOfTen<std::uint32_t, 9>[static_cast<std::size_t>(few.places)];
     out = PutShortInteger(out, whole);
     *out++ = '.';
-    const std::uint64_t fraction = few.decimal - std::uint64_t{whole} * kPowers[few.places];
+    const std::uint64_t fraction = few.decimal - std::uint64_t{whole} * power;
     return PutPlaces(out, static_cast<std::uint32_t>(fraction), few.places);
 }
 

@@ -1,26 +1,18 @@
 #include <qzl_base/convert.h>
 
-#include <array>
-#include <bit>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <system_error>
 
+#include "qzl_base/shared/ascii.h"
+#include "qzl_base/shared/decimal_float.h"
+
 namespace {
 
-constexpr bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-// The value of a hexadecimal digit, -1 for any other character.
-constexpr int HexDigit(char c) {
-    if (IsDigit(c))
-        return c - '0';
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
+using ascii::HexDigit;
+using ascii::IsDigit;
 
 // std::from_chars takes no plus sign.
 const char* SkipPlus(const char* begin, const char* end) {
@@ -66,24 +58,8 @@ const char* TakeDigits(const char* at, const char* end, std::uint64_t* value) {
     return at;
 }
 
-// Powers of ten that a double holds exactly.
-constexpr std::array kPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr int kMostPower = static_cast<int>(kPowers.size()) - 1;
-constexpr std::ptrdiff_t kExactDigits = 15; // of any integer that a double holds exactly
-
-// digits * 10^exponent as the nearest float. False when rounding to a double has hidden which one that is: when the
-// double lies just between two floats.
-bool NearestFloat(float* value, std::uint64_t digits, int exponent) {
-    const auto whole = static_cast<double>(digits);
-    const double nearest = exponent < 0 ? whole / kPowers[static_cast<std::size_t>(-exponent)]
-                                        : whole * kPowers[static_cast<std::size_t>(exponent)];
-    constexpr std::uint64_t kBitsBeyondFloat = 0x1fffffff;
-    if ((std::bit_cast<std::uint64_t>(nearest) & kBitsBeyondFloat) == 0x10000000)
-        return false;
-    *value = static_cast<float>(nearest);
-    return true;
-}
+// So many digits fit into 64 bits, whatever they are.
+constexpr std::ptrdiff_t kCertainDigits = std::numeric_limits<std::uint64_t>::digits10;
 
 // Adds the exponent behind an "e" and returns its end, null when it is ill-formed or of more than two digits.
 const char* TakeExponent(const char* at, const char* end, int* exponent) {
@@ -98,9 +74,9 @@ const char* TakeExponent(const char* at, const char* end, int* exponent) {
     return stop;
 }
 
-// Reads an unsigned number of ordinary length and size and returns its end, null when it is not of that kind or no
-// number at all.
-const char* TakeOrdinary(float* value, const char* begin, const char* end) {
+// Reads a number of ordinary length and size, its sign passed already, and returns its end; null when it is not of that
+// kind or no number at all.
+const char* TakeOrdinary(float* value, bool negative, const char* begin, const char* end) {
     std::uint64_t digits = 0;
     const char* at = TakeDigits(begin, end, &digits);
     std::ptrdiff_t count = at - begin;
@@ -111,14 +87,14 @@ const char* TakeOrdinary(float* value, const char* begin, const char* end) {
         count += at - fraction;
         exponent = static_cast<int>(fraction - at);
     }
-    if (count == 0 || count > kExactDigits)
+    if (count == 0 || count > kCertainDigits)
         return nullptr;
     if (at != end && (*at | 0x20) == 'e') {
         at = TakeExponent(at + 1, end, &exponent);
         if (!at)
             return nullptr;
     }
-    return exponent >= -kMostPower && exponent <= kMostPower && NearestFloat(value, digits, exponent) ? at : nullptr;
+    return decimal::ToFloat(digits, exponent, negative, value) ? at : nullptr;
 }
 
 // Whether a sign, if any, is followed by what a decimal number begins with, and not by a name such as "inf".
@@ -185,9 +161,7 @@ bool _FromString(float* value, const char* text) {
 bool _FromString(float* value, const char* begin, const char* end) {
     const bool negative = begin != end && *begin == '-';
     const bool sign = negative || (begin != end && *begin == '+');
-    if (const char* const stop = TakeOrdinary(value, begin + sign, end)) {
-        *value = negative ? -*value : *value;
+    if (const char* const stop = TakeOrdinary(value, negative, begin + sign, end))
         return stop == end || (IsHexadecimal(begin, end) && HexadecimalFromString(value, begin, end));
-    }
     return AnyFromString(value, begin, end);
 }

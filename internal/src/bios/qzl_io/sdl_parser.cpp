@@ -11,6 +11,7 @@
 
 #include "files/failure_text.h"
 #include "platform/memory.h"
+#include "qzl_base/shared/decimal_float.h"
 #include "sdl/lexer.h"
 #include "sdl/number.h"
 #include "sdl/plain.h"
@@ -284,7 +285,7 @@ void eSDLParser::AnalyseHex(std::string_view digits) {
         break;
     case sdlFloat:
         if (!lexeme.exact ||
-            !xSDL::DecimalToFloat(lexeme.digits, lexeme.exponent, source.front() == '-', &token.floatValue))
+            !decimal::ToFloat(lexeme.digits, lexeme.exponent, source.front() == '-', &token.floatValue))
             token.floatValue = xSDL::TextToFloat(source);
         token.intValue = xSDL::TruncateToInt(token.floatValue);
         break;

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "qzl_base/shared/ascii.h"
 #include "sdl/keyword_index.h"
 
 namespace xSDL {
@@ -43,9 +44,9 @@ bool Matches(const eSDLKeyword& entry, int id) {
 }
 
 bool Matches(const eSDLKeyword& entry, const char* name, std::size_t length) {
-    const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
     return entry.name && std::strlen(entry.name) == length &&
-           std::equal(name, name + length, entry.name, [&](char a, char b) { return folded(a) == folded(b); });
+           std::equal(name, name + length, entry.name,
+                      [&](char a, char b) { return ascii::ToLower(a) == ascii::ToLower(b); });
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "qzl_base/shared/ascii.h"
+#include "qzl_base/shared/powers_of_ten.h"
 #include "sdl/automaton.h"
 #include "sdl/scan.h"
 
@@ -22,9 +24,7 @@ inline void SetText(eLexeme* token, const char* begin, const char* end) {
 // More digits than this do not fit into eLexeme::digits for certain.
 inline constexpr std::ptrdiff_t kExactDigits = 18;
 
-inline bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+using ascii::IsDigit;
 
 // The rest of a number from behind its e on: every sign and digit there is. A sign and one or two digits are a power of
 // ten; anything else is left to the conversion of texts.
@@ -71,9 +71,6 @@ inline const char* CutNumber(const char* begin, eLexeme* token) {
 
 // The same for a number of less than 16 characters, an exponent apart, behind as many others. Null for any other.
 [[gnu::always_inline]] inline const char* CutShortNumber(const char* begin, eLexeme* token) {
-    static constexpr std::uint64_t kPower[] = {
-        1,         10,         100,         1000,         10000,         100000,         1000000,        10000000,
-        100000000, 1000000000, 10000000000, 100000000000, 1000000000000, 10000000000000, 100000000000000};
     const unsigned sign = *begin == '-';
     const char* const first = begin + sign;
     unsigned others = (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
@@ -91,7 +88,7 @@ inline const char* CutNumber(const char* begin, eLexeme* token) {
             return nullptr;
         at = first + std::countr_zero(others);
         const unsigned decimals = static_cast<unsigned>(std::countr_zero(others)) - digits - 1;
-        token->digits = token->digits * kPower[decimals] + DigitsBefore(at, decimals);
+        token->digits = token->digits * decimal::kPowersOfTen<std::uint64_t, 15>[decimals] + DigitsBefore(at, decimals);
         token->type = sdlFloat;
         token->exponent = -static_cast<int>(decimals);
         takesExponent = true;

@@ -5,6 +5,7 @@
 
 #include <qzl_io/sdl/parser.h>
 
+#include "qzl_base/shared/decimal_float.h"
 #include "sdl/lexer.h"
 #include "sdl/number.h"
 
@@ -111,7 +112,7 @@ inline void eSDLParser::ForgetPrevious() {
         return true;
     }
     float value;
-    if (!xSDL::DecimalToFloat(number.digits, number.exponent, *begin.at == '-', &value))
+    if (!decimal::ToFloat(number.digits, number.exponent, *begin.at == '-', &value))
         return false;
     Accept(sdlFloat, begin.line, begin.at, end, end);
     current.token.floatValue = value;

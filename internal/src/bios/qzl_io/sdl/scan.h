@@ -8,6 +8,8 @@
 #include <cstring>
 #include <emmintrin.h>
 
+#include "qzl_base/shared/powers_of_ten.h"
+
 // Runs of characters in an SDL text, found 16 at a time. Every function may read up to kTextEnd bytes from any
 // character of the text on, its terminating zero included, so a text ends with that many zeros.
 namespace xSDL {
@@ -175,14 +177,14 @@ inline std::uint64_t DigitsToNumber(std::uint64_t characters) {
 
 // Digits; their number is appended to *value, modulo 2^64.
 inline const char* PassDigits(const char* at, unsigned long long* value) {
-    static constexpr std::uint64_t kPower[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
     for (;;) {
         const std::uint64_t characters = Load8(at);
         if (const std::uint64_t others = OtherThanDigits(characters)) [[likely]] {
             const int bits = std::countr_zero(others) & ~7; // of the digits before
             if (bits == 0)
                 return at;
-            *value = *value * kPower[bits / 8] + DigitsToNumber(characters << (64 - bits));
+            *value = *value * decimal::kPowersOfTen<std::uint64_t, 8>[static_cast<std::size_t>(bits / 8)] +
+                     DigitsToNumber(characters << (64 - bits));
             return at + bits / 8;
         }
         *value = *value * 100000000 + DigitsToNumber(characters);
