@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "qzl_base/shared/escapes.h"
+
 namespace {
 
 using namespace std::string_literals;
@@ -120,6 +122,20 @@ TEST(Escapes, KeepEveryByteAtEveryPlace) {
                 ASSERT_EQ(text.size() == EscapedSize(text), Converted(text, true) == text)
                     << size << ' ' << at << ' ' << byte;
             }
+}
+
+TEST(Escapes, AreNeededByTheSameCharactersOneByOneAndSixteenAtATime) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const char c = static_cast<char>(byte);
+        const bool stands = byte >= ' ' && byte != 0x7f && c != '"' && c != '\\';
+        EXPECT_EQ(escapes::IsNeeded(c), !stands) << byte;
+        for (unsigned place = 0; place < 16; ++place) {
+            std::string text(16, 'a');
+            text[place] = c;
+            const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data()));
+            EXPECT_EQ(escapes::AreNeeded(characters), stands ? 0u : 1u << place) << byte << " at " << place;
+        }
+    }
 }
 
 TEST(Escapes, KeepEveryPairOfBytes) {

@@ -2,8 +2,11 @@
 
 #include <array>
 #include <bit>
-#include <cstdint>
 #include <cstring>
+#include <emmintrin.h>
+
+#include "qzl_base/shared/ascii.h"
+#include "qzl_base/shared/escapes.h"
 
 namespace {
 
@@ -12,47 +15,31 @@ constexpr std::size_t kLongestEscape = 4; // "\xHH"
 
 // For each byte the letter of its short escape sequence, 'x' for a hexadecimal one, 0 when it stands for itself.
 constexpr std::array<char, 256> kEscapes = [] {
-    std::array<char, 256> escapes{};
-    for (std::size_t c = 0; c < ' '; ++c)
-        escapes[c] = 'x';
-    escapes[0x7f] = 'x';
-    escapes['\n'] = 'n';
-    escapes['\r'] = 'r';
-    escapes['\t'] = 't';
-    escapes['"'] = '"';
-    escapes['\\'] = '\\';
-    return escapes;
+    std::array<char, 256> letters{};
+    for (std::size_t c = 0; c < letters.size(); ++c)
+        letters[c] = escapes::IsNeeded(static_cast<char>(c)) ? 'x' : '\0';
+    letters['\n'] = 'n';
+    letters['\r'] = 'r';
+    letters['\t'] = 't';
+    letters['"'] = '"';
+    letters['\\'] = '\\';
+    return letters;
 }();
 
 char EscapeOf(char c) {
     return kEscapes[static_cast<unsigned char>(c)];
 }
 
-constexpr std::uint64_t EachByte(unsigned char byte) {
-    return 0x0101010101010101u * byte;
-}
+constexpr std::size_t kWord = 8;
 
-// The top bit of each byte that is below the limit (at most 128). Bytes above a marked one may be marked wrongly.
-constexpr std::uint64_t BytesBelow(std::uint64_t bytes, unsigned char limit) {
-    return (bytes - EachByte(limit)) & ~bytes & EachByte(0x80);
-}
-
-constexpr std::uint64_t BytesEqual(std::uint64_t bytes, char c) {
-    return BytesBelow(bytes ^ EachByte(static_cast<unsigned char>(c)), 1);
-}
-
-// Number of the eight bytes at the beginning of a text that stand for themselves.
+// Number of the eight bytes at the beginning of a text that stand for themselves. The zeros behind them do not.
 std::size_t PlainRunOfWord(const char* text) {
-    std::uint64_t bytes;
-    std::memcpy(&bytes, text, sizeof bytes);
-    const std::uint64_t found =
-        BytesBelow(bytes, ' ') | BytesEqual(bytes, '"') | BytesEqual(bytes, '\\') | BytesEqual(bytes, 0x7f);
-    return static_cast<std::size_t>(std::countr_zero(found)) / 8;
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
+    return static_cast<std::size_t>(std::countr_zero(escapes::AreNeeded(bytes)));
 }
 
 // Number of bytes at the beginning that stand for themselves.
 std::size_t PlainRun(const char* text, std::size_t size) {
-    constexpr std::size_t kWord = sizeof(std::uint64_t);
     std::size_t run = 0;
     for (; size - run >= kWord; run += kWord)
         if (const std::size_t plain = PlainRunOfWord(text + run); plain != kWord)
@@ -80,21 +67,13 @@ char* PutEscape(char* out, char c) {
     return out;
 }
 
-// The value of a hexadecimal digit, 16 for any other character.
-unsigned HexValue(char c) {
-    if (c >= 'A' && c <= 'F')
-        c = static_cast<char>(c - 'A' + 'a');
-    const std::size_t value = kHexDigits.find(c);
-    return value == std::string_view::npos ? 16 : static_cast<unsigned>(value);
-}
-
 // Puts the character that a hexadecimal escape stands for. False when the text does not begin with one.
 bool PutHexadecimal(char* out, std::string_view escape) {
     if (escape.size() < kLongestEscape)
         return false;
-    const unsigned high = HexValue(escape[2]);
-    const unsigned low = HexValue(escape[3]);
-    if (high > 15 || low > 15)
+    const int high = ascii::HexDigit(escape[2]);
+    const int low = ascii::HexDigit(escape[3]);
+    if (high < 0 || low < 0)
         return false;
     *out = static_cast<char>(high << 4 | low);
     return true;

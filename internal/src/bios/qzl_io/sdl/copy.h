@@ -5,6 +5,8 @@
 #include <cstring>
 #include <emmintrin.h>
 
+#include "qzl_base/shared/escapes.h"
+
 // Short texts copied in whole words that overlap, without a call and without a loop.
 namespace xSDL {
 
@@ -54,12 +56,8 @@ inline char* CopyText(char* to, const char* from, std::size_t size) {
     return to + size;
 }
 
-// Whether any of the bytes needs an escape sequence in a quoted string: a control character, a quote or a back slash.
 inline bool AnyEscaped(__m128i bytes) {
-    const auto is = [bytes](int byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(static_cast<char>(byte))); };
-    const __m128i control = _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(0x1F)), bytes);
-    const __m128i other = _mm_or_si128(_mm_or_si128(is('"'), is('\\')), is(0x7F));
-    return _mm_movemask_epi8(_mm_or_si128(control, other)) != 0;
+    return escapes::AreNeeded(bytes) != 0;
 }
 
 inline bool AnyEscaped(std::uint64_t first, std::uint64_t last) {
