@@ -1,12 +1,12 @@
 #pragma once
 
-#include <exception>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <qzl_base/strings.h>
+#include <qzl_io/detail/unwinding.h>
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 #include <qzl_io/sdl/cipher.h>
@@ -210,8 +210,8 @@ private:
     std::string blockMark;
     std::string previousBlockMark;
     std::shared_ptr<eSDLCipher> cipher;
-    std::vector<std::shared_ptr<eUnopened>> unopened;   // left since the last report
-    int exceptionsAtStart = std::uncaught_exceptions(); // exceptions under way when the reader was made
+    std::vector<std::shared_ptr<eUnopened>> unopened; // left since the last report
+    xSDL::eUnwinding unwinding;
 };
 
 // A string as a file name.

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <qzl_base/strings.h>
+#include <qzl_io/detail/unwinding.h>
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 #include <qzl_io/sdl/cipher.h>
@@ -182,7 +182,7 @@ private:
     std::shared_ptr<eDocument> document;
     std::vector<eSDLKeyword*> keywords;
     std::shared_ptr<eSDLCipher> cipher;
-    int exceptionsAtStart = std::uncaught_exceptions();
+    xSDL::eUnwinding unwinding;
 };
 
 QZL_IO_API eSDLWriter& operator<<(eSDLWriter& writer, const eFileName& path);

@@ -1,7 +1,6 @@
 #include <qzl_io/sdl/reader.h>
 
 #include <algorithm>
-#include <exception>
 #include <new>
 #include <utility>
 
@@ -188,7 +187,7 @@ eSDLReader::~eSDLReader() noexcept(false) {
         }
     } closer{parsers};
     const bool last = !parsers.empty() && parsers.front().use_count() == 1;
-    if (signatureBlock && checkAtEnd && last && std::uncaught_exceptions() <= exceptionsAtStart)
+    if (signatureBlock && checkAtEnd && last && !unwinding.IsUnderWay())
         RequireBlockEnd();
 }
 

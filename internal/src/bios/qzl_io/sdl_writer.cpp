@@ -345,7 +345,7 @@ eSDLWriter::~eSDLWriter() noexcept(false) {
 void eSDLWriter::Release() {
     if (document.use_count() > 1)
         return;
-    if (std::uncaught_exceptions() > exceptionsAtStart)
+    if (unwinding.IsUnderWay())
         CloseQuietly();
     else
         Close();
