@@ -11,6 +11,7 @@
 #include <qzl_io/streams.h>
 
 #include "platform/file_handle.h"
+#include "qzl_base/shared/ascii.h"
 #include "sdl/plain.h"
 #include "sdl/skim.h"
 
@@ -52,8 +53,7 @@ eCriticalResource<eSDLParserState> stateBeforeControlBlock;
 
 void LowerCase(std::string* text) {
     for (char& c : *text)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
+        c = ascii::ToLower(c);
 }
 
 std::string LowerCased(std::string text) {
