@@ -10,6 +10,7 @@
 
 #include "../platform/process.h"
 #include "documents.h"
+#include "json_report.h"
 #include "progress.h"
 #include "suite.h"
 #include "tables.h"
@@ -37,6 +38,7 @@ struct eArguments {
     bool peaks = true;
     bool isPeak = false; // the row is run for its peak of memory
     unsigned passes = 1; // of that row
+    std::string json;    // the file for the run as JSON; empty: none is written
     std::vector<std::string> sizes;
 };
 
@@ -56,9 +58,11 @@ bool TakeOwn(std::string_view argument, eArguments& taken) {
         taken.row = value;
     else if (argument.starts_with("--passes="))
         std::from_chars(value.data(), value.data() + value.size(), taken.passes);
+    else if (argument.starts_with("--json="))
+        taken.json = value;
     else
         return false;
-    if (!argument.starts_with("--row=") && !argument.starts_with("--passes="))
+    if (argument.find('=') == argument.npos)
         taken.sizes.emplace_back(argument);
     return true;
 }
@@ -235,14 +239,18 @@ int RunAll(eSuite& suite, const eArguments& arguments, int count, char** given) 
                 registered->Repetitions(own);
             allRuns += static_cast<size_t>(own > 0 ? own : kRepetitions);
         }
-    std::cout << Heading(ProgramName(given[0]), WorkFolder()) << std::flush;
+    const eRunInfo run = RunInfo(ProgramName(given[0]), WorkFolder());
+    std::cout << Heading(run) << std::flush;
     if (arguments.peaks)
         MeasurePeaks(suite, arguments, measured, progress);
     eCollector collector(rows, measured);
     benchmark::RunSpecifiedBenchmarks(&collector);
     benchmark::Shutdown();
 
-    std::cout << Tables(Judge(suite.Works(), measured));
+    const std::vector<eJudgedWork> judged = Judge(suite.Works(), measured);
+    std::cout << Tables(judged);
+    if (!arguments.json.empty())
+        WriteWhole(arguments.json, JsonReport(run, judged));
     bool isEqual = true;
     for (const auto& [row, each] : measured)
         isEqual = isEqual && each.failure.empty();

@@ -3,10 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <ctime>
-
-#include "../platform/process.h"
-#include "build_info.h"
 
 namespace bench {
 namespace {
@@ -15,13 +11,6 @@ std::string Fixed(double value, int digits) {
     std::array<char, 64> text;
     const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits).ptr;
     return {text.data(), end};
-}
-
-std::string Today() {
-    const std::time_t now = std::time(nullptr);
-    std::string text(32, '\0');
-    text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", std::gmtime(&now)));
-    return text + " UTC";
 }
 
 std::string Bytes(double bytes) {
@@ -118,14 +107,13 @@ bool HasSeveralOfOneSize(const eJudgedWork& judged) {
 
 } // namespace
 
-std::string Heading(const std::string& family, const std::string& folder) {
-    std::string text = "## " + family + "\n\n" + Today() + "; " + platform::ProcessorName() + ", " +
-                       std::to_string(platform::ProcessorCount()) + " processors; " + build_info::kCompiler + ", " +
-                       build_info::kBuildType + " (" + build_info::kFlags + "); files in " + folder + "\n";
-    if (!build_info::kOptimised)
+std::string Heading(const eRunInfo& run) {
+    std::string text = "## " + run.family + "\n\n" + run.when + "; " + run.processor + ", " +
+                       std::to_string(run.processors) + " processors; " + run.build + "; files in " + run.folder + "\n";
+    if (!run.isOptimised)
         text += "WARNING: this build is not optimised; its figures mean nothing.\n";
-    if (*build_info::kMissingPeers)
-        text += "Not installed here, so without rows: " + std::string(build_info::kMissingPeers) + "\n";
+    if (!run.missingPeers.empty())
+        text += "Not installed here, so without rows: " + run.missingPeers + "\n";
     return text + "\n";
 }
 
