@@ -8,9 +8,9 @@
 
 namespace bench {
 
-// A family's run as a JSON document, for those who draw charts and tables of it: an object with the members of eRunInfo
-// and the list "works", each with its list "rows". Times are nanoseconds for one value, sizes of memory are bytes; what
-// is not known or not stated is null. A verdict is true for a target that is met.
+// The run of a family as JSON, for programs that draw charts and tables: an object with the members of eRunInfo and the
+// list "works", each with its list "rows". Times are in nanoseconds for one value, amounts of memory in bytes. What is
+// unknown or does not apply is null. A verdict is true if the target is met.
 std::string JsonReport(const eRunInfo& run, const std::vector<eJudgedWork>& works);
 
 } // namespace bench

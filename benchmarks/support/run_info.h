@@ -4,7 +4,7 @@
 
 namespace bench {
 
-// What a family's run was made on, and when. Told above its tables and in its report.
+// When and on what a family was measured. Stands above its tables and in its report.
 struct eRunInfo {
     std::string family;
     std::string when; // "2026-11-22 06:02 UTC"
@@ -12,8 +12,8 @@ struct eRunInfo {
     unsigned processors;
     std::string build; // compiler and flags
     bool isOptimised;
-    std::string missingPeers; // separated by commas; empty when all are installed
-    std::string folder;       // of the files that are read and written
+    std::string missingPeers; // separated by commas; empty if all are installed
+    std::string folder;       // for the files that are read and written
 };
 
 eRunInfo RunInfo(const std::string& family, const std::string& folder);

@@ -1,0 +1,159 @@
+"""The short tables of docs/performance.md, from the figures of a run."""
+
+import re
+
+# The lines of the table beside others: label, family, pattern of the works that the line sums up.
+BESIDE_OTHERS = [
+    ("SDL value read: records", "sdl_read", "read value by value: records, .*"),
+    ("SDL value read: strings", "sdl_read", "read value by value: strings, .*"),
+    ("SDL value read: numbers", "sdl_read", "read value by value: numbers, .*"),
+    ("SDL value read: nested blocks", "sdl_read", "read value by value: nested, .*"),
+    ("SDL value read: records under comments", "sdl_read", "read value by value: comments, .*"),
+    ("SDL value read from a file: records", "sdl_read", "read value by value from a file: .*"),
+    ("SDL token", "sdl_read", "lexing alone: .*"),
+    ("keyword looked up", "keywords", "keyword look-up, table of .*"),
+    ("SDL value written: records", "sdl_write", "write to memory: .*"),
+    ("typed value written to memory with room", "typed_values", "typed values into a memory stream with room, .*"),
+    ("typed value written to a growing stream", "typed_values", "typed values into a growing stream, .*"),
+    ("typed value read from memory", "typed_values", "typed values read from memory, .*"),
+    ("typed value written to a file", "files", "typed values to a file, .*"),
+    ("typed value read from a file", "files", "typed values from a file, .*"),
+    ("text of 0 to 40 characters, appended", "texts", "texts of 0 to 40 characters, appended"),
+    ("text of 0 to 40 characters, over other data", "texts", "texts of 0 to 40 characters, overwriting .*"),
+    ("text of mixed lengths, either way", "texts", "texts of mixed lengths, .*"),
+    ("4 KiB read from a file", "files", "bulk Read .*"),
+    ("4 KiB written to a file", "files", "bulk Write .*"),
+    ("4 KiB of a file copied", "files", "CopyTo .*"),
+    ("JSON value converted to SDL: strings", "json", "JSON to SDL, file to file: strings, .*"),
+    ("JSON value converted to SDL: numbers", "json", "JSON to SDL, file to file: numbers, .*"),
+    ("JSON value converted to SDL: objects", "json", "JSON to SDL, file to file: objects, .*"),
+    ("file of 20,000 walked over", "services", "walk over [0-9]* files"),
+    ("file and its size, of 20,000 walked over", "services", "walk over .*, each one's size asked"),
+    ("file of 20,000 copied", "services", "copy of .*"),
+    ("file of 20,000 deleted", "services", "deletion of .*"),
+    ("folder of 20,000 empty ones purged", "services", "purge of .*"),
+]
+
+# The lines of the table beside our own times: label, family, pattern of the works.
+BESIDE_OURSELVES = [
+    ("block skipped, beside one read", "sdl_read", "skip a block: .*"),
+    ("keyword in a table of 100 or 1000, beside one in a table of 10", "keywords", ".*, cost as the table grows"),
+    ("value read from a file of 10 or 100 MB, beside one of 1 MB", "memory", "reading a file .*"),
+    ("value written to such a file", "memory", "writing a file.*"),
+    ("value converted from such a file", "memory", "converting JSON.*"),
+]
+
+# The lines of the table of memory: label, family, pattern of the works.
+PEAKS = [
+    ("reading SDL from a file", "memory", "reading a file .*"),
+    ("writing SDL to a file", "memory", "writing a file.*"),
+    ("converting JSON: strings", "json", ".*: strings, .*"),
+    ("converting JSON: numbers", "json", ".*: numbers, .*"),
+    ("converting JSON: objects", "json", ".*: objects, .*"),
+]
+
+SHORT_NAMES = [
+    ("RapidJSON.* SSE2", "RapidJSON with SSE2"),
+    ("RapidJSON.*", "RapidJSON"),
+    ("protobuf.*", "protobuf"),
+    ("C stdio.*", "C stdio"),
+    ("std::stringbuf.*", "std::stringbuf"),
+    ("std::unordered_map.*", "std::unordered_map"),
+    ("cpprestsdk.* hand-written text", "cpprestsdk, text by hand"),
+]
+
+
+def short(name):
+    return next((told for pattern, told in SHORT_NAMES if re.fullmatch(pattern, name)), name)
+
+
+def rows_of(run, family, pattern):
+    return [row for work in run.works(family) if re.fullmatch(pattern, work["name"]) for row in work["rows"]
+            if row["ns"]]
+
+
+def ratio(value):
+    return f"{value:.2f}" if value >= 0.1 else f"{value:.3f}"
+
+
+def span(texts):
+    """From the first to the last of texts in their order, once where they are equal."""
+    return texts[0] if texts[0] == texts[-1] else f"{texts[0]} to {texts[-1]}"
+
+
+def judged(rows):
+    """The rows' ratios, and their target where one misses it."""
+    ordered = sorted(rows, key=lambda row: row["ratio"])
+    text = span([ratio(row["ratio"]) for row in ordered])
+    missed = sum(not row["met"] for row in rows)
+    if missed == 0:
+        return text
+    of_all = f" by {missed} of {len(rows)} rows" if len(rows) > 1 else ""
+    return f"{text} **(target {ratio(rows[0]['target'])} missed{of_all})**"
+
+
+def peers_cell(rows):
+    names = {}
+    for row in rows:
+        if row["kind"] == "peer" and row["target"]:
+            names.setdefault(short(row["contender"]), []).append(row)
+    closest_first = sorted(names.items(), key=lambda item: -max(row["ratio"] for row in item[1]))
+    return ", ".join(f"{name} {judged(each)}" for name, each in closest_first)
+
+
+def limit_cell(rows):
+    limits = [row for row in rows if row["kind"] == "limit" and row["target"]]
+    return judged(limits) if limits else ""
+
+
+def ours_cell(rows):
+    first = rows[0]["contender"]
+    times = sorted(row["ns"] for row in rows if row["contender"] == first)
+    return span([f"{time:,.3g}" if time < 1000 else f"{time:,.0f}" for time in times]) + " ns"
+
+
+def table(head, lines):
+    rule = "|".join("---" for _ in head)
+    return "\n".join(["| " + " | ".join(head) + " |", f"|{rule}|"] + ["| " + " | ".join(line) + " |" for line in lines])
+
+
+def beside_others(run):
+    lines = []
+    for label, family, pattern in BESIDE_OTHERS:
+        rows = rows_of(run, family, pattern)
+        if rows:
+            lines.append((label, ours_cell(rows), peers_cell(rows), limit_cell(rows)))
+    return table(("time for one", "ours", "ours over theirs", "ours over the limit by hand"), lines)
+
+
+def beside_ourselves(run):
+    lines = []
+    for label, family, pattern in BESIDE_OURSELVES:
+        rows = [row for row in rows_of(run, family, pattern) if row["kind"] == "ours" and row["target"]]
+        if rows:
+            lines.append((label, judged(rows), ratio(rows[0]["target"])))
+    return table(("time for one", "times as long", "allowed"), lines)
+
+
+def megabytes(value):
+    return f"{value / 1e6:,.1f} MB"
+
+
+def peaks(run):
+    lines = []
+    for label, family, pattern in PEAKS:
+        rows = [row for row in rows_of(run, family, pattern) if row["peakAllowed"]]
+        if rows:
+            row = max(rows, key=lambda row: row["peakAllowed"])
+            missed = "" if row["peakMet"] else " **(missed)**"
+            lines.append((f"{label} of {megabytes(row['bytes'])}", megabytes(row["peak"]) + missed,
+                          megabytes(row["peakAllowed"])))
+    return table(("work", "peak memory", "allowed"), lines)
+
+
+def summary(run):
+    met, every = run.targets()
+    first = next(iter(run.families.values()))
+    return (f"{met} of {every} targets are met in this run ({first['when']}; {first['processor']}, "
+            f"{first['processors']} processors; {first['build']}).\n\n"
+            f"{beside_others(run)}\n\n{beside_ourselves(run)}\n\n{peaks(run)}\n")
