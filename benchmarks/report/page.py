@@ -127,8 +127,10 @@ def page(run, charts, commit):
              ("build", first["build"]), ("commit", commit), ("targets", f"{met} of {every} met")]
     head = element("dl", "".join(element("dt", name) + element("dd", html.escape(value)) for name, value in facts))
     drawn = element("div", "".join(element("div", chart) for chart in charts.values()), "charts")
+    if charts:
+        drawn = element("h2", "Charts") + drawn
     return ("<!DOCTYPE html>\n" + '<html lang="en"><head><meta charset="utf-8"><title>qzl_io: speed</title>' +
             '<meta name="viewport" content="width=device-width">' + element("style", STYLE) + "</head><body>" +
-            element("h1", "qzl_io: speed") + head + element("h2", "Charts") + drawn +
+            element("h1", "qzl_io: speed") + head + drawn +
             element("h2", "Targets missed") + missed_list(run) +
             "".join(family_section(family) for family in run.families.values()) + "</body></html>\n")
