@@ -80,7 +80,7 @@ static_assert(Is<int& (eCriticalResource<int>::*)()>(&eCriticalResource<int>::Ge
 
 } // namespace
 
-TEST(BaseInterface, VirtualOperationsStandInTheirOrder) {
+TEST(BaseInterface, VirtualOperationsKeepTheirOrder) {
     EXPECT_EQ(Slot(&xDebug::eStackEntry::DSE_Title), 2);
     EXPECT_EQ(Slot(&xDebug::eStackEntry::DSE_Brief), 3);
     EXPECT_EQ(Slot(&xDebug::eStackEntry::DSE_Full), 4);

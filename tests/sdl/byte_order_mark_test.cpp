@@ -26,7 +26,7 @@ protected:
     const eTempFolder folder;
 };
 
-TEST_F(ByteOrderMark, IsPassedOverAtTheStartOfEverySource) {
+TEST_F(ByteOrderMark, IsSkippedAtTheStartOfEverySource) {
     const eFileName file = File("a.sdl", mark + "{scene 1}");
     const eFileNameW wide(folder.NameW(L"a.sdl"));
     EXPECT_EQ(eSDLReader(file, "scene", nullptr).GetInt(), 1);
@@ -43,7 +43,7 @@ TEST_F(ByteOrderMark, IsPassedOverAtTheStartOfEverySource) {
     EXPECT_EQ(skipping.GetInt(), 3);
 }
 
-TEST_F(ByteOrderMark, IsPassedOverInIncludedFilesAndDecipheredTexts) {
+TEST_F(ByteOrderMark, IsSkippedInIncludedFilesAndDecipheredTexts) {
     eSDLReader reader = ReaderOf("1 4");
     EXPECT_EQ(reader.GetInt(), 1);
     reader.Include(File("b.sdl", mark + "2 3"));
@@ -56,14 +56,14 @@ TEST_F(ByteOrderMark, IsPassedOverInIncludedFilesAndDecipheredTexts) {
               ReaderFailure(17, "Not SDL file!"));
 }
 
-TEST_F(ByteOrderMark, IsPassedOverWhereAStreamStands) {
+TEST_F(ByteOrderMark, IsSkippedAtTheStreamsPosition) {
     const std::string text = "header" + mark + "8";
     IO::eBufferStream stream(text);
     stream.Seek(6, IO::eSeekDir::Begin);
     EXPECT_EQ(eSDLReader(&stream, nullptr).GetInt(), 8);
 }
 
-TEST_F(ByteOrderMark, IsPassedOverOnceAndWhole) {
+TEST_F(ByteOrderMark, IsSkippedOnceAndOnlyAsAWhole) {
     for (const std::string& text : {mark + mark + "1", " " + mark + "1", mark.substr(0, 2) + "1", mark.substr(0, 1)})
         EXPECT_TRUE(ReaderOf(text).Check(sdlError)) << text;
 }
@@ -80,7 +80,7 @@ TEST_F(ByteOrderMark, OfADefineOrAParameterIsAnErrorLikeAnyOther) {
     EXPECT_EQ(parser.Token().type, sdlError);
 }
 
-TEST_F(ByteOrderMark, IsNoPartOfAPlaceInTheText) {
+TEST_F(ByteOrderMark, IsNotPartOfAPlaceInTheText) {
     const std::vector<eSDLKeyword*> tables;
     const std::string text = mark + "%a 2\n3";
     IO::eBufferStream stream(text);

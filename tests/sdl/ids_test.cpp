@@ -107,7 +107,7 @@ private:
     void Note(const char* operation) const { noted.push_back(operation); }
 };
 
-TEST(Ids, EachOperationCanBeRedefinedAndIsHeardThroughTheBase) {
+TEST(Ids, EachOperationCanBeOverriddenAndIsCalledThroughTheBase) {
     eNotingIds noting;
     eIds& ids = noting;
     eIds copy;
@@ -124,7 +124,7 @@ TEST(Ids, EachOperationCanBeRedefinedAndIsHeardThroughTheBase) {
                                           "Remove 1", "Remove 1", "Assign", "CopyTo", "HasAny", "Has"));
 }
 
-TEST(Ids, OperationsStandInTheirSlots) {
+TEST(Ids, OperationsKeepTheirSlots) {
     const std::ptrdiff_t slots[] = {
         Slot(static_cast<bool (eIds::*)(int)>(&eIds::Add)),
         Slot(static_cast<bool (eIds::*)(const eIds&)>(&eIds::Add)),

@@ -210,7 +210,7 @@ static_assert(Is<bool (*)(const eFileName&, const eFileName&)>(&JsonToSdl));
 
 } // namespace
 
-TEST(SdlInterface, VirtualOperationsStandInTheirOrder) {
+TEST(SdlInterface, VirtualOperationsKeepTheirOrder) {
     const std::pair<std::ptrdiff_t, std::ptrdiff_t> rows[] = {
         {Slot(&eSDLParser::DSE_Title), 2},      {Slot(&eSDLParser::DSE_Brief), 3},
         {Slot(&eSDLParser::DSE_Full), 4},       {Slot(&eWriteStream::WriteString), 2},
@@ -224,7 +224,7 @@ TEST(SdlInterface, VirtualOperationsStandInTheirOrder) {
         EXPECT_EQ(slot, expected);
 }
 
-TEST(SdlInterface, MembersStandInTheirOrder) {
+TEST(SdlInterface, MembersKeepTheirOrder) {
     const auto place = [](const auto& whole, const auto& member) {
         return reinterpret_cast<const char*>(&member) - reinterpret_cast<const char*>(&whole);
     };

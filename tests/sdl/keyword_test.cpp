@@ -81,7 +81,7 @@ std::string RandomName(std::mt19937& random) {
 
 } // namespace
 
-TEST(SdlKeyword, EntriesStandInTheOrderOfTheirConstruction) {
+TEST(SdlKeyword, EntriesKeepTheOrderOfTheirConstruction) {
     EXPECT_EQ(colors, &red);
     EXPECT_EQ(red.next, &green);
     EXPECT_EQ(green.next, &redAgain);
@@ -130,7 +130,7 @@ TEST(SdlKeyword, ANullTableHasNoEntries) {
     EXPECT_EQ(eSDLKeyword::FindIn(nullptr, 1), nullptr);
 }
 
-TEST(SdlKeyword, AnEntryWithoutANameStandsInNobodysWay) {
+TEST(SdlKeyword, AnEntryWithoutANameIsNeverFoundAndHidesNothing) {
     static eSDLKeyword* table;
     static eSDLKeyword nameless(table, nullptr, 7);
     static eSDLKeyword named(table, "a", 8);

@@ -247,7 +247,7 @@ TEST(SdlParser, NumbersWithExponentsAreTheNearestFloats) {
     EXPECT_EQ(parser.Line(), 20'001);
 }
 
-TEST(SdlParser, CountsLinesByLineFeedsWhereverTheyStand) {
+TEST(SdlParser, CountsLinesByLineFeedsWhereverTheyAre) {
     eTextParser parser("a\r\nb ; comment\n\n\"x\\\ny\" \r c\n");
     for (const int line : {1, 2, 5, 5}) {
         EXPECT_TRUE(parser.Get());
@@ -397,7 +397,7 @@ TEST(SdlParser, AnalysesTheTokenJustCutOnceMore) {
     EXPECT_EQ(Dump(parser.Token()), "3[color]");
 }
 
-TEST(SdlParser, AnalysesTheTokenAsItStands) {
+TEST(SdlParser, AnalysesTheTokenAsItIsNow) {
     class eAnalysing : public eSDLParser {
     public:
         using eSDLParser::eSDLParser;

@@ -206,7 +206,7 @@ TEST_P(WriterValues, AreWrittenAsTheseTexts) {
 
 INSTANTIATE_TEST_SUITE_P(Table, WriterValues, testing::ValuesIn(valueCases));
 
-TEST(WriterValues, StringListsStandOneALine) {
+TEST(WriterValues, StringListsAreWrittenOneALine) {
     eStrings narrow;
     narrow.Add("a");
     narrow.Add("b");

@@ -101,7 +101,7 @@ TEST(Writer, ALargeTextThatItsFileRefusesIsGone) {
     EXPECT_EQ(Content(rest), "1");
 }
 
-TEST(Writer, GoesOnWhereTheTargetStands) {
+TEST(Writer, ContinuesAtTheTargetsPosition) {
     IO::eMemoryStream target;
     target.Write("head:", 5);
     { eSDLWriter(&target) << 1; }
@@ -118,7 +118,7 @@ TEST(Writer, ClosesWhenItIsDestroyed) {
     EXPECT_EQ(folder.Read("a.sdl"), "1\r\n");
 }
 
-TEST(Writer, WithoutAWriteMakesAnEmptyFile) {
+TEST(Writer, ThatWroteNothingLeavesAnEmptyFile) {
     const eTempFolder folder;
     folder.Write("a.sdl", "what was there before");
     { eSDLWriter writer(eFileName(folder.Name("a.sdl")), nullptr); }
@@ -419,7 +419,7 @@ TEST(Writer, HasNothingToCloseWithoutATargetWhileAnotherExceptionIsUnderWay) {
         std::logic_error);
 }
 
-TEST(Writer, ReportsAFullTargetOtherwise) {
+TEST(Writer, ReportsAFullTargetWhileNoOtherExceptionIsUnderWay) {
     unsigned char room[4] = {};
     IO::eBufferStream target(room, sizeof room, 0);
     eReports reports(eReports::Throws);
@@ -489,7 +489,7 @@ TEST(Writer, ClosedByOneCopyIsClosedForAll) {
     EXPECT_EQ(folder.Read("a.sdl"), "1");
 }
 
-TEST(Writer, OpenedAgainGoesItsOwnWay) {
+TEST(Writer, OpenedAgainSharesNothingWithItsCopies) {
     IO::eMemoryStream one;
     IO::eMemoryStream two;
     eSDLWriter first(&one);

@@ -65,7 +65,7 @@ struct eStoredValue {
     }
 };
 
-TEST(GrowingQuery, GivesTheWholeBufferWithZerosBehindTheValue) {
+TEST(GrowingQuery, ReturnsTheWholeBufferWithZerosAfterTheValue) {
     struct eRow {
         unsigned int value;
         std::vector<unsigned int> asked;
@@ -195,7 +195,7 @@ TEST(CachedText, AReferenceToAnEmptyTextStaysEmpty) {
     EXPECT_EQ(L"", none);
 }
 
-TEST(CachedText, MayBeAskedFromWithinItsOwnQuestion) {
+TEST(CachedText, MayBeReadByTheQueryThatFillsIt) {
     eCachedText<char> text;
     const std::string& outer = text.Get([&] { return text.Get([] { return std::string("inner"); }) + "x"; });
     EXPECT_EQ("inner", outer);

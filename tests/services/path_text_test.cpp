@@ -98,7 +98,7 @@ TYPED_TEST(PathText, SplitLeavesOutputsOfAnEmptyPathAsTheyWere) {
     EXPECT_EQ(old, ext);
 }
 
-TYPED_TEST(PathText, SplitSkipsPartsThatNobodyWants) {
+TYPED_TEST(PathText, SplitSkipsPartsWithANullPointer) {
     using Text = typename TypeParam::Text;
     const Text path = TypeParam::Of("c:/dir/file.txt");
     EXPECT_EQ(path, TypeParam::Split(path, nullptr, nullptr, nullptr, nullptr));

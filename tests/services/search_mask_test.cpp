@@ -213,7 +213,7 @@ TEST(SearchMask, AnswersLongHostileMasksAtOnce) {
     EXPECT_TRUE(eSearchMask(mask).Matches(std::wstring(255, L'a')));
 }
 
-TEST(SearchPattern, IsCutBehindItsLastSlash) {
+TEST(SearchPattern, IsCutAfterItsLastSlash) {
     struct eRow {
         std::string_view pattern, folder, mask;
     };

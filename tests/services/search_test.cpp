@@ -401,7 +401,7 @@ struct eSystemTime {
     unsigned long dwHighDateTime;
 };
 
-TEST(FileTime, TurnsIntoTheSystemsStructureByItself) {
+TEST(FileTime, ConvertsImplicitlyToTheSystemsStructure) {
     const eSystemTime time = IO::eFileTime::FromTicks(0x0123456789ABCDEFull);
     EXPECT_EQ(0x89ABCDEFu, time.dwLowDateTime);
     EXPECT_EQ(0x01234567u, time.dwHighDateTime);

@@ -366,7 +366,7 @@ TEST_F(Tree, AnEmptiedFolderIsWaitedForAsLongAsItSeemsFull) {
     EXPECT_EQ(7, pauses);
 }
 
-TEST_F(Tree, NobodyWaitsForAFolderInWhichSomethingStays) {
+TEST_F(Tree, AFolderInWhichSomethingStaysIsNotWaitedFor) {
     auto kept = File(), sealed = Folder({{"file", File()}});
     kept->locked = sealed->unlisted = true;
     auto root = Folder({{"a", Folder({{"b", Folder({{"kept", kept}})}})}, {"sealed", sealed}});

@@ -299,7 +299,7 @@ TEST(FileName, OnlyCopiesAndAssignmentsTurnTheBackSlashesOfAStream) {
     }
 }
 
-TEST(FileName, GivesAPieceOfTheTextOfAStreamAsItStands) {
+TEST(FileName, ReturnsAPieceOfATextFromAStreamUnchanged) {
     IO::eMemoryStream stream;
     stream << "a\\b/c\\d";
     stream.Reset();

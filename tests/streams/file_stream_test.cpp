@@ -227,7 +227,7 @@ TEST(FileStream, AnEmptyReadOnlyFileReadsAsNothing) {
     EXPECT_EQ(reports.errors()[2].message, "Attempt to read beyond the stream!");
 }
 
-TEST(FileStream, WhatIsWrittenStandsInTheFileAfterClosing) {
+TEST(FileStream, WhatIsWrittenIsInTheFileAfterClosing) {
     const eTempFolder folder;
     for (const std::size_t size : {0u, 1u, 32767u, 32768u, 32769u, 40000u, 65536u, 65537u, 200000u}) {
         const std::string text = Pattern(size);
@@ -274,7 +274,7 @@ TEST(FileStream, BigTransfersLeaveTheStreamWhereSmallOnesDo) {
         }
 }
 
-TEST(FileStream, BigWritesInTheMiddleKeepWhatStandsAround) {
+TEST(FileStream, BigWritesInTheMiddleKeepTheBytesAround) {
     const eTempFolder folder;
     std::string expected = Pattern(200000);
     folder.Write("file", expected);
@@ -546,7 +546,7 @@ TEST(FileStream, BeforeTheStartThereAreNoLines) {
     EXPECT_EQ(stream.Position(), 0 - 3ull);
 }
 
-TEST(FileStream, APositionBehindTheEndBecomesDataOnceWritten) {
+TEST(FileStream, APositionBeyondTheEndBecomesDataOnceWritten) {
     const eTempFolder folder;
     const eReports reports;
     eFile stream(folder.Write("file", "abc"), kReadWrite | Mode::Errors);
@@ -574,7 +574,7 @@ std::vector<std::string> MessagesOfALateWrite(std::size_t n, const std::string& 
     return messages;
 }
 
-TEST(FileStream, AWriteAtTheEndOfTheBufferBehindTheDataIsReportedWhateverItsSize) {
+TEST(FileStream, AWritePastTheDataToTheEndOfTheBufferIsReportedWhateverItsSize) {
     const eTempFolder folder;
     const std::vector<std::string> expected = {
         "Invalid seek location!",
@@ -590,7 +590,7 @@ TEST(FileStream, AWriteAtTheEndOfTheBufferBehindTheDataIsReportedWhateverItsSize
     }
 }
 
-TEST(FileStream, ACopyToTheEndOfTheBufferBehindTheDataIsReportedToo) {
+TEST(FileStream, ACopyPastTheDataToTheEndOfTheBufferIsReportedToo) {
     const eTempFolder folder;
     const eReports reports;
     IO::eFileStream source(folder.Write("source", std::string(200000, 'x')), Mode::Read);

@@ -291,7 +291,7 @@ TEST(LastValue, ALineLiesBetweenThePositionsWhenItIsReported) {
         }
 }
 
-TEST(LastValue, OfAPacketThatKnowsAByteMoreIsNotReported) {
+TEST(LastValue, OfAPacketWithAnAddressableByteMoreIsNotReported) {
     const eReports reports(eReports::Throws);
     const std::string bytes = "\1\0\0\0ab\ncd\n\1x\0\0"s;
     IO::eBufferStream stream(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size() + 1, bytes.size());

@@ -499,7 +499,7 @@ TEST(MemoryStream, ABlockThatCannotBeMadeLeavesTheOldOne) {
     EXPECT_EQ(eOwnBlocks::strangers, 0);
 }
 
-TEST(MemoryStream, GrowthClearsWhatLiesBehindTheData) {
+TEST(MemoryStream, GrowthClearsTheRoomAfterTheData) {
     IO::eMemoryStream own(64);
     eMemory derived(64);
     for (IO::eMemoryStream* stream : {&own, static_cast<IO::eMemoryStream*>(&derived)}) {
@@ -678,7 +678,7 @@ TEST(BufferStream, ItsLastByteIsPeekedAtAndReported) {
     EXPECT_EQ(stream.Position(), 3u);
 }
 
-TEST(BufferStream, BehindItsLastByteLieZeros) {
+TEST(BufferStream, ReadsAsZerosAfterItsLastByte) {
     const eReports reports;
     const unsigned char bytes[] = {'a', 'b', 'c'};
     eView stream(bytes, 2, 2);

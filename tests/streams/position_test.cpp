@@ -43,7 +43,7 @@ std::string PlaceBufferReport(const eTempFolder& folder, const std::string& stat
 
 } // namespace
 
-TEST(Position, FromTwoToThe63AndTheSizeOnItLiesBeforeTheStart) {
+TEST(Position, MoreThanTwoToThe63BeyondTheSizeIsBeforeTheStart) {
     struct eRow {
         u64 position;
         bool beyond;
@@ -76,7 +76,7 @@ TEST(Position, FromTwoToThe63AndTheSizeOnItLiesBeforeTheStart) {
     }
 }
 
-TEST(Position, WithoutErrorsAFileOnlyTellsThatItsBufferWentAstray) {
+TEST(Position, WithoutErrorsAFileReportsOnlyThatItsBufferWentAstray) {
     struct eRow {
         u64 argument;
         eSeekDir dir;

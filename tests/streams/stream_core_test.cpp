@@ -111,7 +111,7 @@ TEST(StreamCore, TheStateIsCompleteBeforeAReportThrows) {
     EXPECT_EQ(stream.Position(), 4u);
 }
 
-TEST(StreamCore, TheEndIsALegalPositionAndWhatLiesBehindIsNot) {
+TEST(StreamCore, TheEndIsALegalPositionAndWhatLiesBeyondIsNot) {
     const eReports reports;
     eMemory stream = Holding("abcd");
     stream.Seek(4, eSeekDir::Begin);

@@ -23,6 +23,6 @@ private:
 
 } // namespace
 
-TEST(StreamLayout, FieldsStandInTheirOrderFromTheFirstByteOn) {
+TEST(StreamLayout, FieldsKeepTheirOrderFromTheFirstByteOn) {
     EXPECT_EQ(eLayout().Offsets(), (std::vector<std::ptrdiff_t>{8, 16, 24, 32, 40, 48, 56}));
 }

@@ -23,7 +23,7 @@ std::string Written(const T& value) {
 
 } // namespace
 
-TEST(TextValues, CarryALengthOfOneByteOrOfThreeBehind255) {
+TEST(TextValues, CarryALengthOfOneByteOrOfThreeAfter255) {
     struct eRow {
         std::size_t length;
         std::string prefix;
@@ -160,7 +160,7 @@ TEST(TextValues, AListIsItsCountAndItsTexts) {
     EXPECT_EQ(Written(eStrings()), std::string(8, '\0'));
 }
 
-TEST(TextValues, AListIsReadBehindWhatTheTargetHolds) {
+TEST(TextValues, AListIsAppendedToWhatTheTargetHolds) {
     eMemory stream = Holding("\2\0\0\0\0\0\0\0\1a\2bc"s + std::string(8, '\0'));
     eStrings texts;
     texts.Add("before");

@@ -102,7 +102,7 @@ TEST_P(Allocations, ThatFailEndAConversionWithFalseAndAWarning) {
     FailEach(R"({"name": "text that is longer than a short one", "list": [1, 2.5, {"inner": [true, null]}]})", true);
 }
 
-TEST_P(Allocations, ThatFailWhileAWarningIsMadeDoSo) {
+TEST_P(Allocations, ThatFailDuringAWarningEndAConversionLikewise) {
     FailEach(R"([100000000000, 1e99, {"name": 5000000000}])", true);
     FailEach(R"({"name": [1, 2)", false);
 }

@@ -210,7 +210,7 @@ TEST_F(CopiedFile, IsSeenUnderEveryNameOfTheTarget) {
     }
 }
 
-TEST_F(CopiedFile, HasARoomOfItsOwnUnderNamesOf255Characters) {
+TEST_F(CopiedFile, MayHaveANameOf255Characters) {
     const std::string name(255, 'n');
     MakeFile("from", "new");
     EXPECT_TRUE(Copy("from", name));

@@ -158,7 +158,7 @@ TEST_F(OpenedFolder, AsksWhatAnEntryIsWhereTheListingDoesNotTell) {
               kinds);
 }
 
-TEST_F(OpenedFolder, IsSearchedRightlyWhereTheListingDoesNotTellWhatAnEntryIs) {
+TEST_F(OpenedFolder, IsSearchedCorrectlyWhereTheListingDoesNotTellWhatAnEntryIs) {
     fs::create_directory(temp.Path() / "from/folder");
     fs::create_directory_symlink("folder", temp.Path() / "from/link");
     temp.Write("from/file", "x");

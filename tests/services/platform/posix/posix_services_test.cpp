@@ -373,7 +373,7 @@ TYPED_TEST(PosixServices, AccessAsksForTheUserThatTheProcessActsAs) {
     EXPECT_TRUE(exists);
 }
 
-TYPED_TEST(PosixServices, AccessAndSizeLookBehindLinks) {
+TYPED_TEST(PosixServices, AccessAndSizeFollowLinks) {
     this->MakeFile("file", "0123456789abcdef");
     this->MakeLink("file", "link");
     this->MakeLink("nothing", "broken");

@@ -504,7 +504,7 @@ TYPED_TEST(WindowsNames, FilesNamedAsDevicesAreFilesInATree) {
     EXPECT_FALSE(this->Stands(L"to"));
 }
 
-TYPED_TEST(WindowsNames, ShortOnesReachTheSystemAsTheyAre) {
+TYPED_TEST(WindowsNames, ShortNamesReachTheSystemUnchanged) {
     const eStrictNames strict;
     for (const std::string name : {"nul", "con", "aux.txt", "q:missing/x", "missing/../x", "//./nul"}) {
         const typename TypeParam::Name given(TypeParam::Of(name));
@@ -529,7 +529,7 @@ private:
     std::filesystem::path before;
 };
 
-TYPED_TEST(WindowsNames, RelativeOnesAreCountedFromTheCurrentFolder) {
+TYPED_TEST(WindowsNames, RelativeNamesStartAtTheCurrentFolder) {
     const std::wstring folder = L"tree/" + std::wstring(120, L'c');
     const std::string longName(120, 'x'), odd = "x.";
     this->Make(folder + L"/", "");

@@ -114,7 +114,7 @@ TYPED_TEST(UnattendedCalls, ChangeTheModeOnceForAWholeTree) {
 }
 
 // Calls that the run-time makes can be observed only by the changes of the mode.
-TYPED_TEST(UnattendedCalls, AskForAccessOpenAndRenameFilesSo) {
+TYPED_TEST(UnattendedCalls, AlsoCoverAccessOpeningAndRenaming) {
     this->MakeFile("file", "12345");
     EXPECT_TRUE(TypeParam::MayAccess(this->Named("file"), 0));
     EXPECT_EQ(2, modeChanges);

@@ -215,7 +215,7 @@ TYPED_TEST(WindowsServices, SearchFindsAnEntryByItsShortNameToo) {
     }
 }
 
-TYPED_TEST(WindowsServices, AFileTimeTurnsIntoTheSystems) {
+TYPED_TEST(WindowsServices, AFileTimeConvertsToTheSystems) {
     this->MakeFile("root/file");
     const typename TypeParam::Search search(this->Folder("root"), TypeParam::Of("file"));
     FILETIME time = search.ModifyTime();

@@ -76,7 +76,7 @@ TEST_F(FileFault, AFileWhoseLengthTheSystemDoesNotTellIsNotOpened) {
     }
 }
 
-TEST_F(FileFault, AnOpeningThatFailedIsReportedAndRepeatedWhereErrorsAre) {
+TEST_F(FileFault, AFailedOpeningIsReportedAndRepeatedWhereErrorsIsSet) {
     const eFileName name(folder.Write("file", "0123456789"));
     const eReports reports;
     const eFault fault("fstat", EIO, 1, 3);

@@ -209,13 +209,13 @@ TEST_F(FileHandle, CopyingSurvivesInterruptionAndShortCounts) {
     }
 }
 
-TEST_F(FileHandle, WhatTheSystemCannotCopyIsToldAsNothing) {
+TEST_F(FileHandle, ACopyThatTheSystemCannotMakeCountsNoBytes) {
     theSystem.sequential = true;
     EXPECT_EQ(Platform::CopyBetween(77, 0, 78, 0, 5), 0u);
     EXPECT_EQ(theSystem.calls, 1);
 }
 
-TEST_F(FileHandle, OneFileIsToldFromTwoAndDoubtCountsAsOne) {
+TEST_F(FileHandle, TwoHandlesOfOneFileAreRecognisedAndDoubtCountsAsOne) {
     EXPECT_TRUE(Platform::MayBeOneFile(77, 77));
     EXPECT_FALSE(Platform::MayBeOneFile(77, 78));
     EXPECT_TRUE(Platform::MayBeOneFile(77, -1));
