@@ -1,8 +1,8 @@
-# The libraries that ours is measured beside, each an interface target bench_peer_<name> where it is installed.
-# QZL_BENCH_MISSING_PEERS names the others.
+# The libraries that ours is compared with, each an interface target bench_peer_<name> if it is installed.
+# QZL_BENCH_MISSING_PEERS lists the others.
 set(QZL_BENCH_MISSING_PEERS)
 
-# bench_peer(name header library...): header-only without a library.
+# bench_peer(name header library...): a peer without a library is header-only.
 function(bench_peer name header)
     string(TOUPPER QZL_BENCH_${name} prefix)
     find_path(${prefix}_INCLUDE ${header})

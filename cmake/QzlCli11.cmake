@@ -1,5 +1,5 @@
-# qzl_cli11: the command-line library. It is headers alone and lies among the system's own, which a cross compiler must
-# not see; so a link in the build folder leads to it and to nothing else.
+# qzl_cli11: the command-line library. Its headers are among the system's headers, which a cross compiler must not see,
+# so a link in the build folder leads to this library alone.
 find_path(QZL_CLI11_INCLUDE CLI/CLI.hpp PATHS /usr/include /usr/local/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 set(folder ${PROJECT_BINARY_DIR}/cli11)
 file(MAKE_DIRECTORY ${folder})

@@ -1,4 +1,4 @@
-# cpprestsdk_json: the JSON facility of cpprestsdk, for the sources of qzl_io alone.
+# cpprestsdk_json: the JSON part of cpprestsdk, for the sources of qzl_io only.
 if(WIN32)
     include(QzlCpprestMingw)
 else()

@@ -1,4 +1,4 @@
-# The JSON facility of cpprestsdk as a static library: Debian's source package, fetched and adapted in the build folder.
+# The JSON part of cpprestsdk as a static library: Debian's source package, downloaded and adapted in the build folder.
 set(adaptation ${PROJECT_SOURCE_DIR}/cmake/cpprest-mingw)
 set(QZL_CPPREST_FOLDER ${PROJECT_BINARY_DIR}/cpprestsdk CACHE PATH "Where cpprestsdk's source package is kept")
 
@@ -8,7 +8,7 @@ if(NOT result EQUAL 0)
     message(FATAL_ERROR "cpprestsdk's sources are not at hand\n${output}")
 endif()
 
-# qzl_adapt(file was becomes): replaces a text in a source file of cpprestsdk, once; a file that knows neither is an error.
+# qzl_adapt(file was becomes): replaces a text in a source file of cpprestsdk once; it is an error if both are missing.
 function(qzl_adapt file was becomes)
     set(path ${QZL_CPPREST_FOLDER}/source/Release/${file})
     file(READ ${path} text)

@@ -1,4 +1,4 @@
-# What every target of the tree shares: language level, folders, build type, sanitizers, coverage.
+# Settings that all targets of the tree share: language level, folders, build type, sanitizers, coverage.
 include(GNUInstallDirs)
 include(GenerateExportHeader)
 
@@ -15,7 +15,7 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)
 endif()
 
-# Programs and the DLLs that they need stand together, so that Windows finds them without a search path.
+# Programs and their DLLs are in one folder, so that Windows finds the DLLs without a search path.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)

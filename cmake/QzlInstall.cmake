@@ -1,4 +1,4 @@
-# What `cmake --install` puts below the prefix: libraries, headers, the CMake package and the pkg-config file.
+# Installation below a prefix: libraries, headers, the CMake package and the pkg-config file.
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/qzl_io)

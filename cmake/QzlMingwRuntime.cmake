@@ -1,4 +1,4 @@
-# The compiler's own run-time DLLs, which library and application share, and the way to run what was built.
+# The compiler's run-time DLLs, which library and application share, and the script that runs Windows programs.
 set(QZL_RUNTIME_DLLS)
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}

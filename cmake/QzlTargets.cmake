@@ -1,18 +1,18 @@
-# Helpers with which the folders declare their targets.
+# Functions for declaring the targets of a folder.
 set(QZL_WARNINGS
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-align
     -Woverloaded-virtual -Wformat=2 -Wundef -Wimplicit-fallthrough -Wextra-semi
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>) # GCC 12 takes the library's own std::string sums for overlapping copies
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>) # GCC 12 mistakes the standard library's string sums for overlapping copies
 
-# qzl_own_target(target): a target compiled from our own sources, held to our own warnings.
+# qzl_own_target(target): a target that is compiled from our own sources with our warnings.
 function(qzl_own_target target)
     target_compile_options(${target} PRIVATE
         $<$<COMPILE_LANGUAGE:CXX>:${QZL_WARNINGS}>
         $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:-Werror>)
 endfunction()
 
-# qzl_add_library(name): the shared library of the calling folder, with <name/export.h> and every source of
-# the folder and of the platform's own folder below it.
+# qzl_add_library(name): the shared library of the calling folder, with <name/export.h> and every source of the
+# folder and of its folder for the platform.
 function(qzl_add_library name)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp streams/*.cpp sdl/*.cpp json/*.cpp files/*.cpp machine/*.cpp
         platform/${QZL_PLATFORM}/*.cpp)
@@ -40,15 +40,15 @@ function(qzl_add_library name)
         EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/include/${name}/export.h)
 endfunction()
 
-# qzl_add_optional_folder(folder option): the folder's targets, where the option is on and the folder has any.
+# qzl_add_optional_folder(folder option): adds the folder's targets if the option is on and the folder has any.
 function(qzl_add_optional_folder folder option)
     if(${option} AND EXISTS ${PROJECT_SOURCE_DIR}/${folder}/CMakeLists.txt)
         add_subdirectory(${folder})
     endif()
 endfunction()
 
-# qzl_examples_definition(target): gives the target's sources the folders of JSON documents as QZL_EXAMPLES_DIR (the
-# tree's own examples) and QZL_DOCUMENTS_DIR (real documents, which need not be there).
+# qzl_examples_definition(target): defines the folders of JSON documents for the target's sources: QZL_EXAMPLES_DIR (the
+# examples of this tree) and QZL_DOCUMENTS_DIR (real documents, which may be missing).
 set(QZL_DOCUMENTS_DIR ${PROJECT_SOURCE_DIR}/../shared/data CACHE PATH "Folder with further JSON documents to test with")
 function(qzl_examples_definition target)
     file(REAL_PATH ${QZL_DOCUMENTS_DIR} documents)

@@ -1,5 +1,5 @@
-# Reads CTest's log of GoogleTest programs: how many promises each program checked, which it skipped and why, and what
-# the failing ones said.
+# Summarises CTest's log of GoogleTest programs: how many promises each program checked, which it skipped and why, and
+# the output of those that failed.
 { sub(/\r$/, "") }
 
 /^[0-9]+\/[0-9]+ Testing: / { program = $3; programs[++count] = program; lines = 0; blocks = 0; block = ""; next }

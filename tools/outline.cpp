@@ -48,7 +48,7 @@ private:
             ++outline.floats;
             return;
         case sdlError:
-            xError::Fatal(kSource, kIllegalCharacterLine, "No token begins like this!");
+            xError::Fatal(kSource, kIllegalCharacterLine, "No token begins with this character!");
         default:
             return;
         }

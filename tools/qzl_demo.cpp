@@ -165,11 +165,11 @@ int RunReporting(eArguments arguments) {
 
 int main(int argc, char** argv) {
     eArguments arguments;
-    CLI::App app("Converts a JSON document to SDL, reads it back and says what is in it.\n"
-                 "Without a document it takes the project's own sample scene.");
+    CLI::App app("Converts a JSON document to SDL, reads it back and shows what is in it.\n"
+                 "Without a document it uses the project's sample scene.");
     app.add_option("IN.json", arguments.json, "the JSON document");
-    app.add_option("OUT.sdl", arguments.sdl, "where the SDL goes; without it a file in the temporary folder");
-    app.add_flag("--system", arguments.system, "show what the system services tell about this machine instead");
+    app.add_option("OUT.sdl", arguments.sdl, "the SDL file; by default a file in the temporary folder");
+    app.add_flag("--system", arguments.system, "show what the system services know about this machine instead");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

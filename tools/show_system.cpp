@@ -13,7 +13,7 @@ constexpr int kLabelWidth = 16;
 constexpr int kSizeWidth = 14;
 
 void PrintFact(std::ostream& out, std::string_view label, const std::string& fact) {
-    out << "  " << std::left << std::setw(kLabelWidth) << label << (fact.empty() ? "(not told)" : fact) << '\n';
+    out << "  " << std::left << std::setw(kLabelWidth) << label << (fact.empty() ? "(unknown)" : fact) << '\n';
 }
 
 void PrintMachine(std::ostream& out) {
