@@ -116,7 +116,7 @@ def dot_chart(run, title, lines, series, columns=3):
     figure = Figure(figsize=(9, height + 1.7), layout="constrained")
     axes = figure.add_subplot()
     axes.set_xscale("log")
-    ticks = round_ticks(draw_dots(axes, run, lines, series) or [1, 10])  # a filter may leave nothing
+    ticks = round_ticks(draw_dots(axes, run, lines, series) or [1, 10])  # a filter may leave no row
     log_axis(axes.xaxis, ticks)
     axes.set_xlim(ticks[0], ticks[-1])
     axes.grid(axis="x")
@@ -224,7 +224,7 @@ CHARTS = {
 
 
 def svg(figure):
-    """The figure as a text. Its title tells those who cannot see it what it shows."""
+    """The figure as a text. Its title describes it to readers who cannot see it."""
     title = "; ".join(axes.get_title(loc="left") for axes in figure.axes)
     out = io.StringIO()
     figure.savefig(out, format="svg", metadata={"Date": None, "Creator": None, "Title": title})

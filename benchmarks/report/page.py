@@ -1,4 +1,4 @@
-"""A run as one HTML page that needs nothing beside it."""
+"""A run as one self-contained HTML page."""
 
 import html
 
@@ -63,7 +63,7 @@ def plain_table(work):
 
 
 def table_over_sizes(work, sizes):
-    """A line for each contender, its times over the sizes; and one for what ours is beside each limit or peer."""
+    """A line for each contender with its times over the sizes, and a line with our ratio to each limit or peer."""
     lines = [element("tr", element("th", html.escape(work["axis"])) + "".join(element("th", f"{s:g}") for s in sizes))]
     contenders = dict.fromkeys(row["contender"] for row in work["rows"])
     for contender in contenders:
@@ -94,7 +94,7 @@ def family_section(family):
 
 
 def missed_of(rows):
-    """What the rows of one contender of a work say of targets that they miss; nothing if they meet all."""
+    """The targets that the rows of one contender of a work miss; empty if they meet all."""
     failed = [row for row in rows if row["failure"]]
     slow = [row for row in rows if row["met"] is False]
     large = [row for row in rows if row["peakMet"] is False]

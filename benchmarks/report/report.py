@@ -5,7 +5,7 @@ import re
 import sys
 from pathlib import Path
 
-sys.dont_write_bytecode = True  # nothing is written beside the sources
+sys.dont_write_bytecode = True  # writes nothing next to the sources
 
 from charts import draw_all
 from page import page
@@ -14,7 +14,7 @@ from summary import summary
 
 
 def replace_figures(file, text):
-    """Puts the text between the two marks of the document."""
+    """Replaces the text between the two marks of the document."""
     old = file.read_text()
     marks = r"(<!-- figures: .*?-->\n).*?(<!-- end of figures -->)"
     if not re.search(marks, old, re.DOTALL):

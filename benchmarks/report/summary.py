@@ -2,7 +2,7 @@
 
 import re
 
-# The lines of the table beside others: label, family, pattern of the works that the line sums up.
+# The lines of the table of comparisons: label, family, pattern of the works that the line sums up.
 BESIDE_OTHERS = [
     ("SDL value read: records", "sdl_read", "read value by value: records, .*"),
     ("SDL value read: strings", "sdl_read", "read value by value: strings, .*"),
@@ -34,7 +34,7 @@ BESIDE_OTHERS = [
     ("folder of 20,000 empty ones purged", "services", "purge of .*"),
 ]
 
-# The lines of the table beside our own times: label, family, pattern of the works.
+# The lines of the table of our own ratios: label, family, pattern of the works.
 BESIDE_OURSELVES = [
     ("block skipped, beside one read", "sdl_read", "skip a block: .*"),
     ("keyword in a table of 100 or 1000, beside one in a table of 10", "keywords", ".*, cost as the table grows"),
@@ -77,12 +77,12 @@ def ratio(value):
 
 
 def span(texts):
-    """From the first to the last of texts in their order, once where they are equal."""
+    """The first and the last of ordered texts, 'first to last'; only one if they are equal."""
     return texts[0] if texts[0] == texts[-1] else f"{texts[0]} to {texts[-1]}"
 
 
 def judged(rows):
-    """The rows' ratios, and their target where one misses it."""
+    """The rows' ratios, with their target if a row misses it."""
     ordered = sorted(rows, key=lambda row: row["ratio"])
     text = span([ratio(row["ratio"]) for row in ordered])
     missed = sum(not row["met"] for row in rows)
