@@ -17,7 +17,7 @@ struct eEntry {
 
 class eRegistry {
 public:
-    // Never destroyed, since static objects register and leave in an order of their own.
+    // Never destroyed, since static objects register and unregister in any order.
     static eRegistry& Instance() {
         static eRegistry& registry = *new eRegistry;
         return registry;

@@ -8,21 +8,21 @@
 
 namespace xDebug {
 
-// The texts of the calling thread's diagnostic stack, as a report carries them.
+// The text of the calling thread's diagnostic stack, for a report.
 std::string DiagnosticContext();
 
-// The entries of all threads in the order in which they were put there. No virtual function of an entry is called under
-// the lock: an entry is claimed for the time of its description instead, and removal by another thread waits for its
-// release.
+// The entries of all threads in the order in which they were added. No virtual function of an entry is called under the
+// lock. Instead an entry is claimed while it is described, and another thread that removes it waits until it is
+// released.
 class eDiagnosticStack {
 public:
     static eDiagnosticStack& Instance();
 
-    // As the innermost entry of the calling thread, wherever it was.
+    // Adds the entry as the innermost of the calling thread, wherever it was before.
     void Enter(eStackEntry& entry) noexcept;
     void Leave(eStackEntry& entry) noexcept;
 
-    // The calling thread's part, innermost entry first.
+    // Describes the calling thread's entries, innermost first.
     std::string Describe();
 
 private:

@@ -33,7 +33,7 @@ private:
     std::shared_ptr<const eHandler> handler;
 };
 
-// The slots are never destroyed, since static objects may report while they are.
+// The slots are never destroyed, since static objects may report while they are destroyed.
 eHandlerSlot& ErrorSlot() {
     static eHandlerSlot& slot = *new eHandlerSlot;
     return slot;

@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view kHexDigits = "0123456789abcdef";
 constexpr std::size_t kLongestEscape = 4; // "\xHH"
 
-// For each byte the letter of its short escape sequence, 'x' for a hexadecimal one, 0 when it stands for itself.
+// For each byte the letter of its short escape sequence, 'x' for a hexadecimal one, or 0 if it needs none.
 constexpr std::array<char, 256> kEscapes = [] {
     std::array<char, 256> letters{};
     for (std::size_t c = 0; c < letters.size(); ++c)
@@ -32,19 +32,19 @@ char EscapeOf(char c) {
 
 constexpr std::size_t kWord = 8;
 
-// Number of the eight bytes at the beginning of a text that stand for themselves. The zeros behind them do not.
+// The number of bytes, of the first eight, before one that needs an escape. The zeros after the text need one.
 std::size_t PlainRunOfWord(const char* text) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
     return static_cast<std::size_t>(std::countr_zero(escapes::AreNeeded(bytes)));
 }
 
-// Number of bytes at the beginning that stand for themselves.
+// The number of bytes before the first one that needs an escape.
 std::size_t PlainRun(const char* text, std::size_t size) {
     std::size_t run = 0;
     for (; size - run >= kWord; run += kWord)
         if (const std::size_t plain = PlainRunOfWord(text + run); plain != kWord)
             return run + plain;
-    // What is left of a long text is the end of its last word, whose beginning is known to be plain.
+    // The rest of a long text is the end of its last word, whose beginning is known to be plain.
     if (run != 0)
         return run == size ? size : size - kWord + PlainRunOfWord(text + size - kWord);
     while (run < size && EscapeOf(text[run]) == 0)
@@ -67,7 +67,7 @@ char* PutEscape(char* out, char c) {
     return out;
 }
 
-// Puts the character that a hexadecimal escape stands for. False when the text does not begin with one.
+// Writes the character that a hexadecimal escape stands for. False if the text does not begin with one.
 bool PutHexadecimal(char* out, std::string_view escape) {
     if (escape.size() < kLongestEscape)
         return false;
@@ -79,8 +79,8 @@ bool PutHexadecimal(char* out, std::string_view escape) {
     return true;
 }
 
-// Puts the character that the escape at the beginning of the text stands for and returns the escape's size, 0 when it
-// is none.
+// Writes the character that the escape at the beginning of the text stands for, and returns the size of the escape; 0
+// if there is none.
 std::size_t PutUnescaped(char* out, std::string_view escape) {
     if (escape.size() < 2)
         return 0;
@@ -112,7 +112,7 @@ void Escape(std::string* text) {
     const std::size_t escaped = EscapedSize(*text);
     if (escaped == size)
         return;
-    // The text moves to the end of the room, from where it is read ahead of the place that is written to.
+    // The text moves to the end of the room and is read there, ahead of the place where it is written.
     text->resize(escaped);
     char* const begin = text->data();
     char* const source = begin + (escaped - size);
@@ -120,7 +120,7 @@ void Escape(std::string* text) {
     PutEscaped(begin, {source, size});
 }
 
-// Moves the characters up to the next backslash, or to the end, and returns how many those are.
+// Moves the characters up to the next backslash, or to the end, and returns their number.
 std::size_t MoveRun(char* out, const char* at, const char* end) {
     const auto left = static_cast<std::size_t>(end - at);
     const void* const backslash = std::memchr(at, '\\', left);

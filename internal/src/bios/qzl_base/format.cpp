@@ -8,7 +8,7 @@
 
 namespace {
 
-// Number of the argument that "%N%" at this place of the pattern stands for, 0 when there is no such place.
+// The number of the argument that "%N%" at this place of the pattern stands for; 0 if there is no placeholder.
 std::size_t PlaceAt(std::string_view pattern, std::size_t at) {
     const bool place = pattern.size() - at >= 3 && pattern[at] == '%' && pattern[at + 2] == '%' &&
                        pattern[at + 1] >= '1' && pattern[at + 1] <= '9';

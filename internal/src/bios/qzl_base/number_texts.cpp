@@ -14,10 +14,10 @@
 namespace {
 
 constexpr std::size_t kLongTextRoom = 20;          // of 2^64 - 1 in decimal
-constexpr std::size_t kMostDigits = 9;             // that tell any two floats apart
+constexpr std::size_t kMostDigits = 9;             // distinguish any two floats
 constexpr float kIntegersEnd = 2147483648.0f;      // the first float beyond the 32-bit integers
-constexpr float kExactIntegersEnd = 16777216.0f;   // below it the float nearest to any integer is that integer
-constexpr std::ptrdiff_t kShortenedByExponent = 3; // trailing zeros that "e" and a digit undercut
+constexpr float kExactIntegersEnd = 16777216.0f;   // below this value the float nearest to an integer is that integer
+constexpr std::ptrdiff_t kShortenedByExponent = 3; // trailing zeros that are longer than "e" and a digit
 
 char* PutView(char* out, std::string_view text) {
     return std::copy(text.begin(), text.end(), out);
@@ -30,8 +30,8 @@ char* PutInteger(char* out, T value, int base) {
 
 constexpr std::uint32_t kEightDigitsEnd = 100'000'000;
 
-// The eight decimal digits of a number below kEightDigitsEnd as values, the first one in the lowest byte: the number is
-// split into halves of four digits, these into pairs, these into digits, all pieces of a step at once.
+// The values of the eight decimal digits of a number below kEightDigitsEnd, the first one in the lowest byte. The
+// number is split into halves of four digits, these into pairs, and these into digits, all pieces of a step at once.
 std::uint64_t EightDigits(std::uint32_t value) {
     const std::uint64_t fours = value / 10000 | std::uint64_t{value % 10000} << 32;
     const std::uint64_t hundreds = (fours * 10486 >> 20) & 0x0000007F0000007Fu;
@@ -40,21 +40,21 @@ std::uint64_t EightDigits(std::uint32_t value) {
     return tens | (pairs - 10 * tens) << 8;
 }
 
-// Put eight characters, of which those from the returned end on do not count.
+// Write eight characters. Those after the returned end do not count.
 char* PutDigits(char* out, std::uint64_t digits, int count) {
     digits |= 0x3030303030303030u;
     std::memcpy(out, &digits, sizeof digits);
     return out + count;
 }
 
-// A number below kEightDigitsEnd.
+// Writes a number below kEightDigitsEnd.
 char* PutShortInteger(char* out, std::uint32_t value) {
     const std::uint64_t digits = EightDigits(value);
     const int zeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;
     return PutDigits(out, digits >> (8 * zeros), 8 - zeros);
 }
 
-// As many digits as `count`, leading zeros among them, of a number that has no more than these; up to eight.
+// Writes `count` digits, up to eight, with leading zeros. The number has no more digits than that.
 char* PutPlaces(char* out, std::uint32_t value, int count) {
     return PutDigits(out, EightDigits(value) >> (8 * (8 - count)), count);
 }
@@ -65,7 +65,7 @@ std::string HexadecimalText(T bits) {
     return {text.data(), PutInteger(text.data() + 2, bits, 16)};
 }
 
-// A finite positive float as digits * 10^exponent with as few digits as tell it from every other float.
+// A finite positive float as digits * 10^exponent with as few digits as distinguish it from every other float.
 struct eDecimal {
     std::array<char, kMostDigits> digits;
     int count = 0;
@@ -75,7 +75,7 @@ struct eDecimal {
 };
 
 eDecimal ShortestDecimal(float value) {
-    // "d.dddddddde-dd": one digit before the point, if any, and two in the exponent.
+    // "d.dddddddde-dd": one digit before the point (if there is one) and two in the exponent.
     std::array<char, 24> text{};
     const char* const end =
         std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
@@ -89,7 +89,7 @@ eDecimal ShortestDecimal(float value) {
     return decimal;
 }
 
-// Half the distances from a positive normal float to its neighbours: what is nearer than these reads as that float.
+// Half the distances from a positive normal float to its neighbours: values nearer than these read as that float.
 struct eHalfGaps {
     double below;
     double above;
@@ -103,17 +103,17 @@ eHalfGaps HalfGapsOf(float value) {
     return {powerOfTwo ? above / 2 : above, above};
 }
 
-// From here on an exponent never makes the text of a fraction shorter.
+// From this value on an exponent never makes the text of a fraction shorter.
 constexpr float kFewPlacesFrom = 0.01f;
 
-// The fewest places behind the point that tell a float below kExactIntegersEnd, and the decimal without its point.
+// The fewest decimal places that distinguish a float below kExactIntegersEnd, and the decimal without its point.
 struct eFewPlaces {
     int places = 0; // 0: more than eight
     std::uint64_t decimal = 0;
 };
 
-// Tries one to eight places at once, for a loop over them would end unpredictably. The products are exact: a float's 24
-// bits and 5^8 fit into a double. Adding 2^52 and taking it away rounds to an integer, a half to the even one.
+// Tries one to eight places at once, since a loop over them would end unpredictably. The products are exact: a float's
+// 24 bits and 5^8 fit into a double. Adding and subtracting 2^52 rounds to an integer, a half to the even one.
 eFewPlaces FewestPlaces(float value) {
     static constexpr int kPairs = 4;
     static constexpr auto& kPowers = decimal::kPowersOfTen<double, 2 * kPairs + 1>;
@@ -148,7 +148,7 @@ int LengthWithExponent(const eDecimal& decimal) {
     return decimal.count + 1 + (decimal.exponent < 0 ? 1 : 0) + (magnitude < 10 ? 1 : 2);
 }
 
-// A value below 1: from there up to kExactIntegersEnd eight places tell any two floats apart.
+// Writes a value below 1. From there up to kExactIntegersEnd, eight places distinguish any two floats.
 char* PutFraction(char* out, const eDecimal& decimal) {
     if (LengthWithExponent(decimal) < 2 - decimal.exponent)
         return PutWithExponent(out, decimal);
@@ -157,7 +157,7 @@ char* PutFraction(char* out, const eDecimal& decimal) {
     return PutView(out, decimal.Digits());
 }
 
-// An integer below kExactIntegersEnd.
+// Writes an integer below kExactIntegersEnd.
 char* PutSmallInteger(char* out, int magnitude) {
     char* const end = PutInteger(out, magnitude, 10);
     char* digitsEnd = end;
@@ -179,7 +179,7 @@ char* PutLargeInteger(char* out, const eDecimal& decimal, float magnitude, bool 
     return end - out <= LengthWithExponent(decimal) ? end : PutWithExponent(out, decimal);
 }
 
-// The decimal lies between the same integers as the value, for these are floats too.
+// The decimal lies between the same two integers as the value, since these are floats, too.
 char* PutFewPlaces(char* out, std::uint32_t whole, const eFewPlaces& few) {
     const std::uint32_t power = decimal::kPowersOfTen<std::uint32_t, 9>[static_cast<std::size_t>(few.places)];
     out = PutShortInteger(out, whole);

@@ -14,7 +14,7 @@ namespace {
 using ascii::HexDigit;
 using ascii::IsDigit;
 
-// std::from_chars takes no plus sign.
+// std::from_chars accepts no plus sign.
 const char* SkipPlus(const char* begin, const char* end) {
     return end - begin >= 2 && *begin == '+' && begin[1] != '-' ? begin + 1 : begin;
 }
@@ -58,10 +58,10 @@ const char* TakeDigits(const char* at, const char* end, std::uint64_t* value) {
     return at;
 }
 
-// So many digits fit into 64 bits, whatever they are.
+// Any number of that many digits fits into 64 bits.
 constexpr std::ptrdiff_t kCertainDigits = std::numeric_limits<std::uint64_t>::digits10;
 
-// Adds the exponent behind an "e" and returns its end, null when it is ill-formed or of more than two digits.
+// Adds the exponent after an "e" and returns its end; null if it is ill-formed or has more than two digits.
 const char* TakeExponent(const char* at, const char* end, int* exponent) {
     const bool negative = at != end && *at == '-';
     if (at != end && (*at == '-' || *at == '+'))
@@ -74,8 +74,8 @@ const char* TakeExponent(const char* at, const char* end, int* exponent) {
     return stop;
 }
 
-// Reads a number of ordinary length and size, its sign passed already, and returns its end; null when it is not of that
-// kind or no number at all.
+// Reads a number of ordinary length and size, whose sign has been passed, and returns its end; null for other numbers
+// and if there is none.
 const char* TakeOrdinary(float* value, bool negative, const char* begin, const char* end) {
     std::uint64_t digits = 0;
     const char* at = TakeDigits(begin, end, &digits);
@@ -97,14 +97,14 @@ const char* TakeOrdinary(float* value, bool negative, const char* begin, const c
     return decimal::ToFloat(digits, exponent, negative, value) ? at : nullptr;
 }
 
-// Whether a sign, if any, is followed by what a decimal number begins with, and not by a name such as "inf".
+// Whether a decimal number begins here, with or without a sign; false for a name such as "inf".
 bool BeginsNumber(const char* at, const char* end) {
     if (at != end && *at == '-')
         ++at;
     return at != end && (IsDigit(*at) || *at == '.');
 }
 
-// For a number that is out of a float's range: whether it is too large, rather than too small.
+// For a number out of a float's range: whether it is too large rather than too small.
 bool TooLarge(const char* at, const char* end) {
     long long magnitude = 0;
     bool pointSeen = false;

@@ -11,7 +11,7 @@ namespace xDebug {
 
 namespace {
 
-// Sets a flag for its own lifetime.
+// Sets a flag during its lifetime.
 class eFlagged {
 public:
     explicit eFlagged(bool& theFlag) : flag(theFlag) { flag = true; }
@@ -46,7 +46,7 @@ std::string TextsOrNothing(const eStackEntry& entry) {
 } // namespace
 
 std::string DiagnosticContext() {
-    // A report made by an entry's own text function would describe that entry again, without end.
+    // Without this, a report made by an entry's text function would describe that entry again, without end.
     static thread_local bool describing = false;
     if (describing)
         return {};
@@ -64,7 +64,7 @@ eDiagnosticStack& eDiagnosticStack::Instance() {
     return stack;
 }
 
-// The entries that one report describes, each null from when it leaves the stack.
+// The entries that one report describes. An entry becomes null when it leaves the stack.
 class eDiagnosticStack::eDescription {
 public:
     explicit eDescription(eDiagnosticStack& theStack) : stack(theStack) {
@@ -140,7 +140,7 @@ private:
 
     eDiagnosticStack& stack;
     std::vector<eStackEntry*> entries;
-    eStackEntry** lastOfMany = nullptr; // the place behind which `more` are left out; null when all are described
+    eStackEntry** lastOfMany = nullptr; // the place after which `more` are left out; null if all are described
     std::size_t more = 0;
 };
 
@@ -163,7 +163,7 @@ void eDiagnosticStack::Leave(eStackEntry& entry) noexcept {
     Remove(entry, lock);
 }
 
-// An entry that another thread is describing is waited for.
+// If another thread is describing the entry, waits for that.
 void eDiagnosticStack::Remove(eStackEntry& entry, std::unique_lock<std::mutex>& lock) noexcept {
     if (entry.thread != ThreadNumber())
         released.wait(lock, [&entry] { return !entry.described; });

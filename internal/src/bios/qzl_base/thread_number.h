@@ -1,4 +1,4 @@
 #pragma once
 
-// A number that is the calling thread's own for the life of the program: above 0 and never given to another thread.
+// A number greater than 0 that belongs to the calling thread for the life of the program and is never reused.
 unsigned long long ThreadNumber() noexcept;

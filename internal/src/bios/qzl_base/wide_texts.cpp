@@ -21,7 +21,7 @@ constexpr int kUtf8 = 65001;
 constexpr int kWindows1252 = 1252;
 constexpr std::size_t kLongestSequence = 4; // bytes of one character in any code page of a system
 
-// Bytes of the character at the beginning of the text, which is appended; 0 when there is none.
+// Appends the character at the beginning of the text and returns the number of its bytes; 0 if there is none.
 std::size_t WidenFirst(platform::eCodePage& page, std::string_view text, std::wstring* wide) {
     for (std::size_t size = 1; size <= std::min(text.size(), kLongestSequence); ++size)
         if (page.Widen(text.substr(0, size), wide))
@@ -70,7 +70,7 @@ std::string NarrowAscii(std::wstring_view text) {
     return narrow;
 }
 
-// False, and reported, when the system cannot tell whether it knows the number.
+// False, after a report, if the system cannot tell whether it knows the number.
 bool OpenPage(int codePage, std::unique_ptr<platform::eCodePage>* page) {
     const bool told = platform::OpenCodePage(codePage, page);
     if (!told)

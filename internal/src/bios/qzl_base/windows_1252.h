@@ -3,12 +3,12 @@
 #include <string>
 #include <string_view>
 
-// Windows-1252, its unassigned bytes being the control characters of the same value.
+// Windows-1252. Its unassigned bytes are the control characters of the same value.
 namespace windows_1252 {
 
 std::wstring Widen(std::string_view text);
 
-// A character, or an ill-formed part, that the page does not have becomes "?".
+// Each character that the page lacks, and each ill-formed part, becomes "?".
 std::string Narrow(std::wstring_view text);
 
 } // namespace windows_1252

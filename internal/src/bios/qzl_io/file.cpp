@@ -6,7 +6,7 @@ namespace IO::System {
 
 namespace {
 
-// A name with forward slashes alone: one that was read from a stream may hold others. It must outlive this.
+// A name with forward slashes only; a name from a stream may contain backslashes. The name must outlive this object.
 template <class Name>
 class eForwardName {
 public:

@@ -16,17 +16,17 @@ namespace IO::System {
 
 namespace {
 
-// Names of 2-byte characters belong to the system that has drives.
+// The system whose wide characters have 2 bytes is the one with drives.
 constexpr eNameRoot kNameRoot = sizeof(wchar_t) == 2 ? eNameRoot::Drive : eNameRoot::Slash;
 
-// Taken as paths, these would be a root with everything on it.
+// As paths, these names would mean a root with everything on it.
 template <class Name>
 bool NamesNothing(const Name& folder) {
     const auto* text = folder.c_str();
     return text[0] == 0 || (text[1] == ':' && text[2] == 0);
 }
 
-// Null when it cannot be opened.
+// Null if the folder cannot be opened.
 template <class Char>
 std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience& patience) {
     std::unique_ptr<eFolder> opened;
@@ -34,7 +34,7 @@ std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience
     return opened;
 }
 
-// With `like`, the last part has that folder's permissions.
+// With `like`, the last part gets the permissions of that folder.
 template <class Char>
 bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience, eFolder* like = nullptr) {
     const Platform::eUnattended unattended;
@@ -81,8 +81,8 @@ void CopyFolder(const Name& from, const Name& to) {
     CopyContents(*openedSource, *openedTarget, patience);
 }
 
-// The name is put before whatever it and the mask find together, as text: on Linux a listed name may hold a back
-// slash, which a name value would turn.
+// Prepends the name, as text, to whatever it and the mask find together: on Linux a listed name may contain a
+// backslash, which a name value would turn into a slash.
 template <class Search, class Name, class Char>
 void PurgeFound(const Name& prefix, const Char* mask) {
     ePatience patience;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Characters of ASCII, whatever the locale. Bytes from 128 up are none.
+// ASCII characters, whatever the locale. Bytes from 128 up belong to no class.
 namespace ascii {
 
 constexpr bool IsDigit(char c) {
@@ -11,7 +11,7 @@ constexpr char ToLower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// The value of a hexadecimal digit of either case, -1 for any other character.
+// The value of a hexadecimal digit of either case; -1 for any other character.
 constexpr int HexDigit(char c) {
     if (IsDigit(c))
         return c - '0';

@@ -12,12 +12,12 @@ inline float WithSign(float magnitude, bool negative) {
     return std::bit_cast<float>(std::bit_cast<std::uint32_t>(magnitude) | (std::uint32_t{negative} << 31));
 }
 
-// The float nearest to digits * 10^exponent, with a minus sign if it is to be negative, where two roundings find it;
-// false, and *value as it was, where they may not.
+// The float nearest to digits * 10^exponent, negated if `negative`, if two roundings find it. False, with *value
+// unchanged, if they may not.
 //
-// Both numbers are doubles without error, so the quotient or product is the nearest double. Rounding that again gives
-// the nearest float unless it lies in the middle between two floats, where the true value may be on either side. All
-// values are far from the ends of a float's range. Signs cannot be predicted, so there is no branch on them.
+// Both numbers are exact as doubles, so their quotient or product is the nearest double. Rounding that again gives the
+// nearest float unless the double lies in the middle between two floats, where the true value may be on either side.
+// All values are far from the limits of a float's range. Signs cannot be predicted, so there is no branch on them.
 inline bool ToFloat(std::uint64_t digits, int exponent, bool negative, float* value) {
     constexpr int kMostPower = 22;
     constexpr std::uint64_t kBeyondFloat = (1u << 29) - 1;

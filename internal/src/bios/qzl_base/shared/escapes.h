@@ -2,7 +2,7 @@
 
 #include <emmintrin.h>
 
-// What cannot stand in a quoted string of SDL as it is: quotes, back slashes and control characters.
+// Characters that a quoted SDL string can contain only as escapes: quotes, backslashes and control characters.
 namespace escapes {
 
 inline constexpr unsigned char kControlsEnd = ' ';
@@ -13,7 +13,7 @@ constexpr bool IsNeeded(char c) {
     return byte < kControlsEnd || byte == kDelete || byte == '"' || byte == '\\';
 }
 
-// The same of 16 characters: a bit for each of them, the first one's lowest.
+// Which of 16 characters need an escape: one bit for each, the first character's is the lowest.
 inline unsigned AreNeeded(__m128i characters) {
     const auto each = [](unsigned char byte) { return _mm_set1_epi8(static_cast<char>(byte)); };
     const auto is = [=](unsigned char byte) { return _mm_cmpeq_epi8(characters, each(byte)); };

@@ -5,7 +5,7 @@
 
 namespace decimal {
 
-// 10^0, 10^1, ... as numbers of the type, which must hold each of them exactly: a double does up to 10^22.
+// 10^0, 10^1, ... as numbers of the type, which must represent each of them exactly; a double does up to 10^22.
 template <class T, std::size_t kCount>
 inline constexpr std::array<T, kCount> kPowersOfTen = [] {
     std::array<T, kCount> powers{1};

@@ -8,8 +8,8 @@
 #include "platform/folder.h"
 #include "platform/pure/patience.h"
 
-// Walks over folder trees: what is entered, removed and copied, and what is left alone. The walks use no recursion,
-// hold a bounded number of folders open and never enter a link.
+// Walks over folder trees: what is entered, removed and copied, and what is left alone. The walks do not recurse, hold
+// a bounded number of folders open and never enter a link.
 namespace IO::System {
 
 using Platform::eEntry;
@@ -17,7 +17,7 @@ using Platform::eEntryKind;
 using Platform::eFolder;
 using Platform::eNamedLink;
 
-// The folders from a root, which is the caller's, down to where a walk stands. Only the lowest ones are kept open.
+// The folders from a root, which belongs to the caller, down to the place of a walk. Only the lowest ones stay open.
 class eFolderStack {
 public:
     static constexpr std::size_t kKeptOpen = 24;
@@ -47,9 +47,9 @@ private:
     std::vector<std::unique_ptr<eFolder>> below;
 };
 
-// Visits everything below the root, in the order of the listings. The visitor's File and Link are called for those
-// entries; Enter for a subfolder of the one before it that has been opened, and where that gives false it is left out;
-// Leave when all in the subfolder has been visited, or when it could not be opened.
+// Visits everything below the root, in the order of the listings. Calls the visitor's File and Link for such entries;
+// Enter for a subfolder that has been opened, with the folder before it (if Enter returns false, the subfolder is left
+// out); Leave when everything in the subfolder has been visited, or if it could not be opened.
 template <class Visitor>
 void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
     eFolderStack folders(root);
@@ -81,8 +81,8 @@ void WalkTree(eFolder& root, ePatience& patience, Visitor& visitor) {
     }
 }
 
-// For visitors that remove folders after what is in them. Notes where something stays: of such a folder the system
-// says for good that it is not empty.
+// For visitors that remove folders after their content. Notes where something stays: the system says for good that such
+// a folder is not empty.
 class eEmptying {
 public:
     explicit eEmptying(ePatience& waiting) : patience(waiting) {}
@@ -93,7 +93,7 @@ public:
         return true;
     }
 
-    // Whether everything in the folder where the walk stands has been removed.
+    // Whether everything in the current folder of the walk has been removed.
     bool Emptied() const { return emptied; }
 
 protected:
@@ -112,11 +112,11 @@ protected:
 
 private:
     bool emptied = true;
-    std::vector<bool> above; // the same of the folders above it
+    std::vector<bool> above; // likewise for the folders above it
 };
 
-// Removes everything in the folder that the system lets go; links themselves, never what they point to. True when
-// nothing stays.
+// Removes everything in the folder that the system lets go: links themselves, never what they point to. True if nothing
+// stays.
 inline bool DeleteContents(eFolder& root, ePatience& patience) {
     class eDeletion : public eEmptying {
     public:
@@ -129,7 +129,7 @@ inline bool DeleteContents(eFolder& root, ePatience& patience) {
             Note(patience.Get([&] { return folder.RemoveLink(entry); }));
         }
         void Leave(eFolder& parent, const eEntry& entry, bool entered) {
-            // Exchanged for a link since it was listed: then the link goes.
+            // If the folder was replaced by a link after it was listed, the link is removed.
             Note(RemoveFolder(parent, entry, entered) || parent.RemoveLink(entry) == eAnswer::Done);
         }
     };
@@ -138,7 +138,7 @@ inline bool DeleteContents(eFolder& root, ePatience& patience) {
     return deletion.Emptied();
 }
 
-// Removes the subfolders that hold no file and no link anywhere below them, deepest first. True when nothing stays.
+// Removes the subfolders that contain no file and no link at any depth, deepest first. True if nothing stays.
 inline bool PurgeContents(eFolder& root, ePatience& patience) {
     class ePurge : public eEmptying {
     public:
@@ -153,9 +153,9 @@ inline bool PurgeContents(eFolder& root, ePatience& patience) {
     return purge.Emptied();
 }
 
-// Copies what one folder holds into another. Subfolders that the target has already are emptied first. Where the
-// target lies below the source it is not copied into itself. Of a link to a file that the system does not make again
-// the content is copied; any other such link is left out.
+// Copies the content of one folder to another. Subfolders that the target already has are emptied first. If the target
+// is below the source, it is not copied into itself. If the system does not recreate a link to a file, the file's
+// content is copied; any other such link is left out.
 inline void CopyContents(eFolder& source, eFolder& target, ePatience& patience) {
     class eCopy {
     public:

@@ -7,13 +7,14 @@
 
 namespace IO::System {
 
-// A text found out once. Invariant: once `filled` is set, the text is not empty and never changes. Those that last as
-// long as the process are never destroyed, since the destructors of an application's static objects may ask, too.
+// A text that is queried once. Invariant: once `filled` is set, the text is not empty and never changes. Texts that
+// last as long as the process are never destroyed, since destructors of an application's static objects may ask for
+// them, too.
 template <class Char>
 class eCachedText {
 public:
-    // The text; `ask` is called while it is empty, without a lock held, by several threads at once if they come
-    // together: the first result that is not empty stays. An empty answer gives a text of its own, which stays empty.
+    // The text. While it is empty, `ask` is called, without a lock and by several threads at once if they coincide; the
+    // first result that is not empty is kept. An empty result returns a separate text, which stays empty.
     template <class Ask>
     const std::basic_string<Char>& Get(Ask ask) {
         static const auto& none = *new std::basic_string<Char>;

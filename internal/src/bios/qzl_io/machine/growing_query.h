@@ -8,9 +8,9 @@
 
 namespace IO::System {
 
-// Asks for a value of unknown size with a buffer that grows until the value fits: 1024 bytes at first, then twice what
-// the query reports as needed. The result is the whole buffer, zeros behind the value; zeros alone when the query
-// fails.
+// Queries a value of unknown size with a buffer that grows until the value fits: 1024 bytes at first, then twice the
+// size that the query reports as needed. The result is the whole buffer, with zeros after the value; all zeros if the
+// query fails.
 template <class Char, class Query>
 std::basic_string<Char> AskGrowing(Query query) {
     constexpr std::size_t kFirstBytes = 1024;

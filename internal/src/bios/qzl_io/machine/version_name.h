@@ -4,7 +4,7 @@
 
 namespace IO::System {
 
-// The symbolic name of a version of Windows, "unknown" for those that have none.
+// The symbolic name of a version of Windows; "unknown" for versions without one.
 constexpr const char* VersionName(unsigned major, unsigned minor, bool server) {
     struct eRow {
         unsigned major, minor;

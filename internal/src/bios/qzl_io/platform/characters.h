@@ -4,14 +4,14 @@
 
 #include <qzl_io/export.h>
 
-// What the C run-time knows of narrow and wide characters.
+// Narrow and wide characters by the rules of the C run-time.
 namespace IO::Platform {
 
-// Whether the byte is the first half of a double-byte character. In file names such halves come in pairs, and the
-// second one may look like a slash.
+// Whether the byte is the first half of a double-byte character. In file names the second half always follows, and it
+// may look like a slash.
 QZL_IO_API bool IsLeadByte(char byte);
 
-// Lower-case by the current locale; double-byte characters as wholes.
+// Converts the text to lower case by the current locale; double-byte characters are kept whole.
 QZL_IO_API void LowerCase(std::string* text);
 QZL_IO_API void LowerCase(std::wstring* text);
 

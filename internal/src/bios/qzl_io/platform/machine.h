@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-// What the system tells about the machine and the process.
+// Facts that the system tells about the machine and the process.
 namespace IO::Platform {
 
 // The computer's name as the system spells it; empty on failure.
@@ -14,16 +14,16 @@ std::basic_string<Char> ComputerName();
 template <class Char>
 std::basic_string<Char> AccountName();
 
-// The full name of the process's executable; empty on failure, and where no narrow name leads to it.
+// The full name of the process's executable; empty on failure, and if no narrow name leads to it.
 template <class Char>
 std::basic_string<Char> ExecutableName();
 
 enum class eQueryEnd { Done, MoreData, Failed };
 
-// Reads the product identifier into a buffer of `*bytes` bytes, which becomes the size that the value needs.
+// Reads the product id into a buffer of `*bytes` bytes, and sets that to the size that the value needs.
 using eProductIdQuery = std::function<eQueryEnd(void* buffer, unsigned int* bytes)>;
 
-// Opens what holds the product identifier for as long as the query lives; an empty function where there is none.
+// Opens the source of the product id for as long as the query lives; an empty function if there is none.
 template <class Char>
 eProductIdQuery OpenProductId();
 
@@ -33,11 +33,11 @@ struct eSystemVersion {
     bool server = false;
 };
 
-// The version of Windows; 0.0 where it is not told.
+// The version of Windows; 0.0 if it is unknown.
 eSystemVersion SystemVersion();
 
-// Asks the disk that holds the system for its serial number. Gives 0 and the text, which may be empty, or the system's
-// error number.
+// Queries the serial number of the disk that holds the system. Returns 0 and the text, which may be empty, or the
+// system's error number.
 unsigned int AskDiskSerial(std::string* serial);
 
 } // namespace IO::Platform

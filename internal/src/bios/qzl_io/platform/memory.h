@@ -4,12 +4,12 @@
 
 namespace IO::Platform {
 
-// Advises the system to back the block with large pages as far as whole ones fit into it, so that filling it does not
-// fault at every small page. A matter of speed alone: nothing tells whether it was done.
+// Advises the system to back the whole large pages in the block with large pages, so that filling it does not fault at
+// every small page. This affects only speed and does not tell whether it worked.
 void PreferLargePages(void* block, std::size_t size) noexcept;
 
-// Gives the memory behind the whole pages in the block back to the system. The block stays its owner's, but what it
-// held is lost.
+// Returns the memory of the whole pages in the block to the system. The block remains its owner's, but its content is
+// lost.
 void ReleasePages(void* block, std::size_t size) noexcept;
 
 } // namespace IO::Platform

@@ -2,8 +2,8 @@
 
 namespace IO::Platform {
 
-// While one lives, the system asks nobody about what this thread does: a drive that lacks its medium makes a call fail
-// and opens no dialog. They nest.
+// During its lifetime, the system asks the user nothing on behalf of this thread: a drive that lacks its medium makes a
+// call fail and opens no dialog. Objects may nest.
 class eUnattended {
 public:
     eUnattended() noexcept;

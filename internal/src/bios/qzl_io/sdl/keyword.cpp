@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kLeastCapacity = 64;
 
-// Makes and extends the indices of all tables, which happens once per table or so.
+// Held to create and extend the index of any table, which happens about once per table.
 std::mutex indexMutex;
 
 std::size_t CountFrom(const eSDLKeyword* entry) {
@@ -24,7 +24,7 @@ std::size_t CountFrom(const eSDLKeyword* entry) {
     return entries;
 }
 
-// Of names of more than eight characters; the last eight overlap those before.
+// For names of more than eight characters; the last eight overlap those before.
 std::uint64_t HashName(const char* name, std::size_t length) {
     std::uint64_t hash = length;
     for (std::size_t at = 0; at < length - 8; at += 8)
@@ -110,7 +110,7 @@ void eKeywordIndex::InsertId(std::size_t number) {
         slot = {entry, entry->id};
 }
 
-// Adds an entry, by its number counted from 1, to those that the first one is followed by.
+// Adds an entry, by its number counted from 1, to the chain that begins with the first one.
 void eKeywordIndex::Chain(std::size_t first, std::size_t added, eNext next, eNext lastOfChain) {
     if (!inOrder)
         return;
@@ -145,7 +145,7 @@ std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) con
 
 } // namespace xSDL
 
-// Never inlined: a compiler that sees the whole program would take `next`, which only static storage sets, for
+// Never inlined: `next` is set only by static storage, and a compiler that sees the whole program would take it for
 // undefined.
 [[gnu::noinline]] eSDLKeyword::eSDLKeyword(eSDLKeyword*& head, const char* keywordName, int keywordId)
     : name(keywordName), id(keywordId), table(head ? head->table : this), place(0), last(this), index(nullptr) {
@@ -185,7 +185,7 @@ const xSDL::eKeywordIndex& eSDLKeyword::RefreshIndex(bool withNumbers) const {
     return *current;
 }
 
-// From an entry that may stand anywhere in its table, and that may have been put into another list.
+// Searches from an entry anywhere in its table, which may have been moved to another list.
 template <class... eSought>
 const eSDLKeyword* eSDLKeyword::FindFrom(const eSDLKeyword* entry, eSought... sought) {
     const xSDL::eKeywordIndex& index = entry->table->Index(sizeof...(sought) == 1);

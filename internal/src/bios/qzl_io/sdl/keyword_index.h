@@ -21,7 +21,7 @@ inline std::uint64_t FoldCase(std::uint64_t characters) {
     return characters | ((fromA & ~beyondZ & ~characters & (0x80 * kEach)) >> 2);
 }
 
-// Words of names that differ in letter case alone change a hash in the same way.
+// Changes a hash in the same way for words of names that differ only in letter case.
 inline std::uint64_t MixedIn(std::uint64_t hash, std::uint64_t word) {
     constexpr std::uint64_t kLetterCase = 0x2020202020202020u;
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
@@ -29,64 +29,65 @@ inline std::uint64_t MixedIn(std::uint64_t hash, std::uint64_t word) {
     return hash ^ hash >> 32;
 }
 
-// The last of eight or more characters.
+// The last eight characters of a name that has at least eight.
 inline std::uint64_t LoadLast8(const char* name, std::size_t length) {
     return Load8(name + length - 8);
 }
 
-// Finds the first entry of a table, or from one of its entries on, with a given name or identity.
+// Finds the first entry of a table, or of its part from one of its entries on, with a given name or id.
 //
-// Open-addressed hashes, at most a quarter full. That of the names compares names of up to 16 characters in its slots:
-// most searches, also those in vain, touch one slot, in large tables as in small ones. Entries of one name, or of one
-// identity, are chained, so that a search from any of them finds the next one. Searching takes no lock: entries are
-// taken in before the last of them is published, and an index that has become too small stays alive behind the larger
-// one that replaces it.
+// Both hash tables use open addressing and are at most a quarter full. The table of names compares names of up to 16
+// characters in its slots: most searches, even unsuccessful ones, touch one slot, however large the table is. Entries
+// of one name, or of one id, form a chain, so that a search from any of them finds the next one. Searching takes no
+// lock: an entry is added before the last one is published, and an index that has become too small stays alive, owned
+// by the larger one that replaces it.
 class eKeywordIndex {
 public:
-    // Of the table that begins there.
+    // An index of the table that begins with `first`.
     explicit eKeywordIndex(const eSDLKeyword* first);
 
-    // Have entries been appended since?
+    // Whether entries have been appended since.
     bool Outdated() const { return last.load(std::memory_order_acquire)->next != nullptr; }
 
     const eSDLKeyword* Find(const char* name, std::size_t length) const { return slots[PlaceOf(name, length)].entry; }
-    // Only where HasNumbers; that table is made when it is first asked for.
+    // Call only if HasNumbers; the table of ids is built on demand.
     const eSDLKeyword* Find(int id) const { return numbers[PlaceOf(id)].entry; }
     bool HasNumbers() const { return hasNumbers.load(std::memory_order_acquire); }
-    // One thread at a time.
+    // For one thread at a time.
     void MakeNumbers();
 
-    // Is the entry where it was put when it was made, and are all others? Then a search may begin there.
+    // Whether the entry is still where its constructor put it, as are all others; only then may a search begin there.
     bool Knows(const eSDLKeyword& entry) const {
         return inOrder && entry.place < count && entries[entry.place] == &entry;
     }
     const eSDLKeyword* FindFrom(const eSDLKeyword& entry, const char* name, std::size_t length) const;
     const eSDLKeyword* FindFrom(const eSDLKeyword& entry, int id) const;
 
-    // Takes in the entries behind the last one, as many as there is room for. True when that was all. One thread at a
+    // Adds the entries after the last one, as many as there is room for. True if these were all. For one thread at a
     // time.
     bool Extend();
 
-    // Owns the index that this one replaces from now on.
+    // Owns the replaced index from now on.
     void Replace(eKeywordIndex* smaller) { replaced.reset(smaller); }
 
 private:
     static constexpr std::size_t kRoomForEach = 4; // slots
-    static constexpr std::size_t kCompared = 16;   // as many characters are compared in a slot
+    static constexpr std::size_t kCompared = 16;   // characters that are compared in a slot
 
     struct eSlot {
-        std::uint64_t head = 0; // the name's first eight characters and, when it has more, its last eight
+        std::uint64_t head = 0; // the name's first eight characters, combined with the last eight if it has more
         std::uint64_t tail = 0;
         std::size_t length = 0;
-        const eSDLKeyword* entry = nullptr; // none: the slot is free
+        const eSDLKeyword* entry = nullptr; // null: the slot is free
     };
 
     struct eNumbered {
-        const eSDLKeyword* entry = nullptr; // none: the slot is free
+        const eSDLKeyword* entry = nullptr; // null: the slot is free
         int id = 0;
     };
 
-    // The next entries of the same name and identity, counted from 1; 0 for none. Those of a first one know the last.
+    // The next entries of the same name and of the same id, counted from 1; 0 for none. The first one of a chain knows
+    // the last.
     struct eFollowing {
         unsigned nextOfName = 0;
         unsigned lastOfName = 0;
@@ -106,7 +107,7 @@ private:
         return at;
     }
 
-    // The slot of a name or, when the index does not hold it, the free one where it belongs.
+    // The slot of a name or, if the index does not contain it, the free slot where it belongs.
     std::size_t PlaceOf(const char* name, std::size_t length) const {
         if (length > kCompared)
             return PlaceOfLong(name, length);
@@ -143,12 +144,12 @@ private:
     std::unique_ptr<eSlot[]> slots;
     std::unique_ptr<eNumbered[]> numbers;
     std::atomic<bool> hasNumbers = false;
-    std::unique_ptr<const eSDLKeyword*[]> entries; // in their order
+    std::unique_ptr<const eSDLKeyword*[]> entries; // in the order of the table
     std::size_t count = 0;
-    std::vector<eFollowing> following; // of each entry; empty until one has another of its name or identity behind it
-    bool inOrder = true;               // all entries were made for this table and stand where they were put
+    std::vector<eFollowing> following; // of each entry; empty while no two entries share a name or an id
+    bool inOrder = true;               // every entry was constructed for this table and is where it was put
     std::atomic<const eSDLKeyword*> last;
-    std::unique_ptr<eKeywordIndex> replaced; // searches that began in it may still be at work
+    std::unique_ptr<eKeywordIndex> replaced; // searches that began in it may still be running
 };
 
 } // namespace xSDL

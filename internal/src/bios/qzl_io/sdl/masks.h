@@ -4,7 +4,7 @@
 
 #include "sdl/scan.h"
 
-// 64 characters of an SDL text as the bits of 64-bit words, the first character lowest.
+// 64 characters of an SDL text as the bits of 64-bit words; the first character is the lowest bit.
 namespace xSDL {
 
 // Where the characters of each kind are. Four bits tell the kinds apart:
@@ -34,14 +34,15 @@ public:
     std::uint64_t Quotes() const { return between & first & second; }
     std::uint64_t Starts() const { return between & harmless & first & ~second; }
     std::uint64_t Ends() const { return between & second & ~first; }
-    // Blanks, braces and quotes: whatever stands before them ends there.
+    // Blanks, braces and quotes, which end whatever comes before them.
     std::uint64_t Between() const { return between; }
-    // Digits, and the operators that consist of one character.
+    // Digits, and operators of one character.
     std::uint64_t Numbers() const { return (first ^ second) & harmless & ~between; }
     std::uint64_t Digits() const { return Numbers() & first; }
     // Points, and slashes.
     std::uint64_t Points() const { return first & second & ~between; }
-    // What ends a plain string, where `inside` says so, and elsewhere what has a meaning besides the kinds above.
+    // Characters that end a plain string, where `inside` marks one, and elsewhere characters with a meaning other than
+    // the kinds above.
     std::uint64_t Stops(std::uint64_t inside) const { return ~harmless & ((inside & first) | ~(inside | between)); }
     // The number of line feeds, in two parts.
     __m128i LineFeeds() const { return _mm_sad_epu8(lineFeeds, _mm_setzero_si128()); }
@@ -75,7 +76,7 @@ private:
     __m128i lineFeeds = _mm_setzero_si128();
 };
 
-// From each opening quote to before the closing one, the first quote being an opening one.
+// From each opening quote to before the closing one; the first quote is an opening one.
 inline std::uint64_t InsideQuotes(std::uint64_t quotes) {
     quotes ^= quotes << 1;
     quotes ^= quotes << 2;
@@ -85,7 +86,7 @@ inline std::uint64_t InsideQuotes(std::uint64_t quotes) {
     return quotes ^ (quotes << 32);
 }
 
-// How many bits of each of two words are set.
+// The number of bits set in each of two words.
 struct eBitCounts {
     int ofFirst;
     int ofSecond;

@@ -7,10 +7,10 @@
 
 #include <qzl_base/convert.h>
 
-// Number texts of SDL tokens, as the lexer has found them to be, to values.
+// Converts number texts of SDL tokens, as classified by the lexer, to values.
 namespace xSDL {
 
-// The nearest int of a decimal integer that fits into 64 bits. Signs cannot be predicted, so none of this is a branch.
+// The int nearest to a decimal integer that fits into 64 bits. Signs cannot be predicted, so there is no branch.
 inline int NearestInt(unsigned long long digits, bool negative) {
     constexpr auto kMax = static_cast<unsigned long long>(std::numeric_limits<int>::max());
     const unsigned sign = negative;
@@ -30,8 +30,8 @@ inline float TextToFloat(std::string_view text) {
     return value;
 }
 
-// Without its fraction, within an int. Values of 2147483648 and more, and NaN, give the smallest int, which is what the
-// processor's own conversion gives for all that does not fit.
+// The value without its fraction, as an int. Values of 2147483648 and more, and NaN, give the smallest int, as does the
+// processor's own conversion for all values that do not fit.
 inline int TruncateToInt(float value) {
     return _mm_cvttss_si32(_mm_set_ss(value));
 }

@@ -11,7 +11,7 @@
 #include "qzl_base/shared/powers_of_ten.h"
 
 // Runs of characters in an SDL text, found 16 at a time. Every function may read up to kTextEnd bytes from any
-// character of the text on, its terminating zero included, so a text ends with that many zeros.
+// character of the text on, including its terminating zero, so a text ends with that many zeros.
 namespace xSDL {
 
 // 64 characters at a time, and 16 from the last of them on.
@@ -33,8 +33,8 @@ inline std::uint32_t Load4(const char* at) {
     return word;
 }
 
-// The first characters of a text, at most eight of them, as one number; different texts of one length never look alike.
-// Reads nothing beyond the text.
+// The first characters of a text, at most eight, as one number. Different texts of one length give different numbers.
+// Reads nothing past the text.
 inline std::uint64_t LoadUpTo8(const char* at, std::size_t length) {
     if (length >= 8)
         return Load8(at);
@@ -54,7 +54,7 @@ inline __m128i Each(int byte) {
 inline __m128i Is(__m128i bytes, int byte) {
     return _mm_cmpeq_epi8(bytes, Each(byte));
 }
-// Bytes from first to last, as unsigned numbers.
+// Marks bytes from `first` to `last`, as unsigned numbers.
 inline __m128i IsFrom(__m128i bytes, int first, int last) {
     const __m128i shifted = _mm_add_epi8(bytes, Each(127 - last));
     return _mm_cmpgt_epi8(shifted, Each(126 - last + first));
@@ -76,7 +76,8 @@ inline __m128i IsBlank(__m128i bytes) {
     return Or(Or(Is(bytes, ' '), Is(bytes, '=')), Or(IsFrom(bytes, '\t', '\n'), Is(bytes, '\r')));
 }
 
-// First character from `at` on that `Test` (over 16 bytes) does not hold for; the zero at the end must be one.
+// The first character from `at` on for which `Test` (over 16 bytes) is false; it must be false for the terminating
+// zero.
 template <class Test>
 inline const char* PassWhile(const char* at, Test test) {
     for (;; at += 16)
@@ -95,7 +96,7 @@ inline const char* PassMark(const char* at) {
     });
 }
 
-// End of a line or of the text.
+// Returns the end of the line or of the text.
 inline const char* PassComment(const char* at) {
     for (;; at += 16) {
         const __m128i bytes = Load16(at);
@@ -108,7 +109,7 @@ inline bool IsWithinString(char c) {
     return (c > 0 && c <= '\t') || c == '\v' || c == '\f';
 }
 
-// Quote, backslash, end of a line or of the text.
+// Returns the next quote, backslash, or end of the line or of the text.
 inline const char* PassStringBody(const char* at) {
     for (;; at += 16) {
         const __m128i bytes = Load16(at);
@@ -122,12 +123,13 @@ inline const char* PassStringBody(const char* at) {
     }
 }
 
-// A line number so many lines on. A text may have more of them than an int counts: then it goes on from the smallest.
+// The line number that many lines on. A text may have more lines than an int can count; the number then continues from
+// the smallest int.
 constexpr int LinesOn(int line, std::size_t by) {
     return static_cast<int>(static_cast<unsigned>(line) + static_cast<unsigned>(by));
 }
 
-// Blanks, the line feeds among them counted.
+// Passes blanks and counts their line feeds.
 inline const char* PassBlanks(const char* at, int* line) {
     for (;; at += 16) {
         const __m128i bytes = Load16(at);
@@ -161,13 +163,13 @@ inline std::size_t CountLineFeeds(const char* begin, const char* end) {
     return count;
 }
 
-// The highest bit of each of the eight characters that is no digit.
+// The highest bit of each of the eight characters that is not a digit.
 inline std::uint64_t OtherThanDigits(std::uint64_t characters) {
     const std::uint64_t values = characters ^ 0x3030303030303030u;
     return ((values + 0x7676767676767676u) | values) & 0x8080808080808080u;
 }
 
-// The number that eight digits spell.
+// The number that eight digits form.
 inline std::uint64_t DigitsToNumber(std::uint64_t characters) {
     std::uint64_t value = characters & 0x0F0F0F0F0F0F0F0Fu;
     value = (value * 2561) >> 8;
@@ -175,12 +177,12 @@ inline std::uint64_t DigitsToNumber(std::uint64_t characters) {
     return ((value & 0x0000FFFF0000FFFFu) * 42949672960001u) >> 32;
 }
 
-// Digits; their number is appended to *value, modulo 2^64.
+// Passes digits and appends their number to *value, modulo 2^64.
 inline const char* PassDigits(const char* at, unsigned long long* value) {
     for (;;) {
         const std::uint64_t characters = Load8(at);
         if (const std::uint64_t others = OtherThanDigits(characters)) [[likely]] {
-            const int bits = std::countr_zero(others) & ~7; // of the digits before
+            const int bits = std::countr_zero(others) & ~7; // of the digits before the first other character
             if (bits == 0)
                 return at;
             *value = *value * decimal::kPowersOfTen<std::uint64_t, 8>[static_cast<std::size_t>(bits / 8)] +
@@ -192,7 +194,7 @@ inline const char* PassDigits(const char* at, unsigned long long* value) {
     }
 }
 
-// The number that the digits before `end` spell, at most 16 of them. Reads 16 bytes there.
+// The number that the digits before `end` form, at most 16 of them. Reads the 16 bytes before `end`.
 inline std::uint64_t DigitsBefore(const char* end, unsigned count) {
     alignas(16) static constexpr std::array<unsigned char, 32> kKeep = [] {
         std::array<unsigned char, 32> keep{};

@@ -8,7 +8,7 @@
 #include "sdl/lexer.h"
 #include "sdl/masks.h"
 
-// Passing a block without cutting its tokens.
+// Passes a block without cutting its tokens.
 namespace xSDL {
 
 enum class eSkimEnd {
@@ -19,12 +19,12 @@ enum class eSkimEnd {
 
 struct eSkimmed {
     eSkimEnd end = eSkimEnd::EndOfText;
-    const char* stop = nullptr;       // the terminator, or the character that the lexer would stop at
-    const char* anchor = nullptr;     // a place from which cutting tokens gives the last ones before `stop`
-    long long depth = 0;              // of blocks open at `stop`
-    std::size_t starts = 0;           // block starts on the way
-    const char* mark = nullptr;       // the last one's {, null if there is no mark behind it
-    const char* markBefore = nullptr; // the same of the one before
+    const char* stop = nullptr;       // the terminator, or the character at which the lexer would stop
+    const char* anchor = nullptr;     // a place from which cutting tokens produces the last ones before `stop`
+    long long depth = 0;              // number of blocks open at `stop`
+    std::size_t starts = 0;           // number of block starts passed
+    const char* mark = nullptr;       // the { of the last one; null if no mark follows it
+    const char* markBefore = nullptr; // likewise for the one before the last
     const char* counted = nullptr;    // a place near the end of the pass
     std::size_t lines = 0;            // line feeds before it
 };
@@ -38,17 +38,17 @@ inline std::string_view MarkOf(const char* brace) {
     return {mark.begin + 1, mark.length - 1};
 }
 
-// Line feeds from the beginning of the pass to a place near its end.
+// The number of line feeds from the beginning of the pass to a place near its end.
 inline std::size_t LinesBefore(const char* place, const eSkimmed& skimmed) {
     return place < skimmed.counted ? skimmed.lines - CountLineFeeds(place, skimmed.counted)
                                    : skimmed.lines + CountLineFeeds(skimmed.counted, place);
 }
 
-// One pass over a block. 64 characters at a time are passed by their masks as long as these hold nothing but words,
-// numbers, braces and short plain strings; any other character is looked at by itself.
+// One pass over a block. 64 characters at a time are passed by their masks while these contain only words, numbers,
+// braces and short plain strings; any other character is examined separately.
 class eSkim {
 public:
-    // From the position, a boundary between tokens, with so many blocks open.
+    // Begins at the position, which is a boundary between tokens, with `depth` blocks open.
     eSkim(const char* position, long long depth) : at(position), boundary(position) {
         skimmed.anchor = position;
         skimmed.depth = depth;
@@ -64,15 +64,15 @@ public:
     }
 
 private:
-    // What the characters before a place make of the one there, as bits at that place.
+    // The effect of the characters before a place on the one at the place, as bits for that place.
     struct eCarry {
-        std::uint64_t inside = 0; // it stands in a string: this bit and all above
-        std::uint64_t begin = 0;  // a token begins there, unless it is a blank
-        std::uint64_t number = 0; // digits and operators begin with a token and reach to there
+        std::uint64_t inside = 0; // it is in a string: this bit and all above
+        std::uint64_t begin = 0;  // a token begins there, unless the character is a blank
+        std::uint64_t number = 0; // digits and operators that begin with a token reach to there
         std::uint64_t digit = 0;  // it follows a digit
     };
 
-    // Passes 64 characters, and more where something among them is longer. False when the skimming ends.
+    // Passes 64 characters, and more if something among them is longer. False at the end of the skimming.
     [[gnu::always_inline]] bool PassBlock() {
         const eMasks masks(at);
         const std::uint64_t inside = InsideQuotes(masks.Quotes()) ^ carry.inside;
@@ -88,7 +88,7 @@ private:
         return true;
     }
 
-    // The same where something has to be looked at by itself.
+    // Passes 64 characters of which some must be examined separately.
     [[gnu::noinline]] bool PassByOne(eMasks masks, std::uint64_t inside, std::uint64_t points) {
         const char* const block = at;
         const std::uint64_t marks = FindMarks(masks);
@@ -119,7 +119,7 @@ private:
         return true;
     }
 
-    // Each # behind a {, and those that follow it directly.
+    // Each # after a {, and those that follow it directly.
     std::uint64_t FindMarks(const eMasks& masks) const {
         std::uint64_t marks = 0;
         for (std::uint64_t starts = masks.Starts(); starts; starts &= starts - 1)
@@ -129,7 +129,7 @@ private:
         return marks;
     }
 
-    // What has to be looked at by itself.
+    // The characters that must be examined separately.
     static std::uint64_t FindStops(const eMasks& masks, std::uint64_t inside, std::uint64_t points) {
         return masks.Stops(inside) | (points & ~inside) | LongString(inside);
     }
@@ -140,8 +140,8 @@ private:
         skimmed.counted = at;
     }
 
-    // The places behind integers, where a point is part of a number. Digits and operators that begin with a token are
-    // nothing but integers and operators.
+    // The places after integers, where a point is part of a number. Digits and operators that begin with a token are
+    // only integers and operators.
     [[gnu::always_inline]] std::uint64_t AfterIntegers(const eMasks& masks) {
         const std::uint64_t between = masks.Between();
         const std::uint64_t numbers = masks.Numbers();
@@ -155,12 +155,12 @@ private:
         return after;
     }
 
-    // The last place, if a string of some length goes on there: the rest is passed faster by itself.
+    // The last place, if a string of some length continues there: its rest is passed faster separately.
     static std::uint64_t LongString(std::uint64_t inside) {
         return static_cast<std::uint64_t>(inside >> 48 == 0xFFFF) << 63;
     }
 
-    // Passes the braces among 64 characters. False when one of them is the terminator.
+    // Passes the braces among 64 characters. False if one of them is the terminator.
     [[gnu::always_inline]] bool PassBraces(const char* block, std::uint64_t starts, std::uint64_t ends) {
         if (MayTerminate(starts, ends))
             return PassEachBrace(block, starts, ends, 0);
@@ -170,8 +170,8 @@ private:
         return true;
     }
 
-    // Are there more ends than open blocks, without those that end what the brace before them starts? Three are always
-    // enough. Written without branches, as nobody could predict them.
+    // Whether there are more block ends than open blocks, not counting ends whose start is the brace before them. Three
+    // such ends always suffice. There are no branches, as nothing could predict them.
     bool MayTerminate(std::uint64_t starts, std::uint64_t ends) const {
         const std::uint64_t others = ~(starts | ends);
         const std::uint64_t behindStart = starts << 1;
@@ -201,7 +201,7 @@ private:
         return true;
     }
 
-    // Passes a character by itself. False when it ends the skimming.
+    // Passes one character separately. False if it ends the skimming.
     bool Pass(char c) {
         switch (c) {
         case '#':
@@ -234,8 +234,8 @@ private:
         return true;
     }
 
-    // With the places in the block and from there on where the comment may end. A longer one is passed with those that
-    // follow.
+    // `ends` marks the places in the block, from there on, where the comment may end. A longer comment is passed
+    // together with the comments that follow it.
     void PassComments(const char* block, std::uint64_t ends) {
         NoteLastEnd();
         const char* const end = ends ? block + std::countr_zero(ends) : at;
@@ -247,7 +247,7 @@ private:
 
     static bool EndsComment(char c) { return c == '\n' || c == '\r' || c == '\0'; }
 
-    // What follows a brace directly is known as a mark, except at the beginning of a block.
+    // What directly follows a brace is known to be a mark, except at the beginning of a block.
     bool PassMark() {
         const char* const brace = RunBefore(at, boundary);
         eLexeme mark;
@@ -259,7 +259,7 @@ private:
         return PassToken(brace, end);
     }
 
-    // The last start, which has been passed, has a mark.
+    // Notes that the last start, which has been passed, has a mark.
     void MarkStart(const char* brace) {
         --plainStarts;
         KeepPlainStarts();
@@ -277,8 +277,8 @@ private:
         plainStarts = 0;
     }
 
-    // From a place in a string, with the quotes that stand before it in the block. More strings that follow are passed
-    // with it: where one is long, others are.
+    // Passes the rest of a string, from a place in it; `quotes` are the quotes before that in the block. More strings
+    // that follow are passed with it: where one is long, others are, too.
     bool PassRestOfString(const char* block, std::uint64_t quotes) {
         const char* begin = quotes ? block + 63 - std::countl_zero(quotes) : QuoteBefore(block);
         for (;;) {
@@ -304,7 +304,7 @@ private:
         return end;
     }
 
-    // Where the masks do not show that the point belongs to a number, the lexer is asked.
+    // If the masks do not show whether the point belongs to a number, the lexer decides.
     bool PassPoint() {
         const char* position = RunBefore(at, boundary);
         const char* begin = position;
@@ -320,21 +320,21 @@ private:
 
     static bool EndsToken(char c) { return Has(stBetween, c) || c == '{' || c == '}' || c == '"'; }
 
-    // Where the words and numbers before `end` begin that nothing separates, or the brace of a mark.
+    // The beginning of the adjacent words and numbers before `end`, or the brace of a mark.
     static const char* RunBefore(const char* end, const char* floor) {
         while (end > floor && !EndsToken(end[-1]))
             --end;
         return end - (end > floor && *end == '#');
     }
 
-    // The end of the last token before the place, the boundary if there is none behind that.
+    // The end of the last token before the place; the boundary if there is no token after that.
     const char* EndBefore(const char* place) const {
         while (place > boundary && Has(stBetween, place[-1]))
             --place;
         return place;
     }
 
-    // Remembers the last token before `at` if it was not looked at by itself.
+    // Remembers the last token before `at` if it was not examined separately.
     void NoteLastEnd() {
         if (const char* const end = EndBefore(at); end != boundary) {
             lastEnd = end;
@@ -361,10 +361,10 @@ private:
     }
 
     const char* at;
-    const char* boundary;            // end of what was last looked at by itself: a boundary between tokens
-    const char* lastEnd = nullptr;   // of the last token before it, if the anchor does not stand there yet
-    const char* lastFloor = nullptr; // a boundary between tokens before that token
-    std::size_t plainStarts = 0;     // the last block starts, without marks, that `skimmed` does not know of yet
+    const char* boundary;                    // end of what was last examined separately: a boundary between tokens
+    const char* lastEnd = nullptr;           // of the last token before it, if the anchor is not there yet
+    const char* lastFloor = nullptr;         // a boundary between tokens before that token
+    std::size_t plainStarts = 0;             // the last block starts, without marks, that `skimmed` does not count yet
     __m128i lineFeeds = _mm_setzero_si128(); // before skimmed.counted, in two parts
     eCarry carry{0, 1, 0, 0};
     eSkimmed skimmed;

@@ -15,7 +15,7 @@ namespace platform {
 
 namespace {
 
-// wchar_t holds one character here, in the byte order of the machine.
+// Here a wchar_t holds one character, in the byte order of the machine.
 constexpr const char* kWide = "WCHAR_T";
 
 class eConverter {
@@ -31,7 +31,7 @@ public:
     bool IsOpen() const { return descriptor != reinterpret_cast<iconv_t>(-1); }
     int Failure() const { return failure; }
 
-    // Appends the converted bytes; false, with a part of them appended, when the text cannot be converted wholly.
+    // Appends the converted bytes. False, with a part of them appended, if the text cannot be converted completely.
     bool Convert(std::string_view bytes, std::string* out) {
         iconv(descriptor, nullptr, nullptr, nullptr, nullptr);
         char* at = const_cast<char*>(bytes.data());
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    // Converts until nothing is left; without a text, ends what the converter still holds back.
+    // Converts until nothing is left. Without a text, flushes what the converter holds back.
     bool Run(char** at, std::size_t* left, std::string* out) {
         std::array<char, 4096> room;
         for (;;) {
@@ -66,7 +66,7 @@ class eIconvCodePage : public eCodePage {
 public:
     explicit eIconvCodePage(const std::string& name) : widener(kWide, name.c_str()), narrower(name.c_str(), kWide) {}
 
-    // 0, or the system's number for what one of the directions met.
+    // 0, or the system's error number for the direction that failed.
     int Failure() const { return widener.IsOpen() ? narrower.Failure() : widener.Failure(); }
 
     bool Widen(std::string_view text, std::wstring* out) override {
@@ -92,7 +92,7 @@ private:
     eConverter narrower;
 };
 
-// The code pages whose converter is not called after their number.
+// The code pages whose converters are not named after their numbers.
 constexpr std::array kNames = {std::pair{0, "UTF-8"},
                                std::pair{1, "UTF-8"},
                                std::pair{2, "MACINTOSH"},
@@ -121,13 +121,13 @@ std::string NameOf(int number) {
     if (number > 28590 && number <= 28606)
         return "ISO-8859-" + std::to_string(number - 28590);
     if (number >= 20273 && number <= 20905)
-        return "CP" + std::to_string(number - 20000); // those of mainframes
+        return "CP" + std::to_string(number - 20000); // code pages of mainframes
     const std::string digits = std::to_string(number);
     return "CP" + std::string(digits.size() < 3 ? 3 - digits.size() : 0, '0') + digits;
 }
 
-// The system's converters are files. Where it cannot open one, or has no room for it, it says that it knows no such
-// page; where the list of them was to be read just then, it says so of every page for good.
+// The system's converters are files. If the system cannot open one, or has no memory for it, it says that it does not
+// know the page; if that happens while it reads the list of converters, it says so of every page for good.
 
 bool HasDescriptors() {
     const int probe = open("/", O_PATH | O_DIRECTORY | O_CLOEXEC);

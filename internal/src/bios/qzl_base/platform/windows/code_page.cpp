@@ -27,7 +27,8 @@ public:
     }
 
 private:
-    // Asks for the size of the converted text, makes room and converts; the call gives 0 for what it cannot convert.
+    // Queries the size of the converted text, makes room and converts. The call returns 0 for a text that it cannot
+    // convert.
     template <class TText, class TCall>
     static bool Convert(TText* out, bool nothing, TCall call) {
         if (nothing)
@@ -46,7 +47,7 @@ private:
     int WidenInto(std::string_view text, wchar_t* room, int size) const {
         const int length = static_cast<int>(text.size());
         const int converted = MultiByteToWideChar(number, MB_ERR_INVALID_CHARS, text.data(), length, room, size);
-        // Some pages refuse every flag.
+        // Some pages reject every flag.
         if (converted == 0 && GetLastError() == ERROR_INVALID_FLAGS)
             return MultiByteToWideChar(number, 0, text.data(), length, room, size);
         return converted;

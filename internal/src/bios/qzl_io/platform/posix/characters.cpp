@@ -5,7 +5,7 @@
 
 namespace IO::Platform {
 
-// A file name's bytes mean themselves here.
+// Here the bytes of a file name stand for themselves.
 bool IsLeadByte(char) {
     return false;
 }

@@ -41,7 +41,7 @@ long long PlainStep(int source, int target, std::size_t limit) {
     return count;
 }
 
-// Copies from where both stand; a size of 0 is not known.
+// Copies from the current positions of both files; a size of 0 means unknown.
 eCopyEnd CopyRun(int source, int target, unsigned long long size, const bool* cancel) {
     const eCopyWay inKernel = [=](std::size_t limit) -> long long {
         return Uninterrupted([&] { return ::copy_file_range(source, nullptr, target, nullptr, limit, 0); });
@@ -51,7 +51,7 @@ eCopyEnd CopyRun(int source, int target, unsigned long long size, const bool* ca
     };
     const eCopyWay plain = [=](std::size_t limit) { return PlainStep(source, target, limit); };
     const auto stop = [cancel] { return cancel && IsCancelled(cancel); };
-    // The kernel's own ways cost more to set up than one read and one write.
+    // The kernel's copying calls cost more to set up than one read and one write.
     if (size <= kPlainStep)
         return CopyInSteps({plain}, kPlainStep, size, stop);
     return CopyInSteps({inKernel, byPages, plain}, kCopyStep, size, stop);
@@ -67,7 +67,7 @@ eCopyEnd CopyPart(int source, int target, off_t begin, off_t end, const bool* ca
     return CopyRun(source, target, static_cast<unsigned long long>(end - begin), cancel);
 }
 
-// Where the system does not tell of holes, the rest is taken for data.
+// If the system does not tell where holes are, the rest counts as data.
 eCopyEnd CopyAroundHoles(int source, int target, off_t size, const bool* cancel) {
     if (cancel && IsCancelled(cancel))
         return eCopyEnd::Stopped;

@@ -6,12 +6,12 @@
 
 namespace IO::Platform {
 
-// What a copy is to do with the holes of a file: a new file can have them too, one that holds something cannot.
+// How a copy treats the holes of a file: a new target can have them, too; a target that contains something cannot.
 enum class eCopyHoles { Keep, Fill };
 
-// Copies a file's bytes from its start to where the target stands, which for holes to be kept is its start, too.
-// Within the system where it has a way for these two files. Ends early when the byte that `cancel` points to becomes
-// non-zero; `cancel` may be null.
+// Copies a file's bytes, from the start, to the current position of the target, which must be its start if holes are
+// kept. Copies within the system if it can do so for these two files. Ends early when the byte that `cancel` points to
+// becomes non-zero; `cancel` may be null.
 System::eCopyEnd CopyContent(int source, const struct stat& facts, int target, eCopyHoles holes, const bool* cancel);
 
 } // namespace IO::Platform

@@ -45,13 +45,13 @@ void Remove(int folder, const char* name) {
     Uninterrupted([&] { return ::unlinkat(folder, name, 0); });
 }
 
-// Refused where the file belongs to somebody else.
+// Refused if the file belongs to another user.
 void KeepTime(int target, const struct stat& source) {
     const timespec times[] = {{0, UTIME_OMIT}, source.st_mtim};
     Uninterrupted([&] { return ::futimens(target, times); });
 }
 
-// The content and the time of its last change, to an empty file.
+// Copies the content, and the time of its last change, to an empty file.
 eCopyEnd CopyWithTime(const eOpened& source, int target, const bool* cancel) {
     const eCopyEnd end = CopyContent(source.file.Get(), source.facts, target, eCopyHoles::Keep, cancel);
     if (end == eCopyEnd::Complete)
@@ -59,7 +59,7 @@ eCopyEnd CopyWithTime(const eOpened& source, int target, const bool* cancel) {
     return end;
 }
 
-// While it lives, the calling thread survives a pipe whose reader goes away.
+// During its lifetime, the calling thread survives a pipe whose reader goes away.
 class eBrokenPipeSurvived {
 public:
     eBrokenPipeSurvived() {
@@ -85,7 +85,7 @@ private:
     bool wasPending;
 };
 
-// One copy onto something that is there.
+// One copy to a target that exists.
 class eOverwriting {
 public:
     eOverwriting(const eOpened& from, const eOpened& to, const eRealPlace* toPlace, const bool* stopFlag)
@@ -97,7 +97,7 @@ public:
     }
 
 private:
-    // False where the target can be written at most.
+    // False if the target can only be written in place.
     bool Replace() {
         eReplacement replacement(*place, kOwnersAlone);
         if (!replacement.IsOpen())
@@ -110,8 +110,8 @@ private:
         return end != eCopyEnd::Complete || replacement.TakePlace() || !IsForbidden(errno);
     }
 
-    // To this process, to everybody there (a file mounted by itself, in a folder that takes no changes), or unknown to
-    // the file system.
+    // Whether this process, or every process there, may not replace the file (for example a file that is a mount point,
+    // or a folder that cannot change), or the file system does not know the operation.
     static bool IsForbidden(int error) {
         return error == EACCES || error == EPERM || error == EBUSY || error == EROFS || error == ENOSYS ||
                error == EOPNOTSUPP;

@@ -5,17 +5,17 @@
 
 namespace IO::Platform {
 
-// Copies one regular file's bytes and puts the copy in the target's place in one step, through a file beside it: until
-// then the target is as it was. A new target has the source's permissions as far as the process gives them to new
-// files (umask); an existing one keeps its own, with its owner. With `cancel`, as long as the byte it points to is
-// zero; a stopped copy leaves no target. The source, met again as the target, is left alone.
+// Copies one regular file's bytes to a file beside the target, which then replaces the target in one step; until then
+// the target is unchanged. A new target has the source's permissions as far as the process gives them to new files
+// (umask); an existing one keeps its permissions and owner. With `cancel`, the copy runs as long as the byte it points
+// to is zero; a stopped copy leaves no target. If source and target are one file, it is left alone.
 //
-// Written in place, so that what arrived before a failure stays: a target with another name besides (a hard link), one
-// that is no regular file, and one that this process may write but not replace.
+// A target is written in place, so that what was written before a failure stays, if it has another name (a hard link),
+// is not a regular file, or may be written by this process but not replaced.
 void CopyRegularFile(ePlace from, ePlace to, const bool* cancel);
 
-// The same where the target is to be new and its name may not be a link: no file beside it is needed, a failure removes
-// it. `link` says whether the source's name may be one.
+// Copies to a target that is to be new and whose name must not be a link: no file beside it is needed, and a failure
+// removes it. `link` says whether the source's name may be a link.
 void CopyNewFile(ePlace from, ePlace to, eNamedLink link);
 
 } // namespace IO::Platform

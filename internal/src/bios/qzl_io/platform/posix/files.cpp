@@ -48,7 +48,7 @@ bool RenameFile(const char* from, const char* to) {
     return Uninterrupted([&] { return std::rename(from, to); }) == 0;
 }
 
-// Asks without opening: opening a device or a pipe has effects of its own.
+// Asks without opening, since opening a device or a pipe has effects.
 template <class Char>
 unsigned long long FileSize(const Char* name) {
     struct stat status {};

@@ -58,7 +58,7 @@ std::basic_string<Char> ExecutableName() {
     return NameText<Char>(ExecutableBytes());
 }
 
-// No such thing here.
+// This system has no product id.
 template <class Char>
 eProductIdQuery OpenProductId() {
     return {};

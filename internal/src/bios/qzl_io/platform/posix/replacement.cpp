@@ -24,17 +24,17 @@ std::string NewName() {
     return ".qzl_" + std::to_string(::getpid()) + "_" + std::to_string(now.tv_nsec) + "_" + std::to_string(++counter);
 }
 
-// What vouches for a file's content does not hold for another content.
+// Attributes that vouch for a file's content do not apply to other content.
 bool SpeaksOfContent(std::string_view attribute) {
     return attribute == "security.capability" || attribute == "security.ima" || attribute == "security.evm";
 }
 
-// The lists of who may do what.
+// The access control lists.
 bool SpeaksOfAccess(std::string_view attribute) {
     return attribute.starts_with("system.");
 }
 
-// Asks for the size, then for the bytes. False where the system tells neither.
+// Queries the size, then the bytes. False if the system refuses either.
 template <class Call>
 bool AskSized(std::vector<char>* bytes, Call call) {
     const ssize_t size = Uninterrupted([&] { return call(nullptr, std::size_t{0}); });
@@ -46,7 +46,7 @@ bool AskSized(std::vector<char>* bytes, Call call) {
     return filled >= 0;
 }
 
-// None where the file system keeps no such thing.
+// Empty if the file system has no attributes.
 std::vector<char> AttributeNames(int file) {
     std::vector<char> names;
     AskSized(&names, [file](char* list, std::size_t size) { return ::flistxattr(file, list, size); });
@@ -59,7 +59,7 @@ bool CopyAttribute(int from, int to, const char* name) {
            Uninterrupted([&] { return ::fsetxattr(to, name, value.data(), value.size(), 0); }) == 0;
 }
 
-// Calls `each` with every name, and tells whether it was true for all.
+// Calls `each` with every name, and returns whether all calls returned true.
 template <class Each>
 bool ForAll(const std::vector<char>& names, Each each) {
     bool all = true;
@@ -82,7 +82,7 @@ eReplacement::eReplacement(const eRealPlace& target, mode_t mode) : place(target
     pending = file.IsOpen();
 }
 
-// Tried twice: nobody else would ever remove it.
+// Tries twice, since nobody else would ever remove the file.
 eReplacement::~eReplacement() {
     const auto remove = [this] { return ::unlinkat(place.folder.Get(), name.c_str(), 0); };
     if (pending && Uninterrupted(remove) != 0)
@@ -96,7 +96,7 @@ bool eReplacement::Resemble(int replaced, const struct stat& facts) {
     const bool owned = own.st_uid == facts.st_uid && own.st_gid == facts.st_gid;
     if (!owned && Uninterrupted([&] { return ::fchown(Get(), facts.st_uid, facts.st_gid); }) != 0)
         return false;
-    // The folder may give its new files rights that the replaced one does not have.
+    // The folder may give its new files rights that the replaced file does not have.
     const bool plain = ForAll(AttributeNames(Get()), [this](std::string_view attribute) {
         return attribute != kAccessList || Uninterrupted([&] { return ::fremovexattr(Get(), kAccessList); }) == 0;
     });

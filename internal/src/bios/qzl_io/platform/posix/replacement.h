@@ -8,13 +8,14 @@
 
 namespace IO::Platform {
 
-// What a copy takes of a file's mode.
+// The bits of a file's mode that a copy takes over.
 inline constexpr mode_t kPermissionBits = 0777;
 
-// A file in the making, beside the one whose place it is to take in one step. Unless it took the place it is removed.
+// A temporary file beside the target that it will replace in one step. It is removed unless it has replaced the target.
 class eReplacement {
 public:
-    // The place's folder must outlive it. Not open where the folder takes no new file; then errno tells why.
+    // Creates the file. The folder of the target must outlive it. It is not open if the folder takes no new file; errno
+    // then tells why.
     eReplacement(const eRealPlace& target, mode_t mode);
     ~eReplacement();
     eReplacement(const eReplacement&) = delete;
@@ -23,11 +24,11 @@ public:
     bool IsOpen() const { return file.IsOpen(); }
     int Get() const { return file.Get(); }
 
-    // Takes owner, permissions and attributes of the file that is to be replaced. False where not all may be had that
-    // tell who may do what.
+    // Copies owner, permissions and attributes of the file that is to be replaced. False if any of those that control
+    // access could not be copied.
     bool Resemble(int replaced, const struct stat& facts);
 
-    // Closes the file and takes the place, whatever is there. False, with errno, when the system refuses.
+    // Closes the file and replaces the target, whatever is there. False, with errno, if the system refuses.
     bool TakePlace();
 
 private:

@@ -2,7 +2,7 @@
 
 namespace IO::Platform {
 
-// This system never asks.
+// This system never shows a dialog.
 eUnattended::eUnattended() noexcept = default;
 eUnattended::~eUnattended() = default;
 

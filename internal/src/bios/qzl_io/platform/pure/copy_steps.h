@@ -6,16 +6,16 @@
 
 namespace IO::System {
 
-// One way to move the next bytes from a source to its target, at most `limit` of them: the count that was moved, 0
-// when there are no more, negative when this way does not work.
+// One way to move the next bytes, at most `limit`, from a source to its target. Returns the number of bytes moved, 0 if
+// there are no more, or a negative number if this way does not work.
 using eCopyWay = std::function<long long(std::size_t limit)>;
 
 enum class eCopyEnd { Complete, Stopped, Failed };
 
-// Moves bytes in steps until `expected` of them have arrived or there are no more; 0: how many there are is not known.
-// Ways are tried in order: each goes on where the one before it gave up. That a way finds nothing at all is believed
-// only of the last: some files show their content only to plain reading. Asks `stop` before the first step and between
-// any two.
+// Moves bytes in steps until `expected` bytes have been moved or there are no more; 0 means that the number is unknown.
+// Tries ways in order; each continues where the one before gave up. If a way finds nothing at all, only the last one is
+// believed, since some files show their content only to plain reads. Calls `stop` before the first step and between any
+// two.
 template <class Stop>
 eCopyEnd CopyInSteps(std::initializer_list<eCopyWay> ways, std::size_t step, unsigned long long expected, Stop stop) {
     unsigned long long arrived = 0;

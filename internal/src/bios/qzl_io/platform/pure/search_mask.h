@@ -8,7 +8,7 @@
 
 namespace IO {
 
-// A search pattern's two halves: the folder with its trailing "/", empty for the current one, and the mask.
+// The two parts of a search pattern: the folder with its trailing "/", empty for the current folder, and the mask.
 template <class Char>
 struct eSearchPattern {
     std::basic_string_view<Char> folder;
@@ -21,17 +21,17 @@ struct eSearchPattern {
     }
 };
 
-// A search mask, made ready once and then compared with many names, by the rules of the Windows file search.
-// ASCII letter case is ignored. Every mask of "*.*" or "*" matches all names, an empty one none.
+// A search mask, prepared once and then compared with many names, by the rules of the Windows file search. ASCII letter
+// case is ignored. "*.*" and "*" match all names, an empty mask none.
 //
 // | in the mask               | stands for                                                          |
 // |---------------------------|---------------------------------------------------------------------|
 // | "*.*" as the whole mask   | every name                                                          |
-// | "*"                       | any characters, none too                                            |
-// | "*" before "."            | the same, but never the name's last dot                             |
+// | "*"                       | any characters, or none                                             |
+// | "*" before "."            | any characters, or none, but never the name's last dot              |
 // | dots, blanks at the end   | nothing, in a mask with "*" or "?": so "?." is "?"                  |
 // | "*" before these, "." last | any characters but the last dot: so "*." is the names without dots |
-// | "?"                       | one character that is no dot; before a dot and at the end nothing   |
+// | "?"                       | one character other than a dot; before a dot and at the end nothing |
 // | "." before "*" or "?"     | a dot, or the name's end: so "a.*" matches "a"                      |
 // | other characters          | themselves                                                          |
 class eSearchMask {
@@ -70,7 +70,7 @@ private:
         wchar_t letter;
     };
 
-    // Which items of the mask may come next.
+    // The items of the mask that may come next.
     using ePlaces = std::vector<bool>;
 
     // A mask without wild cards is a name, and names may end in anything.

@@ -14,7 +14,7 @@ namespace IO::Platform {
 
 namespace {
 
-// "C" for "C:\\Windows"; empty when the system does not tell.
+// "C" for "C:\\Windows"; empty if the system does not tell.
 std::string SystemDrive() {
     std::array<char, 260> folder{};
     if (::GetWindowsDirectoryA(folder.data(), folder.size()) == 0)
@@ -23,7 +23,7 @@ std::string SystemDrive() {
     return text.substr(0, text.find(':'));
 }
 
-// 0, or why the system refused.
+// 0, or the system's error number.
 DWORD QueryDevice(HANDLE device, void* answer, DWORD size) {
     STORAGE_PROPERTY_QUERY query{};
     query.PropertyId = StorageDeviceProperty;

@@ -21,10 +21,10 @@
 namespace IO::Platform {
 namespace {
 
-// The run-time's counts are int: larger requests go in pieces.
+// The run-time's counts are ints: larger requests are split.
 constexpr unsigned long long kLargestPiece = 1u << 30;
 
-// The system's number for what TakeFailureReason is to tell, 0 for nothing.
+// The system's error number for TakeFailureReason; 0 for none.
 thread_local unsigned long lastFailure = 0;
 
 unsigned int Piece(unsigned long long n) {
@@ -109,7 +109,7 @@ bool MayBeOneFile(int one, int other) noexcept {
     return IO::MayBeOneFile(NumberedId(SystemHandle(one)), NumberedId(SystemHandle(other)));
 }
 
-// A console and other devices have no length; that is no failure.
+// A console or other device has no length; that is not a failure.
 bool FileLength(int handle, unsigned long long* length) noexcept {
     const long long told = _filelengthi64(handle);
     *length = told > 0 ? static_cast<unsigned long long>(told) : 0;

@@ -27,7 +27,7 @@ eFileId SmallId(HANDLE file) noexcept {
     return id;
 }
 
-// Empty when the system does not tell it in this form.
+// Empty if the system does not tell it in this form.
 std::wstring FinalName(HANDLE folder, DWORD form) {
     std::wstring name(MAX_PATH, L'\0');
     for (;;) {
@@ -50,7 +50,7 @@ eFileId FolderId(HANDLE folder) {
     eFileId id = NumberedId(folder);
     if (!id.IsNumbered())
         id.finalName = FinalName(folder, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
-    // Some network drives have no letter that the system knows of, or do not tell the names above a folder.
+    // Some network drives have no letter that the system knows, or do not tell the names above a folder.
     if (!id.IsNumbered() && id.finalName.empty())
         id.finalName = FinalName(folder, FILE_NAME_OPENED | VOLUME_NAME_NT);
     return id;

@@ -6,10 +6,10 @@
 
 namespace IO::Platform {
 
-// By the volume's and the file's numbers alone; of 128 bits where the file system has such.
+// The identity by the volume's and the file's numbers only, of 128 bits if the file system has them.
 eFileId NumberedId(HANDLE file) noexcept;
 
-// With its final name where the folder has no number.
+// The identity, with the final name if the folder has no number.
 eFileId FolderId(HANDLE folder);
 
 } // namespace IO::Platform

@@ -5,7 +5,7 @@ namespace IO::Platform {
 // Large pages need a privilege here that applications do not have.
 void PreferLargePages(void*, std::size_t) noexcept {}
 
-// The heap's own blocks are the heap's to give back.
+// The heap's own blocks can only be returned by the heap.
 void ReleasePages(void*, std::size_t) noexcept {}
 
 } // namespace IO::Platform

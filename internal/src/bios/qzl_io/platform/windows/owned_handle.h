@@ -6,7 +6,7 @@
 
 namespace IO::Platform {
 
-// Owns a handle that one call gives back; INVALID_HANDLE_VALUE is none.
+// Owns a handle that `Release` closes; INVALID_HANDLE_VALUE is none.
 template <BOOL(WINAPI* Release)(HANDLE)>
 class eHandleOf {
 public:
