@@ -3,6 +3,7 @@
 #include <string>
 
 // One line of progress on standard error, shown only if that is a terminal.
+
 namespace terminal {
 
 // Replaces the line.

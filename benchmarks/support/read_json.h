@@ -9,6 +9,7 @@
 #include "scene_words.h"
 
 // Each source file has its own definitions, since RapidJSON is compiled in two ways.
+
 namespace bench {
 namespace {
 

@@ -13,6 +13,7 @@
 #include "support/temp_folder.h"
 
 // Readers that applications can derive by the protected operations.
+
 namespace {
 
 using testing::ElementsAre;

@@ -10,6 +10,7 @@
 #include "sdl/skim.h"
 
 // Counts that exceed an int; the tests begin just below the limit.
+
 namespace {
 
 std::string Padded(const std::string& text) {

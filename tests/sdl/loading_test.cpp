@@ -12,6 +12,7 @@
 #include "turning_cipher.h"
 
 // The state of a stream after a source has been loaded from it.
+
 namespace {
 
 struct eCase {

@@ -16,6 +16,7 @@
 #include "support/rounds.h"
 
 // Parsers and their copies compared with a model: random texts, and calls in any order.
+
 namespace {
 
 eSDLKeyword* words;

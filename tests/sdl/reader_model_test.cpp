@@ -21,6 +21,7 @@
 #include "support/temp_folder.h"
 
 // Readers compared with a model: random texts with included files, every operation in any order.
+
 namespace {
 
 eSDLKeyword* words;

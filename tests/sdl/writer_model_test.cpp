@@ -18,6 +18,7 @@
 #include "support/written_text.h"
 
 // Writers compared with a model: items in any order, and every byte of the text.
+
 namespace {
 
 eSDLKeyword* words;

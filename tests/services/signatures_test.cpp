@@ -1,8 +1,9 @@
-// The interface that callers compile against, as one table: it is correct if it compiles.
 #include <string>
 #include <type_traits>
 
 #include <qzl_io/system.h>
+
+// The interface that callers compile against, as one table: it is correct if it compiles.
 
 namespace {
 

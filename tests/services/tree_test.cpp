@@ -13,6 +13,7 @@
 
 // The decisions of the tree walks, on folders in memory: they are the same on every system, and a test can place links
 // anywhere.
+
 namespace {
 
 using IO::eFileId;

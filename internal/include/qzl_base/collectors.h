@@ -6,6 +6,7 @@
 
 // Functions that parts of a program register by static objects and that the application runs, group by group, when it
 // is ready for them.
+
 namespace xCollectors::xGlobal {
 
 // Registers an initialisation and a shut-down function under a group name for as long as the object lives. Either

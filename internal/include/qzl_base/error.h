@@ -12,6 +12,7 @@
 // The code that detects a failure reports it once, with the source unit, a fixed line number and a fixed message. The
 // application decides what a report does: by default an error throws eException and a warning prints one line on
 // standard error; SetErrorHandler and SetWarningHandler install other handlers, for all threads at once.
+
 namespace xError {
 
 // A report, as passed to handlers and stored in eException.

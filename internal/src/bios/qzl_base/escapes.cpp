@@ -32,7 +32,7 @@ char EscapeOf(char c) {
 
 constexpr std::size_t kWord = 8;
 
-// The number of bytes, of the first eight, before one that needs an escape. The zeros after the text need one.
+// The number of bytes, of the first eight, before one that needs an escape. The zeros above those count as such.
 std::size_t PlainRunOfWord(const char* text) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
     return static_cast<std::size_t>(std::countr_zero(escapes::AreNeeded(bytes)));

@@ -5,6 +5,7 @@
 #include <string_view>
 
 // Unicode text in bytes (UTF-8) and in wchar_t (UTF-16 where that has 2 bytes, UTF-32 where it has 4).
+
 namespace unicode {
 
 inline constexpr char32_t kReplacement = 0xfffd;

@@ -4,6 +4,7 @@
 #include <string_view>
 
 // Windows-1252. Its unassigned bytes are the control characters of the same value.
+
 namespace windows_1252 {
 
 std::wstring Widen(std::string_view text);

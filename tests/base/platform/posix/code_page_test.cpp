@@ -1,4 +1,3 @@
-// Code pages of the system, whose converters are files, when no descriptors or no memory are left.
 #include <qzl_base/convert.h>
 
 #include <cerrno>
@@ -15,6 +14,8 @@
 
 #include "support/platform/posix/fault.h"
 #include "support/reports.h"
+
+// Code pages of the system, whose converters are files, when no descriptors or no memory are left.
 
 namespace {
 

@@ -1,4 +1,3 @@
-// File streams on a system that fails now and then, or that would make them wait.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -18,6 +17,8 @@
 #include "support/platform/posix/open_descriptors.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
+
+// File streams on a system that fails now and then, or that would make them wait.
 
 namespace Mode = IO::StreamMode;
 

@@ -1,5 +1,3 @@
-// The unit under test is compiled here with its system calls renamed, so that each can be interrupted, cut short or
-// refused.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,6 +8,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+// The unit under test is compiled here with its system calls renamed, so that each can be interrupted, cut short or
+// refused.
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 // The code pages of the operating system.
+
 namespace platform {
 
 class eCodePage {

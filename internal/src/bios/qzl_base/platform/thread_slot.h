@@ -1,6 +1,7 @@
 #pragma once
 
 // The thread-local storage of the operating system: each index stands for one pointer in each thread, initially null.
+
 namespace platform {
 
 // Takes an index. False if the system has none left; *code is then its error code, and *index is unchanged.

@@ -1,6 +1,7 @@
 #pragma once
 
 // ASCII characters, whatever the locale. Bytes from 128 up belong to no class.
+
 namespace ascii {
 
 constexpr bool IsDigit(char c) {

@@ -3,6 +3,7 @@
 #include <emmintrin.h>
 
 // Characters that a quoted SDL string can contain only as escapes: quotes, backslashes and control characters.
+
 namespace escapes {
 
 inline constexpr unsigned char kControlsEnd = ' ';

@@ -10,6 +10,7 @@
 
 // Walks over folder trees: what is entered, removed and copied, and what is left alone. The walks do not recurse, hold
 // a bounded number of folders open and never enter a link.
+
 namespace IO::System {
 
 using Platform::eEntry;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 // What must be known of a JSON text before it is given to a parser.
+
 namespace json_text {
 
 // Number of bytes of the well-formed UTF-8 sequence that `text` begins with, 0 when it begins with none.

@@ -5,6 +5,7 @@
 #include <qzl_io/export.h>
 
 // Narrow and wide characters by the rules of the C run-time.
+
 namespace IO::Platform {
 
 // Whether the byte is the first half of a double-byte character. In file names the second half always follows, and it

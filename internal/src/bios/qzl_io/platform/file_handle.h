@@ -4,6 +4,7 @@
 
 // Files by handle, as streams need them. Sizes and positions are in bytes. Reads and writes have any size and continue
 // after interruptions and short counts.
+
 namespace IO::Platform {
 
 // Returns a handle of the C run-time for the file; -1 if it cannot be opened, is a folder, or is a pipe to be read

@@ -1,6 +1,7 @@
 #pragma once
 
 // Single files, by names as the application gives them.
+
 namespace IO::Platform {
 
 // The C run-time's access test: mode 0 existence, 2 write, 4 read, 6 both.

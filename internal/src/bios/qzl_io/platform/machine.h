@@ -4,6 +4,7 @@
 #include <string>
 
 // Facts that the system tells about the machine and the process.
+
 namespace IO::Platform {
 
 // The computer's name as the system spells it; empty on failure.

@@ -5,6 +5,7 @@
 #include "sdl/scan.h"
 
 // 64 characters of an SDL text as the bits of 64-bit words; the first character is the lowest bit.
+
 namespace xSDL {
 
 // Where the characters of each kind are. Four bits tell the kinds apart:

@@ -8,6 +8,7 @@
 #include <qzl_base/convert.h>
 
 // Converts number texts of SDL tokens, as classified by the lexer, to values.
+
 namespace xSDL {
 
 // The int nearest to a decimal integer that fits into 64 bits. Signs cannot be predicted, so there is no branch.

@@ -12,6 +12,7 @@
 
 // Runs of characters in an SDL text, found 16 at a time. Every function may read up to kTextEnd bytes from any
 // character of the text on, including its terminating zero, so a text ends with that many zeros.
+
 namespace xSDL {
 
 // 64 characters at a time, and 16 from the last of them on.

@@ -9,6 +9,7 @@
 #include "sdl/masks.h"
 
 // Passes a block without cutting its tokens.
+
 namespace xSDL {
 
 enum class eSkimEnd {

@@ -1,6 +1,7 @@
 #pragma once
 
 // What the stream core reports. The line numbers belong to the checks, not to places in a file.
+
 namespace IO::StreamReport {
 
 inline constexpr char kSource[] = "internal/src/bios/qzl_io/stream";

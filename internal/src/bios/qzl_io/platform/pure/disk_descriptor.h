@@ -6,6 +6,7 @@
 #include <string>
 
 // What devices answer when asked for their serial number. Nothing in it is to be trusted.
+
 namespace IO::System {
 
 // The text in a storage device descriptor to which the little-endian offset at byte 24 points, up to its zero or the
