@@ -117,6 +117,15 @@ private:
     std::map<const eWork*, std::uint64_t> checksums;
 };
 
+// Why a run failed, or null if it did not. Releases of the benchmark library name this in two ways.
+template <class Run>
+const std::string* FailureOf(const Run& run) {
+    if constexpr (requires { run.error_occurred; })
+        return run.error_occurred ? &run.error_message : nullptr;
+    else
+        return run.skipped ? &run.skip_message : nullptr;
+}
+
 // Collects the repetitions of every row. The tables are printed when all have been collected.
 class eCollector : public benchmark::BenchmarkReporter {
 public:
@@ -133,8 +142,8 @@ private:
         if (found == rows.end())
             return;
         eMeasured& taken = measured[found->second];
-        if (run.error_occurred)
-            taken.failure = run.error_message;
+        if (const std::string* const failure = FailureOf(run))
+            taken.failure = *failure;
         else if (run.run_type == Run::RT_Iteration && run.iterations > 0)
             taken.seconds.push_back(run.cpu_accumulated_time / static_cast<double>(run.iterations));
     }
