@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -99,20 +100,18 @@ TEST(ThreadStorage, GivesItsIndexBack) {
 
 TEST(ThreadStorage, GivesAThreadThatOutlivesAStorageAFreshObjectOfTheNext) {
     auto storage = std::make_unique<eStorage>();
-    std::atomic<int> step = 0;
+    std::promise<void> used, replaced;
     int valueOfTheNext = -1;
     std::thread thread([&] {
         storage->Get().value = 7;
-        step = 1;
-        step.notify_all();
-        step.wait(1);
+        used.set_value();
+        replaced.get_future().wait();
         valueOfTheNext = storage->Get().value;
     });
-    step.wait(0);
+    used.get_future().wait();
     storage.reset();
     storage = std::make_unique<eStorage>(); // usually with the index that was released
-    step = 2;
-    step.notify_all();
+    replaced.set_value();
     thread.join();
     EXPECT_EQ(0, valueOfTheNext);
     EXPECT_EQ(1, living);
