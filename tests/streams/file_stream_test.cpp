@@ -30,11 +30,6 @@ std::string Pattern(std::size_t size) {
     return text;
 }
 
-// The dump of a stream that is not a probe: only the library's own classes bypass their buffers.
-std::string DumpOf(const IO::eFileStream& stream) {
-    return (stream.*&eFile::Dump)();
-}
-
 IO::eFileStream& Mark(IO::eFileStream& stream) {
     stream.Write("!", 1);
     return stream;
@@ -150,6 +145,7 @@ TEST(FileStream, TheModeIsTheFlagWordAndAFailureAddsOneBit) {
         {"missing", 0x0001, 0x2001, false, ""},
         {"missing", 0x0005, 0x2005, false, ""},
         {"missing/file", 0x0003, 0x2003, false, ""},
+        {"missing/file", 0x0006, 0x2006, false, ""},
         {"missing/file", 0x0007, 0x2007, false, ""},
     };
     for (const eRow& row : rows) {
@@ -255,7 +251,7 @@ TEST(FileStream, BigTransfersLeaveTheStreamWhereSmallOnesDo) {
             for (std::size_t i = 0; i < size; ++i)
                 small.Write(text.data() + before + i, 1);
             const auto state = [](const IO::eFileStream& stream) {
-                const std::string dump = DumpOf(stream);
+                const std::string dump = eInside::DumpOf(stream);
                 return dump.substr(dump.find("'(")) + (stream.Eos() ? " at the end" : "");
             };
             EXPECT_EQ(state(big), state(small)) << before << ", " << size;
@@ -568,10 +564,7 @@ std::vector<std::string> MessagesOfALateWrite(std::size_t n, const std::string& 
     const std::string bytes(n, 'x');
     stream.Write(bytes.data(), n);
     stream.Close();
-    std::vector<std::string> messages;
-    for (const xError::eReport& report : reports.errors())
-        messages.push_back(report.message);
-    return messages;
+    return MessagesOf(reports.errors());
 }
 
 TEST(FileStream, AWritePastTheDataToTheEndOfTheBufferIsReportedWhateverItsSize) {

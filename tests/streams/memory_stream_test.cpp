@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 #include <new>
@@ -46,7 +47,7 @@ private:
 
 // For a stream of 16 bytes that doubles.
 void ExpectStepsOfABulkWrite(IO::eMemoryStream& stream) {
-    const auto room = [&] { return (stream.*&eMemory::Dump)(); };
+    const auto room = [&] { return eInside::DumpOf(stream); };
     stream << 1;
     stream.Write(std::string(3000, 'x').data(), 3000);
     EXPECT_EQ(room(), "MemoryStream(off:0, ptr:3004, end:4096, eos:3004, buff:4096)");

@@ -25,13 +25,6 @@ using eTexts = std::vector<std::string>;
 constexpr u64 kHalf = 1ull << 63;
 constexpr char kInvalidSeek[] = "Invalid seek location!";
 
-eTexts Messages(const eReports& reports) {
-    eTexts messages;
-    for (const xError::eReport& report : reports.errors())
-        messages.push_back(report.message);
-    return messages;
-}
-
 // The file's name contains what stands for an argument in a format.
 eFile TenBytes(const eTempFolder& folder, int mode) {
     return eFile(folder.Write("a%1%b.bin", "0123456789"), mode);
@@ -68,7 +61,8 @@ TEST(Position, MoreThanTwoToThe63BeyondTheSizeIsBeforeTheStart) {
             EXPECT_EQ(stream.Position(), row.position) << way;
             EXPECT_EQ(stream.Size(), 10u) << way;
             EXPECT_EQ(stream.Enabled(Mode::Bad), row.beyond) << way << ", " << row.position;
-            EXPECT_EQ(Messages(reports), row.beyond ? eTexts{kInvalidSeek} : eTexts{}) << way << ", " << row.position;
+            EXPECT_EQ(MessagesOf(reports.errors()), row.beyond ? eTexts{kInvalidSeek} : eTexts{})
+                << way << ", " << row.position;
             EXPECT_EQ(stream.Eos(), row.beyond || row.position == 10) << way << ", " << row.position;
             stream.Reset();
             EXPECT_EQ(stream.GetChar(), '0') << way << ", " << row.position;
@@ -96,7 +90,7 @@ TEST(Position, WithoutErrorsAFileReportsOnlyThatItsBufferWentAstray) {
         eFile file = TenBytes(folder, Mode::Read);
         file.Seek(4, eSeekDir::Begin);
         file.Seek(row.argument, row.dir);
-        EXPECT_EQ(Messages(reports), eTexts{PlaceBufferReport(folder, row.state)});
+        EXPECT_EQ(MessagesOf(reports.errors()), eTexts{PlaceBufferReport(folder, row.state)});
         EXPECT_EQ(file.Enabled(Mode::Bad), row.bad) << row.state;
         file.Seek(3, eSeekDir::Begin);
         EXPECT_EQ(file.GetChar(), '3') << row.state;
@@ -120,7 +114,7 @@ TEST(Position, WithErrorsAFileReportsTheMoveThenTheBufferThenTheRead) {
     eFile file = TenBytes(folder, Mode::Read | Mode::Errors);
     file.Seek(11, eSeekDir::Begin);
     const std::string astray = PlaceBufferReport(folder, "(off:0, ptr:11, end:10, eos:10, buff:10)");
-    EXPECT_EQ(Messages(reports), (eTexts{kInvalidSeek, astray, "Invalid read location!"}));
+    EXPECT_EQ(MessagesOf(reports.errors()), (eTexts{kInvalidSeek, astray, "Invalid read location!"}));
 }
 
 TEST(Position, AFileIsReadOnAfterAReportThatThrew) {
@@ -150,7 +144,7 @@ TEST(Position, ABufferStreamReportsASkipPastItsBytesAndThenItsOverflow) {
         unsigned char bytes[8] = {};
         IO::eBufferStream stream(bytes, 8, 8);
         stream.Skip(row.n);
-        EXPECT_EQ(Messages(reports), row.reports);
+        EXPECT_EQ(MessagesOf(reports.errors()), row.reports);
         EXPECT_EQ(stream.Position(), row.n);
         EXPECT_EQ(stream.Enabled(Mode::Bad), row.n > 8);
     }

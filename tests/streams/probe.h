@@ -29,6 +29,14 @@ public:
     long long Room() const { return this->bufferEnd - this->buffer; }
 };
 
+// The protected state of a stream of any class.
+class eInside : public IO::eStream {
+public:
+    static std::string DumpOf(const IO::eStream& stream) { return (stream.*&eInside::Dump)(); }
+    static unsigned short FlagsOf(const IO::eStream& stream) { return stream.*&eInside::flags; }
+    static unsigned long long BufferSizeOf(const IO::eStream& stream) { return stream.*&eInside::bufferSize; }
+};
+
 using eMemory = eProbe<IO::eMemoryStream>;
 using eMemoryT = eProbe<IO::eMemoryStream_t>;
 using eView = eProbe<IO::eBufferStream>;

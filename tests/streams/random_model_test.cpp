@@ -73,14 +73,6 @@ private:
     std::vector<unsigned char> block;
 };
 
-// The protected state of any stream.
-class eInside : public IO::eStream {
-public:
-    static std::string DumpOf(const IO::eStream& stream) { return (stream.*&eInside::Dump)(); }
-    static unsigned short FlagsOf(const IO::eStream& stream) { return stream.*&eInside::flags; }
-    static unsigned long long BufferSizeOf(const IO::eStream& stream) { return stream.*&eInside::bufferSize; }
-};
-
 // A stream and its plain twin, operation by operation. After each operation everything visible is compared: the state,
 // the reports so far, the calls of hooks (if the stream records them), and values; after a flush the stored content.
 // From a position outside the data both are moved back. The comparison ends when the plain steps have no bytes to
@@ -502,7 +494,7 @@ void AnyCall(IO::eStream& stream, eRandom& random, std::vector<unsigned char>& b
 
 // The state as text, without the file's name; the class need not be a probe.
 std::string StateOf(const IO::eFileStream& stream) {
-    const std::string dump = (stream.*&eFile::Dump)();
+    const std::string dump = eInside::DumpOf(stream);
     return dump.substr(dump.find("'(")) + (stream.Enabled(Mode::Bad) ? "bad" : "good");
 }
 
@@ -691,6 +683,7 @@ TEST(RandomModel, AnyCallsStayWithinMemoryWhenReportsReturn) {
 TEST(RandomModel, AnyCallsStayWithinMemoryWhenReportsThrow) {
     const eReports reports(eReports::Throws);
     std::vector<unsigned char> block(3000, 0x5A);
+    int thrown = 0;
     for (int round = 0; round < Rounds(400); ++round) {
         eRandom random(static_cast<unsigned>(round));
         const unsigned long long size = static_cast<unsigned long long>(round / 2) % 5;
@@ -702,10 +695,11 @@ TEST(RandomModel, AnyCallsStayWithinMemoryWhenReportsThrow) {
             try {
                 AnyCall(stream, random, block);
             } catch (const xError::eException&) {
-                EXPECT_FALSE(reports.errors().empty());
+                ++thrown;
             }
         }
     }
+    EXPECT_GT(thrown, 1000);
 }
 
 TEST(RandomModel, ReportsThatThrowLeaveAStreamAsThoseThatReturnDo) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -281,10 +282,7 @@ TEST(StreamCore, AHookThatFailsIsNotReportedTwice) {
         stream.how = row.how;
         stream.Enable(row.before ? Mode::Bad : Mode::Errors);
         stream.Write("abcdefgh", 8);
-        std::vector<std::string> messages;
-        for (const xError::eReport& report : reports.errors())
-            messages.push_back(report.message);
-        EXPECT_EQ(messages, row.messages) << static_cast<int>(row.how) << row.before;
+        EXPECT_EQ(MessagesOf(reports.errors()), row.messages) << static_cast<int>(row.how) << row.before;
         EXPECT_TRUE(stream.Enabled(Mode::Bad));
     }
 }

@@ -1,10 +1,18 @@
 #pragma once
 
 #include <mutex>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include <qzl_base/error.h>
+
+inline std::vector<std::string> MessagesOf(const std::vector<xError::eReport>& reports) {
+    std::vector<std::string> messages;
+    for (const xError::eReport& report : reports)
+        messages.push_back(report.message);
+    return messages;
+}
 
 // Collects the reports of all threads from construction to destruction, in place of the installed handlers, which it
 // then restores. With eReports::Throws the error handler also throws eException, as the default does; otherwise it
