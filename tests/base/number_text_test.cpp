@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -26,6 +27,14 @@ using eLimits = std::numeric_limits<float>;
 
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
+}
+
+// By the standard conversion; nothing for a text that is not wholly a number of the type, or is outside its range.
+template <class T>
+std::optional<T> Number(const std::string& text) {
+    T value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(value) : std::nullopt;
 }
 
 // The float that an SDL reader reads from a text that is exactly one decimal number; nothing for other texts. It
@@ -48,12 +57,10 @@ std::optional<float> ReadAsSdl(const std::string& text) {
             return {};
     }
     if (state == Zero || state == Whole) {
-        int value = 0;
-        return _FromString(&value, text.c_str()) ? std::optional(static_cast<float>(value)) : std::nullopt;
+        const auto value = Number<int>(text);
+        return value ? std::optional(static_cast<float>(*value)) : std::nullopt;
     }
-    float value = 0;
-    const bool number = state == Fraction || state == Exponent;
-    return number && _FromString(&value, text.c_str()) ? std::optional(value) : std::nullopt;
+    return state == Fraction || state == Exponent ? Number<float>(text) : std::nullopt;
 }
 
 bool SameBits(float left, float right) {
@@ -305,15 +312,23 @@ void CheckNumbersUnderAnyLocale(const std::string& name) {
     EXPECT_EQ(1234.0f, value) << name;
 }
 
-TEST(NumberText, IsTheSameUnderEveryLocale) {
+TEST(NumberText, IsTheSameUnderALocaleOfTheLanguage) {
     const auto previous = std::locale::global(std::locale(std::locale::classic(), new eCommaPoint));
     CheckNumbersUnderAnyLocale("comma");
     std::locale::global(previous);
+}
+
+TEST(NumberText, IsTheSameUnderEveryLocaleOfTheSystem) {
+    int withComma = 0;
     for (const char* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "tr_TR.UTF-8", "ar_EG.UTF-8", "German_Germany.1252",
                              "French_France.1252", "de-DE", ""})
-        if (std::setlocale(LC_ALL, name))
+        if (std::setlocale(LC_ALL, name)) {
+            withComma += std::localeconv()->decimal_point[0] == ',';
             CheckNumbersUnderAnyLocale(name);
+        }
     std::setlocale(LC_ALL, "C");
+    if (withComma == 0)
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
 }
 
 } // namespace

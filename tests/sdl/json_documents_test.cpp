@@ -105,8 +105,19 @@ private:
         EXPECT_EQ(token.floatValue, tooLarge ? 0.0f : static_cast<float>(value)) << Place();
     }
 
-    // A name is written without quotes, so it reads back as the tokens that its characters form.
+    static bool IsIdentifier(const std::string& name) {
+        const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_";
+        return name.find_first_of(letters) == 0 && name.find_first_not_of(letters + "0123456789") == name.npos;
+    }
+
+    // A name is written without quotes: one that is not an identifier reads back as the tokens that its characters
+    // form.
     void CompareName(const std::string& name) {
+        if (IsIdentifier(name)) {
+            Expect(sdlBlockStart);
+            EXPECT_EQ(Expect(sdlIdent).text, name) << Place();
+            return;
+        }
         const std::string head = "{" + name + " ";
         IO::eBufferStream stream(head);
         const std::vector<eSDLKeyword*> noTables;

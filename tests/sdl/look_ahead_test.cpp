@@ -129,6 +129,8 @@ TEST_P(LookAhead, OfAFlagAndOfListsTakesWhatIsTheirs) {
             const bool isInteger = rest.starts_with("11[");
             EXPECT_EQ(flag.Rest(), isInteger ? rest.substr(rest.find(' ') + 1) : rest);
             EXPECT_EQ(value, !rest.starts_with("11[0]"));
+        } else {
+            EXPECT_EQ(failure.message, rest);
         }
         for (const bool wide : {false, true}) {
             eIncluding list(GetParam(), next);
@@ -140,7 +142,7 @@ TEST_P(LookAhead, OfAFlagAndOfListsTakesWhatIsTheirs) {
                 narrow.Add(ToString(text.str()));
             for (const auto& text : narrow)
                 all += "3[" + text.str() + "] ";
-            EXPECT_EQ(listFailure == eFailure() ? all + list.Rest() : rest, rest);
+            EXPECT_EQ(all + (listFailure == eFailure() ? list.Rest() : listFailure.message), rest);
         }
     }
 }

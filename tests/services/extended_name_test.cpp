@@ -110,8 +110,10 @@ TEST(SystemName, IsTheNameItselfWhereThatWillDo) {
 
 TEST(SystemName, IsTheExtendedFormWhereAComponentEndsInADotOrABlank) {
     for (const std::wstring name : {L"dot.", L"blank ", L"a./b", L"a /b", L"...", L".../x", L". ", L".. ", L"a. /b",
-                                    L"c:/dot.", L"c:dot.", L"/dot.", L"//server/share/dot.", L"con.", L"//?/c:/dot."})
+                                    L"c:/dot.", L"c:dot.", L"/dot.", L"//server/share/dot.", L"con.", L"//?/c:/dot."}) {
+        EXPECT_TRUE(SystemName(name, work).starts_with(L"\\\\?\\")) << testing::PrintToString(name);
         EXPECT_EQ(ExtendedName(name, work), SystemName(name, work)) << testing::PrintToString(name);
+    }
     EXPECT_EQ(L"\\\\?\\C:\\dot.\\x", SystemName(L"x", L"C:\\dot."));
     EXPECT_EQ(L"c:/x", SystemName(L"c:/x", L"C:\\dot."));
 }
@@ -131,6 +133,7 @@ TEST(SystemName, IsTheExtendedFormWhereTheAbsoluteNameIsTooLong) {
         const std::wstring longest = row.start + std::wstring(kPlainRoom - row.counted, L'x');
         EXPECT_EQ(longest, SystemName(longest, row.current)) << testing::PrintToString(row.start);
         const std::wstring longer = longest + L'x';
+        EXPECT_TRUE(SystemName(longer, row.current).starts_with(L"\\\\?\\")) << testing::PrintToString(row.start);
         EXPECT_EQ(ExtendedName(longer, row.current), SystemName(longer, row.current))
             << testing::PrintToString(row.start);
     }
