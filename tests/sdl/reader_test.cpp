@@ -13,6 +13,7 @@
 
 #include <qzl_io/sdl/writer.h>
 
+#include "open_reader.h"
 #include "sdl_source.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
@@ -34,22 +35,6 @@ eSDLReader WordReaderOf(const std::string& text) {
     reader.PushKeywords(words);
     return reader;
 }
-
-// Makes the protected operations public.
-class eOpenReader : public eSDLReader {
-public:
-    explicit eOpenReader(const std::string& text) : eSDLReader(MakeStream(text).get(), nullptr) {}
-
-    using eSDLReader::Get;
-    using eSDLReader::GetOperand;
-    using eSDLReader::GetParameters;
-    using eSDLReader::Parser;
-
-private:
-    static std::unique_ptr<IO::eStream> MakeStream(const std::string& text) {
-        return std::make_unique<IO::eBufferStream>(text);
-    }
-};
 
 // The types and texts of all tokens from a reader, up to the end or the first error.
 std::string Tokens(eSDLReader& reader) {
@@ -751,12 +736,7 @@ TEST(SdlReader, ReadsThroughTheCipherOfEverySource) {
         EXPECT_EQ(assigned.GetString(), "inner");
     }
     EXPECT_EQ(cipher.use_count(), 1);
-    class eWideReader : public eSDLReader {
-    public:
-        using eSDLReader::eSDLReader;
-        using eSDLReader::Parser;
-    };
-    eWideReader wide(eFileNameW(folder.NameW(L"b.sdl")), cipher);
+    eOpenReader wide(eFileNameW(folder.NameW(L"b.sdl")), cipher);
     EXPECT_EQ(wide.GetString(), "inner");
     EXPECT_TRUE(wide.Parser().IsFile());
     EXPECT_EQ(wide.Parser().Name(), folder.Name("b.sdl"));

@@ -1,13 +1,16 @@
 #pragma once
 
+#include <cstddef>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
-#include <qzl_io/sdl/reader.h>
+#include <qzl_io/sdl/parser.h>
 #include <qzl_io/streams.h>
+
+#include "open_reader.h"
 
 // The state after skipping the rest of a block: the token at the end with its place, and the token that Back returns
 // to.
@@ -66,16 +69,9 @@ inline eSkipOutcome SkipPlainly(const std::string& text) {
     }
 }
 
-class eSkippingReader : public eSDLReader {
-public:
-    explicit eSkippingReader(IO::eStream& stream) : eSDLReader(&stream, nullptr) {}
-    using eSDLReader::Parser;
-};
-
 // Skips by the reader's own function.
 inline eSkipOutcome SkipAtOnce(const std::string& text) {
-    IO::eBufferStream stream(text);
-    eSkippingReader reader(stream);
+    eOpenReader reader(text);
     const char* const begin = reader.Parser().Cptr();
     bool failed = false;
     try {
