@@ -257,22 +257,6 @@ TEST_F(JsonToSdlTest, FailsOnAnOutputThatCannotBeOpened) {
     EXPECT_EQ(reports.warnings().size(), 1U);
 }
 
-TEST_F(JsonToSdlTest, FailsOnAnOutputThatTakesNothing) {
-    constexpr const char* kFullDevice = "/dev/full";
-    if (!std::filesystem::is_character_file(kFullDevice))
-        GTEST_SKIP() << "no device that is always full";
-    folder.Write("in.json", "[1]");
-    EXPECT_FALSE(JsonToSdl(eFileName(folder.Name("in.json")), eFileName(kFullDevice)));
-    ExpectOneWarning("/dev/full - write error!", kFullDevice);
-    reports.Clear();
-    std::string large = "[1";
-    for (int number = 0; number < 100000; ++number)
-        large += ",12345678";
-    folder.Write("in.json", large + "]");
-    EXPECT_FALSE(JsonToSdl(eFileName(folder.Name("in.json")), eFileName(kFullDevice)));
-    ExpectOneWarning("/dev/full - write error!", kFullDevice);
-}
-
 TEST_F(JsonToSdlTest, LeavesTheOutputAloneWhenAWarningHandlerThrows) {
     folder.Write("out.sdl", "kept");
     int warnings = 0;

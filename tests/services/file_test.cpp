@@ -9,7 +9,7 @@
 
 #include <qzl_io/streams.h>
 
-#include <support/wine.h>
+#include "support/wine.h"
 
 #include "real_tree.h"
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <support/temp_folder.h>
+#include "support/temp_folder.h"
 
 #include "widths.h"
 

@@ -8,8 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include <support/self_move.h>
-#include <support/wine.h>
+#include "support/current_folder.h"
+#include "support/self_move.h"
+#include "support/wine.h"
 
 #include "real_tree.h"
 
@@ -59,15 +60,6 @@ TYPED_TEST(SearchServices, TellsFilesFromSubfolders) {
         EXPECT_EQ(name == TypeParam::Of("sub"), search.IsSubfolder());
         EXPECT_FALSE(search.IsLink());
     }
-}
-
-TYPED_TEST(SearchServices, AFolderNamedByThreeDotsIsASubfolder) {
-    if (kHasDrives)
-        GTEST_SKIP() << "names of dots alone cannot be made here";
-    this->MakeFolder("folder/...");
-    typename TypeParam::Search search(this->Folder("folder"), TypeParam::Of("..."));
-    EXPECT_TRUE(search.IsSubfolder());
-    EXPECT_FALSE(search.IsFile());
 }
 
 TYPED_TEST(SearchServices, AMaskThatMatchesNothingIsNotValid) {
@@ -130,12 +122,9 @@ TYPED_TEST(SearchServices, DotsAndBlanksAtAMasksEndCountForNothing) {
 }
 
 TYPED_TEST(SearchServices, TheCurrentFolderNeedsNoName) {
-    const auto before = std::filesystem::current_path();
     this->MakeFile("only");
-    std::filesystem::current_path(this->temp.Path());
-    const auto found = this->Found(typename TypeParam::Name(), TypeParam::Of("on*"));
-    std::filesystem::current_path(before);
-    EXPECT_EQ(this->Texts({"only"}), found);
+    const eCurrentFolder current(this->temp.Path());
+    EXPECT_EQ(this->Texts({"only"}), this->Found(typename TypeParam::Name(), TypeParam::Of("on*")));
 }
 
 TYPED_TEST(SearchServices, SizeIsTheFilesLength) {

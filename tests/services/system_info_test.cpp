@@ -7,11 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include <qzl_base/collectors.h>
 #include <qzl_base/convert.h>
 #include <qzl_io/system.h>
 
-#include <support/reports.h>
+#include "support/reports.h"
 
 #include "widths.h"
 
@@ -44,13 +43,6 @@ TEST(SystemInfo, UserNameIsLowerCasedAndKept) {
     EXPECT_LE(name.size(), 256u);
 }
 
-TEST(SystemInfo, TheAppGroupFillsBothNames) {
-    xCollectors::xGlobal::Init("app");
-    EXPECT_FALSE(MachineName().empty());
-    EXPECT_FALSE(UserName().empty());
-    xCollectors::xGlobal::Exit("app");
-}
-
 TEST(SystemInfo, WindowsVersionIsAKnownNameAndKept) {
     const std::set<std::string> workstations = {"windows_10",    "windows_8_point1", "windows_8",  "windows_7",
                                                 "windows_vista", "windows_xp_x64",   "windows_xp", "windows_2000"};
@@ -65,7 +57,7 @@ TEST(SystemInfo, WindowsVersionIsAKnownNameAndKept) {
     }
 }
 
-TEST(SystemInfo, ProductIdFillsItsWholeBuffer) {
+TEST(SystemInfo, ProductIdFillsItsWholeBufferWhereThereIsOne) {
     const std::string& id = ProductId();
     EXPECT_EQ(&id, &ProductId());
     if (!kHasDrives) {
@@ -80,16 +72,18 @@ TEST(SystemInfo, ProductIdFillsItsWholeBuffer) {
     EXPECT_GE(ProductIdW().size(), std::strlen(id.c_str()));
 }
 
-TEST(SystemInfo, ASerialNumberIsThereOrAWarningSaysWhyAtEachCall) {
+// A disk may tell an empty one.
+TEST(SystemInfo, ASerialNumberIsToldOrAWarningSaysWhyAtEachCall) {
     eReports reports;
-    for (std::size_t call = 1; call <= 3; ++call) {
+    const auto& warnings = reports.warnings();
+    HDDSerialNumber();
+    const bool isTold = warnings.empty();
+    for (std::size_t call = 2; call <= 4; ++call) {
         const std::string serial = HDDSerialNumber();
-        const auto& warnings = reports.warnings();
-        if (!serial.empty() || warnings.empty()) {
-            EXPECT_TRUE(warnings.empty());
+        ASSERT_EQ(isTold ? 0 : call, warnings.size());
+        if (isTold)
             continue;
-        }
-        ASSERT_EQ(call, warnings.size());
+        EXPECT_EQ("", serial);
         EXPECT_EQ("internal/src/bios/qzl_io/system_hdd", warnings.back().file);
         EXPECT_EQ(92, warnings.back().line);
         const std::string begin = "eHDDInfo: obtain serialNumber failure(", end = ")";

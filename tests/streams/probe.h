@@ -29,7 +29,7 @@ public:
     long long Room() const { return this->bufferEnd - this->buffer; }
 };
 
-// The protected state of a stream of any class.
+// The protected state of any stream.
 class eInside : public IO::eStream {
 public:
     static std::string DumpOf(const IO::eStream& stream) { return (stream.*&eInside::Dump)(); }

@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-// The seconds of the processor's time that an action takes; on Windows those of the clock.
+// The processor time that an action takes, in seconds; on Windows the elapsed time.
 template <class Action>
 double SecondsOf(const Action& action) {
     const std::clock_t start = std::clock();

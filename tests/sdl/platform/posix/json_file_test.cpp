@@ -1,20 +1,18 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
-#include <filesystem>
 #include <string>
 
 #include <dlfcn.h>
 
 #include <gtest/gtest.h>
 
+#include "short_file.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
 TEST(JsonFile, ThatCannotBeReadToItsEndIsNotParsed) {
-    // The system says that this file is a page long, whatever it contains.
-    const std::string shorter = "/sys/devices/system/cpu/online";
-    std::error_code error;
-    if (std::filesystem::file_size(shorter, error) < 1000 || error)
+    const std::string shorter = FileShorterThanItSays();
+    if (shorter.empty())
         GTEST_SKIP() << "no file that is shorter than it says";
     const eTempFolder folder;
     const eReports reports;
@@ -36,5 +34,21 @@ TEST(JsonFile, LeavesTheParsersOrderOfMembersAsTheProgramSetIt) {
         EXPECT_TRUE(JsonToSdl(input, eFileName(folder.Name("out.sdl"))));
         EXPECT_EQ(folder.Read("out.sdl"), "{b 1}\r\n{a 2}\r\n");
         EXPECT_EQ(*keepsOrder, set);
+    }
+}
+
+TEST(JsonFile, ThatTheDiskDoesNotTakeIsAFailedConversion) {
+    const std::string full = "/dev/full";
+    const eTempFolder folder;
+    std::string large = "[1";
+    for (int number = 0; number < 100000; ++number)
+        large += ",12345678";
+    for (const std::string& json : {std::string("[1]"), large + "]"}) {
+        const eReports reports;
+        EXPECT_FALSE(JsonToSdl(eFileName(folder.Write("in.json", json)), eFileName(full)));
+        EXPECT_TRUE(reports.errors().empty());
+        ASSERT_EQ(reports.warnings().size(), 1U);
+        EXPECT_EQ(reports.warnings()[0].message, full + " - write error!");
+        EXPECT_NE(reports.warnings()[0].context.find(full), std::string::npos);
     }
 }

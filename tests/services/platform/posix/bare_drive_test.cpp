@@ -1,4 +1,4 @@
-#include <filesystem>
+#include "support/current_folder.h"
 
 #include "../../real_tree.h"
 
@@ -6,12 +6,7 @@ namespace {
 
 template <class Width>
 class BareDrive : public eRealTree<Width> {
-protected:
-    BareDrive() : before(std::filesystem::current_path()) { std::filesystem::current_path(this->temp.Path()); }
-    ~BareDrive() override { std::filesystem::current_path(before); }
-
-private:
-    std::filesystem::path before;
+    const eCurrentFolder current{this->temp.Path()};
 };
 TYPED_TEST_SUITE(BareDrive, eWidths, eWidthNames);
 

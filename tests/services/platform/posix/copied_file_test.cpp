@@ -17,9 +17,9 @@
 
 #include <qzl_io/system.h>
 
-#include <support/platform/posix/as_nobody.h>
-#include <support/platform/posix/fault.h>
-#include <support/platform/posix/umask.h>
+#include "support/platform/posix/as_nobody.h"
+#include "support/platform/posix/fault.h"
+#include "support/platform/posix/umask.h"
 
 #include "../../real_tree.h"
 
@@ -300,14 +300,18 @@ TEST_F(CopiedFile, GoesToADevice) {
 }
 
 TEST_F(CopiedFile, ThatShowsNoSizeComesWhole) {
+    int copies = 0;
     for (const char* name : {"/proc/filesystems", "/proc/kallsyms"}) {
         std::ifstream file(name);
         const std::string content(std::istreambuf_iterator<char>(file), {});
-        if (!content.empty()) {
-            EXPECT_TRUE(IO::System::File::Copy(eFileName(name), Named("copy")));
-            EXPECT_TRUE(content == Content("copy")) << name;
-        }
+        if (content.empty())
+            continue;
+        ++copies;
+        EXPECT_TRUE(IO::System::File::Copy(eFileName(name), Named("copy")));
+        EXPECT_TRUE(content == Content("copy")) << name;
     }
+    if (copies == 0)
+        GTEST_SKIP() << "no such file may be read";
 }
 
 // --- Holes ---

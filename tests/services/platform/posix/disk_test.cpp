@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include <support/temp_folder.h>
+#include "support/temp_folder.h"
 
 namespace {
 

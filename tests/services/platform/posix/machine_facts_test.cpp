@@ -7,7 +7,7 @@
 
 #include <qzl_base/collectors.h>
 
-#include <support/reports.h>
+#include "support/reports.h"
 
 #include "platform/machine.h"
 

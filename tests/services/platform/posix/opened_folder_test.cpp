@@ -58,7 +58,7 @@ ssize_t simulated_getdents64(int folder, void* entries, std::size_t size) {
 
 #include <gtest/gtest.h>
 
-#include <support/temp_folder.h>
+#include "support/temp_folder.h"
 
 #include "files/tree.h"
 

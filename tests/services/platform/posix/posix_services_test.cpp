@@ -14,10 +14,10 @@
 
 #include <gtest/gtest.h>
 
-#include <support/platform/posix/as_nobody.h>
-#include <support/platform/posix/fault.h>
-#include <support/platform/posix/open_descriptors.h>
-#include <support/platform/posix/umask.h>
+#include "support/platform/posix/as_nobody.h"
+#include "support/platform/posix/fault.h"
+#include "support/platform/posix/open_descriptors.h"
+#include "support/platform/posix/umask.h"
 
 #include "../../real_tree.h"
 
@@ -567,6 +567,13 @@ TYPED_TEST(PosixServices, NamesOf255BytesWorkEverywhere) {
     EXPECT_FALSE(TypeParam::Create(this->Named("made/" + name + "n")));
     TypeParam::Delete(this->Named("copy"), true);
     EXPECT_FALSE(this->Exists("copy"));
+}
+
+TYPED_TEST(PosixServices, AFolderNamedByThreeDotsIsASubfolder) {
+    this->MakeFolder("root/...");
+    typename TypeParam::Search search(this->Folder("root"), TypeParam::Of("..."));
+    EXPECT_TRUE(search.IsSubfolder());
+    EXPECT_FALSE(search.IsFile());
 }
 
 TYPED_TEST(PosixServices, AColonInANameIsALetterLikeAnyOther) {

@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
-#include <support/platform/posix/fault.h>
-#include <support/platform/posix/open_descriptors.h>
+#include "support/platform/posix/fault.h"
+#include "support/platform/posix/open_descriptors.h"
 
 #include "../../real_tree.h"
 

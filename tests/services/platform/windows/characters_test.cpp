@@ -9,7 +9,7 @@
 
 #include <qzl_io/system.h>
 
-#include <support/wine.h>
+#include "support/wine.h"
 
 namespace {
 

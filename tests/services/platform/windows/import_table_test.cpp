@@ -1,4 +1,4 @@
-#include <support/platform/windows/import_table.h>
+#include "support/platform/windows/import_table.h"
 
 #include <stdexcept>
 
@@ -8,7 +8,7 @@
 
 #include <qzl_io/system.h>
 
-#include <support/temp_folder.h>
+#include "support/temp_folder.h"
 
 namespace {
 

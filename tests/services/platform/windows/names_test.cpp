@@ -11,8 +11,9 @@
 
 #include <qzl_io/streams.h>
 
-#include <support/platform/windows/import_table.h>
-#include <support/platform/windows/strict_names.h>
+#include "support/current_folder.h"
+#include "support/platform/windows/import_table.h"
+#include "support/platform/windows/strict_names.h"
 
 #include "../../real_tree.h"
 
@@ -301,6 +302,9 @@ TEST_F(JapaneseNames, WithAHalfThatAFileNameWouldTurnAreGivenByTheirShortNames) 
     this->Make(L"tree/\x8868.txt", "1");  // its second byte is a backslash
     this->Make(L"tree/\x00A5.txt", "22"); // its best fit is a backslash
     const auto found = Found<IO::eSearch>(Below("tree/"), std::string("*.*"));
+    if (found.empty())
+        GTEST_SKIP() << "the volume keeps no short names";
+    EXPECT_EQ(2u, found.size());
     for (const auto& [name, size] : found) {
         EXPECT_EQ(name.npos, name.find_first_of("\\/")) << name;
         EXPECT_EQ(size, IO::System::File::Size(Below("tree/" + name))) << name;
@@ -514,20 +518,6 @@ TYPED_TEST(WindowsNames, ShortNamesReachTheSystemUnchanged) {
                   std::vector<std::wstring>(strict.Given().end() - 2, strict.Given().end()));
     }
 }
-
-// Saves the system's current folder, and restores it on destruction.
-class eCurrentFolder {
-public:
-    explicit eCurrentFolder(const std::wstring& folder) : before(std::filesystem::current_path()) {
-        EXPECT_TRUE(::SetCurrentDirectoryW(folder.c_str()));
-    }
-    ~eCurrentFolder() { std::filesystem::current_path(before); }
-    eCurrentFolder(const eCurrentFolder&) = delete;
-    eCurrentFolder& operator=(const eCurrentFolder&) = delete;
-
-private:
-    std::filesystem::path before;
-};
 
 TYPED_TEST(WindowsNames, RelativeNamesStartAtTheCurrentFolder) {
     const std::wstring folder = L"tree/" + std::wstring(120, L'c');

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <support/platform/windows/import_table.h>
+#include "support/platform/windows/import_table.h"
 
 #include "../../real_tree.h"
 

@@ -10,7 +10,7 @@
 
 #include <qzl_io/streams.h>
 
-#include <support/platform/windows/import_table.h>
+#include "support/platform/windows/import_table.h"
 
 #include "../../real_tree.h"
 

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <support/wine.h>
+#include "support/wine.h"
 
 #include "../../real_tree.h"
 
@@ -142,6 +142,12 @@ TYPED_TEST(WindowsServices, AccessTellsThatAReadOnlyFileMayNotBeWritten) {
     EXPECT_FALSE(TypeParam::MayAccess(this->Named("file"), 6));
     EXPECT_FALSE(TypeParam::DeleteFile(this->Named("file")));
     this->SetAttributes("file", FILE_ATTRIBUTE_NORMAL);
+}
+
+TYPED_TEST(WindowsServices, CreateOfARootedNameWithoutADriveDoesWhatTheSystemAllows) {
+    EXPECT_TRUE(TypeParam::Create(TypeParam::Of("/")));
+    EXPECT_FALSE(TypeParam::Create(TypeParam::Of("/qzl_io_not_made/x")));
+    EXPECT_FALSE(TypeParam::Create(TypeParam::Of("//qzl_io_no_server/share/x")));
 }
 
 TYPED_TEST(WindowsServices, DeletionRemovesLinksAndNeverWhatTheyPointTo) {

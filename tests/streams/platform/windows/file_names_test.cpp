@@ -8,9 +8,9 @@
 #include <qzl_io/streams.h>
 #include <qzl_io/system.h>
 
-#include <support/platform/windows/strict_names.h>
-#include <support/reports.h>
-#include <support/temp_folder.h>
+#include "support/platform/windows/strict_names.h"
+#include "support/reports.h"
+#include "support/temp_folder.h"
 
 // File streams with names that are special on this system.
 namespace {

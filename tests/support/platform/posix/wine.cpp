@@ -1,4 +1,4 @@
-#include <support/wine.h>
+#include "support/wine.h"
 
 bool IsUnderWine() {
     return false;

@@ -1,4 +1,4 @@
-#include <support/platform/windows/import_table.h>
+#include "support/platform/windows/import_table.h"
 
 #include <stdexcept>
 #include <string>

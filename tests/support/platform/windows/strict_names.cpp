@@ -1,4 +1,4 @@
-#include <support/platform/windows/strict_names.h>
+#include "support/platform/windows/strict_names.h"
 
 #include <cerrno>
 #include <string_view>
@@ -7,7 +7,7 @@
 
 #include <io.h>
 
-#include <support/platform/windows/import_table.h>
+#include "support/platform/windows/import_table.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include <support/wine.h>
+#include "support/wine.h"
 
 #include <windows.h>
 
