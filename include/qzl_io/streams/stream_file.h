@@ -3,10 +3,10 @@
 #include <concepts>
 #include <string>
 
+#include <qzl_io/detail/share.h>
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 #include <qzl_io/streams/stream.h>
-#include <qzl_io/streams/stream_share.h>
 
 namespace IO {
 
@@ -57,7 +57,7 @@ protected:
     // Not open.
     eFileStreamBase() noexcept = default;
     eFileStreamBase(const eFileStreamBase& other) = default;
-    eFileStreamBase(eFileStreamBase&& other) noexcept;
+    eFileStreamBase(eFileStreamBase&& other) noexcept = default;
     eFileStreamBase& operator=(const eFileStreamBase& other);
     eFileStreamBase& operator=(eFileStreamBase&& other) noexcept;
 
@@ -69,7 +69,11 @@ protected:
     static constexpr int kOpenWrite = 0x8102;  // binary, read and write, create
     static constexpr int kOpenCreate = 0x8302; // binary, read and write, create, cut to length 0
 
-    int handle = -1; // the run-time's handle, -1 when no file is open
+    struct eClosing {
+        static constexpr int kNone = -1;
+        QZL_IO_API static void Release(int handle) noexcept;
+    };
+    eShare<eClosing> handle; // reads as an int, the run-time's handle; -1 when no file is open
 
 private:
     static const eStreamDirect kDirect;
@@ -80,8 +84,8 @@ private:
     static unsigned long long DirectCopy(eStream& source, eStream& target, unsigned long long n);
 
     void CreateBuffer(unsigned long long capacity, unsigned long long length);
+    void UseBlock(unsigned char* block, unsigned long long capacity, unsigned long long length) noexcept;
     void ReleaseBuffer() noexcept;
-    void ReleaseHandle() noexcept;
     // Takes a buffer of its own where copies share it.
     void Detach();
     // Reads the buffer from the file.
@@ -93,8 +97,14 @@ private:
     // The same after a refill where that brings more of the line. Complete too where no data remain.
     unsigned long long LinePiece(eStreamOperation& operation, bool* complete);
 
-    eShare bufferOwners;
-    eShare handleOwners;
+    template <class eOther>
+    eFileStreamBase& Assign(eOther&& other);
+
+    struct eBlockDeletion {
+        static constexpr unsigned char* kNone = nullptr;
+        QZL_IO_API static void Release(unsigned char* block) noexcept;
+    };
+    eShare<eBlockDeletion> bufferBlock;
 };
 
 // A file by a narrow name (UTF-8 on systems whose names are bytes).

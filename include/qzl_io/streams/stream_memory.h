@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include <qzl_io/detail/share.h>
 #include <qzl_io/export.h>
 #include <qzl_io/streams/stream.h>
-#include <qzl_io/streams/stream_share.h>
 
 namespace IO {
 
@@ -22,7 +22,7 @@ public:
     explicit eMemoryStream(unsigned long long size, unsigned long long growBy = 0);
     eMemoryStream() : eMemoryStream(256) {}
     eMemoryStream(const eMemoryStream& other) = default;
-    eMemoryStream(eMemoryStream&& other) noexcept;
+    eMemoryStream(eMemoryStream&& other) noexcept = default;
     ~eMemoryStream() override;
 
     eMemoryStream& operator=(const eMemoryStream& other);
@@ -80,8 +80,12 @@ private:
     unsigned char* CopiedBlock(unsigned long long size, unsigned long long kept) const;
     unsigned char* ExtendedBlock(unsigned long long size, unsigned long long kept);
 
-    eShare owners;         // of the buffer
-    bool fromHeap = false; // the buffer was made by eMemoryStream's own hook
+    struct eFreeing {
+        static constexpr unsigned char* kNone = nullptr;
+        QZL_IO_API static void Release(unsigned char* block) noexcept;
+    };
+    eShare<eFreeing> bufferBlock;
+    bool fromHeap = false; // the block was made by eMemoryStream's own hook
 };
 
 // A memory stream as a class of its own, with allocation hooks of its own.

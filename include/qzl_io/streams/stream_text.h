@@ -1,9 +1,9 @@
 #pragma once
 
+#include <qzl_io/detail/share.h>
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 #include <qzl_io/streams/stream.h>
-#include <qzl_io/streams/stream_share.h>
 
 namespace IO {
 
@@ -22,14 +22,14 @@ public:
     explicit eTextStream(eStream* stream) noexcept;
     eTextStream(const eTextStream& other) = default;
     // The other text stream is left without a target.
-    eTextStream(eTextStream&& other) noexcept;
-    ~eTextStream();
+    eTextStream(eTextStream&& other) noexcept = default;
+    ~eTextStream() = default;
 
-    eTextStream& operator=(const eTextStream& other);
-    eTextStream& operator=(eTextStream&& other) noexcept;
+    eTextStream& operator=(const eTextStream& other) = default;
+    eTextStream& operator=(eTextStream&& other) noexcept = default;
 
     // The target, which there must be.
-    eStream& Stream() const noexcept { return *stream; }
+    eStream& Stream() const noexcept { return *target->stream; }
     // Of the target; 0 without one.
     unsigned long long Position() const noexcept;
 
@@ -40,11 +40,18 @@ public:
     eTextStream& operator<<(eTextStream& (*manipulator)(eTextStream&)) { return manipulator(*this); }
 
 private:
-    void Release() noexcept;
+    struct eTarget {
+        eStream* stream; // null after a move or when there was no memory for it
+        bool opened;     // here, so that it is deleted here
 
-    bool owns;       // opened here, so deleted here
-    eStream* stream; // null after a move or when there was no memory for it
-    eShare owners;   // of the stream, if opened here
+        bool operator==(const eTarget&) const = default;
+    };
+    struct eDeletion {
+        static constexpr eTarget kNone{nullptr, false};
+        QZL_IO_API static void Release(eTarget target) noexcept;
+    };
+
+    eShare<eDeletion> target;
 };
 
 } // namespace IO

@@ -36,10 +36,6 @@ unsigned char* NewBlock(unsigned long long size) {
     return static_cast<unsigned char*>(size > 0 ? ::operator new(size, kBlockAlignment, std::nothrow) : nullptr);
 }
 
-void DeleteBlock(unsigned char* block) noexcept {
-    ::operator delete(block, kBlockAlignment);
-}
-
 void ReportOpenError(int line, const std::string& name) {
     xError::Error(FileReport::kSource, line, (format(FileReport::kOpenError) % name).str(), true);
 }
@@ -58,38 +54,29 @@ void AppendWithoutLineEnds(std::string* line, const unsigned char* from, unsigne
 
 // --- Life ---
 
-eFileStreamBase::eFileStreamBase(eFileStreamBase&& other) noexcept
-    : eStream(std::move(other)),
-      handle(std::exchange(other.handle, -1)),
-      bufferOwners(std::move(other.bufferOwners)),
-      handleOwners(std::move(other.handleOwners)) {}
-
 eFileStreamBase::~eFileStreamBase() {
     Close();
 }
 
-eFileStreamBase& eFileStreamBase::operator=(const eFileStreamBase& other) {
-    if (this != &other) {
-        eShare buffers = other.bufferOwners;
-        eShare handles = other.handleOwners;
-        Close();
-        eStream::operator=(other);
-        handle = other.handle;
-        bufferOwners = std::move(buffers);
-        handleOwners = std::move(handles);
-    }
+// Joining the owners may throw, and comes before anything is given up.
+template <class eOther>
+eFileStreamBase& eFileStreamBase::Assign(eOther&& other) {
+    if (this == &other)
+        return *this;
+    auto joinedHandle = std::forward<eOther>(other).handle;
+    auto joinedBlock = std::forward<eOther>(other).bufferBlock;
+    Close();
+    eStream::operator=(std::forward<eOther>(other));
+    handle = std::move(joinedHandle);
+    bufferBlock = std::move(joinedBlock);
     return *this;
 }
 
+eFileStreamBase& eFileStreamBase::operator=(const eFileStreamBase& other) {
+    return Assign(other);
+}
 eFileStreamBase& eFileStreamBase::operator=(eFileStreamBase&& other) noexcept {
-    if (this != &other) {
-        Close();
-        eStream::operator=(std::move(other));
-        handle = std::exchange(other.handle, -1);
-        bufferOwners = std::move(other.bufferOwners);
-        handleOwners = std::move(other.handleOwners);
-    }
-    return *this;
+    return Assign(std::move(other));
 }
 
 void eFileStreamBase::Open(int mode) {
@@ -100,9 +87,9 @@ void eFileStreamBase::Open(int mode) {
     const int openFlags = !writes ? kOpenRead : Enabled(StreamMode::Create) ? kOpenCreate : kOpenWrite;
     unsigned long long length = 0;
     const auto openFile = [&] {
-        handle = CreateHandle(openFlags);
+        handle = eShare<eClosing>(CreateHandle(openFlags));
         if (handle != -1 && !Platform::FileLength(handle, &length))
-            Platform::CloseFile(std::exchange(handle, -1));
+            handle.Reset();
         return handle != -1;
     };
     while (!openFile()) {
@@ -120,15 +107,12 @@ void eFileStreamBase::Open(int mode) {
 void eFileStreamBase::Close() {
     if (handle != -1 && Enabled(StreamMode::Write | StreamMode::Modified))
         RunHook(&eStream::Flush);
-    ReleaseHandle();
+    handle.Reset();
     ReleaseBuffer();
 }
 
-void eFileStreamBase::ReleaseHandle() noexcept {
-    if (handle != -1 && handleOwners.Sole())
-        Platform::CloseFile(handle);
-    handle = -1;
-    handleOwners.Leave();
+void eFileStreamBase::eClosing::Release(int handle) noexcept {
+    Platform::CloseFile(handle);
 }
 
 // --- The buffer ---
@@ -136,24 +120,31 @@ void eFileStreamBase::ReleaseHandle() noexcept {
 // Where there are data, filling the buffer clears what they leave of it.
 void eFileStreamBase::CreateBuffer(unsigned long long capacity, unsigned long long length) {
     ReleaseBuffer();
-    UseBuffer(NewBlock(capacity), capacity, length);
+    UseBlock(NewBlock(capacity), capacity, length);
     if (buffer && length == 0)
         std::memset(buffer, 0, capacity);
     if (capacity > 0 && !buffer)
         Report(FileReport::kSource, FileReport::kNoMemoryLine, StreamReport::kNoMemory);
 }
 
+void eFileStreamBase::UseBlock(unsigned char* block, unsigned long long capacity, unsigned long long length) noexcept {
+    bufferBlock = eShare<eBlockDeletion>(block);
+    UseBuffer(block, capacity, length);
+}
+
+void eFileStreamBase::eBlockDeletion::Release(unsigned char* block) noexcept {
+    ::operator delete(block, kBlockAlignment);
+}
+
 void eFileStreamBase::ReleaseBuffer() noexcept {
-    if (bufferOwners.Sole())
-        DeleteBlock(buffer);
-    bufferOwners.Leave();
+    bufferBlock.Reset();
     const unsigned long long size = bufferSize;
     UseBuffer(nullptr, 0, 0);
     bufferSize = size;
 }
 
 void eFileStreamBase::Detach() {
-    if (!buffer || bufferOwners.Sole())
+    if (!buffer || bufferBlock.Sole())
         return;
     const unsigned long long capacity = Capacity();
     const long long length = Distance(buffer, eos);
@@ -161,8 +152,7 @@ void eFileStreamBase::Detach() {
     unsigned char* const block = NewBlock(capacity);
     if (block)
         std::memcpy(block, buffer, capacity);
-    ReleaseBuffer();
-    UseBuffer(block, capacity, static_cast<unsigned long long>(length));
+    UseBlock(block, capacity, static_cast<unsigned long long>(length));
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
     if (!block)
         Report(FileReport::kSource, FileReport::kNoMemoryLine, StreamReport::kNoMemory);

@@ -38,35 +38,22 @@ eMemoryStream::eMemoryStream(unsigned long long size, unsigned long long growth)
     CreateBuffer(size, 0);
 }
 
-eMemoryStream::eMemoryStream(eMemoryStream&& other) noexcept
-    : eStream(std::move(other)),
-      growBy(std::exchange(other.growBy, 0ull)),
-      owners(std::move(other.owners)),
-      fromHeap(std::exchange(other.fromHeap, false)) {}
-
 eMemoryStream::~eMemoryStream() {
     ReleaseBuffer();
 }
 
 eMemoryStream& eMemoryStream::operator=(const eMemoryStream& other) {
-    if (this != &other) {
-        eShare joined = other.owners;
-        ReleaseBuffer();
-        eStream::operator=(other);
-        growBy = other.growBy;
-        owners = std::move(joined);
-        fromHeap = other.fromHeap;
-    }
-    return *this;
+    return *this = eMemoryStream(other);
 }
 
+// What this stream holds goes back by the hook of its class.
 eMemoryStream& eMemoryStream::operator=(eMemoryStream&& other) noexcept {
     if (this != &other) {
         ReleaseBuffer();
         eStream::operator=(std::move(other));
-        growBy = std::exchange(other.growBy, 0ull);
-        owners = std::move(other.owners);
-        fromHeap = std::exchange(other.fromHeap, false);
+        growBy = other.growBy;
+        bufferBlock = std::move(other.bufferBlock);
+        fromHeap = other.fromHeap;
     }
     return *this;
 }
@@ -94,17 +81,20 @@ unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
 
 void eMemoryStream::UseNewBlock(unsigned char* block, unsigned long long size, unsigned long long length) {
     UseBuffer(block, size, length);
+    bufferBlock = eShare<eFreeing>(block);
     fromHeap = IsOfLibraryClass();
 }
 
+void eMemoryStream::eFreeing::Release(unsigned char* block) noexcept {
+    std::free(block);
+}
+
+// A class with hooks of its own may take the block out of the buffer, which is then its own to release.
 void eMemoryStream::ReleaseBuffer() {
-    if (buffer && owners.Sole()) {
-        if (fromHeap)
-            eMemoryStream::DeallocateBuffer(buffer);
-        else
-            DeallocateBuffer(buffer);
-    }
-    owners.Leave();
+    if (fromHeap && bufferBlock == buffer)
+        bufferBlock.Reset();
+    else if (bufferBlock.Leave() && buffer)
+        DeallocateBuffer(buffer);
     UseBuffer(nullptr, 0, 0);
 }
 
@@ -125,6 +115,7 @@ unsigned char* eMemoryStream::CopiedBlock(unsigned long long size, unsigned long
 unsigned char* eMemoryStream::ExtendedBlock(unsigned long long size, unsigned long long kept) {
     auto* const block = static_cast<unsigned char*>(std::realloc(buffer, size));
     if (block) {
+        bufferBlock.Leave();
         buffer = nullptr;
         std::memset(block + kept, 0, size - kept);
     }
@@ -136,7 +127,7 @@ void eMemoryStream::Grow(unsigned long long size) {
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);
     const auto kept = std::min(static_cast<unsigned long long>(std::max(length, 0ll)), Capacity());
-    const bool extends = buffer && kept > size / 4 && owners.Sole() && fromHeap && IsOfLibraryClass();
+    const bool extends = buffer && kept > size / 4 && bufferBlock.Sole() && fromHeap && IsOfLibraryClass();
     unsigned char* const block = extends ? ExtendedBlock(size, kept) : CopiedBlock(size, kept);
     ReleaseBuffer();
     UseNewBlock(block, size, static_cast<unsigned long long>(length));
