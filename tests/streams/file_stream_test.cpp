@@ -865,3 +865,26 @@ TEST(FileStream, AFileThatShrinksMeanwhileReadsAsZerosAndIsBad) {
     }
     EXPECT_TRUE(reports.errors().empty());
 }
+
+TEST(FileStream, WriteReleasingWritesWhatTheBlockHeld) {
+    const eTempFolder folder;
+    const std::string text = Pattern(5'000'001);
+    for (const std::size_t size : {0u, 1u, 40000u, 5'000'000u, 5'000'001u}) {
+        std::string block = text;
+        eFile file(folder.Name("file"), Mode::Write | Mode::Create);
+        file << 'a';
+        file.WriteReleasing(block.data(), size);
+        file << 'z';
+        file.Close();
+        EXPECT_TRUE(folder.Read("file") == "a" + text.substr(0, size) + "z") << size;
+    }
+}
+
+TEST(FileStream, WriteReleasingOfOtherStreamsLeavesTheBlockAsItIs) {
+    const std::string text = Pattern(5'000'001);
+    std::string block = text;
+    IO::eMemoryStream stream;
+    stream.WriteReleasing(block.data(), block.size());
+    EXPECT_TRUE(Content(stream) == text);
+    EXPECT_TRUE(block == text);
+}

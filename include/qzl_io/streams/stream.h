@@ -118,6 +118,10 @@ public:
     // and one report is made ("Attempt to write beyond the stream!"). n = 0 does nothing. The source may be a part of
     // the stream's own buffer.
     eStream& Write(const void* source, unsigned long long n);
+    // Writes n bytes as Write does, from a block outside the stream that nobody is going to read again: what the block
+    // holds is undefined then. While a file takes the bytes, which the system caches in memory, it gives that memory
+    // back to the system bit by bit. The block itself stays the caller's.
+    eStream& WriteReleasing(void* block, unsigned long long n);
 
     // Moves the position, flushing first if the stream writes. A position beyond the data sets Bad and is reported as
     // "Invalid seek location!"; the end of the data is a legal position. Positions are compared as signed numbers: one

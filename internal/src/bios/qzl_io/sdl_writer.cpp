@@ -14,7 +14,6 @@
 #include <qzl_base/format.h>
 #include <qzl_io/streams/stream_file.h>
 
-#include "platform/memory.h"
 #include "sdl/copy.h"
 
 namespace {
@@ -30,7 +29,6 @@ constexpr unsigned kTabsAtOnce = 8;
 constexpr unsigned long long kTextCapacity = 1024;
 // A larger block is never kept by the heap for the next one, so that it may as well go while it is written out.
 constexpr unsigned long long kKeptByHeap = 32ULL << 20;
-constexpr unsigned long long kReleasedAtOnce = 2ULL << 20;
 // Position of a block that cannot be removed any more: it has gone to the target, or an int cannot hold where it began.
 constexpr int kOutOfReach = INT_MAX;
 
@@ -259,25 +257,18 @@ void eSDLTextStream::Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> ciph
         end = Separate(0);
     if (target && cipher)
         WriteEncoded(*target, *cipher, text.get(), Size());
-    else if (Size() > kKeptByHeap && dynamic_cast<IO::eFileStreamBase*>(target))
+    else if (target && Size() > kKeptByHeap)
         WriteReleasing(*target);
     else if (target)
         target->Write(text.get(), Size());
     Empty();
 }
 
-// The system caches a file in memory: what the file has taken gives its memory to what is still to come. The text is
-// emptied first, for a part of it is gone if the target throws.
+// The text is emptied first, for a part of it is gone if the target throws.
 void eSDLTextStream::WriteReleasing(IO::eStream& target) {
-    const char* const textEnd = end;
+    const unsigned long long size = Size();
     Empty();
-    for (char* piece = end; piece != textEnd;) {
-        const auto size =
-            std::min<unsigned long long>(static_cast<unsigned long long>(textEnd - piece), kReleasedAtOnce);
-        target.Write(piece, size);
-        IO::Platform::ReleasePages(piece, size);
-        piece += size;
-    }
+    target.WriteReleasing(text.get(), size);
 }
 
 void eSDLTextStream::Empty() {

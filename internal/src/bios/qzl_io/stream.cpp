@@ -7,6 +7,7 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 
+#include "platform/memory.h"
 #include "streams/direct.h"
 #include "streams/operation.h"
 #include "streams/reports.h"
@@ -16,6 +17,8 @@ namespace IO {
 using namespace StreamReport;
 
 namespace {
+
+constexpr unsigned long long kReleasedAtOnce = 2ULL << 20;
 
 std::string Decimal(long long value) {
     const auto magnitude = static_cast<unsigned long long>(value);
@@ -354,6 +357,18 @@ bool eStream::WritePieces(eStreamOperation& operation, const unsigned char* sour
         n -= run;
     }
     return true;
+}
+
+eStream& eStream::WriteReleasing(void* block, unsigned long long n) {
+    if (!direct)
+        return Write(block, n);
+    auto* piece = static_cast<unsigned char*>(block);
+    for (unsigned long long size = 0; n > 0; piece += size, n -= size) {
+        size = std::min(n, kReleasedAtOnce);
+        Write(piece, size);
+        Platform::ReleasePages(piece, size);
+    }
+    return *this;
 }
 
 eStream& eStream::CopyTo(eStream& target, unsigned long long n) {

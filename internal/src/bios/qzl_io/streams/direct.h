@@ -4,7 +4,8 @@ namespace IO {
 
 class eStream;
 
-// How bulk operations go past the buffer of a stream. Positions, flushes and contents stay as if they had not.
+// How bulk operations go past the buffer of a stream, over a file that the system caches in memory. Positions, flushes
+// and contents stay as if they had not.
 struct eStreamDirect {
     // True while the stream's flushes and refills are the library's own and its file is open.
     bool (*serves)(const eStream& stream);
