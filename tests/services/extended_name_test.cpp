@@ -15,8 +15,8 @@ struct eRow {
     std::wstring name, current, result;
 };
 
-const std::wstring work = L"C:\\work\\now";
-const std::wstring share = L"\\\\server\\share\\work";
+const std::wstring kWork = L"C:\\work\\now";
+const std::wstring kShare = L"\\\\server\\share\\work";
 
 void PrintTo(const eRow& row, std::ostream* out) {
     *out << testing::PrintToString(row.name) << " in " << testing::PrintToString(row.current);
@@ -24,39 +24,39 @@ void PrintTo(const eRow& row, std::ostream* out) {
 
 TEST(ExtendedName, IsAbsoluteAndResolved) {
     const eRow rows[] = {
-        {L"c:/x", work, L"\\\\?\\c:\\x"},
-        {L"C:\\x\\y", work, L"\\\\?\\C:\\x\\y"},
-        {L"c:/x/", work, L"\\\\?\\c:\\x\\"},
-        {L"c:/", work, L"\\\\?\\c:\\"},
-        {L"c://x///y//", work, L"\\\\?\\c:\\x\\y\\"},
-        {L"c:/./x/../y/.", work, L"\\\\?\\c:\\y"},
-        {L"c:/x/..", work, L"\\\\?\\c:\\"},
-        {L"c:/../../x", work, L"\\\\?\\c:\\x"},
-        {L"x", work, L"\\\\?\\C:\\work\\now\\x"},
+        {L"c:/x", kWork, L"\\\\?\\c:\\x"},
+        {L"C:\\x\\y", kWork, L"\\\\?\\C:\\x\\y"},
+        {L"c:/x/", kWork, L"\\\\?\\c:\\x\\"},
+        {L"c:/", kWork, L"\\\\?\\c:\\"},
+        {L"c://x///y//", kWork, L"\\\\?\\c:\\x\\y\\"},
+        {L"c:/./x/../y/.", kWork, L"\\\\?\\c:\\y"},
+        {L"c:/x/..", kWork, L"\\\\?\\c:\\"},
+        {L"c:/../../x", kWork, L"\\\\?\\c:\\x"},
+        {L"x", kWork, L"\\\\?\\C:\\work\\now\\x"},
         {L"x", L"C:\\", L"\\\\?\\C:\\x"},
-        {L"x/y/", work, L"\\\\?\\C:\\work\\now\\x\\y\\"},
-        {L".", work, L"\\\\?\\C:\\work\\now"},
-        {L"./", work, L"\\\\?\\C:\\work\\now\\"},
-        {L"..", work, L"\\\\?\\C:\\work"},
-        {L"../../..", work, L"\\\\?\\C:\\"},
-        {L"../x", share, L"\\\\?\\UNC\\server\\share\\x"},
-        {L"../../x", share, L"\\\\?\\UNC\\server\\share\\x"},
-        {L"c:x", work, L"\\\\?\\C:\\work\\now\\x"},
-        {L"c:", work, L"\\\\?\\C:\\work\\now"},
+        {L"x/y/", kWork, L"\\\\?\\C:\\work\\now\\x\\y\\"},
+        {L".", kWork, L"\\\\?\\C:\\work\\now"},
+        {L"./", kWork, L"\\\\?\\C:\\work\\now\\"},
+        {L"..", kWork, L"\\\\?\\C:\\work"},
+        {L"../../..", kWork, L"\\\\?\\C:\\"},
+        {L"../x", kShare, L"\\\\?\\UNC\\server\\share\\x"},
+        {L"../../x", kShare, L"\\\\?\\UNC\\server\\share\\x"},
+        {L"c:x", kWork, L"\\\\?\\C:\\work\\now\\x"},
+        {L"c:", kWork, L"\\\\?\\C:\\work\\now"},
         {L"d:x/y", L"D:\\", L"\\\\?\\D:\\x\\y"},
-        {L"/x", work, L"\\\\?\\C:\\x"},
-        {L"/", work, L"\\\\?\\C:\\"},
-        {L"\\x\\", share, L"\\\\?\\UNC\\server\\share\\x\\"},
+        {L"/x", kWork, L"\\\\?\\C:\\x"},
+        {L"/", kWork, L"\\\\?\\C:\\"},
+        {L"\\x\\", kShare, L"\\\\?\\UNC\\server\\share\\x\\"},
         {L"/x", L"\\\\?\\E:\\work", L"\\\\?\\E:\\x"},
         {L"../x", L"\\\\?\\UNC\\server\\share\\work", L"\\\\?\\UNC\\server\\share\\x"},
-        {L"//server/share/x", work, L"\\\\?\\UNC\\server\\share\\x"},
-        {L"//server/share/", work, L"\\\\?\\UNC\\server\\share\\"},
-        {L"//server/share", work, L"\\\\?\\UNC\\server\\share"},
-        {L"//server/share/../../x", work, L"\\\\?\\UNC\\server\\share\\x"},
-        {L"//?/c:/x/../y", work, L"\\\\?\\c:\\y"},
-        {L"//?/UNC/server/share/../x", work, L"\\\\?\\UNC\\server\\share\\x"},
-        {L"//?/Volume{1}/", work, L"\\\\?\\Volume{1}\\"},
-        {L"//./c:/x", work, L"\\\\?\\c:\\x"},
+        {L"//server/share/x", kWork, L"\\\\?\\UNC\\server\\share\\x"},
+        {L"//server/share/", kWork, L"\\\\?\\UNC\\server\\share\\"},
+        {L"//server/share", kWork, L"\\\\?\\UNC\\server\\share"},
+        {L"//server/share/../../x", kWork, L"\\\\?\\UNC\\server\\share\\x"},
+        {L"//?/c:/x/../y", kWork, L"\\\\?\\c:\\y"},
+        {L"//?/UNC/server/share/../x", kWork, L"\\\\?\\UNC\\server\\share\\x"},
+        {L"//?/Volume{1}/", kWork, L"\\\\?\\Volume{1}\\"},
+        {L"//./c:/x", kWork, L"\\\\?\\c:\\x"},
     };
     for (const eRow& row : rows)
         EXPECT_EQ(row.result, ExtendedName(row.name, row.current)) << testing::PrintToString(row);
@@ -64,14 +64,14 @@ TEST(ExtendedName, IsAbsoluteAndResolved) {
 
 TEST(ExtendedName, KeepsWhatThePlainFormLoses) {
     const eRow rows[] = {
-        {L"c:/dot.", work, L"\\\\?\\c:\\dot."},
-        {L"c:/dot./x", work, L"\\\\?\\c:\\dot.\\x"},
-        {L"blank ", work, L"\\\\?\\C:\\work\\now\\blank "},
-        {L"c:/...", work, L"\\\\?\\c:\\..."},
-        {L"c:/.../x", work, L"\\\\?\\c:\\...\\x"},
-        {L"c:/. /x", work, L"\\\\?\\c:\\. \\x"},
-        {L"con", work, L"\\\\?\\C:\\work\\now\\con"},
-        {L"c:/aux.txt", work, L"\\\\?\\c:\\aux.txt"},
+        {L"c:/dot.", kWork, L"\\\\?\\c:\\dot."},
+        {L"c:/dot./x", kWork, L"\\\\?\\c:\\dot.\\x"},
+        {L"blank ", kWork, L"\\\\?\\C:\\work\\now\\blank "},
+        {L"c:/...", kWork, L"\\\\?\\c:\\..."},
+        {L"c:/.../x", kWork, L"\\\\?\\c:\\...\\x"},
+        {L"c:/. /x", kWork, L"\\\\?\\c:\\. \\x"},
+        {L"con", kWork, L"\\\\?\\C:\\work\\now\\con"},
+        {L"c:/aux.txt", kWork, L"\\\\?\\c:\\aux.txt"},
     };
     for (const eRow& row : rows)
         EXPECT_EQ(row.result, ExtendedName(row.name, row.current)) << testing::PrintToString(row);
@@ -79,7 +79,7 @@ TEST(ExtendedName, KeepsWhatThePlainFormLoses) {
 
 TEST(ExtendedName, IsTheNameItselfWhereThereIsNone) {
     for (const std::wstring name : {L"", L"\\\\?\\C:\\a\\..\\b", L"//server", L"//", L"///", L"//?/", L"//./"})
-        EXPECT_EQ(name, ExtendedName(name, work)) << testing::PrintToString(name);
+        EXPECT_EQ(name, ExtendedName(name, kWork)) << testing::PrintToString(name);
     for (const std::wstring current : {L"", L"work"})
         EXPECT_EQ(L"x", ExtendedName(L"x", current)) << testing::PrintToString(current);
 }
@@ -105,14 +105,14 @@ TEST(SystemName, IsTheNameItselfWhereThatWillDo) {
                                     L"//?/c:/x",
                                     L"\\\\?\\C:\\dot.",
                                     L"c:"})
-        EXPECT_EQ(name, SystemName(name, work)) << testing::PrintToString(name);
+        EXPECT_EQ(name, SystemName(name, kWork)) << testing::PrintToString(name);
 }
 
 TEST(SystemName, IsTheExtendedFormWhereAComponentEndsInADotOrABlank) {
     for (const std::wstring name : {L"dot.", L"blank ", L"a./b", L"a /b", L"...", L".../x", L". ", L".. ", L"a. /b",
                                     L"c:/dot.", L"c:dot.", L"/dot.", L"//server/share/dot.", L"con.", L"//?/c:/dot."}) {
-        EXPECT_TRUE(SystemName(name, work).starts_with(L"\\\\?\\")) << testing::PrintToString(name);
-        EXPECT_EQ(ExtendedName(name, work), SystemName(name, work)) << testing::PrintToString(name);
+        EXPECT_TRUE(SystemName(name, kWork).starts_with(L"\\\\?\\")) << testing::PrintToString(name);
+        EXPECT_EQ(ExtendedName(name, kWork), SystemName(name, kWork)) << testing::PrintToString(name);
     }
     EXPECT_EQ(L"\\\\?\\C:\\dot.\\x", SystemName(L"x", L"C:\\dot."));
     EXPECT_EQ(L"c:/x", SystemName(L"c:/x", L"C:\\dot."));
@@ -124,10 +124,10 @@ TEST(SystemName, IsTheExtendedFormWhereTheAbsoluteNameIsTooLong) {
         std::size_t counted;
     };
     const eStart starts[] = {
-        {L"c:/", work, 3},
-        {L"//server/share/", work, 15},
-        {L"", work, work.size() + 1},
-        {L"", share, share.size() + 1},
+        {L"c:/", kWork, 3},
+        {L"//server/share/", kWork, 15},
+        {L"", kWork, kWork.size() + 1},
+        {L"", kShare, kShare.size() + 1},
     };
     for (const eStart& row : starts) {
         const std::wstring longest = row.start + std::wstring(kPlainRoom - row.counted, L'x');
@@ -142,7 +142,7 @@ TEST(SystemName, IsTheExtendedFormWhereTheAbsoluteNameIsTooLong) {
 TEST(SystemPattern, IsThePatternItselfWhereThatWillDo) {
     for (const std::wstring pattern : {L"", L"*.*", L"*.", L"a*. ", L"x/*", L"c:/x/*.", L"c:*.*", L"/*", L"../?", L"x/",
                                        L"x", L"//server/share/*.", L"\\\\?\\C:\\*"})
-        EXPECT_EQ(pattern, SystemPattern(pattern, work)) << testing::PrintToString(pattern);
+        EXPECT_EQ(pattern, SystemPattern(pattern, kWork)) << testing::PrintToString(pattern);
 }
 
 TEST(SystemPattern, HasAnExtendedFolderAndAMaskOfTheSameMeaning) {
@@ -155,7 +155,7 @@ TEST(SystemPattern, HasAnExtendedFolderAndAMaskOfTheSameMeaning) {
         {L"a.*.", L"a.<"}, {L"", L""},      {L"b.", L"b."},         {L"x", L"x"},
     };
     for (const auto& row : masks)
-        EXPECT_EQ(extended + row.result, SystemPattern(folder + row.mask, work)) << testing::PrintToString(row.mask);
+        EXPECT_EQ(extended + row.result, SystemPattern(folder + row.mask, kWork)) << testing::PrintToString(row.mask);
 }
 
 TEST(SystemPattern, IsRelativeToTheCurrentFolder) {
@@ -171,8 +171,8 @@ TEST(SystemPattern, IsRelativeToTheCurrentFolder) {
 
 TEST(SystemPattern, IsTooLongWithItsMask) {
     const std::wstring folder = L"c:/" + std::wstring(kPlainRoom - 6, L'x') + L"/";
-    EXPECT_EQ(folder + L"*x", SystemPattern(folder + L"*x", work));
-    EXPECT_EQ(ExtendedName(folder, work) + L"*xx", SystemPattern(folder + L"*xx", work));
+    EXPECT_EQ(folder + L"*x", SystemPattern(folder + L"*x", kWork));
+    EXPECT_EQ(ExtendedName(folder, kWork) + L"*xx", SystemPattern(folder + L"*xx", kWork));
 }
 
 } // namespace

@@ -22,8 +22,8 @@ namespace {
 constexpr char kError[] = "The system has no file descriptor for a code page!";
 
 // Cyrillic letters in code page 866.
-const std::string narrow = "\x80\x81";
-const std::wstring wide = L"\u0410\u0411";
+const std::string kNarrow = "\x80\x81";
+const std::wstring kWide = L"\u0410\u0411";
 
 // Takes all descriptors that the process may have.
 class eAllDescriptors {
@@ -65,10 +65,10 @@ TEST(CodePages, LoseNothingForGoodWhenDescriptorsRunOut) {
         bool right = true;
         {
             const eAllDescriptors taken;
-            right = StringToWideChar(narrow, 866).empty() && WideCharToString(wide, 866).empty();
+            right = StringToWideChar(kNarrow, 866).empty() && WideCharToString(kWide, 866).empty();
         }
         right = right && reports.errors().size() == 2 && reports.errors()[0].message == kError;
-        right = right && StringToWideChar(narrow, 866) == wide && WideCharToString(wide, 866) == narrow;
+        right = right && StringToWideChar(kNarrow, 866) == kWide && WideCharToString(kWide, 866) == kNarrow;
         _exit(right && reports.errors().size() == 2 ? 0 : 1);
     }
     int status = 0;
@@ -88,10 +88,10 @@ TEST(CodePages, OfTheLibraryItselfNeedNoDescriptor) {
 TEST_F(CodePage, ThatCannotBeOpenedForWantOfMemoryThrowsBadAlloc) {
     for (const int call : {1, 2}) {
         const eFault fault("iconv_open", ENOMEM, call);
-        EXPECT_THROW(StringToWideChar(narrow, 866), std::bad_alloc);
+        EXPECT_THROW(StringToWideChar(kNarrow, 866), std::bad_alloc);
     }
     const eFault fault("iconv_open", ENOMEM);
-    EXPECT_THROW(WideCharToString(wide, 866), std::bad_alloc);
+    EXPECT_THROW(WideCharToString(kWide, 866), std::bad_alloc);
 }
 
 TEST_F(CodePage, ThatCannotBeOpenedForWantOfDescriptorsIsReported) {
@@ -99,7 +99,7 @@ TEST_F(CodePage, ThatCannotBeOpenedForWantOfDescriptorsIsReported) {
     for (const int error : {EMFILE, ENFILE}) {
         for (const char* function : {"iconv_open", "open"}) {
             const eFault fault(function, error);
-            EXPECT_EQ(L"", StringToWideChar(narrow, 866)) << function;
+            EXPECT_EQ(L"", StringToWideChar(kNarrow, 866)) << function;
             EXPECT_TRUE(fault.Struck());
         }
     }

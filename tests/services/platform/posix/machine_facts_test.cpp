@@ -77,10 +77,10 @@ unsigned int AskDiskSerial(std::string* serial) {
 
 namespace System = IO::System;
 
-const std::string namesAskedAtLoad = theMachine.namesAsked;
+const std::string kNamesAskedAtLoad = theMachine.namesAsked;
 
 TEST(MachineFacts, TheAppGroupAsksForTheNarrowNamesInOrderAndOnce) {
-    EXPECT_EQ("", namesAskedAtLoad);
+    EXPECT_EQ("", kNamesAskedAtLoad);
     xCollectors::xGlobal::Init("app");
     EXPECT_EQ("cu", theMachine.namesAsked);
     System::UserName();

@@ -171,7 +171,7 @@ TYPED_TEST(ServiceFault, AStoppedCopyLeavesNothingOfItsOwn) {
 
 namespace {
 
-const eNames outside = {"empty/", "file", "sub/", "sub/empty/"};
+const eNames kOutside = {"empty/", "file", "sub/", "sub/empty/"};
 
 template <class Width>
 class TreeFault : public ServiceFault<Width> {
@@ -196,7 +196,7 @@ protected:
     }
 
     void LookOutside() const {
-        EXPECT_EQ(outside, this->Tree("outside"));
+        EXPECT_EQ(kOutside, this->Tree("outside"));
         EXPECT_EQ("precious", this->Content("outside/file"));
     }
 

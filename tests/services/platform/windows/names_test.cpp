@@ -93,16 +93,16 @@ bool IsInNarrowCodePage(const std::wstring& text) {
     return !replaced;
 }
 
-const std::wstring slashLike = L"..\xFF0F"; // a full-width slash, whose best fit is a slash
-const std::wstring sun = L"\x65E5";
-const std::wstring cAcute = L"\x0107"; // whose best fit is "c"
-const std::wstring eAcute = L"\x00E9";
+const std::wstring kSlashLike = L"..\xFF0F"; // a full-width slash, whose best fit is a slash
+const std::wstring kSun = L"\x65E5";
+const std::wstring kCAcute = L"\x0107"; // whose best fit is "c"
+const std::wstring kEAcute = L"\x00E9";
 
 TYPED_TEST(WindowsNames, DeletionRemovesNamesOutsideTheCodePageAndNothingInTheirStead) {
     this->Make(L"victim.txt", kVictim);
-    this->Make(L"tree/" + slashLike + L"victim.txt", "odd");
-    this->Make(L"tree/sub/" + slashLike + slashLike + L"victim.txt", "odd");
-    this->Make(L"tree/" + sun + L"/" + sun + L".txt", "odd");
+    this->Make(L"tree/" + kSlashLike + L"victim.txt", "odd");
+    this->Make(L"tree/sub/" + kSlashLike + kSlashLike + L"victim.txt", "odd");
+    this->Make(L"tree/" + kSun + L"/" + kSun + L".txt", "odd");
     TypeParam::Delete(this->Below(TypeParam::Of("tree")), true);
     EXPECT_EQ(kVictim, this->Content(L"victim.txt"));
     EXPECT_FALSE(this->Stands(L"tree"));
@@ -110,31 +110,31 @@ TYPED_TEST(WindowsNames, DeletionRemovesNamesOutsideTheCodePageAndNothingInTheir
 
 TYPED_TEST(WindowsNames, CopyingKeepsNamesOutsideTheCodePage) {
     this->Make(L"victim.txt", kVictim);
-    this->Make(L"from/" + slashLike + L"victim.txt", "odd");
-    this->Make(L"from/" + sun + L"/" + sun + L".txt", "sun");
-    this->Make(L"from/" + cAcute, "accent");
+    this->Make(L"from/" + kSlashLike + L"victim.txt", "odd");
+    this->Make(L"from/" + kSun + L"/" + kSun + L".txt", "sun");
+    this->Make(L"from/" + kCAcute, "accent");
     this->Make(L"from/c", "none");
     TypeParam::Copy(this->Below(TypeParam::Of("from")), this->Below(TypeParam::Of("to")));
     EXPECT_EQ(kVictim, this->Content(L"victim.txt"));
-    EXPECT_EQ("odd", this->Content(L"to/" + slashLike + L"victim.txt"));
-    EXPECT_EQ("sun", this->Content(L"to/" + sun + L"/" + sun + L".txt"));
-    EXPECT_EQ("accent", this->Content(L"to/" + cAcute));
+    EXPECT_EQ("odd", this->Content(L"to/" + kSlashLike + L"victim.txt"));
+    EXPECT_EQ("sun", this->Content(L"to/" + kSun + L"/" + kSun + L".txt"));
+    EXPECT_EQ("accent", this->Content(L"to/" + kCAcute));
     EXPECT_EQ("none", this->Content(L"to/c"));
 }
 
 TYPED_TEST(WindowsNames, PurgingStaysInTheTreeWhateverItsNames) {
     this->Make(L"outside/", "");
-    this->Make(L"tree/" + slashLike + L"outside/", "");
-    this->Make(L"tree/sub/" + sun + L"/", "");
-    this->Make(L"tree/" + sun + L"/", "");
-    this->Make(L"tree/" + cAcute + L"/file", "kept");
+    this->Make(L"tree/" + kSlashLike + L"outside/", "");
+    this->Make(L"tree/sub/" + kSun + L"/", "");
+    this->Make(L"tree/" + kSun + L"/", "");
+    this->Make(L"tree/" + kCAcute + L"/file", "kept");
     this->Make(L"tree/c/", "");
     TypeParam::PurgeEmpty(this->Below(TypeParam::Of("tree/")));
     EXPECT_TRUE(this->Stands(L"outside"));
-    EXPECT_FALSE(this->Stands(L"tree/" + slashLike + L"outside"));
+    EXPECT_FALSE(this->Stands(L"tree/" + kSlashLike + L"outside"));
     EXPECT_FALSE(this->Stands(L"tree/sub"));
-    EXPECT_FALSE(this->Stands(L"tree/" + sun));
-    EXPECT_EQ("kept", this->Content(L"tree/" + cAcute + L"/file"));
+    EXPECT_FALSE(this->Stands(L"tree/" + kSun));
+    EXPECT_EQ("kept", this->Content(L"tree/" + kCAcute + L"/file"));
     EXPECT_FALSE(this->Stands(L"tree/c"));
 }
 
@@ -150,7 +150,7 @@ std::map<Text, unsigned long long> Found(const Name& folder, const Text& mask) {
 class NarrowSearch : public WindowsNames<eNarrow> {
 protected:
     void SetUp() override {
-        if (IsInNarrowCodePage(sun) || !IsInNarrowCodePage(eAcute))
+        if (IsInNarrowCodePage(kSun) || !IsInNarrowCodePage(kEAcute))
             GTEST_SKIP() << "the characters of these tests are for another code page";
     }
 
@@ -167,14 +167,14 @@ protected:
 };
 
 TEST_F(NarrowSearch, GivesTheShortNameWhereNoNarrowNameLeadsToTheEntry) {
-    this->Make(L"tree/" + sun + L".txt", "1");
-    this->Make(L"tree/" + slashLike + L"x.txt", "22");
-    this->Make(L"tree/" + cAcute + L".txt", "333");
-    this->Make(L"tree/" + eAcute + L".txt", "4444");
+    this->Make(L"tree/" + kSun + L".txt", "1");
+    this->Make(L"tree/" + kSlashLike + L"x.txt", "22");
+    this->Make(L"tree/" + kCAcute + L".txt", "333");
+    this->Make(L"tree/" + kEAcute + L".txt", "4444");
     this->Make(L"tree/plain", "55555");
     std::map<std::string, unsigned long long> expected = {{"\xE9.txt", 4}, {"plain", 5}};
     unsigned long long size = 0;
-    for (const std::wstring& name : {sun + L".txt", slashLike + L"x.txt", cAcute + L".txt"}) {
+    for (const std::wstring& name : {kSun + L".txt", kSlashLike + L"x.txt", kCAcute + L".txt"}) {
         const std::string shortName = ShortName(L"tree/" + name);
         if (shortName.empty())
             GTEST_SKIP() << "the volume keeps no short names";
@@ -202,27 +202,27 @@ BOOL WINAPI NextWithoutShortName(HANDLE search, LPWIN32_FIND_DATAW found) {
 TEST_F(NarrowSearch, LeavesOutWhatNoNarrowNameLeadsToAndTheWideOneShowsIt) {
     const eReplacedCall first("qzl_io.dll", "FindFirstFileW", &FirstWithoutShortName, &systemsFirst);
     const eReplacedCall next("qzl_io.dll", "FindNextFileW", &NextWithoutShortName, &systemsNext);
-    this->Make(L"tree/" + sun + L".txt", "1");
-    this->Make(L"tree/" + slashLike + L"x.txt", "22");
+    this->Make(L"tree/" + kSun + L".txt", "1");
+    this->Make(L"tree/" + kSlashLike + L"x.txt", "22");
     EXPECT_TRUE(Entries().empty());
     EXPECT_FALSE(IO::eSearch(Below("tree/"), "*.txt").Valid());
-    this->Make(L"tree/" + eAcute + L".txt", "4444");
+    this->Make(L"tree/" + kEAcute + L".txt", "4444");
     EXPECT_EQ((std::map<std::string, unsigned long long>{{"\xE9.txt", 4}}), Entries());
     const auto wide = Found<IO::eSearchW>(eFileNameW(this->temp.NameW(L"root/tree/")), std::wstring(L"*.txt"));
     EXPECT_EQ((std::map<std::wstring, unsigned long long>{
-                  {sun + L".txt", 1}, {slashLike + L"x.txt", 2}, {eAcute + L".txt", 4}}),
+                  {kSun + L".txt", 1}, {kSlashLike + L"x.txt", 2}, {kEAcute + L".txt", 4}}),
               wide);
 }
 
 TEST_F(NarrowSearch, IsNotWhatTreesAreWalkedBy) {
     const eReplacedCall first("qzl_io.dll", "FindFirstFileW", &FirstWithoutShortName, &systemsFirst);
     const eReplacedCall next("qzl_io.dll", "FindNextFileW", &NextWithoutShortName, &systemsNext);
-    this->Make(L"tree/" + sun + L"/" + sun + L"/", "");
-    this->Make(L"from/" + sun + L"/" + sun, "sun");
+    this->Make(L"tree/" + kSun + L"/" + kSun + L"/", "");
+    this->Make(L"from/" + kSun + L"/" + kSun, "sun");
     IO::System::Path::PurgeEmpty(Below("tree/"));
-    EXPECT_FALSE(Stands(L"tree/" + sun));
+    EXPECT_FALSE(Stands(L"tree/" + kSun));
     IO::System::Path::Copy(Below("from"), Below("to"));
-    EXPECT_EQ("sun", Content(L"to/" + sun + L"/" + sun));
+    EXPECT_EQ("sun", Content(L"to/" + kSun + L"/" + kSun));
     IO::System::Path::Delete(Below("to"), true);
     EXPECT_FALSE(Stands(L"to"));
 }
@@ -254,8 +254,8 @@ protected:
 using Utf8Names = NamesOfPage<CP_UTF8>;
 
 TEST_F(Utf8Names, AreFoundAndOpenedByTheirBytes) {
-    this->Make(L"tree/" + sun + L".txt", "1");
-    this->Make(L"tree/" + slashLike + L"x", "22");
+    this->Make(L"tree/" + kSun + L".txt", "1");
+    this->Make(L"tree/" + kSlashLike + L"x", "22");
     EXPECT_EQ((std::map<std::string, unsigned long long>{{"\xE6\x97\xA5.txt", 1}, {"..\xEF\xBC\x8Fx", 2}}),
               Found<IO::eSearch>(Below("tree/"), std::string("*.*")));
     EXPECT_EQ(1u, IO::System::File::Size(Below("tree/\xE6\x97\xA5.txt")));
@@ -290,7 +290,7 @@ TEST_F(Utf8Names, AreNotThoseWithALoneSurrogate) {
 using JapaneseNames = NamesOfPage<932>;
 
 TEST_F(JapaneseNames, AreFoundAndOpenedByTheirBytes) {
-    this->Make(L"tree/" + sun + L".txt", "1");
+    this->Make(L"tree/" + kSun + L".txt", "1");
     this->Make(L"tree/\x30DD", "22"); // its second byte is a vertical bar
     EXPECT_EQ((std::map<std::string, unsigned long long>{{"\x93\xFA.txt", 1}, {"\x83|", 2}}),
               Found<IO::eSearch>(Below("tree/"), std::string("*.*")));
@@ -339,7 +339,7 @@ DWORD WINAPI GiveShortName(LPCWSTR, LPWSTR room, DWORD size) {
 }
 
 TEST(WorkingDirOutsideTheCodePage, HoldsShortNamesOrIsEmpty) {
-    if (IsInNarrowCodePage(sun))
+    if (IsInNarrowCodePage(kSun))
         GTEST_SKIP() << "the characters of this test are for another code page";
     decltype(&::GetModuleFileNameW) systemsName;
     decltype(&::GetShortPathNameW) systemsShortName;
@@ -351,10 +351,10 @@ TEST(WorkingDirOutsideTheCodePage, HoldsShortNamesOrIsEmpty) {
         std::wstring wide;
     } rows[] = {
         {L"C:\\Prog\\tool.exe", L"", "C:/Prog/", L"C:/Prog/"},
-        {L"C:\\" + eAcute + L"\\tool.exe", L"", "C:/\xE9/", L"C:/" + eAcute + L"/"},
-        {L"C:\\" + sun + L"\\tool.exe", L"C:\\B2C4~1\\tool.exe", "C:/B2C4~1/", L"C:/" + sun + L"/"},
-        {L"C:\\" + sun + L"\\tool.exe", L"C:\\" + sun + L"\\tool.exe", "", L"C:/" + sun + L"/"},
-        {L"C:\\" + slashLike + L"x\\tool.exe", L"", "", L"C:/" + slashLike + L"x/"},
+        {L"C:\\" + kEAcute + L"\\tool.exe", L"", "C:/\xE9/", L"C:/" + kEAcute + L"/"},
+        {L"C:\\" + kSun + L"\\tool.exe", L"C:\\B2C4~1\\tool.exe", "C:/B2C4~1/", L"C:/" + kSun + L"/"},
+        {L"C:\\" + kSun + L"\\tool.exe", L"C:\\" + kSun + L"\\tool.exe", "", L"C:/" + kSun + L"/"},
+        {L"C:\\" + kSlashLike + L"x\\tool.exe", L"", "", L"C:/" + kSlashLike + L"x/"},
         {L"C:\\x\\" + std::wstring(600, L't'), L"C:\\x\\T", "", L""},
     };
     for (const auto& row : rows) {
