@@ -6,11 +6,10 @@
 
 namespace IO {
 
-// Owns a thing (a block of memory, a handle, a stream) together with its copies: the last of them that lets go releases
-// it. Nothing is allocated before the first copy is made. Like the streams, it serves one thread at a time, and so do
-// its copies taken together.
+// Owns a thing (a block of memory, a handle, a stream) together with its copies; the last owner releases it. Nothing is
+// allocated before the first copy is made. Like streams, an object and its copies are used by one thread at a time.
 //
-// eRelease names what stands for nothing, kNone, and releases anything else: static void Release(thing).
+// eRelease defines the value for nothing, kNone, and releases any other: static void Release(thing).
 template <class eRelease>
 class eShare {
 public:
@@ -18,11 +17,11 @@ public:
 
     // Owns nothing.
     eShare() noexcept = default;
-    // Owns the thing, alone.
+    // Owns the thing alone.
     explicit eShare(eThing owned) noexcept : thing(owned) {}
-    // Another owner. Throws std::bad_alloc where there is no memory to count them.
+    // Becomes another owner. Throws std::bad_alloc if there is no memory to count the owners.
     eShare(const eShare& other) : owners(other.Joined()), thing(other.thing) {}
-    // The other one owns nothing then.
+    // The other one then owns nothing.
     eShare(eShare&& other) noexcept
         : owners(std::move(other.owners)), thing(std::exchange(other.thing, eRelease::kNone)) {}
     eShare& operator=(eShare other) noexcept {
@@ -35,16 +34,17 @@ public:
     operator const eThing&() const noexcept { return thing; }
     const eThing* operator->() const noexcept { return &thing; }
 
-    // Nobody else owns the thing.
+    // True if there is no other owner.
     bool Sole() const noexcept { return owners.use_count() <= 1; }
 
-    // Lets go. What the release throws finds nothing owned here any more.
+    // Gives up ownership, and releases the thing if this is the last owner. If the release throws, this object already
+    // owns nothing.
     void Reset() {
         const eThing mine = thing;
         if (Leave() && mine != eRelease::kNone)
             eRelease::Release(mine);
     }
-    // Lets go without a release. True for the last owner, whose caller has the thing now.
+    // Gives up ownership without a release. True for the last owner, whose caller then owns the thing.
     bool Leave() noexcept {
         const bool last = Sole();
         owners.reset();
@@ -59,7 +59,7 @@ private:
         return owners;
     }
 
-    mutable std::shared_ptr<const char> owners; // empty while there has been no copy
+    mutable std::shared_ptr<const char> owners; // empty until the first copy
     eThing thing = eRelease::kNone;
 };
 

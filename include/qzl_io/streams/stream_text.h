@@ -12,13 +12,13 @@ QZL_IO_API const char* TextLineSeparator() noexcept;
 QZL_IO_API const wchar_t* TextLineSeparatorW() noexcept;
 
 // Writes plain text, without length prefixes, to a stream that it opened itself or that the caller lends it. Copies
-// write to the same stream; one that was opened here is closed and deleted by the last of them.
+// write to the same stream; the last of them closes and deletes a stream that was opened here.
 class QZL_IO_API eTextStream {
 public:
     // Opens the file as GetStream does; ask Stream().IsOpen().
     eTextStream(const eFileName& name, int mode);
     eTextStream(const eFileNameW& name, int mode);
-    // Borrows a stream, which must outlive this object and is left alive and unflushed.
+    // Borrows a stream, which must outlive this object and is neither deleted nor flushed.
     explicit eTextStream(eStream* stream) noexcept;
     eTextStream(const eTextStream& other) = default;
     // The other text stream is left without a target.
@@ -28,9 +28,9 @@ public:
     eTextStream& operator=(const eTextStream& other) = default;
     eTextStream& operator=(eTextStream&& other) noexcept = default;
 
-    // The target, which there must be.
+    // The target, which must exist.
     eStream& Stream() const noexcept { return *target->stream; }
-    // Of the target; 0 without one.
+    // The position of the target; 0 without one.
     unsigned long long Position() const noexcept;
 
     // Writes the characters up to the terminating NUL. Writes nothing for a null pointer or without a target.
@@ -41,7 +41,7 @@ public:
 
 private:
     struct eTarget {
-        eStream* stream; // null after a move or when there was no memory for it
+        eStream* stream; // null after a move, or if there was no memory for it
         bool opened;     // here, so that it is deleted here
 
         bool operator==(const eTarget&) const = default;

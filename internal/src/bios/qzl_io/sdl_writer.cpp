@@ -27,9 +27,10 @@ constexpr int kInvalidFloatLine = 80;
 
 constexpr unsigned kTabsAtOnce = 8;
 constexpr unsigned long long kTextCapacity = 1024;
-// A larger block is never kept by the heap for the next one, so that it may as well go while it is written out.
+// The heap never keeps a larger block for the next one, so the block may as well be released while it is written.
 constexpr unsigned long long kKeptByHeap = 32ULL << 20;
-// Position of a block that cannot be removed any more: it has gone to the target, or an int cannot hold where it began.
+// The position of a block that cannot be removed any more: it has gone to the target, or an int cannot hold where it
+// began.
 constexpr int kOutOfReach = INT_MAX;
 
 std::string_view View(const char* text) {
@@ -110,7 +111,7 @@ char* eSDLTextStream::MakeRoom(unsigned long long room) {
     return end;
 }
 
-// The separator step. Returns where the item's own bytes go, with room for so many.
+// The separator step. Returns the place for the item's own bytes, with `room` bytes of room.
 inline char* eSDLTextStream::Separate(unsigned long long room) {
     constexpr unsigned long long kLineBreakAndBlank = 3;
     room += kLineBreakAndBlank + kTabsAtOnce + Indentation();
@@ -231,8 +232,8 @@ void eSDLTextStream::CloseBlock() {
     PutStructure('}');
 }
 
-// Takes the marks off the top of the stack. When one of them shows the block to be empty, the text goes back to the
-// block's beginning.
+// Removes the marks from the top of the stack. If one of them shows that the block is empty, the text is cut back to
+// the block's beginning.
 bool eSDLTextStream::RemoveEmptyBlock() {
     bool empty = false;
     while (!positions.empty() && positions.back() < 0) {
@@ -286,7 +287,7 @@ void eSDLWriter::eTargetRelease::operator()(IO::eStream* stream) const {
 
 eSDLWriter::eDocument::eDocument() : text(std::make_unique<eRefusingText>()) {}
 
-// Opened without the Errors bit, so that a failure is not reported, and with it from then on.
+// Opens without the Errors bit, so that a failure is not reported, and sets the bit afterwards.
 template <class eName>
 eSDLWriter::eTarget eSDLWriter::OpenTarget(const eName& path) {
     eTarget target(IO::GetStream(path, IO::StreamMode::Write | IO::StreamMode::Create), eTargetRelease{true});
@@ -346,7 +347,7 @@ void eSDLWriter::Init() {
     document = std::make_shared<eDocument>();
 }
 
-// Copies of a closed document do not follow where this writer goes.
+// Copies of a closed document do not follow this writer to its new one.
 void eSDLWriter::Start(eTarget target) {
     auto started = std::make_shared<eDocument>();
     started->target = std::move(target);
@@ -371,7 +372,7 @@ bool eSDLWriter::Open(const eFileNameW& path) {
     return Opened();
 }
 
-// The document counts as closed from the start: when writing it out throws, nothing is written a second time.
+// The document counts as closed from the start: if writing it throws, nothing is written twice.
 void eSDLWriter::Close() {
     const eDocument closing = std::exchange(*document, eDocument());
     if (closing.target)
@@ -387,7 +388,7 @@ void eSDLWriter::CloseQuietly() {
     try {
         Close();
     } catch (...) {
-        // The exception under way is the one to hear of.
+        // The exception in progress is the one that matters.
     }
     if (borrowed && reports)
         target->Enable(IO::StreamMode::Errors);

@@ -6,12 +6,12 @@
 #include <qzl_io/sdl/writer.h>
 #include <qzl_io/streams.h>
 
-// A text that is taken from a writer bit by bit. It needs no block of its whole size, so that its pieces find room
-// where memory has just been freed; and the C library, which joins small free blocks when a large one is asked for,
-// does so while they are still in the cache.
+// A text taken from a writer in pieces. It needs no block of its whole size, so its pieces fit into memory that has
+// just been freed. And when the C library is asked for a large block, it joins small free ones, which are then still in
+// the cache.
 class eTextPieces {
 public:
-    // Takes what was written since the last time. Throws std::bad_alloc when there is no memory for it.
+    // Takes what has been written since the last call. Throws std::bad_alloc if there is no memory for it.
     void Take(eSDLWriter::eWriteStream* text) {
         IO::eMemoryStream& piece = pieces.emplace_back(0, kRoomStep);
         text->Flush(&piece, nullptr);

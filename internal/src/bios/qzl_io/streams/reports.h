@@ -1,6 +1,6 @@
 #pragma once
 
-// What the stream core reports. The line numbers belong to the checks, not to places in a file.
+// The reports of the stream core. The line numbers identify checks, not places in a file.
 
 namespace IO::StreamReport {
 
@@ -16,12 +16,12 @@ inline constexpr char kNoMemory[] = "Not enough memory!";
 inline constexpr int kPlaceBufferLine = 10;
 inline constexpr int kInvalidReadLine = 20;
 inline constexpr int kInvalidSeekLine = 30;
-inline constexpr int kReadEndLine = 40;     // a bulk read meets the end of the data
-inline constexpr int kReadNothingLine = 41; // data remain by the count, but none can be brought into the buffer
+inline constexpr int kReadEndLine = 40;     // a bulk read reaches the end of the data
+inline constexpr int kReadNothingLine = 41; // data remain by the count, but none can be read into the buffer
 inline constexpr int kWriteNothingLine = 50;
 inline constexpr int kValueReadLine = 60; // a value before the start or without a buffer
 inline constexpr int kValueWriteLine = 61;
 inline constexpr int kTruncLine = 62;   // ending the data before the start
-inline constexpr int kListEndLine = 70; // fewer texts than the list's count says
+inline constexpr int kListEndLine = 70; // fewer texts than the count of the list
 
 } // namespace IO::StreamReport
