@@ -120,17 +120,20 @@ def missed_list(run):
     return element("ul", "".join(items)) if items else element("p", "none")
 
 
+def chart_section(charts):
+    if not charts:
+        return ""
+    return element("h2", "Charts") + element("div", "".join(element("div", each) for each in charts.values()), "charts")
+
+
 def page(run, charts, commit):
     first = next(iter(run.families.values()))
     met, every = run.targets()
     facts = [("begun", first["when"]), ("machine", f"{first['processor']}, {first['processors']} processors"),
              ("build", first["build"]), ("commit", commit), ("targets", f"{met} of {every} met")]
     head = element("dl", "".join(element("dt", name) + element("dd", html.escape(value)) for name, value in facts))
-    drawn = element("div", "".join(element("div", chart) for chart in charts.values()), "charts")
-    if charts:
-        drawn = element("h2", "Charts") + drawn
     return ("<!DOCTYPE html>\n" + '<html lang="en"><head><meta charset="utf-8"><title>qzl_io: speed</title>' +
             '<meta name="viewport" content="width=device-width">' + element("style", STYLE) + "</head><body>" +
-            element("h1", "qzl_io: speed") + head + drawn +
+            element("h1", "qzl_io: speed") + head + chart_section(charts) +
             element("h2", "Targets missed") + missed_list(run) +
             "".join(family_section(family) for family in run.families.values()) + "</body></html>\n")
