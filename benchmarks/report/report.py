@@ -30,7 +30,7 @@ def main():
     parser.add_argument("files", nargs="+", help="what each family's program wrote with --json")
     given = parser.parse_args()
 
-    run = Run(given.files)
+    run = Run(given.files, is_whole=given.docs is not None)
     charts = draw_all(run)
     given.html.write_text(page(run, charts, given.commit))
     if given.docs:

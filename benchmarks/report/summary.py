@@ -67,11 +67,6 @@ def short(name):
     return next((told for pattern, told in SHORT_NAMES if re.fullmatch(pattern, name)), name)
 
 
-def rows_of(run, family, pattern):
-    return [row for work in run.works(family) if re.fullmatch(pattern, work["name"]) for row in work["rows"]
-            if row["ns"]]
-
-
 def ratio(value):
     return f"{value:.2f}" if value >= 0.1 else f"{value:.3f}"
 
@@ -120,18 +115,16 @@ def table(head, lines):
 def beside_others(run):
     lines = []
     for label, family, pattern in BESIDE_OTHERS:
-        rows = rows_of(run, family, pattern)
-        if rows:
-            lines.append((label, ours_cell(rows), peers_cell(rows), limit_cell(rows)))
+        rows = run.rows(family, pattern)
+        lines.append((label, ours_cell(rows), peers_cell(rows), limit_cell(rows)))
     return table(("time for one", "ours", "ours over theirs", "ours over the limit by hand"), lines)
 
 
 def beside_ourselves(run):
     lines = []
     for label, family, pattern in BESIDE_OURSELVES:
-        rows = [row for row in rows_of(run, family, pattern) if row["kind"] == "ours" and row["target"]]
-        if rows:
-            lines.append((label, judged(rows), ratio(rows[0]["target"])))
+        rows = [row for row in run.rows(family, pattern) if row["kind"] == "ours" and row["target"]]
+        lines.append((label, judged(rows), ratio(rows[0]["target"])))
     return table(("time for one", "times as long", "allowed"), lines)
 
 
@@ -142,12 +135,11 @@ def megabytes(value):
 def peaks(run):
     lines = []
     for label, family, pattern in PEAKS:
-        rows = [row for row in rows_of(run, family, pattern) if row["peakAllowed"]]
-        if rows:
-            row = max(rows, key=lambda row: row["peakAllowed"])
-            missed = "" if row["peakMet"] else " **(missed)**"
-            lines.append((f"{label} of {megabytes(row['bytes'])}", megabytes(row["peak"]) + missed,
-                          megabytes(row["peakAllowed"])))
+        allowed = [row for row in run.rows(family, pattern) if row["peakAllowed"]]
+        row = max(allowed, key=lambda row: row["peakAllowed"])
+        missed = "" if row["peakMet"] else " **(missed)**"
+        lines.append((f"{label} of {megabytes(row['bytes'])}", megabytes(row["peak"]) + missed,
+                      megabytes(row["peakAllowed"])))
     return table(("work", "peak memory", "allowed"), lines)
 
 
