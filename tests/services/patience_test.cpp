@@ -7,8 +7,8 @@
 
 namespace {
 
-using IO::System::AnswerTo;
-using IO::System::eAnswer;
+using IO::Platform::AnswerTo;
+using IO::Platform::eAnswer;
 using IO::System::ePatience;
 using std::chrono::milliseconds;
 

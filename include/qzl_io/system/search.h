@@ -1,42 +1,12 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <utility>
 
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 #include <qzl_io/system/file_time.h>
 
 namespace IO {
-
-// What a search knows of its current entry. All zero and empty: no entry.
-template <class Char>
-struct eSearchRecord {
-    static constexpr unsigned int Directory = 0x10;
-    static constexpr unsigned int Link = 0x400; // what leads elsewhere; any other reparse point does not have it
-
-    unsigned int attributes = 0;
-    bool kindPending = false;    // the attributes are still to be asked for
-    bool detailsPending = false; // the size and the time are still to be asked for
-    unsigned long long size = 0;
-    eFileTime modified;
-    std::basic_string<Char> name;
-};
-
-// The system's open listing; shared by the copies of a search and released by the last of them.
-class eSearchHandle;
-
-namespace SearchSteps {
-QZL_IO_API std::shared_ptr<eSearchHandle> First(const char* pattern, eSearchRecord<char>* record);
-QZL_IO_API std::shared_ptr<eSearchHandle> First(const wchar_t* pattern, eSearchRecord<wchar_t>* record);
-QZL_IO_API bool Next(eSearchHandle* handle, eSearchRecord<char>* record);
-QZL_IO_API bool Next(eSearchHandle* handle, eSearchRecord<wchar_t>* record);
-QZL_IO_API void AskKind(eSearchHandle* handle, eSearchRecord<char>* record);
-QZL_IO_API void AskKind(eSearchHandle* handle, eSearchRecord<wchar_t>* record);
-QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<char>* record);
-QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<wchar_t>* record);
-} // namespace SearchSteps
 
 // A cursor over the entries of one folder that match a mask:
 //
@@ -74,99 +44,50 @@ QZL_IO_API void AskDetails(eSearchHandle* handle, eSearchRecord<wchar_t>* record
 // its last owner. A search is used by one thread at a time, and so are its copies taken together. A search that was
 // moved from is not valid and has no entry; it may still be asked, ended, assigned to and begun anew.
 template <class Char, class FileName>
-class eSearchOf {
+class QZL_IO_API eSearchOf {
 public:
-    eSearchOf(const FileName& folder, const FileName& mask) { Begin(folder, mask); }
-    eSearchOf(const eSearchOf& other) : handle(other.handle), record(other.Completed()), valid(other.valid) {}
-    eSearchOf(eSearchOf&& other) noexcept { Take(other); }
-    eSearchOf& operator=(const eSearchOf& other) {
-        record = other.Completed();
-        handle = other.handle;
-        valid = other.valid;
-        return *this;
-    }
-    eSearchOf& operator=(eSearchOf&& other) noexcept {
-        if (this != &other)
-            Take(other);
-        return *this;
-    }
-    ~eSearchOf() = default;
+    eSearchOf(const FileName& folder, const FileName& mask); // begins
+    eSearchOf(const eSearchOf& other);
+    eSearchOf(eSearchOf&& other) noexcept;
+    eSearchOf& operator=(const eSearchOf& other);
+    eSearchOf& operator=(eSearchOf&& other) noexcept;
+    ~eSearchOf();
 
     // Starts anew; what an earlier search held is released.
-    void Begin(const FileName& folder, const FileName& mask) {
-        End();
-        valid = false;
-        Record first;
-        handle = SearchSteps::First(folder.GetAdd(FileName(mask)).c_str(), &first);
-        record = std::move(first);
-        valid = handle != nullptr;
-    }
+    void Begin(const FileName& folder, const FileName& mask);
 
-    // Moves on; Valid tells whether there was another entry. Without one the last entry's record stays.
-    void Next() { valid = SearchSteps::Next(handle.get(), &record); }
+    // Moves on; Valid tells whether there was another entry. Without one the last entry's name and facts stay.
+    void Next();
 
-    // Releases the listing and clears the record, but leaves Valid as it was: end a search after Valid has become
+    // Releases the listing and forgets the entry, but leaves Valid as it was: end a search after Valid has become
     // false, or do not ask it afterwards.
-    void End() {
-        handle.reset();
-        record = {};
-    }
+    void End();
 
     // Whether there is a current entry.
     bool Valid() const { return valid; }
 
-    bool IsFile() const { return valid && (Attributes() & Record::Directory) == 0; }
+    bool IsFile() const;
 
     // True for a folder other than "." and "..".
-    bool IsSubfolder() const { return valid && (Attributes() & Record::Directory) != 0 && !IsDots(); }
+    bool IsSubfolder() const;
 
-    // True for an entry that leads elsewhere: a symbolic link, on Windows any reparse point. It is a file or a
-    // subfolder besides; a walk that goes down into subfolders leaves the tree, or never ends, where it goes down into
-    // links.
-    bool IsLink() const { return valid && (Attributes() & Record::Link) != 0; }
+    // True for an entry that leads elsewhere: a symbolic link, on Windows a junction, too. It is a file or a subfolder
+    // besides; a walk that goes down into subfolders leaves the tree, or never ends, where it goes down into links.
+    bool IsLink() const;
 
     // The entry's name alone; empty without an entry. Valid until the search moves on.
-    const Char* Name() const { return record.name.c_str(); }
+    const Char* Name() const;
 
     // The file's length in bytes.
-    unsigned long long Size() const { return Details().size; }
+    unsigned long long Size() const;
 
     // When the entry was last written to.
-    eFileTime ModifyTime() const { return Details().modified; }
+    eFileTime ModifyTime() const;
 
 private:
-    using Record = eSearchRecord<Char>;
+    class eCursor;
 
-    void Take(eSearchOf& other) noexcept {
-        handle = std::move(other.handle);
-        record = std::exchange(other.record, {});
-        valid = std::exchange(other.valid, false);
-    }
-
-    bool IsDots() const {
-        const auto& name = record.name;
-        return name.size() <= 2 && name.find_first_not_of(Char('.')) == name.npos;
-    }
-
-    unsigned int Attributes() const {
-        if (record.kindPending)
-            SearchSteps::AskKind(handle.get(), &record);
-        return record.attributes;
-    }
-
-    const Record& Details() const {
-        if (record.detailsPending)
-            SearchSteps::AskDetails(handle.get(), &record);
-        return record;
-    }
-
-    const Record& Completed() const {
-        Attributes();
-        return Details();
-    }
-
-    std::shared_ptr<eSearchHandle> handle;
-    mutable Record record;
+    std::unique_ptr<eCursor> cursor; // null: no listing and no entry
     bool valid = false;
 };
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <dirent.h>
@@ -163,22 +164,22 @@ TEST_F(OpenedFolder, IsSearchedCorrectlyWhereTheListingDoesNotTellWhatAnEntryIs)
     fs::create_directory_symlink("folder", temp.Path() / "from/link");
     temp.Write("from/file", "x");
     theListing.untold = true;
-    using eRecord = IO::eSearchRecord<char>;
-    std::map<std::string, unsigned int> attributes;
-    eRecord record;
-    const auto search = IO::Platform::FirstEntry(temp.Name("from/*").c_str(), &record);
-    ASSERT_NE(nullptr, search);
+    using eKind = std::pair<bool, bool>; // a folder, a link
+    std::map<std::string, eKind> kinds;
+    IO::Platform::eListedEntry<char> entry;
+    const auto listing = IO::Platform::FirstEntry(temp.Name("from/*").c_str(), &entry);
+    ASSERT_NE(nullptr, listing);
     do {
-        ASSERT_TRUE(record.kindPending);
-        IO::Platform::CompleteKind(*search, &record);
-        attributes[record.name] = record.attributes;
-    } while (IO::Platform::NextEntry(*search, &record));
-    EXPECT_EQ((std::map<std::string, unsigned int>{{".", eRecord::Directory},
-                                                   {"..", eRecord::Directory},
-                                                   {"file", 0},
-                                                   {"folder", eRecord::Directory},
-                                                   {"link", eRecord::Directory | eRecord::Link}}),
-              attributes);
+        ASSERT_TRUE(entry.kindPending);
+        IO::Platform::CompleteKind(*listing, &entry);
+        kinds[entry.name.c_str()] = {entry.isFolder, entry.isLink};
+    } while (IO::Platform::NextEntry(*listing, &entry));
+    EXPECT_EQ((std::map<std::string, eKind>{{".", {true, false}},
+                                            {"..", {true, false}},
+                                            {"file", {false, false}},
+                                            {"folder", {true, false}},
+                                            {"link", {true, true}}}),
+              kinds);
 }
 
 // Some file systems from elsewhere do not support links.

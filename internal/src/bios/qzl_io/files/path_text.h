@@ -1,10 +1,10 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
+
+#include "platform/pure/extended_name.h"
 
 // What path operations decide from texts alone.
 namespace IO::System {
@@ -90,21 +90,6 @@ bool MakeParts(const std::basic_string<Char>& folder, std::size_t first, MakeFol
             return true;
         at = slash + 1;
     }
-}
-
-// A full name as the system tells it, in its plain form: without the start of an extended one ("\\?\C:\x",
-// "\\?\UNC\server\share\x") and with forward slashes.
-template <class Char>
-std::basic_string<Char> PlainName(std::basic_string<Char> name) {
-    constexpr Char kExtended[] = {Char('\\'), Char('\\'), Char('?'), Char('\\'), Char()};
-    constexpr Char kShare[] = {Char('U'), Char('N'), Char('C'), Char('\\'), Char()};
-    if (name.starts_with(kExtended)) {
-        name.erase(0, std::size(kExtended) - 1);
-        if (name.starts_with(kShare))
-            name.replace(0, std::size(kShare) - 2, 1, Char('\\'));
-    }
-    std::replace(name.begin(), name.end(), Char('\\'), Char('/'));
-    return name;
 }
 
 // The folder of an executable's full name, with forward slashes and a trailing "/". Empty for a name of more than 519

@@ -2,13 +2,11 @@
 
 #include <memory>
 
+#include "platform/pure/answer.h"
+#include "platform/pure/entry_kind.h"
 #include "platform/pure/file_id.h"
 
 namespace IO::Platform {
-
-// What an entry of a folder is to those who walk a tree. A link is what leads elsewhere (a symbolic link, a junction):
-// nobody enters it.
-enum class eEntryKind : unsigned char { File, Folder, Link };
 
 // One entry of a folder's listing. The name is in the system's own form, which only folders opened in the same way
 // understand; it is valid until the folder that listed it moves on or goes.
@@ -16,10 +14,6 @@ struct eEntry {
     eEntryKind kind = eEntryKind::File;
     const void* name = nullptr;
 };
-
-// What a system says to a wish. Busy: not now, but the same may be had a moment later. Full: the folder is not empty,
-// or not yet, for what was removed from it may go a moment later. A system that knows no such moments says neither.
-enum class eAnswer : unsigned char { Done, Refused, Busy, Full };
 
 // Whether a name may be a link to what is meant.
 enum class eNamedLink { Follow, Refuse };

@@ -12,6 +12,7 @@
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entries.h"
 #include "platform/pure/disk_descriptor.h"
+#include "platform/pure/entry_kind.h"
 
 namespace IO::Platform {
 

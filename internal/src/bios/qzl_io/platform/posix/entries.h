@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <vector>
 
 #include <dirent.h>
 
@@ -12,16 +11,22 @@ namespace IO::Platform {
 class eEntryReader {
 public:
     // The next entry, valid until the next call; null at the end, and when the folder can no longer be read.
-    const dirent64* Next(int folder);
+    const dirent64* Next(int folder) {
+        if (position == end && !Fill(folder))
+            return nullptr;
+        const auto* entry = reinterpret_cast<const dirent64*>(buffer.get() + position);
+        position += entry->d_reclen;
+        return entry;
+    }
 
 private:
+    bool Fill(int folder);
+
     static constexpr std::size_t kBufferSize = std::size_t{32} << 10;
 
     std::unique_ptr<std::byte[]> buffer;
     std::size_t position = 0;
     std::size_t end = 0;
 };
-
-bool IsDots(const char* name);
 
 } // namespace IO::Platform

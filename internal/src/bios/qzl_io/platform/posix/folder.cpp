@@ -13,6 +13,7 @@
 #include "platform/posix/entries.h"
 #include "platform/posix/file_copy.h"
 #include "platform/posix/native_name.h"
+#include "platform/pure/entry_kind.h"
 
 namespace IO::Platform {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -189,6 +190,21 @@ inline std::wstring SystemPattern(std::wstring_view pattern, std::wstring_view c
     if (!NameSteps::EndsInSlash(extended))
         extended += NameSteps::kSlashes[0];
     return extended += NameSteps::ExtendedMask(mask);
+}
+
+// A full name as the system tells it, in its plain form: without the start of an extended one ("\\?\C:\x",
+// "\\?\UNC\server\share\x") and with forward slashes.
+template <class Char>
+std::basic_string<Char> PlainName(std::basic_string<Char> name) {
+    constexpr Char kExtended[] = {Char('\\'), Char('\\'), Char('?'), Char('\\'), Char()};
+    constexpr Char kShare[] = {Char('U'), Char('N'), Char('C'), Char('\\'), Char()};
+    if (name.starts_with(kExtended)) {
+        name.erase(0, std::size(kExtended) - 1);
+        if (name.starts_with(kShare))
+            name.replace(0, std::size(kShare) - 2, 1, Char('\\'));
+    }
+    std::replace(name.begin(), name.end(), Char('\\'), Char('/'));
+    return name;
 }
 
 } // namespace IO::System

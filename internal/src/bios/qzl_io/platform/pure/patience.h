@@ -5,36 +5,11 @@
 #include <thread>
 #include <utility>
 
-#include "platform/folder.h"
+#include "platform/pure/answer.h"
 
 namespace IO::System {
 
 using Platform::eAnswer;
-
-// What an error of Windows means to those who ask for a change in a folder. `forGood`: something that lasts explains
-// why access is denied, as the read-only attribute does.
-//
-// | error | the system says   | answer                       | as long as                                       |
-// |-------|-------------------|------------------------------|--------------------------------------------------|
-// | 5     | access denied     | Busy, or Refused for good    | a deletion of that name is not through           |
-// | 32    | sharing violation | Busy                         | a virus scanner or an indexer has the file open  |
-// | 145   | not empty         | Full                         | deletions within are not through                 |
-// | 303   | deletion pending  | Busy                         | the same as for 5                                |
-// | other |                   | Refused                      |                                                  |
-constexpr eAnswer AnswerTo(unsigned long error, bool forGood) {
-    constexpr unsigned long kAccessDenied = 5, kSharingViolation = 32, kNotEmpty = 145, kDeletionPending = 303;
-    switch (error) {
-    case kAccessDenied:
-        return forGood ? eAnswer::Refused : eAnswer::Busy;
-    case kSharingViolation:
-    case kDeletionPending:
-        return eAnswer::Busy;
-    case kNotEmpty:
-        return eAnswer::Full;
-    default:
-        return eAnswer::Refused;
-    }
-}
 
 // Asks again for what a system refuses for a moment, with pauses that grow. An entry is waited for less than a quarter
 // of a second. What was waited for in vain is added up: after a second of that no entry is waited for any more, so

@@ -6,8 +6,8 @@
 
 #include <windows.h>
 
-#include "platform/pure/listed_kind.h"
-#include "platform/pure/patience.h"
+#include "platform/pure/answer.h"
+#include "platform/pure/entry_kind.h"
 #include "platform/windows/file_numbers.h"
 #include "platform/windows/native_name.h"
 #include "platform/windows/owned_handle.h"
@@ -52,12 +52,12 @@ eAnswer Told(BOOL done, const std::wstring& name, DWORD denying) {
     if (done)
         return eAnswer::Done;
     const DWORD error = ::GetLastError();
-    return System::AnswerTo(error, error == ERROR_ACCESS_DENIED && Has(name, denying));
+    return AnswerTo(error, error == ERROR_ACCESS_DENIED && Has(name, denying));
 }
 
 // "." and "..", and what would lead out of the folder that lists it, whoever keeps that.
-bool LeadsAway(std::wstring_view name) {
-    return name == L"." || name == L".." || name.find_first_of(L"\\/") != name.npos;
+bool LeadsAway(const wchar_t* name) {
+    return IsDots(name) || std::wstring_view(name).find_first_of(L"\\/") != std::wstring_view::npos;
 }
 
 // A root has its slash already.

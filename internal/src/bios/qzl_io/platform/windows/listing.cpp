@@ -1,81 +1,81 @@
 #include "platform/listing.h"
 
+#include <utility>
+
 #include <windows.h>
 
-#include "platform/pure/listed_kind.h"
+#include "platform/pure/entry_kind.h"
 #include "platform/unattended.h"
 #include "platform/windows/native_name.h"
 #include "platform/windows/owned_handle.h"
 
-namespace IO {
+namespace IO::Platform {
 
-class eSearchHandle {
+class eListing {
 public:
-    explicit eSearchHandle(Platform::eFindHandle opened) : find(std::move(opened)) {}
+    explicit eListing(eFindHandle opened) : find(std::move(opened)) {}
 
     bool IsOpen() const { return find.IsOpen(); }
     HANDLE Get() const { return find.Get(); }
 
 private:
-    Platform::eFindHandle find;
+    eFindHandle find;
 };
-
-namespace Platform {
 
 namespace {
 
+constexpr unsigned long long Joined(DWORD high, DWORD low) {
+    return static_cast<unsigned long long>(high) << 32 | low;
+}
+
 // False for an entry without a name of this width.
 template <class Char>
-bool Fill(const WIN32_FIND_DATAW& data, eSearchRecord<Char>* record) {
-    if (!ListedName(data, &record->name))
+bool Fill(const WIN32_FIND_DATAW& data, eListedEntry<Char>* entry) {
+    if (!ListedName(data, &entry->name))
         return false;
-    const bool isLink = IsListedLink(data.dwFileAttributes, data.dwReserved0);
-    record->attributes =
-        (data.dwFileAttributes & ~eSearchRecord<Char>::Link) | (isLink ? eSearchRecord<Char>::Link : 0);
-    record->size = static_cast<unsigned long long>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
-    record->modified.dwLowDateTime = data.ftLastWriteTime.dwLowDateTime;
-    record->modified.dwHighDateTime = data.ftLastWriteTime.dwHighDateTime;
+    entry->isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    entry->isLink = IsListedLink(data.dwFileAttributes, data.dwReserved0);
+    entry->size = Joined(data.nFileSizeHigh, data.nFileSizeLow);
+    entry->modified = Joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime);
     return true;
 }
 
 } // namespace
 
 template <class Char>
-std::shared_ptr<eSearchHandle> FirstEntry(const Char* pattern, eSearchRecord<Char>* record) {
+std::shared_ptr<eListing> FirstEntry(const Char* pattern, eListedEntry<Char>* entry) {
     const eUnattended unattended;
     WIN32_FIND_DATAW data;
-    const auto handle =
-        std::make_shared<eSearchHandle>(eFindHandle(::FindFirstFileW(eNativePattern(pattern).c_str(), &data)));
-    const bool found = handle->IsOpen() && (Fill(data, record) || NextEntry(*handle, record));
-    return found ? handle : nullptr;
+    const auto listing =
+        std::make_shared<eListing>(eFindHandle(::FindFirstFileW(eNativePattern(pattern).c_str(), &data)));
+    const bool found = listing->IsOpen() && (Fill(data, entry) || NextEntry(*listing, entry));
+    return found ? listing : nullptr;
 }
 
 template <class Char>
-bool NextEntry(eSearchHandle& handle, eSearchRecord<Char>* record) {
+bool NextEntry(eListing& listing, eListedEntry<Char>* entry) {
     const eUnattended unattended;
     WIN32_FIND_DATAW data;
-    while (::FindNextFileW(handle.Get(), &data))
-        if (Fill(data, record))
+    while (::FindNextFileW(listing.Get(), &data))
+        if (Fill(data, entry))
             return true;
     return false;
 }
 
 // The listing tells everything at once: nothing is ever pending.
 template <class Char>
-void CompleteKind(eSearchHandle&, eSearchRecord<Char>*) {}
+void CompleteKind(eListing&, eListedEntry<Char>*) {}
 
 template <class Char>
-void CompleteDetails(eSearchHandle&, eSearchRecord<Char>*) {}
+void CompleteDetails(eListing&, eListedEntry<Char>*) {}
 
-template std::shared_ptr<eSearchHandle> FirstEntry(const char*, eSearchRecord<char>*);
-template std::shared_ptr<eSearchHandle> FirstEntry(const wchar_t*, eSearchRecord<wchar_t>*);
-template bool NextEntry(eSearchHandle&, eSearchRecord<char>*);
-template bool NextEntry(eSearchHandle&, eSearchRecord<wchar_t>*);
-template void CompleteKind(eSearchHandle&, eSearchRecord<char>*);
-template void CompleteKind(eSearchHandle&, eSearchRecord<wchar_t>*);
-template void CompleteDetails(eSearchHandle&, eSearchRecord<char>*);
-template void CompleteDetails(eSearchHandle&, eSearchRecord<wchar_t>*);
+template std::shared_ptr<eListing> FirstEntry(const char*, eListedEntry<char>*);
+template std::shared_ptr<eListing> FirstEntry(const wchar_t*, eListedEntry<wchar_t>*);
+template bool NextEntry(eListing&, eListedEntry<char>*);
+template bool NextEntry(eListing&, eListedEntry<wchar_t>*);
+template void CompleteKind(eListing&, eListedEntry<char>*);
+template void CompleteKind(eListing&, eListedEntry<wchar_t>*);
+template void CompleteDetails(eListing&, eListedEntry<char>*);
+template void CompleteDetails(eListing&, eListedEntry<wchar_t>*);
 
-} // namespace Platform
-
-} // namespace IO
+} // namespace IO::Platform

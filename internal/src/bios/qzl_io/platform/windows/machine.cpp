@@ -6,7 +6,7 @@
 
 #include <windows.h>
 
-#include "files/path_text.h"
+#include "platform/pure/extended_name.h"
 #include "platform/windows/native_name.h"
 
 namespace IO::Platform {

@@ -1,4 +1,4 @@
-#include "platform/pure/listed_kind.h"
+#include "platform/pure/entry_kind.h"
 
 #include <string>
 
@@ -6,9 +6,9 @@
 
 namespace {
 
-using IO::IsListedLink;
-using IO::ListedKind;
 using IO::Platform::eEntryKind;
+using IO::Platform::IsListedLink;
+using IO::Platform::ListedKind;
 
 constexpr unsigned long kReadOnly = 0x1, kDirectory = 0x10, kArchive = 0x20, kReparsePoint = 0x400;
 

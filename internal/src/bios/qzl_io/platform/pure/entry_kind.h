@@ -1,0 +1,33 @@
+#pragma once
+
+// What a listed entry is.
+namespace IO::Platform {
+
+// What an entry of a folder is to those who walk a tree. A link is what leads elsewhere (a symbolic link, a junction):
+// nobody enters it.
+enum class eEntryKind : unsigned char { File, Folder, Link };
+
+// Whether the name stands for the folder that lists it, or for the one above.
+template <class Char>
+constexpr bool IsDots(const Char* name) {
+    return name[0] == Char('.') && (name[1] == 0 || (name[1] == Char('.') && name[2] == 0));
+}
+
+// The rest: what the attributes of an entry and the tag of its reparse point, as Windows lists them, say of it.
+
+// A link is a reparse point whose tag says that it stands for another name (a symbolic link, a junction). Any other is
+// the file or folder that it looks like, kept in a special way: in the cloud, deduplicated, compressed, in a layer.
+// One whose tag is not told (0) is taken for a link, so that nothing leads out of a tree.
+constexpr bool IsListedLink(unsigned long attributes, unsigned long tag) {
+    constexpr unsigned long kReparsePoint = 0x400, kNameSurrogate = 0x20000000;
+    return (attributes & kReparsePoint) != 0 && (tag == 0 || (tag & kNameSurrogate) != 0);
+}
+
+constexpr eEntryKind ListedKind(unsigned long attributes, unsigned long tag) {
+    constexpr unsigned long kDirectory = 0x10;
+    if (IsListedLink(attributes, tag))
+        return eEntryKind::Link;
+    return (attributes & kDirectory) != 0 ? eEntryKind::Folder : eEntryKind::File;
+}
+
+} // namespace IO::Platform
