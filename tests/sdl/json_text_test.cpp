@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "qzl_base/shared/unicode.h"
+
 namespace {
 
 struct eTextCase {
@@ -56,10 +58,10 @@ std::string RandomText(std::mt19937* random) {
 
 bool IsUtf8BySequences(std::string_view text) {
     while (!text.empty()) {
-        const std::size_t size = json_text::Utf8SequenceSize(text);
-        if (size == 0)
+        const unicode::eCharacter first = unicode::FirstOf(text);
+        if (!first.wellFormed)
             return false;
-        text.remove_prefix(size);
+        text.remove_prefix(first.units);
     }
     return true;
 }

@@ -6,7 +6,8 @@
 #include <qzl_base/error.h>
 
 #include "platform/code_page.h"
-#include "unicode.h"
+#include "qzl_base/shared/unicode.h"
+#include "utf8.h"
 #include "windows_1252.h"
 
 namespace {
@@ -63,9 +64,9 @@ std::wstring WidenAscii(std::string_view text) {
 std::string NarrowAscii(std::wstring_view text) {
     std::string narrow;
     while (!text.empty()) {
-        const auto [code, units] = unicode::FirstOf(text);
-        narrow += code < 0x80 ? static_cast<char>(code) : '?';
-        text.remove_prefix(units);
+        const unicode::eCharacter first = unicode::FirstOf(text);
+        narrow += first.code < 0x80 ? static_cast<char>(first.code) : '?';
+        text.remove_prefix(first.units);
     }
     return narrow;
 }
@@ -103,7 +104,7 @@ std::string NarrowBySystem(std::wstring_view text, int codePage) {
 std::wstring StringToWideChar(const std::string& text, int codePage) {
     switch (codePage) {
     case kUtf8:
-        return unicode::Widen(text);
+        return utf8::Widen(text);
     case kWindows1252:
         return windows_1252::Widen(text);
     default:
@@ -114,7 +115,7 @@ std::wstring StringToWideChar(const std::string& text, int codePage) {
 std::string WideCharToString(const std::wstring& text, int codePage) {
     switch (codePage) {
     case kUtf8:
-        return unicode::Narrow(text);
+        return utf8::Narrow(text);
     case kWindows1252:
         return windows_1252::Narrow(text);
     default:
@@ -123,9 +124,9 @@ std::string WideCharToString(const std::wstring& text, int codePage) {
 }
 
 std::wstring ToStringW(const std::string& text) {
-    return unicode::Widen(text);
+    return utf8::Widen(text);
 }
 
 std::string ToString(const std::wstring& text) {
-    return unicode::Narrow(text);
+    return utf8::Narrow(text);
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "unicode.h"
+#include "qzl_base/shared/unicode.h"
 
 namespace windows_1252 {
 
@@ -39,9 +39,9 @@ std::string Narrow(std::wstring_view text) {
     std::string narrow;
     narrow.reserve(text.size());
     while (!text.empty()) {
-        const auto [code, units] = unicode::FirstOf(text);
-        narrow += ByteOf(code);
-        text.remove_prefix(units);
+        const unicode::eCharacter first = unicode::FirstOf(text);
+        narrow += ByteOf(first.code);
+        text.remove_prefix(first.units);
     }
     return narrow;
 }

@@ -8,6 +8,8 @@
 
 #include <qzl_base/convert.h>
 
+#include "qzl_base/shared/unicode.h"
+
 namespace {
 
 // The parser's setting is one for the process: it is put back as soon as a text is parsed, and parsing takes turns.
@@ -31,9 +33,8 @@ private:
 };
 
 void DropByteOrderMark(std::string* text) {
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
-    if (std::string_view(*text).starts_with(kMark))
-        text->erase(0, kMark.size());
+    if (text->starts_with(unicode::kByteOrderMark))
+        text->erase(0, unicode::kByteOrderMark.size());
 }
 
 // The text as the parser takes it; its part from `unknownFrom` on may be ill-formed.

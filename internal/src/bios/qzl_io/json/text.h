@@ -4,32 +4,12 @@
 #include <emmintrin.h>
 #include <string_view>
 
+#include "qzl_base/shared/ascii.h"
+#include "qzl_base/shared/unicode.h"
+
 // What must be known of a JSON text before it is given to a parser.
 
 namespace json_text {
-
-// Number of bytes of the well-formed UTF-8 sequence that `text` begins with, 0 when it begins with none.
-constexpr std::size_t Utf8SequenceSize(std::string_view text) {
-    const auto byte = [text](std::size_t index) {
-        return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
-    };
-    const auto follows = [byte](std::size_t index) { return (byte(index) & 0xC0U) == 0x80U; };
-    const unsigned first = byte(0);
-    const unsigned second = byte(1);
-    if (first < 0x80)
-        return 1;
-    if (first < 0xC2 || first > 0xF4 || !follows(1))
-        return 0;
-    if (first < 0xE0)
-        return 2;
-    const bool overlong = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
-    const bool noCharacter = (first == 0xED && second > 0x9F) || (first == 0xF4 && second > 0x8F);
-    if (overlong || noCharacter || !follows(2))
-        return 0;
-    if (first < 0xF0)
-        return 3;
-    return follows(3) ? 4 : 0;
-}
 
 // Number of leading bytes, in whole blocks of 16, before the first that `isStop` finds in one.
 template <class eTest>
@@ -56,55 +36,44 @@ inline bool IsUtf8(std::string_view text) {
     while (!text.empty()) {
         text.remove_prefix(AsciiBlocks(text));
         for (std::size_t sequences = 0; sequences < sizeof(__m128i) && !text.empty(); ++sequences) {
-            const std::size_t size = Utf8SequenceSize(text);
-            if (size == 0)
+            const unicode::eCharacter first = unicode::FirstOf(text);
+            if (!first.wellFormed)
                 return false;
-            text.remove_prefix(size);
+            text.remove_prefix(first.units);
         }
     }
     return true;
 }
 
-// The code unit of the escape "\uHHHH" that `text` begins with, -1 when it begins with none.
-constexpr int EscapedUnit(std::string_view text) {
-    constexpr std::size_t kEscapeSize = 6;
+inline constexpr std::size_t kEscapeSize = 6;
+inline constexpr char32_t kNoUnit = ~char32_t{0};
+
+// The code unit of the escape "\uHHHH" that `text` begins with, kNoUnit when it begins with none.
+constexpr char32_t EscapedUnit(std::string_view text) {
     if (text.size() < kEscapeSize || text[0] != '\\' || text[1] != 'u')
-        return -1;
-    int unit = 0;
+        return kNoUnit;
+    char32_t unit = 0;
     for (const char letter : text.substr(2, kEscapeSize - 2)) {
-        if (letter >= '0' && letter <= '9')
-            unit = unit * 16 + (letter - '0');
-        else if (letter >= 'a' && letter <= 'f')
-            unit = unit * 16 + (letter - 'a' + 10);
-        else if (letter >= 'A' && letter <= 'F')
-            unit = unit * 16 + (letter - 'A' + 10);
-        else
-            return -1;
+        const int digit = ascii::HexDigit(letter);
+        if (digit < 0)
+            return kNoUnit;
+        unit = unit << 4 | static_cast<char32_t>(digit);
     }
     return unit;
 }
 
-constexpr bool IsHighSurrogate(int unit) {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-
-constexpr bool IsLowSurrogate(int unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
 // True when one half of a surrogate pair is escaped and the other half is not, right before or behind it.
 constexpr bool HasLoneSurrogate(std::string_view text) {
-    constexpr std::size_t kEscapeSize = 6;
     for (std::size_t at = text.find('\\'); at != std::string_view::npos; at = text.find('\\', at)) {
-        const int unit = EscapedUnit(text.substr(at));
-        if (IsLowSurrogate(unit))
+        const char32_t unit = EscapedUnit(text.substr(at));
+        if (unicode::IsLowSurrogate(unit))
             return true;
-        if (IsHighSurrogate(unit)) {
+        if (unicode::IsHighSurrogate(unit)) {
             at += kEscapeSize;
-            if (!IsLowSurrogate(EscapedUnit(text.substr(at))))
+            if (!unicode::IsLowSurrogate(EscapedUnit(text.substr(at))))
                 return true;
         }
-        at += unit < 0 ? 2 : kEscapeSize;
+        at += unit == kNoUnit ? 2 : kEscapeSize;
         if (at >= text.size())
             return false;
     }

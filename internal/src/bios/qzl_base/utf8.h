@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Whole texts in UTF-8 and in wchar_t; each ill-formed part becomes one U+FFFD.
+namespace utf8 {
+
+std::wstring Widen(std::string_view text);
+std::string Narrow(std::wstring_view text);
+
+} // namespace utf8
