@@ -4,6 +4,7 @@
 #include <string_view>
 
 // Whole texts in UTF-8 and in wchar_t; each ill-formed part becomes one U+FFFD.
+
 namespace utf8 {
 
 std::wstring Widen(std::string_view text);

@@ -4,6 +4,7 @@
 #include <string_view>
 
 // Unicode characters and the units that they are written in: bytes of UTF-8, surrogate pairs of UTF-16.
+
 namespace unicode {
 
 inline constexpr char32_t kReplacement = 0xfffd; // stands for what is ill-formed

@@ -27,10 +27,12 @@ std::string EffectiveUser() {
     passwd record{};
     passwd* found = nullptr;
     int failure = ERANGE;
-    while (failure == EINTR || (failure == ERANGE && room.size() <= kMostBytes)) {
-        if (failure == ERANGE)
-            room.resize(room.size() * 2);
-        failure = ::getpwuid_r(::geteuid(), &record, room.data(), room.size(), &found);
+    while (failure == ERANGE && room.size() <= kMostBytes) {
+        room.resize(room.size() * 2);
+        Uninterrupted([&] {
+            errno = failure = ::getpwuid_r(::geteuid(), &record, room.data(), room.size(), &found);
+            return failure == 0 ? 0 : -1;
+        });
     }
     return failure == 0 && found && found->pw_name ? std::string(found->pw_name) : std::string();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 // What a listed entry is.
+
 namespace IO::Platform {
 
 // What an entry of a folder is to those who walk a tree. A link is what leads elsewhere (a symbolic link, a junction):
