@@ -29,7 +29,7 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// By the standard conversion; nothing for a text that is not wholly a number of the type, or is outside its range.
+// The value by the standard conversion; empty if the text is not entirely a number of the type, or is out of its range.
 template <class T>
 std::optional<T> Number(const std::string& text) {
     T value{};

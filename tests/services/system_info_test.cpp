@@ -72,7 +72,7 @@ TEST(SystemInfo, ProductIdFillsItsWholeBufferWhereThereIsOne) {
     EXPECT_GE(ProductIdW().size(), std::strlen(id.c_str()));
 }
 
-// A disk may tell an empty one.
+// A disk may have an empty serial number.
 TEST(SystemInfo, ASerialNumberIsToldOrAWarningSaysWhyAtEachCall) {
     eReports reports;
     const auto& warnings = reports.warnings();

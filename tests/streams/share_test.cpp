@@ -16,7 +16,7 @@
 
 namespace {
 
-std::vector<int> released; // in their order
+std::vector<int> released; // in the order of their release
 
 struct eNoting {
     static constexpr int kNone = -1;
@@ -36,7 +36,7 @@ protected:
     Share() { released.clear(); }
 };
 
-// Grows by hand: takes the block out of the buffer, has another one made and gives the first back.
+// Grows by itself: takes the block out of the buffer, has another one made and returns the first.
 class eTakingOut : public eMemory {
 public:
     eTakingOut() : eMemory(0, 8) { CreateBuffer(8, 0); }
