@@ -20,7 +20,7 @@ constexpr double kMebibyte = 1048576;
 constexpr double kGrowthAllowed = 1.5;
 
 constexpr const char* kReadingWork = "reading a file value by value, 9 values a record";
-constexpr const char* kWritingWork = "writing a file, the records made up on the way";
+constexpr const char* kWritingWork = "writing a file, with its records generated meanwhile";
 constexpr const char* kConvertingWork = "converting JSON, file to file";
 
 constexpr unsigned kBytesOfRecord = 112;

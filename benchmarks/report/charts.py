@@ -170,7 +170,7 @@ def growth(run):
 def draw_growth_over_size(axes, run):
     works = [
         ("reading", OURS, "memory", "reading a file value by value, 9 values a record"),
-        ("writing", FIRST, "memory", "writing a file, the records made up on the way"),
+        ("writing", FIRST, "memory", "writing a file, with its records generated meanwhile"),
         ("converting JSON", SECOND, "memory", "converting JSON, file to file"),
     ]
     sizes = {1}

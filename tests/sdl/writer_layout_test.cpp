@@ -57,13 +57,13 @@ const eLayoutCase layoutCases[] = {
     {"several line ends are one", [](eSDLWriter& w) { w << 1 << endl
                                                         << endl
                                                         << 2; }, "1\r\n2"},
-    {"no line break before the first item but the one asked for", [](eSDLWriter& w) { w << endl
-                                                                                        << 1; }, "\r\n1"},
+    {"no line break before the first item except a requested one", [](eSDLWriter& w) { w << endl
+                                                                                         << 1; }, "\r\n1"},
     {"block on one line", [](eSDLWriter& w) { w << block{10} << 1 << endb; }, "{item 1}"},
     {"empty block", [](eSDLWriter& w) { w << opening << endb; }, "{}"},
-    {"item right behind the brace", [](eSDLWriter& w) { w << opening << 7 << endb; }, "{7}"},
-    {"block behind a value", [](eSDLWriter& w) { w << 1 << opening << 2 << endb; }, "1 {2}"},
-    {"value behind a block", [](eSDLWriter& w) { w << opening << endb << 2; }, "{}2"},
+    {"item directly after the brace", [](eSDLWriter& w) { w << opening << 7 << endb; }, "{7}"},
+    {"block after a value", [](eSDLWriter& w) { w << 1 << opening << 2 << endb; }, "1 {2}"},
+    {"value after a block", [](eSDLWriter& w) { w << opening << endb << 2; }, "{}2"},
     {"keyword bare", [](eSDLWriter& w) { w << 1 << keyword{11} << 2; }, "1 size 2"},
     {"control block closes after a blank", [](eSDLWriter& w) { w << opened << ident{"add"} << 1 << closed; },
      "(add 1 )"},

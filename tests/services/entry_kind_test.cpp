@@ -43,7 +43,7 @@ TEST(ListedKind, GoesByTheReparseTag) {
              eRow{"archive on tape, second kind", 0x80000006, false},
              eRow{"single instance", 0x80000007, false},
              eRow{"distributed", 0x8000000A, false},
-             eRow{"a tag that is not told", 0, true},
+             eRow{"an unknown tag", 0, true},
          }) {
         for (const unsigned long other : {0ul, kReadOnly, kArchive, kReadOnly | kArchive | 0x1000ul}) {
             const unsigned long file = kReparsePoint | other, folder = file | kDirectory;

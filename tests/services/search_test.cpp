@@ -111,7 +111,7 @@ TYPED_TEST(SearchServices, MasksChooseAmongRealNames) {
 
 TYPED_TEST(SearchServices, DotsAndBlanksAtAMasksEndCountForNothing) {
     if (IsUnderWine())
-        GTEST_SKIP() << "Wine compares names with masks in a way of its own";
+        GTEST_SKIP() << "Wine compares names with masks by its own rules";
     for (const char* name : {"a", "ab", "a.txt", "ab.c"})
         this->MakeFile(std::string("folder/") + name);
     EXPECT_EQ(this->Texts({"a", "ab"}), this->FoundIn("folder", "a?."));

@@ -123,7 +123,7 @@ public:
         if (IsBusy(found))
             return eAnswer::Busy;
         if (link == eNamedLink::Follow)
-            return Told(found->content != "folder" && CopyNode(target, entry, File("behind " + found->content)));
+            return Told(found->content != "folder" && CopyNode(target, entry, File("target of " + found->content)));
         return Told(CopyNode(target, entry, std::make_shared<eNode>(*found)));
     }
     eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
@@ -337,7 +337,7 @@ TEST_F(Tree, OfFileLinksThatCannotBeMadeAgainTheContentIsCopied) {
     auto to = Folder();
     watch.linksRefused = true;
     Copy(from, to);
-    EXPECT_EQ((eShown{"a=behind file", "c/", "c/d=behind file"}), Shown(to));
+    EXPECT_EQ((eShown{"a=target of file", "c/", "c/d=target of file"}), Shown(to));
 }
 
 // --- Temporary refusals ---

@@ -182,7 +182,7 @@ TEST(FileStream, AnOpenErrorThatThrowsLeavesTheStreamFailed) {
     EXPECT_FALSE(stream.IsOpen());
     EXPECT_EQ(reports.errors()[0].message, folder.Name("missing") + " - open error!");
     EXPECT_THROW(delete IO::GetStream(eFileName(folder.Name("missing")), 0x0201), xError::eException);
-    EXPECT_NE(reports.errors()[0].line, reports.errors()[1].line) << "each check has a line of its own";
+    EXPECT_NE(reports.errors()[0].line, reports.errors()[1].line) << "each check has its own line";
 }
 
 TEST(FileStream, TheBufferHas32768BytesOrAShortReadOnlyFilesLength) {

@@ -56,7 +56,7 @@ void ExpectStepsOfABulkWrite(IO::eMemoryStream& stream) {
     EXPECT_EQ(room(), "MemoryStream(off:0, ptr:1000000, end:8192, eos:3004, buff:8192)");
     stream.Write("lost", 4);
     EXPECT_EQ(room(), "MemoryStream(off:0, ptr:1000000, end:16384, eos:3004, buff:16384)")
-        << "a position far behind the buffer asks for one step";
+        << "a position far beyond the buffer asks for one step";
 }
 
 } // namespace

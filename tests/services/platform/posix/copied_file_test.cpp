@@ -108,7 +108,7 @@ TEST_F(CopiedFile, IsWrittenInPlaceWhereTheTargetMayBeWrittenButNotReplaced) {
         mode_t folder, file;
     };
     for (const eRow& row : {eRow{"the folder takes no new file", 0555, 0666}, eRow{"the owner is another", 0777, 0666},
-                            eRow{"nobody may remove what is another's", 01777, 0666}}) {
+                            eRow{"the sticky bit protects files of others", 01777, 0666}}) {
         SCOPED_TRACE(row.promise);
         MakeFile("folder/from", "new");
         MakeFile("folder/to", "something older");
@@ -155,8 +155,7 @@ TEST_F(CopiedFile, TakesTheTargetsPlaceInOneStep) {
     std::ifstream reader(At("to"));
     EXPECT_TRUE(Copy("from", "to"));
     EXPECT_EQ("new", Content("to"));
-    EXPECT_EQ("old", std::string(std::istreambuf_iterator<char>(reader), {}))
-        << "who reads goes on with what was there";
+    EXPECT_EQ("old", std::string(std::istreambuf_iterator<char>(reader), {})) << "an open file keeps the old content";
     EXPECT_EQ((eNames{"from", "to"}), Tree(""));
 }
 

@@ -345,13 +345,13 @@ TEST_F(ReparsePoints, OfFileLinksThatMayNotBeMadeTheContentIsCopied) {
     const eReplacedCall linking(kLibrary, "CopyFileExW", &CopyFileExInstead, &systemsCopyFileEx);
     const eReplacedCall making(kLibrary, "CreateDirectoryExW", &CreateDirectoryExInstead, &systemsCreateDirectoryEx);
     const eReplacedCall copying(kLibrary, "CopyFileW", &CopyFileInstead, &systemsCopyFile);
-    MakeFile("from/sub/tag a000000c file", "behind the link");
+    MakeFile("from/sub/tag a000000c file", "link target");
     MakeFile("from/tag a000000c folder/file");
     MakeFile("from/tag a0000003 junction/file");
     Refuse(eCall::Any, L"from", 0, 0);
     Copy("from", "to");
     EXPECT_EQ((eNames{"sub/", "sub/tag a000000c file"}), Tree("to"));
-    EXPECT_EQ("behind the link", Content("to/sub/tag a000000c file"));
+    EXPECT_EQ("link target", Content("to/sub/tag a000000c file"));
     EXPECT_EQ(1, theSystem.calls);
 }
 
