@@ -17,14 +17,14 @@ unsigned char ByteAt(std::string_view text, std::size_t index) {
     return static_cast<unsigned char>(text[index]);
 }
 
-// Whether a run of ASCII, be it an empty one, is to be taken next. Asked between other characters, which mostly stand
+// Whether a run of ASCII, possibly empty, should be taken next. Asked between other characters, which usually occur
 // together.
 template <class T>
 bool BeginsAscii(std::basic_string_view<T> text) {
     return text.empty() || static_cast<std::make_unsigned_t<T>>(text.front()) < 0x80;
 }
 
-// Number of ASCII bytes at the beginning, which are widened on the way.
+// Widens the ASCII bytes at the beginning and returns their number.
 std::size_t WidenAscii(wchar_t* out, std::string_view text) {
     std::size_t run = 0;
     for (; text.size() - run >= sizeof(std::uint64_t); run += sizeof(std::uint64_t)) {
@@ -50,7 +50,7 @@ wchar_t* Put(wchar_t* out, char32_t code) {
     return out + 1;
 }
 
-// Number of ASCII characters at the beginning.
+// The number of ASCII characters at the beginning.
 std::size_t AsciiRun(std::wstring_view text) {
     constexpr std::size_t kStep = 8;
     std::size_t run = 0;
@@ -89,7 +89,7 @@ char* NarrowAscii(char* out, std::wstring_view text) {
 } // namespace
 
 std::wstring Widen(std::string_view text) {
-    // No sequence of bytes becomes more wide units than it has bytes.
+    // A sequence of bytes never becomes more wide units than it has bytes.
     std::wstring wide(text.size(), L'\0');
     wchar_t* out = wide.data();
     for (;;) {

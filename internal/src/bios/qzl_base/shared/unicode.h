@@ -45,7 +45,7 @@ struct eCharacter {
     bool wellFormed;
 };
 
-// What may follow the first byte of a sequence: so many bytes in all, of which the second is within the limits and the
+// What may follow the first byte of a sequence. `total` counts all bytes; the second one is within the limits and the
 // others are continuation bytes. A total of 0 marks a byte that begins no sequence.
 struct eSequence {
     std::size_t total;

@@ -6,11 +6,11 @@
 
 #include "platform/pure/extended_name.h"
 
-// What path operations decide from texts alone.
+// The decisions of path operations that depend on texts alone.
 namespace IO::System {
 
-// Calls visit with the position of every character other than the double-byte ones, which are no delimiters whatever
-// their second halves look like.
+// Calls `visit` with the position of every character except double-byte ones, which are never delimiters, even if their
+// second bytes look like one.
 template <class Char, class IsLead, class Visit>
 constexpr void EachSingle(std::basic_string_view<Char> text, IsLead isLead, Visit visit) {
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -26,15 +26,15 @@ constexpr bool IsSlash(Char letter) {
     return letter == Char('/') || letter == Char('\\');
 }
 
-// The parts of a path; put together in this order they are the path again. `isLead` tells the first halves of
+// The parts of a path; joined in this order, they are the path again. `isLead` recognises the first bytes of
 // double-byte characters.
 template <class Char>
 struct ePathParts {
-    static constexpr std::size_t kDriveRoom = 2; // in characters, as for the others
+    static constexpr std::size_t kDriveRoom = 2; // in characters, like the others
     static constexpr std::size_t kPartRoom = 255;
 
     std::basic_string_view<Char> drive; // "c:", any character before the colon
-    std::basic_string_view<Char> dir;   // up to and with the last slash of either kind
+    std::basic_string_view<Char> dir;   // up to and including the last slash of either kind
     std::basic_string_view<Char> name;
     std::basic_string_view<Char> ext; // from the last dot after that slash
 
@@ -60,10 +60,10 @@ struct ePathParts {
     }
 };
 
-// How a system's names begin: with a drive's letter, or with a "/" alone.
+// How a system's names begin: with a drive letter, or with a "/".
 enum class eNameRoot { Drive, Slash };
 
-// Where the walk over the parts of a folder's name begins, so that the first part is not the root.
+// The place where the walk over the parts of a folder's name begins, so that the first part is not the root.
 //
 // | name     | with drives | with slashes |
 // |----------|-------------|--------------|
@@ -78,8 +78,8 @@ constexpr std::size_t FirstPart(std::basic_string_view<Char> folder, eNameRoot r
     return colon == folder.npos ? 0 : colon + 2;
 }
 
-// Calls makeFolder with every prefix of the name that ends before a "/", from `first` on, and with the whole name at
-// last. False as soon as one call gives false.
+// Calls `makeFolder` with every prefix of the name that ends before a "/", from `first` on, and finally with the whole
+// name. Stops and returns false when a call returns false.
 template <class Char, class MakeFolder>
 bool MakeParts(const std::basic_string<Char>& folder, std::size_t first, MakeFolder makeFolder) {
     for (std::size_t at = first;;) {
@@ -92,8 +92,8 @@ bool MakeParts(const std::basic_string<Char>& folder, std::size_t first, MakeFol
     }
 }
 
-// The folder of an executable's full name, with forward slashes and a trailing "/". Empty for a name of more than 519
-// characters, and for a folder of more than 255.
+// The folder of an executable's full name, with forward slashes and a trailing "/". Empty if the name has more than 519
+// characters or the folder more than 255.
 template <class Char>
 std::basic_string<Char> FolderOf(const std::basic_string<Char>& fullName) {
     constexpr std::size_t kNameRoom = 519;

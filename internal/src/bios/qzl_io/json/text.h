@@ -7,11 +7,11 @@
 #include "qzl_base/shared/ascii.h"
 #include "qzl_base/shared/unicode.h"
 
-// What must be known of a JSON text before it is given to a parser.
+// Facts about a JSON text that must be known before it is parsed.
 
 namespace json_text {
 
-// Number of leading bytes, in whole blocks of 16, before the first that `isStop` finds in one.
+// The number of leading bytes, in whole blocks of 16, before the first block in which `isStop` finds one.
 template <class eTest>
 std::size_t BlocksBefore(std::string_view text, eTest isStop) {
     constexpr std::size_t kBlock = sizeof(__m128i);
@@ -26,7 +26,7 @@ inline std::size_t AsciiBlocks(std::string_view text) {
     return BlocksBefore(text, [](__m128i bytes) { return bytes; });
 }
 
-// Leading blocks of ASCII without an escape, which nothing further has to be known of.
+// The leading blocks of ASCII without an escape, which need no further check.
 inline std::size_t PlainBlocks(std::string_view text) {
     const __m128i escapes = _mm_set1_epi8('\\');
     return BlocksBefore(text, [escapes](__m128i bytes) { return _mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, escapes)); });
@@ -62,7 +62,7 @@ constexpr char32_t EscapedUnit(std::string_view text) {
     return unit;
 }
 
-// True when one half of a surrogate pair is escaped and the other half is not, right before or behind it.
+// True if one half of a surrogate pair is escaped and the other half is not, directly before or after it.
 constexpr bool HasLoneSurrogate(std::string_view text) {
     for (std::size_t at = text.find('\\'); at != std::string_view::npos; at = text.find('\\', at)) {
         const char32_t unit = EscapedUnit(text.substr(at));

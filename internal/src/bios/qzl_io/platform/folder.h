@@ -9,57 +9,59 @@
 namespace IO::Platform {
 
 // One entry of a folder's listing. The name is in the system's own form, which only folders opened in the same way
-// understand; it is valid until the folder that listed it moves on or goes.
+// understand. It is valid until the folder that listed it moves on or is closed.
 struct eEntry {
     eEntryKind kind = eEntryKind::File;
     const void* name = nullptr;
 };
 
-// Whether a name may be a link to what is meant.
+// Whether a name may be a link to the thing meant.
 enum class eNamedLink { Follow, Refuse };
 
-// An open folder. Everything is done within this very folder: whoever exchanges it, or one above it, for a link in the
-// meantime cannot lead it elsewhere. Names passed in may come from the listing of another folder.
+// An open folder. All operations act on this very folder: replacing it, or a folder above it, by a link cannot lead
+// them elsewhere. Names passed in may come from the listing of another folder.
 class eFolder {
 public:
     virtual ~eFolder() = default;
 
-    // The next entry other than "." and ".."; false when there are no more.
+    // Gets the next entry other than "." and ".."; false if there are no more.
     virtual bool Next(eEntry* entry) = 0;
 
-    // Opens the subfolder of that name. Refused when it is missing, may not be listed or has become a link.
+    // Opens the subfolder of that name. Refused if it is missing, may not be listed or has become a link.
     virtual eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) = 0;
 
     virtual eAnswer RemoveFile(const eEntry& entry) = 0;
-    virtual eAnswer RemoveLink(const eEntry& entry) = 0;   // never what it points to
-    virtual eAnswer RemoveFolder(const eEntry& entry) = 0; // an empty one
-    // Makes a subfolder, with the permissions of the source's entry as far as the system gives them to new folders,
-    // and opens it. Its owner may fill it all the same: what the source's owner may not do ends with the opened
-    // folder. Refused for an existing one, too.
+    virtual eAnswer RemoveLink(const eEntry& entry) = 0;   // never what the link points to
+    virtual eAnswer RemoveFolder(const eEntry& entry) = 0; // only an empty one
+    // Creates a subfolder and opens it. It gets the permissions of the source's entry as far as the system gives them
+    // to new folders. Its owner may fill it in any case: permissions that the source's owner lacks are removed when the
+    // opened folder is destroyed. Refused for an existing folder, too.
     virtual eAnswer Make(const eEntry& entry, eFolder& source, std::unique_ptr<eFolder>* opened) = 0;
-    // The same end for a folder that was made by its name, like the source.
+    // Likewise removes permissions at the end from a folder that was created by its name, to be like the source.
     virtual void EndLike(eFolder& source) = 0;
-    // Copies a file's content; with Follow the entry is a link, and a file behind it is meant. Nobody asks whether it
-    // worked, only whether it is Busy.
+    // Copies a file's content. With Follow the entry is a link, and the file that it points to is copied. The result
+    // only tells whether the file is Busy.
     virtual eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) = 0;
     virtual eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) = 0; // the link itself
 
-    // With the final name where it has no number; empty when the system tells nothing.
+    // The identity, with the final name if the folder has no number; empty if the system tells nothing.
     virtual const eFileId& Id() = 0;
 
-    // Gives back what the system counts (a descriptor) while the walk is far below. Until woken it has no entries and
-    // refuses everything.
+    // Releases the limited resource of the system (a descriptor) while the walk is far below. Until woken, the folder
+    // has no entries and refuses every request.
     virtual void Rest() = 0;
-    // Takes it again, by way of an open folder directly within. It rests on when that is no longer within this one.
+    // Opens the folder again, through an open folder directly in it. The folder stays at rest if that one is no longer
+    // in it.
     virtual void Wake(eFolder& child) = 0;
 };
 
-// Opens a folder by its name, which ends in "/". Refused when it is missing, may not be listed, or is a link refused.
+// Opens a folder by its name, which ends in "/". Refused if it is missing, may not be listed, or is a link although
+// `links` refuses links.
 template <class Char>
 eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* opened);
 
-// Makes one folder whose parent exists, with the permissions of `like` as Make gives them; of none, with those that
-// new folders have. Done, too, when something of that name exists.
+// Creates one folder whose parent exists, with the permissions of `like` as in Make; if `like` is null, with those of
+// new folders. Also Done if something of that name exists.
 template <class Char>
 eAnswer MakeFolder(const Char* name, eFolder* like);
 
@@ -67,7 +69,7 @@ eAnswer MakeFolder(const Char* name, eFolder* like);
 template <class Char>
 eAnswer RemoveFolder(const Char* name);
 
-// Removes a link to a folder, where RemoveFolder has not done so already; false for anything else.
+// Removes a link to a folder, if RemoveFolder has not done so already; false for anything else.
 template <class Char>
 bool RemoveFolderLink(const Char* name);
 

@@ -10,8 +10,8 @@ namespace IO::Platform {
 
 namespace {
 
-// Another process holds a lease on the file and is told to give it back: that is waited for, as every program does.
-// By way of a descriptor that opens nothing, so that no pipe can take the file's place meanwhile.
+// Another process holds a lease on the file and is asked to release it. We wait for that, as every program does,
+// through a descriptor that opens nothing, so that no pipe can replace the file meanwhile.
 eDescriptor OpenLeased(int folder, const char* name, int flags) noexcept {
     const int whichLink = flags & O_NOFOLLOW;
     const eDescriptor place(Uninterrupted([&] { return ::openat(folder, name, O_PATH | O_CLOEXEC | whichLink); }));

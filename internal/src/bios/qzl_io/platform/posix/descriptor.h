@@ -8,7 +8,7 @@
 
 namespace IO::Platform {
 
-// Owns a file descriptor, -1 being none.
+// Owns a file descriptor; -1 is none.
 class eDescriptor {
 public:
     explicit eDescriptor(int opened = -1) : descriptor(opened) {}
@@ -25,19 +25,19 @@ public:
     bool IsOpen() const { return descriptor >= 0; }
     int Get() const { return descriptor; }
 
-    // The descriptor becomes the caller's.
+    // Passes the descriptor to the caller.
     int Release() { return std::exchange(descriptor, -1); }
 
-    // False when the system could not keep what was written; closed it is all the same. So is an interrupted close:
-    // trying again could close another thread's descriptor.
+    // False if the system could not keep what was written; the descriptor is closed even so. It is also closed after an
+    // interruption: closing again could close another thread's descriptor.
     bool Close() { return descriptor < 0 || ::close(std::exchange(descriptor, -1)) == 0 || errno == EINTR; }
 
 private:
     int descriptor;
 };
 
-// Repeats a call that a signal interrupted. Every call is made through it that a signal can interrupt on any file
-// system, and on some that is nearly every call.
+// Repeats a call that a signal interrupted. It serves every call that a signal can interrupt on any file system; on
+// some, that is nearly every call.
 template <class Call>
 auto Uninterrupted(Call call) {
     for (;;) {
@@ -47,12 +47,11 @@ auto Uninterrupted(Call call) {
     }
 }
 
-// Opens without waiting for anybody, such as the writer of a pipe, and never as the terminal that controls the
-// process. The descriptor does not wait either where that makes a difference: what it stands for is to be looked at
-// first.
+// Opens without waiting for another process, such as the writer of a pipe, and never as the controlling terminal. If
+// that makes a difference, the descriptor does not wait either, so that the caller can first check what it has opened.
 eDescriptor OpenAtOnce(int folder, const char* name, int flags, mode_t mode = 0) noexcept;
 
-// Reads and writes wait from now on. False where the system refuses.
+// Makes reads and writes wait from now on. False if the system refuses.
 bool LetWait(const eDescriptor& file) noexcept;
 
 } // namespace IO::Platform

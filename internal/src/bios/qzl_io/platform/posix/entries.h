@@ -7,10 +7,10 @@
 
 namespace IO::Platform {
 
-// Reads a folder's entries straight from the system, "." and ".." included.
+// Reads a folder's entries directly from the system, including "." and "..".
 class eEntryReader {
 public:
-    // The next entry, valid until the next call; null at the end, and when the folder can no longer be read.
+    // The next entry, valid until the next call; null at the end, and if the folder can no longer be read.
     const dirent64* Next(int folder) {
         if (position == end && !Fill(folder))
             return nullptr;

@@ -15,14 +15,14 @@
 namespace IO::Platform {
 namespace {
 
-// The run-time's numbers for what the flags ask.
+// The run-time's numbers for the parts of the flags.
 constexpr int kReadWrite = 0x0002;
 constexpr int kCreate = 0x0100;
 constexpr int kTruncate = 0x0200;
 
 constexpr mode_t kPermissions = 0666;
 
-// The system's number for what TakeFailureReason is to tell, 0 for nothing.
+// The system's error number for TakeFailureReason; 0 for none.
 thread_local int lastFailure = 0;
 
 int NotOpened(int failure) noexcept {

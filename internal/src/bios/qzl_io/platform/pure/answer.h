@@ -2,19 +2,20 @@
 
 namespace IO::Platform {
 
-// What a system says to a wish. Busy: not now, but the same may be had a moment later. Full: the folder is not empty,
-// or not yet, for what was removed from it may go a moment later. A system that knows no such moments says neither.
+// The system's answer to a request. Busy: not now, but possibly a moment later. Full: the folder is not empty, or not
+// yet, since what was removed from it may disappear a moment later. A system without such delays answers neither Busy
+// nor Full.
 enum class eAnswer : unsigned char { Done, Refused, Busy, Full };
 
-// What an error of Windows means to those who ask for a change in a folder. `forGood`: something that lasts explains
-// why access is denied, as the read-only attribute does.
+// The answer to a request in a folder that failed with an error of Windows. `forGood`: access is denied for a lasting
+// reason, such as the read-only attribute.
 //
 // | error | the system says   | answer                       | as long as                                       |
 // |-------|-------------------|------------------------------|--------------------------------------------------|
-// | 5     | access denied     | Busy, or Refused for good    | a deletion of that name is not through           |
+// | 5     | access denied     | Busy, or Refused for good    | a deletion of that name is not complete          |
 // | 32    | sharing violation | Busy                         | a virus scanner or an indexer has the file open  |
-// | 145   | not empty         | Full                         | deletions within are not through                 |
-// | 303   | deletion pending  | Busy                         | the same as for 5                                |
+// | 145   | not empty         | Full                         | deletions in it are not complete                 |
+// | 303   | deletion pending  | Busy                         | a deletion of that name is not complete          |
 // | other |                   | Refused                      |                                                  |
 constexpr eAnswer AnswerTo(unsigned long error, bool forGood) {
     constexpr unsigned long kAccessDenied = 5, kSharingViolation = 32, kNotEmpty = 145, kDeletionPending = 303;

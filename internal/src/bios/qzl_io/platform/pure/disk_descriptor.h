@@ -5,12 +5,12 @@
 #include <span>
 #include <string>
 
-// What devices answer when asked for their serial number. Nothing in it is to be trusted.
+// Answers of devices to a query for the serial number. Nothing in them can be trusted.
 
 namespace IO::System {
 
 // The text in a storage device descriptor to which the little-endian offset at byte 24 points, up to its zero or the
-// end of the bytes. Empty when the offset is 0, beyond the bytes, or not there.
+// end of the bytes. Empty if the offset is 0, beyond the bytes, or missing.
 inline std::string SerialInDescriptor(std::span<const unsigned char> descriptor) {
     constexpr std::size_t kOffsetAt = 24;
     constexpr std::size_t kOffsetSize = 4;
@@ -25,7 +25,7 @@ inline std::string SerialInDescriptor(std::span<const unsigned char> descriptor)
     return {text.begin(), std::find(text.begin(), text.end(), 0)};
 }
 
-// The text in a disk's page 0x80: its big-endian length at byte 2, its characters from byte 4, up to a zero.
+// The text in a disk's page 0x80, up to a zero: its big-endian length is at byte 2, its characters start at byte 4.
 inline std::string SerialInPage80(std::span<const unsigned char> page) {
     constexpr std::size_t kTextAt = 4;
     if (page.size() < kTextAt || page[1] != 0x80)

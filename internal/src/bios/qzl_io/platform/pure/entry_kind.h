@@ -4,8 +4,8 @@
 
 namespace IO::Platform {
 
-// What an entry of a folder is to those who walk a tree. A link is what leads elsewhere (a symbolic link, a junction):
-// nobody enters it.
+// The kind of a folder's entry, for walks over a tree. A link leads elsewhere (a symbolic link, a junction) and is
+// never entered.
 enum class eEntryKind : unsigned char { File, Folder, Link };
 
 // Whether the name stands for the folder that lists it, or for the one above.
@@ -16,9 +16,10 @@ constexpr bool IsDots(const Char* name) {
 
 // The rest: what the attributes of an entry and the tag of its reparse point, as Windows lists them, say of it.
 
-// A link is a reparse point whose tag says that it stands for another name (a symbolic link, a junction). Any other is
-// the file or folder that it looks like, kept in a special way: in the cloud, deduplicated, compressed, in a layer.
-// One whose tag is not told (0) is taken for a link, so that nothing leads out of a tree.
+// A link is a reparse point whose tag says that it stands for another name (a symbolic link, a junction). Any other
+// reparse point is the file or folder that it looks like, stored in a special way: in the cloud, deduplicated,
+// compressed, in a layer. A reparse point with an unknown tag (0) counts as a link, so that nothing leads out of a
+// tree.
 constexpr bool IsListedLink(unsigned long attributes, unsigned long tag) {
     constexpr unsigned long kReparsePoint = 0x400, kNameSurrogate = 0x20000000;
     return (attributes & kReparsePoint) != 0 && (tag == 0 || (tag & kNameSurrogate) != 0);

@@ -7,21 +7,22 @@
 #include <string_view>
 #include <vector>
 
-// Names of the system with drives, as texts alone.
+// Names of the system with drives, as plain texts.
 //
-// The plain form of a name has limits there: calls have room for so many characters and no more, and the system takes
-// off the dots and blanks at a component's end, so that "a./b" means "a/b". The extended form, "\\?\C:\folder\name" or
-// "\\?\UNC\server\share\name", has none: it is absolute and taken as it stands.
+// The plain form of a name has limits there: functions have room for a fixed number of characters, and the system
+// strips dots and blanks from the end of a component, so that "a./b" means "a/b". The extended form,
+// "\\?\C:\folder\name" or "\\?\UNC\server\share\name", has none of these limits: it is absolute and taken literally.
 //
-// A name that is not absolute is relative to `current`, an absolute name: the current folder, or for "c:x" that of the
-// drive. For an absolute name `current` means nothing.
+// A name that is not absolute is relative to `current`, an absolute name: the current folder or, for "c:x", the current
+// folder of the drive. For an absolute name `current` is not used.
 namespace IO::System {
 
-// How many characters an absolute name may have in its plain form. The calls differ; the strictest makes folders.
+// The length in characters up to which an absolute name may be in its plain form. The limits of the functions differ;
+// the strictest one is for creating folders.
 inline constexpr std::size_t kPlainRoom = 247;
 
 enum class eNameKind {
-    Extended, // "\\?\C:\x" with these very slashes
+    Extended, // "\\?\C:\x" with exactly these slashes
     Device,   // "//?/x", "//./x"
     Share,    // "//server/share/x"
     Drive,    // "c:/x"
@@ -44,7 +45,7 @@ constexpr bool EndsInSlash(std::wstring_view name) {
     return IsSlashAt(name, name.size() - 1);
 }
 
-// Calls visit with each component, the leftmost first, until it gives true, and tells whether it did.
+// Calls `visit` with each component from left to right until it returns true, and returns whether it did.
 template <class Visit>
 constexpr bool AnyPart(std::wstring_view name, Visit visit) {
     for (std::size_t at = 0; at < name.size();) {
@@ -56,7 +57,7 @@ constexpr bool AnyPart(std::wstring_view name, Visit visit) {
     return false;
 }
 
-// Whether the plain form loses something of a component.
+// Whether the plain form would change a component.
 constexpr bool IsOdd(std::wstring_view part) {
     return part != L"." && part != L".." && (part.ends_with(L'.') || part.ends_with(L' '));
 }
@@ -83,7 +84,7 @@ constexpr bool IsAbsolute(eNameKind kind) {
 namespace NameSteps {
 
 // The components of an absolute name, the first `root` of which are its drive, share or device. "." is left out, and
-// ".." takes the one before it away, but none of the root.
+// ".." removes the component before it, unless that belongs to the root.
 class eNameParts {
 public:
     explicit eNameParts(std::wstring_view absolute) {
@@ -113,7 +114,7 @@ public:
 
     bool HasRoot() const { return parts.size() >= root; }
 
-    // A drive's root ends in a slash, whatever is wanted.
+    // The root of a drive always ends in a slash.
     std::wstring Extended(bool endsInSlash) const {
         std::wstring name(start);
         for (const std::wstring_view part : parts)
@@ -129,7 +130,7 @@ private:
     std::vector<std::wstring_view> parts;
 };
 
-// Whether the plain form loses something of a name of which `literal` is the part that is taken as it stands.
+// Whether the plain form keeps a name whose part `literal` is taken literally.
 constexpr bool IsPlainEnough(std::wstring_view name, std::wstring_view literal, std::wstring_view current) {
     const eNameKind kind = KindOfName(name);
     if (kind == eNameKind::Extended || name.empty())
@@ -138,7 +139,7 @@ constexpr bool IsPlainEnough(std::wstring_view name, std::wstring_view literal, 
     return length <= kPlainRoom && !AnyPart(literal, IsOdd) && (IsAbsolute(kind) || !AnyPart(current, IsOdd));
 }
 
-// What begins where a pattern's mask does.
+// The start of the mask in a pattern.
 constexpr std::size_t MaskStart(std::wstring_view pattern) {
     const std::size_t slash = pattern.find_last_of(kSlashes);
     if (slash != pattern.npos)
@@ -146,8 +147,8 @@ constexpr std::size_t MaskStart(std::wstring_view pattern) {
     return KindOfName(pattern) == eNameKind::OnDrive ? 2 : 0;
 }
 
-// A mask as it is compared when nobody takes dots and blanks off its end: a last "*." there means any characters but
-// the last dot, for which the system has a character of its own. Where "*.*" is left, it means every name.
+// A mask in the form in which it is compared if dots and blanks at its end are not stripped. A final "*." means any
+// characters but the last dot, for which the system has a special character. If "*.*" remains, it means every name.
 inline std::wstring ExtendedMask(std::wstring_view mask) {
     std::wstring extended(mask.substr(0, mask.find_last_not_of(L". ") + 1));
     if (mask.ends_with(L'.') && extended.ends_with(L'*') && extended != L"*.*")
@@ -157,8 +158,8 @@ inline std::wstring ExtendedMask(std::wstring_view mask) {
 
 } // namespace NameSteps
 
-// The extended form of a name. "." and ".." are resolved, a slash at the end stays. What names nothing ("",
-// "//server") and what is in extended form stay as they are.
+// The extended form of a name. "." and ".." are resolved; a slash at the end stays. Names that mean nothing ("",
+// "//server") and names in extended form are unchanged.
 inline std::wstring ExtendedName(std::wstring_view name, std::wstring_view current) {
     const eNameKind kind = KindOfName(name);
     const std::wstring_view absolute = IsAbsolute(kind) ? name : current;
@@ -172,12 +173,12 @@ inline std::wstring ExtendedName(std::wstring_view name, std::wstring_view curre
     return parts.HasRoot() ? parts.Extended(NameSteps::EndsInSlash(name)) : std::wstring(name);
 }
 
-// The name as it is where the plain form says it, otherwise the extended form.
+// The name unchanged if the plain form keeps it, otherwise its extended form.
 inline std::wstring SystemName(std::wstring_view name, std::wstring_view current) {
     return NameSteps::IsPlainEnough(name, name, current) ? std::wstring(name) : ExtendedName(name, current);
 }
 
-// The same for the pattern of a search, whose last component may hold wild cards; the mask means the same in both
+// SystemName for the pattern of a search, whose last component may contain wild cards. The mask means the same in both
 // forms.
 inline std::wstring SystemPattern(std::wstring_view pattern, std::wstring_view current) {
     const std::size_t cut = NameSteps::MaskStart(pattern);
@@ -192,7 +193,7 @@ inline std::wstring SystemPattern(std::wstring_view pattern, std::wstring_view c
     return extended += NameSteps::ExtendedMask(mask);
 }
 
-// A full name as the system tells it, in its plain form: without the start of an extended one ("\\?\C:\x",
+// The plain form of a full name from the system: without the prefix of the extended form ("\\?\C:\x",
 // "\\?\UNC\server\share\x") and with forward slashes.
 template <class Char>
 std::basic_string<Char> PlainName(std::basic_string<Char> name) {

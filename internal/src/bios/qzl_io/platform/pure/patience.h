@@ -11,9 +11,9 @@ namespace IO::System {
 
 using Platform::eAnswer;
 
-// Asks again for what a system refuses for a moment, with pauses that grow. An entry is waited for less than a quarter
-// of a second. What was waited for in vain is added up: after a second of that no entry is waited for any more, so
-// that many refused entries do not hold an operation up. One for each operation.
+// Repeats requests that a system refuses temporarily, with increasing pauses: for one entry less than a quarter of a
+// second. Waits that did not help are added up: after one second in total no entry is waited for any more, so that many
+// refused entries do not hold up an operation. Each operation has its own object.
 class ePatience {
 public:
     using ePause = std::chrono::milliseconds;
@@ -25,14 +25,14 @@ public:
     explicit ePatience(eSleep pausing = &std::this_thread::sleep_for<ePause::rep, ePause::period>)
         : sleep(std::move(pausing)) {}
 
-    // True when it was done, at once or in the end.
+    // True if the request was done, at once or in the end.
     template <class Ask>
     bool Get(Ask ask) {
         const eAnswer answer = ask();
         return answer == eAnswer::Done || (answer == eAnswer::Busy && GetLater(ask));
     }
 
-    // The same for the removal of a folder: that it is Full may pass, too, when all in it has been removed.
+    // Get for the removal of a folder: if everything in it has been removed, Full may pass, too.
     template <class Ask>
     bool GetRemoved(bool emptied, Ask ask) {
         return Get([emptied, &ask] {

@@ -20,19 +20,19 @@ constexpr DWORD kLinkFlag = 0x800; // COPY_FILE_COPY_SYMLINK
 constexpr DWORD kFolderFlags = FILE_FLAG_BACKUP_SEMANTICS;
 constexpr DWORD kNoLinks = FILE_FLAG_OPEN_REPARSE_POINT;
 
-// Without FILE_SHARE_DELETE: while the handle is open nobody can remove, rename or exchange the folder. Reading the
-// list is what makes the system compare the sharing.
+// Opens without FILE_SHARE_DELETE: while the handle is open, nobody can remove, rename or replace the folder. The right
+// to read the list makes the system check the sharing.
 eOpenHandle Pin(const std::wstring& name, DWORD flags) {
     return eOpenHandle(::CreateFileW(name.c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                      OPEN_EXISTING, kFolderFlags | flags, nullptr));
 }
 
-// Of what was opened as itself.
+// For a handle that was opened on the folder or link itself.
 bool IsRealFolder(const eOpenHandle& opened) {
     FILE_ATTRIBUTE_TAG_INFO told{};
     if (::GetFileInformationByHandleEx(opened.Get(), FileAttributeTagInfo, &told, sizeof(told)))
         return ListedKind(told.FileAttributes, told.ReparseTag) == eEntryKind::Folder;
-    // A file system that has no tags has no links either.
+    // A file system without tags has no links either.
     BY_HANDLE_FILE_INFORMATION plain{};
     constexpr DWORD kLooked = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
     return ::GetFileInformationByHandle(opened.Get(), &plain) &&
@@ -41,13 +41,13 @@ bool IsRealFolder(const eOpenHandle& opened) {
 
 constexpr DWORD kAnyAttribute = ~DWORD{0};
 
-// False for what cannot be seen, as it is while its deletion is not through.
+// False for names that cannot be seen, for example while their deletion is not complete.
 bool Has(const std::wstring& name, DWORD attributes) {
     const DWORD seen = ::GetFileAttributesW(name.c_str());
     return seen != INVALID_FILE_ATTRIBUTES && (seen & attributes) != 0;
 }
 
-// What a call's result means. Access is denied for good where the name can be seen to have one of the attributes.
+// The answer that a call's result means. Access is denied for good if the name visibly has one of the attributes.
 eAnswer Told(BOOL done, const std::wstring& name, DWORD denying) {
     if (done)
         return eAnswer::Done;
@@ -55,12 +55,12 @@ eAnswer Told(BOOL done, const std::wstring& name, DWORD denying) {
     return AnswerTo(error, error == ERROR_ACCESS_DENIED && Has(name, denying));
 }
 
-// "." and "..", and what would lead out of the folder that lists it, whoever keeps that.
+// "." and "..", and names that would lead out of the folder that lists them, whoever stores such names.
 bool LeadsAway(const wchar_t* name) {
     return IsDots(name) || std::wstring_view(name).find_first_of(L"\\/") != std::wstring_view::npos;
 }
 
-// A root has its slash already.
+// A root already has its slash.
 std::wstring WithSlash(std::wstring name) {
     if (!name.ends_with(L'\\'))
         name += L'\\';
@@ -73,10 +73,10 @@ bool IsLink(const std::wstring& name) {
     return found.IsOpen() && IsListedLink(data.dwFileAttributes, data.dwReserved0);
 }
 
-// Holds the folder and so do all above it that were entered on the way: what their names say stays true meanwhile.
+// Holds the folder, as do all folders above it that were entered on the way, so their names stay true meanwhile.
 class eWindowsFolder final : public eFolder {
 public:
-    // The path is in extended form and ends in a back slash.
+    // Takes a path in extended form that ends in a backslash.
     eWindowsFolder(std::wstring fullPath, eOpenHandle opened) : path(std::move(fullPath)), pin(std::move(opened)) {}
 
     static eAnswer Open(const std::wstring& name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
@@ -114,7 +114,7 @@ public:
         const std::wstring name = Named(entry);
         return Told(::RemoveDirectoryW(name.c_str()), name, FILE_ATTRIBUTE_READONLY);
     }
-    // Permissions come from the folder above.
+    // Permissions are inherited from the folder above.
     eAnswer Make(const eEntry& entry, eFolder&, std::unique_ptr<eFolder>* opened) override {
         const std::wstring name = Named(entry);
         const eAnswer made = Told(::CreateDirectoryW(name.c_str(), nullptr), name, kAnyAttribute);
@@ -139,7 +139,7 @@ public:
         const eAnswer made = Told(::CreateDirectoryExW(from.c_str(), to.c_str(), nullptr), to, kAnyAttribute);
         if (made != eAnswer::Done || IsLink(to))
             return made;
-        // A system that cannot recreate the link has made a plain folder of it.
+        // A system that cannot recreate the link has made it a plain folder.
         ::RemoveDirectoryW(to.c_str());
         return eAnswer::Refused;
     }
@@ -150,7 +150,7 @@ public:
         return id;
     }
 
-    // Letting go would allow the exchange; handles are not short.
+    // Releasing the handle would allow a replacement, and handles are not scarce.
     void Rest() override {}
     void Wake(eFolder&) override {}
 

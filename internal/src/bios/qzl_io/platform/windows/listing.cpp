@@ -62,7 +62,7 @@ bool NextEntry(eListing& listing, eListedEntry<Char>* entry) {
     return false;
 }
 
-// The listing tells everything at once: nothing is ever pending.
+// The listing contains everything at once: nothing is ever pending.
 template <class Char>
 void CompleteKind(eListing&, eListedEntry<Char>*) {}
 

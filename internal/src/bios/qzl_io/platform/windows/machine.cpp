@@ -13,7 +13,7 @@ namespace IO::Platform {
 
 namespace {
 
-// The system's narrow call for narrow texts, its wide call for wide ones.
+// The system's narrow functions for narrow texts, and its wide functions for wide texts.
 namespace Calls {
 
 BOOL ComputerName(char* name, DWORD* size) {
@@ -69,7 +69,7 @@ const wchar_t* ProductValue(wchar_t) {
     return L"Productid";
 }
 
-// Empty when the system does not tell it.
+// Empty if the system does not tell it.
 std::wstring ShortName(const std::wstring& name) {
     std::array<wchar_t, kModuleNameRoom> shortName{};
     const DWORD length = ::GetShortPathNameW(name.c_str(), shortName.data(), kModuleNameRoom);
@@ -82,7 +82,7 @@ std::wstring ModuleName() {
     return {name.data(), length};
 }
 
-// By its short name where the code page lacks a character of the long one.
+// Uses the short name if the code page lacks a character of the long one.
 std::string NarrowModuleName(const std::wstring& name) {
     std::string narrow;
     if (!NarrowName(System::PlainName(name), &narrow))
@@ -105,7 +105,7 @@ bool IsServer() {
     return !::VerifyVersionInfoW(&wanted, VER_PRODUCT_TYPE, equal);
 }
 
-// Untouched when the system has no such call.
+// Version 0.0 if the system has no such function.
 OSVERSIONINFOEXW RunningVersion() {
     using eGetVersion = LONG(WINAPI*)(OSVERSIONINFOEXW*);
     OSVERSIONINFOEXW version{};
