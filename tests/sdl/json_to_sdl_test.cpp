@@ -170,6 +170,7 @@ TEST_F(JsonToSdlTest, FailsOnMalformedTextAndLeavesTheOutputAlone) {
         "{",
         "[1,",
         "[1 2]",
+        "[4294967296,1e99",
         R"({"a" 1})",
         R"({"a":})",
         R"({a:1})",

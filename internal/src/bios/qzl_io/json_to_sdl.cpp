@@ -6,7 +6,8 @@
 #include <new>
 #include <stdexcept>
 #include <string>
-#include <utility>
+#include <string_view>
+#include <vector>
 
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
@@ -16,7 +17,7 @@
 #include <qzl_io/streams.h>
 
 #include "files/failure_text.h"
-#include "json/document.h"
+#include "json/sink.h"
 #include "json/text_pieces.h"
 
 namespace {
@@ -30,42 +31,53 @@ constexpr int kWalkingLine = 80;
 constexpr int kWritingLine = 100;
 } // namespace ConversionReport
 
-using web::json::value;
-
-// The member or element that a walk is in; the steps from the root to it are a list.
-class eJsonStep {
+// The containers around the value that is being converted, the document itself the first.
+class eJsonPlace {
 public:
-    eJsonStep(const eJsonStep** current, const utility::string_t* memberName, std::size_t elementIndex)
-        : place(*current), outer(*current), name(memberName), index(elementIndex) {
-        place = this;
-    }
-    ~eJsonStep() { place = outer; }
-    eJsonStep(const eJsonStep&) = delete;
-    eJsonStep& operator=(const eJsonStep&) = delete;
+    enum class eKind { Document, Object, Array };
 
-    // As in "/items/3/name".
+    eJsonPlace() { Enter(eKind::Document); }
+
+    eKind Around() const { return around.back().kind; }
+    void Enter(eKind kind) { around.push_back({kind, {}, 0}); }
+    void Leave() { around.pop_back(); }
+    void NameMember(std::string_view name) { around.back().name = name; }
+    void EndElement() { ++around.back().index; }
+
+    // As in "/items/3/name"; empty for the document's own value.
     std::string Path() const {
-        const std::string last = name ? JsonTextToUtf8(*name) : std::to_string(index);
-        return (outer ? outer->Path() : std::string()) + '/' + last;
+        std::string path;
+        for (const eContainer& container : around)
+            if (container.kind != eKind::Document)
+                path.append(1, '/').append(container.Step());
+        return path;
     }
 
 private:
-    const eJsonStep*& place;
-    const eJsonStep* outer;
-    const utility::string_t* name; // null for an element
-    std::size_t index;
+    struct eContainer {
+        eKind kind;
+        std::string_view name; // of an object's current member
+        std::size_t index;     // of an array's current element
+
+        std::string Step() const { return kind == eKind::Array ? std::to_string(index) : std::string(name); }
+    };
+
+    std::vector<eContainer> around;
 };
 
 // Names a file, and the place in it where the walk is, to the reports that are made meanwhile.
 class eFileAtWork : public xDebug::eStackEntry {
 public:
-    explicit eFileAtWork(const eFileName& path) : name(path) {}
+    eFileAtWork(const eFileName& path, int failureLine) : line(failureLine), name(path) {}
     ~eFileAtWork() override { LeaveStack(); }
     eFileAtWork(const eFileAtWork&) = delete;
     eFileAtWork& operator=(const eFileAtWork&) = delete;
 
     std::string DSE_Title() const override { return '"' + name.str() + '"'; }
-    std::string DSE_Brief() const override { return place ? ", " + place->Path() : std::string(); }
+    std::string DSE_Brief() const override {
+        const std::string path = place ? place->Path() : std::string();
+        return path.empty() ? path : ", " + path;
+    }
     std::string DSE_Full() const override { return failure; }
 
     const eFileName& Name() const { return name; }
@@ -76,7 +88,8 @@ public:
         throw std::runtime_error((format(message) % name).str());
     }
 
-    const eJsonStep* place = nullptr;
+    const eJsonPlace* place = nullptr;
+    int line; // under which it is reported that the work on the file fails
 
 private:
     const eFileName& name;
@@ -111,120 +124,158 @@ void WriteFile(eFileAtWork* file, const eTextPieces& beginning, eSDLWriter::eWri
         file->Fail("%1% - write error!", "The file could not be written to its end");
 }
 
-// --- The walk ---
+// --- The text ---
 
-// Writes a document and takes it apart: each object and array is freed when it is written, while the cache holds it.
-class eJsonWalk {
+// What one conversion writes. The output is opened when the text is complete, so that a failure on the way leaves it
+// alone.
+struct eConvertedText {
+    eSDLTextStream end;
+    eTextPieces beginning;
+};
+
+// Writes the events of a document as SDL. The file's reports name the place meanwhile.
+class eSdlFromJson : public eJsonSink {
 public:
-    eJsonWalk(eSDLWriter::eWriteStream* target, eTextPieces* textBefore, const eJsonStep** currentPlace)
-        : text(*target), before(*textBefore), place(currentPlace) {}
+    eSdlFromJson(eConvertedText* target, eFileAtWork* source)
+        : text(target->end), beginning(target->beginning), file(*source) {
+        file.place = &place;
+    }
+    ~eSdlFromJson() { file.place = nullptr; }
+    eSdlFromJson(const eSdlFromJson&) = delete;
+    eSdlFromJson& operator=(const eSdlFromJson&) = delete;
 
-    void WriteJsonValue(value json) { WriteJsonValue(&json, json.type()); }
+    void BeginDocument() override { file.line = ConversionReport::kWalkingLine; }
+
+    void BeginObject() override { BeginContainer(eKind::Object); }
+    void Name(std::string_view name) override;
+    void EndObject() override { EndContainer(); }
+    void BeginArray() override { BeginContainer(eKind::Array); }
+    void EndArray() override { EndContainer(); }
+
+    void String(std::string_view string) override;
+    void Signed(std::int64_t value) override;
+    void Unsigned(std::uint64_t value) override;
+    void Double(double value) override;
+    void Bool(bool value) override { WriteInt(value); }
+    void Null() override { EndValue(); }
+    void Unknown() override;
 
 private:
+    using eKind = eJsonPlace::eKind;
+
     static constexpr int kItemsInPiece = 8192;
 
-    static bool IsContainer(value::value_type type) { return type == value::Object || type == value::Array; }
-    // Whether 32 bits hold the integer, with a sign or without.
-    static bool IsShort(const web::json::number& integer) {
-        return integer.is_uint64() ? integer.to_uint64() <= UINT32_MAX : integer.is_int32();
-    }
-
-    void WriteJsonValue(value* json, value::value_type type);
-    void WriteJsonNumber(const web::json::number& number);
-    void WriteJsonObject(web::json::object* object);
-    void WriteJsonArray(web::json::array* array);
-    void WriteLines(value container, value::value_type type);
-
     void BeginItem();
+    void BeginScalar();
+    void BeginContainer(eKind kind);
+    void EndContainer();
+    void EndValue();
     void EndLine() { text.newlinePending = true; }
 
+    void WriteInt(int value);
+    void WriteLongInteger();
+
     eSDLWriter::eWriteStream& text;
-    eTextPieces& before;
+    eTextPieces& beginning;
     int items = 0; // since the last piece
-    const eJsonStep** place;
+    eJsonPlace place;
+    eFileAtWork& file;
 };
 
 // An item that begins a line, and so one before which the text may be cut.
-void eJsonWalk::BeginItem() {
+void eSdlFromJson::BeginItem() {
     if (++items < kItemsInPiece)
         return;
-    before.Take(&text);
+    beginning.Take(&text);
     items = 0;
 }
 
-void eJsonWalk::WriteJsonNumber(const web::json::number& number) {
-    if (!number.is_integral()) {
-        text.WriteFloat(static_cast<float>(number.to_double()));
-    } else if (IsShort(number)) {
-        text.WriteInt(number.to_int32());
-    } else {
-        xError::Warning(ConversionReport::kSource, ConversionReport::kNumberLine, "Json number not parsed correctly.",
-                        0);
-        text.WriteInt(0);
-    }
+void eSdlFromJson::BeginScalar() {
+    if (place.Around() == eKind::Array)
+        BeginItem();
 }
 
-void eJsonWalk::WriteJsonObject(web::json::object* object) {
-    for (auto& [name, member] : *object) {
-        const eJsonStep step(place, &name, 0);
-        const value::value_type type = member.type();
+void eSdlFromJson::BeginContainer(eKind kind) {
+    if (place.Around() == eKind::Array) {
         BeginItem();
         text.WriteControl(sdlBlockStart);
-        text.WriteIdent(JsonTextToUtf8(name).c_str(), eSDLWriter::eWriteStream::kNoKeyword);
-        if (IsContainer(type))
-            WriteLines(std::move(member), type);
-        else
-            WriteJsonValue(&member, type);
+    }
+    if (place.Around() != eKind::Document)
+        EndLine();
+    place.Enter(kind);
+}
+
+void eSdlFromJson::EndContainer() {
+    place.Leave();
+    if (place.Around() != eKind::Document)
+        EndLine();
+    if (place.Around() == eKind::Array)
         text.WriteControl(sdlBlockEnd);
-        EndLine();
-    }
+    EndValue();
 }
 
-void eJsonWalk::WriteJsonArray(web::json::array* array) {
-    std::size_t index = 0;
-    for (value& element : *array) {
-        const eJsonStep step(place, nullptr, index++);
-        const value::value_type type = element.type();
-        if (type != value::Null)
-            BeginItem();
-        if (IsContainer(type)) {
-            text.WriteControl(sdlBlockStart);
-            WriteLines(std::move(element), type);
-            text.WriteControl(sdlBlockEnd);
-        } else {
-            WriteJsonValue(&element, type);
-        }
-        EndLine();
+void eSdlFromJson::EndValue() {
+    switch (place.Around()) {
+    case eKind::Object:
+        text.WriteControl(sdlBlockEnd);
+        break;
+    case eKind::Array:
+        place.EndElement();
+        break;
+    case eKind::Document:
+        return;
     }
-}
-
-void eJsonWalk::WriteLines(value container, value::value_type type) {
-    EndLine();
-    WriteJsonValue(&container, type);
     EndLine();
 }
 
-void eJsonWalk::WriteJsonValue(value* json, value::value_type type) {
-    switch (type) {
-    case value::Number:
-        WriteJsonNumber(json->as_number());
-        return;
-    case value::Boolean:
-        text.WriteInt(json->as_bool());
-        return;
-    case value::String:
-        text.WriteString(JsonTextToUtf8(json->as_string()).c_str());
-        return;
-    case value::Object:
-        WriteJsonObject(&json->as_object());
-        return;
-    case value::Array:
-        WriteJsonArray(&json->as_array());
-        return;
-    case value::Null:
-        return;
-    }
+void eSdlFromJson::Name(std::string_view name) {
+    BeginItem();
+    text.WriteControl(sdlBlockStart);
+    text.WriteIdent(name.data(), eSDLWriter::eWriteStream::kNoKeyword);
+    place.NameMember(name);
+}
+
+void eSdlFromJson::String(std::string_view string) {
+    BeginScalar();
+    text.WriteString(string.data());
+    EndValue();
+}
+
+void eSdlFromJson::WriteInt(int value) {
+    BeginScalar();
+    text.WriteInt(value);
+    EndValue();
+}
+
+void eSdlFromJson::WriteLongInteger() {
+    BeginScalar();
+    xError::Warning(ConversionReport::kSource, ConversionReport::kNumberLine, "Json number not parsed correctly.", 0);
+    text.WriteInt(0);
+    EndValue();
+}
+
+void eSdlFromJson::Signed(std::int64_t value) {
+    if (value == static_cast<int>(value))
+        WriteInt(static_cast<int>(value));
+    else
+        WriteLongInteger();
+}
+
+// One that 32 bits hold without a sign keeps its bits.
+void eSdlFromJson::Unsigned(std::uint64_t value) {
+    if (value <= UINT32_MAX)
+        WriteInt(static_cast<int>(value));
+    else
+        WriteLongInteger();
+}
+
+void eSdlFromJson::Double(double value) {
+    BeginScalar();
+    text.WriteFloat(static_cast<float>(value));
+    EndValue();
+}
+
+void eSdlFromJson::Unknown() {
     xError::Fatal(ConversionReport::kSource, ConversionReport::kValueTypeLine,
                   "Json parsing failed due to unknown json value type.");
 }
@@ -243,46 +294,32 @@ void Warn(int line, const char* message) {
     }
 }
 
-// Runs one step of a conversion; what it throws becomes one warning and false.
-template <class eStep>
-bool Succeeds(int line, const eStep& step) {
+// Does the work on a file; what it throws becomes one warning and false.
+template <class eWork>
+bool Succeeds(const eFileAtWork& file, const eWork& work) {
     try {
-        step();
+        work();
         return true;
     } catch (const std::exception& failure) {
-        Warn(line, failure.what());
+        Warn(file.line, failure.what());
     } catch (...) {
-        Warn(line, "Json conversion failed.");
+        Warn(file.line, "Json conversion failed.");
     }
     return false;
 }
 
-// What one conversion holds. The output is opened when its text is complete, so that a failure on the way leaves it
-// alone.
-struct eConversion {
-    value json;
-    eSDLTextStream text;
-    eTextPieces beginning;
-};
-
 } // namespace
 
 bool JsonToSdl(const eFileName& input, const eFileName& output) {
-    eFileAtWork reading(input);
-    std::unique_ptr<eConversion> conversion;
-    const auto read = [&] {
-        conversion = std::make_unique<eConversion>();
-        conversion->json = ParseJson(ReadFile(&reading));
+    eFileAtWork reading(input, ConversionReport::kReadingLine);
+    std::unique_ptr<eConvertedText> text;
+    const auto convert = [&] {
+        text = std::make_unique<eConvertedText>();
+        eSdlFromJson sink(text.get(), &reading);
+        FeedJson(ReadFile(&reading), &sink);
     };
-    if (!Succeeds(ConversionReport::kReadingLine, read))
+    if (!Succeeds(reading, convert))
         return false;
-    const auto walk = [&] {
-        eJsonWalk(&conversion->text, &conversion->beginning, &reading.place)
-            .WriteJsonValue(std::move(conversion->json));
-    };
-    if (!Succeeds(ConversionReport::kWalkingLine, walk))
-        return false;
-    eFileAtWork writing(output);
-    return Succeeds(ConversionReport::kWritingLine,
-                    [&] { WriteFile(&writing, conversion->beginning, &conversion->text); });
+    eFileAtWork writing(output, ConversionReport::kWritingLine);
+    return Succeeds(writing, [&] { WriteFile(&writing, text->beginning, &text->end); });
 }
