@@ -6,7 +6,6 @@
 #include <qzl_io/sdl.h>
 
 #include "sdl_source.h"
-#include "support/temp_folder.h"
 
 // The statements of docs/sdl-format.md for people who write files by hand.
 namespace {
@@ -58,13 +57,6 @@ TEST(FormatPage, TellsHowTextsAreRead) {
     lines.GetIdent();
     lines.GetIdent();
     EXPECT_NE(ContextOf([&] { lines.GetInt(); }).find(", 1\n"), std::string::npos);
-}
-
-TEST(FormatPage, TellsWhatBecomesOfJson) {
-    const eTempFolder folder;
-    const eFileName input(folder.Write("in.json", "[100000000000000000000]"));
-    EXPECT_TRUE(JsonToSdl(input, eFileName(folder.Name("out.sdl"))));
-    EXPECT_EQ(folder.Read("out.sdl"), "1e20\r\n");
 }
 
 } // namespace

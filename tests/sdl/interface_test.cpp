@@ -196,7 +196,7 @@ public:
 };
 static_assert(!std::is_abstract_v<eDerivedWriteStream>);
 
-// --- Ciphers and JSON ---
+// --- Ciphers ---
 
 class eDerivedCipher : public eSDLCipher {
 public:
@@ -205,8 +205,6 @@ public:
     size_t Encode(void*, size_t, const void*, size_t) override { return 0; }
 };
 static_assert(!std::is_abstract_v<eDerivedCipher>);
-
-static_assert(Is<bool (*)(const eFileName&, const eFileName&)>(&JsonToSdl));
 
 } // namespace
 

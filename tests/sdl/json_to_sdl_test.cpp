@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <type_traits>
 
 #include <gmock/gmock.h>
 
@@ -11,6 +12,8 @@
 #include "support/temp_folder.h"
 
 namespace {
+
+static_assert(std::is_same_v<decltype(&JsonToSdl), bool (*)(const eFileName&, const eFileName&)>);
 
 using testing::HasSubstr;
 
@@ -319,6 +322,14 @@ TEST_F(JsonToSdlTest, RunsInSeveralThreadsAtOnce) {
     for (int number = 0; number < 4; ++number)
         EXPECT_EQ(folder.Read(std::to_string(number) + ".sdl"),
                   "{b\r\n\t1\r\n\t2\r\n\t{\r\n\t\t{a \"x\"}\r\n\t}\r\n}\r\n{a}\r\n{b 2}\r\n");
+}
+
+// As docs/sdl-format.md says.
+TEST(FormatPage, TellsWhatBecomesOfJson) {
+    const eTempFolder folder;
+    const eFileName input(folder.Write("in.json", "[100000000000000000000]"));
+    EXPECT_TRUE(JsonToSdl(input, eFileName(folder.Name("out.sdl"))));
+    EXPECT_EQ(folder.Read("out.sdl"), "1e20\r\n");
 }
 
 } // namespace

@@ -1,12 +1,16 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <string>
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "short_file.h"
+#include "support/platform/posix/fault.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
@@ -51,4 +55,33 @@ TEST(JsonFile, ThatTheDiskDoesNotTakeIsAFailedConversion) {
         EXPECT_EQ(reports.warnings()[0].message, full + " - write error!");
         EXPECT_NE(reports.warnings()[0].context.find(full), std::string::npos);
     }
+}
+
+TEST(JsonFile, ThatFailsWhileItIsReadEndsTheConversionWithOneWarning) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not reach the test program";
+    const eTempFolder folder;
+    const std::string name = folder.Write("in.json", '[' + std::string(200'000, ' ') + ']');
+    int reported = 0;
+    const int failures = FailEachCall("pread", EIO, [&] {
+        const eReports reports;
+        if (JsonToSdl(eFileName(name), eFileName(folder.Name("out.sdl"))))
+            return;
+        ++reported;
+        ASSERT_EQ(reports.warnings().size(), 1u);
+        EXPECT_EQ(reports.warnings()[0].message, name + " - read error!");
+        EXPECT_THAT(reports.warnings()[0].context,
+                    testing::HasSubstr("could not be read to its end: Input/output error."));
+    });
+    EXPECT_GE(reported, std::max(failures - 1, 1));
+}
+
+TEST(JsonFile, ThatIsAFifoIsRefused) {
+    const eTempFolder folder;
+    const std::string fifo = folder.Name("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    const eReports reports;
+    EXPECT_FALSE(JsonToSdl(eFileName(fifo), eFileName(folder.Name("out.sdl"))));
+    ASSERT_EQ(reports.warnings().size(), 1u);
+    EXPECT_EQ(reports.warnings()[0].message, fifo + " - open error!");
 }

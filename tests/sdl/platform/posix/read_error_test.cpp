@@ -12,7 +12,6 @@
 #include "sdl/sdl_source.h"
 #include "short_file.h"
 #include "support/platform/posix/fault.h"
-#include "support/reports.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -33,21 +32,11 @@ int TokensIn(eSDLReader reader) {
     return tokens;
 }
 
-// Makes each read of the action fail once, one after another, and returns the number of failures.
-int FailEachRead(const std::function<void()>& action) {
-    for (int failures = 0;; ++failures) {
-        const eFault fault("pread", EIO, failures + 1);
-        action();
-        if (!fault.Struck())
-            return failures;
-    }
-}
-
 // `load` returns the number of tokens read. If the read that finds the end of the file fails, nothing is lost.
 void ExpectReported(const std::function<int()>& load, const std::string& name) {
     const int all = load();
     int reported = 0;
-    const int failures = FailEachRead([&] {
+    const int failures = FailEachCall("pread", EIO, [&] {
         try {
             EXPECT_EQ(load(), all);
         } catch (const xError::eException& exception) {
@@ -111,21 +100,6 @@ TEST_F(ReadErrors, OfAnIncludedFileLeaveTheReaderWhereItWas) {
     EXPECT_EQ(reader.GetInt(), 2);
 }
 
-TEST_F(ReadErrors, EndAConversionWithOneWarning) {
-    const std::string name = folder.Write("in.json", '[' + std::string(200'000, ' ') + ']');
-    int reported = 0;
-    const int failures = FailEachRead([&] {
-        const eReports reports;
-        if (JsonToSdl(eFileName(name), eFileName(folder.Name("out.sdl"))))
-            return;
-        ++reported;
-        ASSERT_EQ(reports.warnings().size(), 1u);
-        EXPECT_EQ(reports.warnings()[0].message, name + " - read error!");
-        EXPECT_THAT(reports.warnings()[0].context, HasSubstr("could not be read to its end: Input/output error."));
-    });
-    EXPECT_GE(reported, std::max(failures - 1, 1));
-}
-
 TEST_F(ReadErrors, AFileThatEndsEarlyIsOneWithoutAReasonOfTheSystems) {
     const std::string shorter = FileShorterThanItSays();
     if (shorter.empty())
@@ -154,10 +128,6 @@ TEST_F(ReadErrors, AFifoIsRefusedAsAFolderIs) {
     eSDLReader reader = ReaderOf("1");
     reader.Include(eFileName(fifo));
     EXPECT_EQ(reader.GetInt(), 1);
-    const eReports reports;
-    EXPECT_FALSE(JsonToSdl(eFileName(fifo), eFileName(folder.Name("out.sdl"))));
-    ASSERT_EQ(reports.warnings().size(), 1u);
-    EXPECT_EQ(reports.warnings()[0].message, fifo + " - open error!");
 }
 
 } // namespace

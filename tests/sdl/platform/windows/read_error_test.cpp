@@ -10,7 +10,6 @@
 
 #include "sdl/sdl_source.h"
 #include "support/platform/windows/import_table.h"
-#include "support/reports.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -35,11 +34,6 @@ TEST(ReadErrors, AreReportedWithTheSystemsReason) {
     const auto include = [&] { ReaderOf("1").Include(eFileName(name)); };
     EXPECT_EQ(FailureOf(include).message, name + " - read error!");
     EXPECT_THAT(ContextOf(include), HasSubstr(reason));
-    const eReports reports;
-    EXPECT_FALSE(JsonToSdl(eFileName(name), eFileName(folder.Name("out.sdl"))));
-    ASSERT_EQ(reports.warnings().size(), 1u);
-    EXPECT_EQ(reports.warnings()[0].message, name + " - read error!");
-    EXPECT_THAT(reports.warnings()[0].context, HasSubstr(reason));
 }
 
 } // namespace

@@ -48,3 +48,13 @@ private:
     int calls = 0;
     bool struck = false;
 };
+
+// Makes each call of `function` in the action fail once, one after another, and returns the number of failures.
+inline int FailEachCall(const std::string& function, int error, const std::function<void()>& action) {
+    for (int failures = 0;; ++failures) {
+        const eFault fault(function, error, failures + 1);
+        action();
+        if (!fault.Struck())
+            return failures;
+    }
+}
