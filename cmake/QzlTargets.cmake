@@ -11,12 +11,17 @@ function(qzl_own_target target)
         $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:-Werror>)
 endfunction()
 
-# qzl_add_library(name): the shared library of the calling folder, with <name/export.h> and every source of the
-# folder and of its folder for the platform.
+# qzl_add_library(name [LEAVE_OUT regex]): the library of the calling folder, shared or static as BUILD_SHARED_LIBS says,
+# with <name/export.h> and every source of the folder and of its folder for the platform, except those whose path in the
+# folder matches.
 function(qzl_add_library name)
-    file(GLOB sources CONFIGURE_DEPENDS *.cpp streams/*.cpp sdl/*.cpp json/*.cpp files/*.cpp machine/*.cpp
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" LEAVE_OUT "")
+    file(GLOB sources RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS *.cpp streams/*.cpp sdl/*.cpp json/*.cpp files/*.cpp machine/*.cpp
         platform/${QZL_PLATFORM}/*.cpp)
-    add_library(${name} SHARED ${sources})
+    if(arg_LEAVE_OUT)
+        list(FILTER sources EXCLUDE REGEX ${arg_LEAVE_OUT})
+    endif()
+    add_library(${name} ${sources})
     qzl_own_target(${name})
     target_compile_features(${name} PUBLIC cxx_std_20)
     target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-semantic-interposition>)
@@ -26,18 +31,20 @@ function(qzl_add_library name)
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}
         INSTALL_RPATH "$ORIGIN")
-    if(QZL_PLATFORM STREQUAL posix)
+    string(TOUPPER ${name} upper)
+    generate_export_header(${name}
+        BASE_NAME ${upper}
+        EXPORT_MACRO_NAME ${upper}_API
+        EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/include/${name}/export.h)
+    if(NOT BUILD_SHARED_LIBS)
+        target_compile_definitions(${name} PUBLIC ${upper}_STATIC_DEFINE)
+    elseif(QZL_PLATFORM STREQUAL posix)
         target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions)
     else()
         set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib")
         configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/version.rc @ONLY)
         target_sources(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
     endif()
-    string(TOUPPER ${name} upper)
-    generate_export_header(${name}
-        BASE_NAME ${upper}
-        EXPORT_MACRO_NAME ${upper}_API
-        EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/include/${name}/export.h)
 endfunction()
 
 # qzl_add_optional_folder(folder option): adds the folder's targets if the option is on and the folder has any.

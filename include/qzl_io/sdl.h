@@ -3,8 +3,12 @@
 // SDL, the structured text format: reading, writing, keyword tables and the conversion from JSON.
 
 #include <qzl_io/sdl/cipher.h>
-#include <qzl_io/sdl/json_to_sdl.h>
 #include <qzl_io/sdl/keyword.h>
 #include <qzl_io/sdl/parser.h>
 #include <qzl_io/sdl/reader.h>
 #include <qzl_io/sdl/writer.h>
+
+// Not there if the library was built without it.
+#if __has_include(<qzl_io/sdl/json_to_sdl.h>)
+#include <qzl_io/sdl/json_to_sdl.h>
+#endif

@@ -2,20 +2,27 @@
 #include <qzl_io/qzl_io.h>
 
 #include <iostream>
+#include <thread>
 
 static eSDLKeyword* words;
 static eSDLKeyword lamp(words, "lamp", 1);
 
-int main() {
-    const eFileName file("lamp.sdl");
-    {
-        eSDLWriter writer(file);
-        writer.PushKeywords(words);
-        writer << block{lamp.id} << "sun" << 1200 << endb;
-    }
+static void Write(const eFileName& file) {
+    eSDLWriter writer(file);
+    writer.PushKeywords(words);
+    writer << block{lamp.id} << "sun" << 1200 << endb;
+}
+
+static void Read(const eFileName& file) {
     const eFileName title = file.GetItem(Title);
     eSDLReader reader(file, title.c_str(), nullptr);
     std::cout << reader.GetString() << " " << reader.GetInt() << ", ";
+}
+
+int main() {
+    const eFileName file("lamp.sdl");
+    Write(file);
+    std::thread(Read, file).join();
     try {
         xError::Error(__FILE__, __LINE__, "reported across the library's border", false);
     } catch (const xError::eException& error) {

@@ -1,0 +1,8 @@
+// Stands in for cpprestsdk's precompiled header: what its JSON part needs, without the network.
+#pragma once
+
+#include <cpprest/json.h>
+
+#include <cpprest/asyncrt_utils.h>
+
+#include <array>

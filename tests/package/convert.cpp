@@ -1,0 +1,10 @@
+#include <qzl_io/qzl_io.h>
+
+#include <fstream>
+#include <iostream>
+
+int main() {
+    std::ofstream("lamp.json") << R"({"lamp": 1200})";
+    if (JsonToSdl(eFileName("lamp.json"), eFileName("converted.sdl")))
+        std::cout << std::ifstream("converted.sdl").rdbuf();
+}
