@@ -1,4 +1,5 @@
 #include <iostream>
+#include <string>
 
 #include <qzl_io/sdl.h>
 

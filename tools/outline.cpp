@@ -1,6 +1,7 @@
 #include "outline.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include <qzl_base/error.h>
 

@@ -1,5 +1,6 @@
 #include "terminal.h"
 
+#include <cstddef>
 #include <iostream>
 
 #include "platform/terminal_output.h"

@@ -1,5 +1,9 @@
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "../platform/raw_file.h"

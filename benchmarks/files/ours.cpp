@@ -1,6 +1,9 @@
 #include <qzl_io/streams.h>
 
+#include <array>
+#include <cstdint>
 #include <memory>
+#include <string>
 
 #include "../support/stream_values.h"
 #include "work.h"

@@ -1,3 +1,6 @@
+#include <cstdint>
+#include <string>
+
 #include <google/protobuf/io/zero_copy_stream_impl_lite.h>
 
 #include "../support/coded_values.h"

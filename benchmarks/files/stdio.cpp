@@ -1,6 +1,9 @@
+#include <array>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
+#include <string>
 
 #include "work.h"
 

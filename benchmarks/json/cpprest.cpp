@@ -1,7 +1,9 @@
 #include <cpprest/json.h>
 
+#include <array>
 #include <charconv>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "../platform/raw_file.h"

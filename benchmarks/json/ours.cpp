@@ -1,6 +1,8 @@
 #include <qzl_io/sdl.h>
 
+#include <cstdint>
 #include <stdexcept>
+#include <string>
 
 #include "work.h"
 

@@ -2,8 +2,11 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "../support/suite.h"
 #include "names.h"

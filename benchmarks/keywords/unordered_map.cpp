@@ -1,5 +1,8 @@
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "../support/suite.h"
 #include "names.h"

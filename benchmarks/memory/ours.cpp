@@ -1,8 +1,11 @@
 #include <qzl_io/sdl.h>
 #include <qzl_io/streams.h>
 
+#include <cstdint>
 #include <map>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "../support/keywords.h"
 #include "../support/read_bare.h"

@@ -1,7 +1,9 @@
 #include <libconfig.h++>
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <string>
 
 #include "../support/checksum.h"
 #include "../support/work_folder.h"

@@ -1,4 +1,6 @@
+#include <cstdint>
 #include <memory>
+#include <string>
 
 #include "../platform/raw_file.h"
 #include "../support/read_bare.h"

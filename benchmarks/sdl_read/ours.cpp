@@ -1,7 +1,11 @@
 #include <qzl_io/sdl.h>
 #include <qzl_io/streams.h>
 
+#include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "../support/keywords.h"
 #include "../support/sum_scene.h"

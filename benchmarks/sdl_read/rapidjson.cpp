@@ -1,7 +1,9 @@
 #include <rapidjson/filereadstream.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <string>
 
 #include "../support/read_json.h"
 #include "../support/work_folder.h"

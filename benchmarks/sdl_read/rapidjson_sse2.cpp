@@ -2,6 +2,8 @@
 namespace rapidjson_sse2 {}
 namespace rapidjson = rapidjson_sse2;
 
+#include <string>
+
 #include "../support/read_json.h"
 #include "scene.h"
 

@@ -1,3 +1,6 @@
+#include <cstdint>
+#include <string>
+
 #include <toml++/toml.h>
 
 #include "../support/checksum.h"

@@ -1,7 +1,10 @@
+#include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "../support/read_bare.h"
 #include "scene.h"

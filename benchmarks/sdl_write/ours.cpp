@@ -1,6 +1,7 @@
 #include <qzl_io/sdl.h>
 #include <qzl_io/streams.h>
 
+#include <cstdint>
 #include <string>
 
 #include "../support/keywords.h"

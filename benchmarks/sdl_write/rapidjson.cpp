@@ -1,6 +1,7 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <cstdint>
 #include <cstring>
 
 #include "../support/read_json.h"

@@ -1,4 +1,7 @@
+#include <cstdint>
 #include <filesystem>
+#include <string>
+#include <system_error>
 
 #include "tree.h"
 

@@ -1,3 +1,6 @@
+#include <cstdint>
+#include <string>
+
 #include <qzl_io/system.h>
 
 #include "tree.h"

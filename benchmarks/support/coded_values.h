@@ -3,6 +3,7 @@
 #include <google/protobuf/io/coded_stream.h>
 
 #include <bit>
+#include <cstdint>
 
 #include "../typed_values/values.h"
 

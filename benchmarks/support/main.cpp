@@ -1,12 +1,17 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <map>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "../platform/process.h"
 #include "documents.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include <qzl_io/streams.h>
 
 #include "../typed_values/values.h"

@@ -2,6 +2,7 @@
 
 #include <qzl_io/sdl.h>
 
+#include <cstdint>
 #include <string>
 
 #include "checksum.h"

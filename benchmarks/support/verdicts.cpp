@@ -1,6 +1,8 @@
 #include "verdicts.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
 
 namespace bench {
 namespace {

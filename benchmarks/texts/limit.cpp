@@ -1,4 +1,6 @@
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "../support/by_hand.h"
 #include "texts.h"

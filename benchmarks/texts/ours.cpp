@@ -1,6 +1,8 @@
 #include <qzl_io/streams.h>
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "../typed_values/values.h"
 #include "texts.h"

@@ -1,5 +1,7 @@
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "../support/by_hand.h"

@@ -1,5 +1,6 @@
 #include <qzl_io/streams.h>
 
+#include <cstdint>
 #include <memory>
 
 #include "../support/stream_values.h"

@@ -1,6 +1,8 @@
 #include <google/protobuf/io/zero_copy_stream_impl_lite.h>
 
+#include <cstdint>
 #include <memory>
+#include <string>
 
 #include "../support/coded_values.h"
 

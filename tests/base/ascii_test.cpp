@@ -1,5 +1,6 @@
 #include "qzl_base/shared/ascii.h"
 
+#include <cstddef>
 #include <string_view>
 
 #include <gtest/gtest.h>

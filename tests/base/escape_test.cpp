@@ -1,5 +1,6 @@
 #include <qzl_base/convert.h>
 
+#include <cstddef>
 #include <random>
 #include <string>
 

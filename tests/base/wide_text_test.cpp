@@ -1,6 +1,7 @@
 #include <qzl_base/convert.h>
 
 #include <array>
+#include <cstddef>
 #include <random>
 #include <string>
 #include <vector>

@@ -1,5 +1,6 @@
 #include <qzl_io/sdl/ids.h>
 
+#include <cstddef>
 #include <string>
 #include <type_traits>
 #include <vector>

@@ -1,5 +1,6 @@
 #include <qzl_io/sdl.h>
 
+#include <concepts>
 #include <map>
 #include <memory>
 #include <string>

@@ -7,6 +7,8 @@
 #include <iterator>
 #include <limits>
 #include <map>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
 #include <array>
+#include <cstddef>
 #include <random>
 #include <string>
 #include <string_view>

@@ -1,5 +1,6 @@
 #include "json/text.h"
 
+#include <cstddef>
 #include <random>
 #include <string>
 

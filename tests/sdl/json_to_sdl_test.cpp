@@ -1,10 +1,12 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <set>
 #include <string>
 #include <thread>
 #include <type_traits>
+#include <vector>
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,5 @@
 #include <climits>
+#include <cstddef>
 #include <string>
 #include <vector>
 

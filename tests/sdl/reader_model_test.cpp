@@ -1,12 +1,14 @@
 #include "reader_model.h"
 
 #include <cmath>
+#include <cstddef>
 #include <functional>
 #include <iterator>
 #include <memory>
 #include <random>
 #include <sstream>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 

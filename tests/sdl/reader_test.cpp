@@ -1,6 +1,8 @@
 #include <qzl_io/sdl/reader.h>
 
 #include <cmath>
+#include <cstddef>
+#include <filesystem>
 #include <limits>
 #include <memory>
 #include <stdexcept>

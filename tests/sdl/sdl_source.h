@@ -3,6 +3,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <qzl_base/error.h>
 #include <qzl_io/sdl/reader.h>

@@ -2,7 +2,9 @@
 
 #include <cmath>
 #include <limits>
+#include <ostream>
 #include <stdexcept>
+#include <string>
 
 #include <gtest/gtest.h>
 

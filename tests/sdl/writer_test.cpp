@@ -1,5 +1,6 @@
 #include <qzl_io/sdl/writer.h>
 
+#include <cstddef>
 #include <memory>
 #include <stdexcept>
 

@@ -1,6 +1,7 @@
 #include "platform/pure/copy_steps.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "platform/pure/extended_name.h"
 
+#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>

@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <string>
 #include <system_error>
 #include <thread>

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <thread>

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <concepts>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>

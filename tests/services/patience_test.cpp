@@ -1,6 +1,8 @@
 #include "platform/pure/patience.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <vector>
 
 #include <gtest/gtest.h>

@@ -1,7 +1,10 @@
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 #include <vector>

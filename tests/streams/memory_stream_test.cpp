@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <new>
 #include <set>
 #include <string>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 #include <qzl_base/error.h>
 #include <qzl_io/streams.h>

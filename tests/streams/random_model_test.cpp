@@ -8,6 +8,7 @@
 #include <random>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <qzl_io/streams.h>

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <charconv>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 // Receives the content of a JSON text in the order of the document.
 class eJsonContent {

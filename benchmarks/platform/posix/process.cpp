@@ -9,7 +9,10 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <string>
+#include <system_error>
 #include <thread>
+#include <vector>
 
 namespace bench::platform {
 namespace {

@@ -7,7 +7,9 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <string>
 #include <system_error>
 
 namespace bench::platform {

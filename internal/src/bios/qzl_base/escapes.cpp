@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 #include <emmintrin.h>
+#include <string>
+#include <string_view>
 
 #include "qzl_base/shared/ascii.h"
 #include "qzl_base/shared/escapes.h"

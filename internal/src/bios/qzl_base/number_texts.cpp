@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstring>
 #include <emmintrin.h>
+#include <string>
+#include <string_view>
 
 #include "qzl_base/shared/powers_of_ten.h"
 

@@ -1,6 +1,7 @@
 #include <qzl_base/stack_entry.h>
 
 #include <cstddef>
+#include <mutex>
 #include <new>
 #include <vector>
 

@@ -1,7 +1,10 @@
 #include <qzl_base/convert.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include <qzl_base/error.h>
 

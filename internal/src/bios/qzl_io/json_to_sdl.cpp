@@ -1,5 +1,6 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <memory>

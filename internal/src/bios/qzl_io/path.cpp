@@ -1,5 +1,7 @@
 #include <qzl_io/system/path.h>
 
+#include <memory>
+
 #include <qzl_io/system/file.h>
 #include <qzl_io/system/search.h>
 

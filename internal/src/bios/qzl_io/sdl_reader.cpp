@@ -1,6 +1,7 @@
 #include <qzl_io/sdl/reader.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <new>
 #include <utility>
 

@@ -1,3 +1,5 @@
+#include <string>
+
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>

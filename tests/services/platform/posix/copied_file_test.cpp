@@ -1,12 +1,15 @@
 // The target of a copy on this system: permissions, links to it, other names, kinds of files, holes.
 #include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,9 +1,11 @@
 // The units under test are compiled here, so that a folder can be replaced between any two of their steps, and with
 // listings that do not tell the kind of their entries, as on some file systems.
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>

@@ -1,8 +1,11 @@
 #include <atomic>
 #include <cerrno>
+#include <cstddef>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <windows.h>
 

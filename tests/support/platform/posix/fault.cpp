@@ -1,5 +1,6 @@
 #include "fault.h"
 
+#include <cstddef>
 #include <utility>
 
 #include <dirent.h>

@@ -1,6 +1,7 @@
 #include "support/platform/windows/strict_names.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <string_view>
 
 #include <windows.h>

@@ -1,14 +1,17 @@
+#include <cstddef>
 #include <mutex>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
 #include <cpprest/json.h>
 #include <qzl_base/convert.h>
 
+#include "qzl_base/shared/unicode.h"
 #include "json/sink.h"
 #include "json/text.h"
-#include "qzl_base/shared/unicode.h"
 
 namespace {
 

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <mutex>
 
 #include "qzl_base/shared/ascii.h"

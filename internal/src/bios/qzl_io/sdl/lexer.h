@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 
 #include "qzl_base/shared/ascii.h"
 #include "qzl_base/shared/powers_of_ten.h"

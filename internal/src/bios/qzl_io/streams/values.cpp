@@ -1,6 +1,10 @@
 #include <qzl_io/streams/stream.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <utility>
 
 #include "streams/operation.h"
 #include "streams/reports.h"

@@ -1,5 +1,6 @@
 #include "platform/code_page.h"
 
+#include <cstddef>
 #include <limits>
 
 #include <windows.h>

@@ -1,6 +1,7 @@
 #include "platform/characters.h"
 
 #include <cctype>
+#include <cwchar>
 #include <cwctype>
 
 namespace IO::Platform {

@@ -1,6 +1,7 @@
 #include "platform/posix/copy_content.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <memory>
 
 #include <sys/sendfile.h>

@@ -1,5 +1,6 @@
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <string>
 #include <string_view>
 

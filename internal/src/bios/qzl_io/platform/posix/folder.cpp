@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>

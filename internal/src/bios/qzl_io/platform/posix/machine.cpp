@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 

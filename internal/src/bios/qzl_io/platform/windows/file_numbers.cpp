@@ -1,6 +1,7 @@
 #include "platform/windows/file_numbers.h"
 
 #include <cstring>
+#include <string>
 
 namespace IO::Platform {
 

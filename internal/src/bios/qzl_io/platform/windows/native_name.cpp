@@ -1,6 +1,7 @@
 #include "platform/windows/native_name.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "platform/pure/extended_name.h"
