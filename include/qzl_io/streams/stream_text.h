@@ -42,7 +42,7 @@ public:
 private:
     struct eTarget {
         eStream* stream; // null after a move, or if there was no memory for it
-        bool opened;     // here, so that it is deleted here
+        bool opened;     // here, so deleted here
 
         bool operator==(const eTarget&) const = default;
     };

@@ -56,11 +56,11 @@ public:
     // Starts a new search and releases an earlier one.
     void Begin(const FileName& folder, const FileName& mask);
 
-    // Moves on; Valid tells whether there was another entry. Without one the last entry's name and facts stay.
+    // Moves to the next entry; Valid tells whether there is one. If not, the last entry's name and facts remain.
     void Next();
 
-    // Releases the listing and forgets the entry, but leaves Valid as it was: end a search after Valid has become
-    // false, or do not ask it afterwards.
+    // Releases the listing and forgets the entry, but leaves Valid unchanged: call End after Valid has become false, or
+    // do not call Valid afterwards.
     void End();
 
     // Whether there is a current entry.
@@ -71,8 +71,8 @@ public:
     // True for a folder other than "." and "..".
     bool IsSubfolder() const;
 
-    // True for an entry that leads elsewhere: a symbolic link, on Windows a junction, too. It is a file or a subfolder
-    // besides; a walk that goes down into subfolders leaves the tree, or never ends, where it goes down into links.
+    // True for an entry that leads elsewhere: a symbolic link, on Windows also a junction. It is also a file or a
+    // subfolder. A walk that enters links leaves the tree, or never ends.
     bool IsLink() const;
 
     // The entry's name without the folder; empty without an entry. Valid until the search moves on.

@@ -40,7 +40,7 @@ std::size_t WidenAscii(wchar_t* out, std::string_view text) {
     return run;
 }
 
-// Puts a character beyond ASCII and gives the end.
+// Writes a character beyond ASCII and returns the end.
 wchar_t* Put(wchar_t* out, char32_t code) {
     if (unicode::kIsWideUtf16 && unicode::IsPaired(code)) {
         *out++ = static_cast<wchar_t>(unicode::HighSurrogate(code));

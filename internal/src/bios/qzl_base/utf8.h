@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-// Whole texts in UTF-8 and in wchar_t; each ill-formed part becomes one U+FFFD.
+// Conversions of whole texts between UTF-8 and wchar_t; each ill-formed part becomes one U+FFFD.
 
 namespace utf8 {
 

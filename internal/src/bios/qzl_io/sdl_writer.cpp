@@ -265,7 +265,7 @@ void eSDLTextStream::Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> ciph
     Empty();
 }
 
-// The text is emptied first, for a part of it is gone if the target throws.
+// The text is emptied first, since a part of it is lost if the target throws.
 void eSDLTextStream::WriteReleasing(IO::eStream& target) {
     const unsigned long long size = Size();
     Empty();

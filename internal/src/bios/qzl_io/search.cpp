@@ -7,13 +7,13 @@
 
 namespace IO {
 
-// A place in a listing: the entry there, of which the rest is asked for when it is wanted.
+// A place in a listing: the current entry, whose pending facts are queried on demand.
 template <class Char, class FileName>
 class eSearchOf<Char, FileName>::eCursor {
 public:
     using Entry = Platform::eListedEntry<Char>;
 
-    // Null when nothing matches.
+    // Null if nothing matches.
     static std::unique_ptr<eCursor> First(const Char* pattern) {
         Entry first;
         auto listing = Platform::FirstEntry(pattern, &first);

@@ -3,11 +3,11 @@
 #include <cstddef>
 #include <string_view>
 
-// Unicode characters and the units that they are written in: bytes of UTF-8, surrogate pairs of UTF-16.
+// Unicode characters and the units that encode them: bytes of UTF-8, surrogate pairs of UTF-16.
 
 namespace unicode {
 
-inline constexpr char32_t kReplacement = 0xfffd; // stands for what is ill-formed
+inline constexpr char32_t kReplacement = 0xfffd; // replaces what is ill-formed
 inline constexpr char32_t kLastCode = 0x10ffff;
 inline constexpr bool kIsWideUtf16 = sizeof(wchar_t) == 2; // otherwise a wchar_t is a character
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -22,7 +22,7 @@ constexpr bool IsLowSurrogate(char32_t unit) {
     return unit >= 0xdc00 && unit <= 0xdfff;
 }
 
-// Whether UTF-16 has a pair for the code, and its halves, which come in this order.
+// Whether UTF-16 encodes the character as a pair, and the two halves in their order.
 constexpr bool IsPaired(char32_t code) {
     return code > 0xffff && code <= kLastCode;
 }
@@ -37,8 +37,8 @@ constexpr char32_t OfPair(char32_t high, char32_t low) {
     return 0x10000 + ((high - 0xd800) << 10) + (low - 0xdc00);
 }
 
-// What a text begins with: a character and the number of its units; kReplacement and the size of the ill-formed part
-// where it begins with none.
+// The first character of a text and the number of its units; if the text begins with none, kReplacement and the size of
+// the ill-formed part.
 struct eCharacter {
     char32_t code;
     std::size_t units;
@@ -72,7 +72,7 @@ constexpr eSequence SequenceOf(unsigned char first) {
     }
 }
 
-// Of UTF-8 that begins with a byte beyond ASCII.
+// For UTF-8 that begins with a byte beyond ASCII.
 constexpr eCharacter FirstBeyondAscii(std::string_view text) {
     const auto byteAt = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     const eSequence sequence = SequenceOf(byteAt(0));
@@ -87,13 +87,13 @@ constexpr eCharacter FirstBeyondAscii(std::string_view text) {
     return {code, sequence.total, true};
 }
 
-// Of UTF-8 that is not empty.
+// For UTF-8 that is not empty.
 constexpr eCharacter FirstOf(std::string_view text) {
     const auto first = static_cast<unsigned char>(text[0]);
     return first < 0x80 ? eCharacter{first, 1, true} : FirstBeyondAscii(text);
 }
 
-// Of a wide text that is not empty. Lone surrogates and values that are no characters are ill-formed.
+// For a wide text that is not empty. Lone surrogates and values that are not characters are ill-formed.
 constexpr eCharacter FirstOf(std::wstring_view text) {
     const auto first = static_cast<char32_t>(text[0]);
     if (kIsWideUtf16 && IsHighSurrogate(first) && text.size() > 1 && IsLowSurrogate(static_cast<char32_t>(text[1])))
@@ -102,14 +102,14 @@ constexpr eCharacter FirstOf(std::wstring_view text) {
     return {wellFormed ? first : kReplacement, 1, wellFormed};
 }
 
-// The number of bytes that a character beyond ASCII has in UTF-8.
+// The number of bytes of a character beyond ASCII in UTF-8.
 constexpr std::size_t BytesBeyondAscii(char32_t code) {
     if (code < 0x800)
         return 2;
     return code < 0x10000 ? 3 : 4;
 }
 
-// Puts a character beyond ASCII as UTF-8 and gives the end.
+// Writes a character beyond ASCII as UTF-8 and returns the end.
 constexpr char* PutBeyondAscii(char* out, char32_t code) {
     const std::size_t total = BytesBeyondAscii(code);
     for (std::size_t at = total - 1; at > 0; --at, code >>= 6)

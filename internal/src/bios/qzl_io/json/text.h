@@ -48,7 +48,7 @@ inline bool IsUtf8(std::string_view text) {
 inline constexpr std::size_t kEscapeSize = 6;
 inline constexpr char32_t kNoUnit = ~char32_t{0};
 
-// The code unit of the escape "\uHHHH" that `text` begins with, kNoUnit when it begins with none.
+// The code unit of the escape "\uHHHH" at the beginning of `text`; kNoUnit if there is none.
 constexpr char32_t EscapedUnit(std::string_view text) {
     if (text.size() < kEscapeSize || text[0] != '\\' || text[1] != 'u')
         return kNoUnit;

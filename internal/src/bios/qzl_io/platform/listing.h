@@ -5,16 +5,16 @@
 
 namespace IO::Platform {
 
-// What a listing tells of one entry.
+// The facts that a listing gives about one entry.
 template <class Char>
 struct eListedEntry {
-    std::basic_string<Char> name; // up to its first NUL; what is after it is room for longer names
+    std::basic_string<Char> name; // up to its first NUL; the rest is room for longer names
 
-    bool kindPending = false; // the next two are still to be asked for
+    bool kindPending = false; // the next two have yet to be queried
     bool isFolder = false;    // or a link to one
-    bool isLink = false;      // what leads elsewhere
+    bool isLink = false;      // the entry leads elsewhere
 
-    bool detailsPending = false;     // the next two are still to be asked for
+    bool detailsPending = false;     // the next two have yet to be queried
     unsigned long long size = 0;     // in bytes; 0 for anything but a file
     unsigned long long modified = 0; // in steps of 100 ns since 1601-01-01 UTC
 };
@@ -22,15 +22,15 @@ struct eListedEntry {
 // An open listing of one folder. The last owner releases it.
 class eListing;
 
-// Begins to list what matches a pattern and tells the first entry. Null when there is none.
+// Begins to list the matches of a pattern and gets the first entry. Null if there is none.
 template <class Char>
 std::shared_ptr<eListing> FirstEntry(const Char* pattern, eListedEntry<Char>* entry);
 
-// Tells the next entry; false, and what was told before left as it is, when there are no more.
+// Gets the next entry. False, with the entry unchanged, if there are no more.
 template <class Char>
 bool NextEntry(eListing& listing, eListedEntry<Char>* entry);
 
-// Ask for what is pending. What has vanished is a file without size or time.
+// Query what is pending. An entry that has vanished is a file without size or time.
 template <class Char>
 void CompleteKind(eListing& listing, eListedEntry<Char>* entry);
 template <class Char>

@@ -9,7 +9,7 @@ namespace IO::Platform {
 
 namespace {
 
-constexpr char32_t kEscapeBase = 0xDC00; // of a byte: a low surrogate, which no well-formed name holds
+constexpr char32_t kEscapeBase = 0xDC00; // of a byte: a low surrogate, which no well-formed name contains
 
 constexpr bool IsEscapedByte(char32_t character) {
     return character >= kEscapeBase + 0x80 && character <= kEscapeBase + 0xFF;

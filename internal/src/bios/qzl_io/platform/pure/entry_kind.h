@@ -1,6 +1,6 @@
 #pragma once
 
-// What a listed entry is.
+// The kind of a listed entry.
 
 namespace IO::Platform {
 
@@ -8,13 +8,13 @@ namespace IO::Platform {
 // never entered.
 enum class eEntryKind : unsigned char { File, Folder, Link };
 
-// Whether the name stands for the folder that lists it, or for the one above.
+// Whether the name stands for the folder that lists it, or for the folder above.
 template <class Char>
 constexpr bool IsDots(const Char* name) {
     return name[0] == Char('.') && (name[1] == 0 || (name[1] == Char('.') && name[2] == 0));
 }
 
-// The rest: what the attributes of an entry and the tag of its reparse point, as Windows lists them, say of it.
+// The kind by the attributes of an entry and the tag of its reparse point, as Windows lists them.
 
 // A link is a reparse point whose tag says that it stands for another name (a symbolic link, a junction). Any other
 // reparse point is the file or folder that it looks like, stored in a special way: in the cloud, deduplicated,
