@@ -1,15 +1,11 @@
 #pragma once
 
-#include <bit>
-#include <concepts>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string>
-#include <type_traits>
 
 #include <qzl_base/strings.h>
+#include <qzl_io/detail/value_types.h>
 #include <qzl_io/export.h>
 
 // Buffered byte streams and the values on them.
@@ -39,20 +35,11 @@ enum class eSeekDir : int {
     End = 2      // back from the end of the data
 };
 
-// Small characters and integers that would be written as an int by mistake: one byte is char or unsigned char.
-template <class T>
-concept eWrittenTooWide = std::same_as<T, signed char> || std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
-    std::same_as<T, char16_t> || std::same_as<T, char32_t>;
-
-// And what would be written as a bool: functions (manipulators of other classes among them) and all pointers but those
-// to characters.
-template <class T>
-concept eNotAValue = eWrittenTooWide<T> || std::is_member_pointer_v<T> || requires(T value) {
-    requires std::is_pointer_v<decltype(+value)> && !std::convertible_to<T, const char*>;
-};
-
-struct eStreamDirect;
+// Parts of the implementation.
+struct eStreamInline;
+struct eStreamMeans;
 class eStreamOperation;
+class eStreamSteps;
 class eHookRun;
 
 // A sequence of bytes with a position, seen through a buffer. It owns no storage: memory, buffer and file streams bring
@@ -61,27 +48,35 @@ class eHookRun;
 // Values are stored little-endian and without padding; nothing marks their type. No operation ever touches memory
 // outside the buffer. A stream is used by one thread at a time.
 //
-// Reports (xError::Error, made only while Errors is set unless said otherwise) may throw or return; the stream is the
-// same after either, for an operation makes its reports at its end: the bytes are stored, the position is moved, the
-// target of >> is assigned. What a Get function would have returned is lost when the report throws, but its bytes lie
-// before the position. What Overflow and Underflow of a derived class throw waits likewise. (A list is written text by
-// text; a hook that is called from outside reports at once.)
+// An error sets Bad and, while Errors is set, is reported by xError::Error with a fixed message; what is reported
+// whether Errors is set or not says so. The application's handler may return or throw; the stream is the same after
+// either, for an operation makes its reports at its end: the bytes are stored, the position is moved, the target of >>
+// is assigned. What a Get function would have returned is lost when the report throws, but its bytes lie before the
+// position. What Overflow and Underflow of a derived class throw waits likewise. (A list is written text by text; a
+// hook that is called from outside reports at once.)
 class QZL_IO_API eStream {
 public:
     virtual ~eStream(); // releases nothing: the buffer is the subclass's
 
-    // Ends the data at the current position. Before the start of the stream nothing is changed, Bad is set and "Attempt
-    // to write beyond the stream!" is reported.
+    // --- Hooks: the operations below call them, and so may anybody. A subclass that overrides one usually calls
+    // eStream's, which does no more than is said here. ---
+
+    // Ends the data at the current position; called by Clear. Before the start of the stream nothing is changed, Bad is
+    // set and "Attempt to write beyond the stream!" is reported.
     virtual void Trunc();
-    // Hands the modified bytes on to what the stream stands on and clears Modified.
+    // Hands the bytes from the buffer's first to the position on to what the stream stands on, which is left to
+    // subclasses, and clears Modified. Called before the buffer is refilled, if Modified, and before Seek, Reset, Clear
+    // and Skip move the position away from any place but the buffer's first byte, if Write or Modified is set.
     virtual void Flush();
-    // Called when a request does not fit into the buffer or ends exactly at its end. Flushes if Modified; then with
-    // Read refills (Underflow), else only makes the current position the buffer's first byte.
+    // Called when a value does not fit into the buffer or ends exactly at its end, when Write finds no room, and when
+    // the position was moved to a place outside the buffer. Flushes if Modified; then with Read refills (Underflow),
+    // else only makes the current position the buffer's first byte (PlaceBuffer).
     virtual void Overflow();
-    // Refills: makes the current position the buffer's first byte. A position beyond the data sets Bad and is reported
-    // as "Invalid read location!".
+    // Refills: makes the current position the buffer's first byte and fills the buffer from what the stream stands on,
+    // which is left to subclasses. Called by Overflow, and when Read or CopyTo has used the buffer up. A position
+    // beyond the data sets Bad and is reported as "Invalid read location!".
     virtual void Underflow();
-    // Moves the position forward by n bytes (backward by the two's complement), flushing first if the stream writes. A
+    // Moves the position forward by n bytes (backward by the two's complement), flushing first; called by CopyTo. A
     // position beyond the data sets Bad and is reported as "Invalid seek location!".
     virtual eStream& Skip(unsigned long long n);
 
@@ -92,27 +87,27 @@ protected:
 public:
     // --- State ---
 
-    // The buffer's first byte, which is the stream's first byte for streams in memory. Null when there is no buffer.
-    unsigned char* Buffer() const noexcept { return buffer; }
-    // In bytes from the start of the stream.
-    unsigned long long Position() const noexcept { return offset + (Address(ptr) - Address(buffer)); }
-    unsigned long long Size() const noexcept { return offset + (Address(eos) - Address(buffer)); }
+    // The buffer's first byte, which is the stream's first byte for streams in memory. Null if there is no buffer.
+    unsigned char* Buffer() const noexcept;
+    unsigned long long Position() const noexcept; // in bytes from the start of the stream
+    unsigned long long Size() const noexcept;     // of the data, in bytes
     // No data remain, or the stream is Failed or Bad.
-    bool Eos() const noexcept { return Remaining() <= 0 || Enabled(StreamMode::Failed | StreamMode::Bad); }
-    bool IsOpen() const noexcept { return flags != 0 && Disabled(StreamMode::Failed); }
+    bool Eos() const noexcept;
+    // Some flag is set, and Failed is not.
+    bool IsOpen() const noexcept;
 
-    void Enable(unsigned short bits) noexcept { flags = static_cast<unsigned short>(flags | bits); }
-    void Disable(unsigned short bits) noexcept { flags = static_cast<unsigned short>(flags & ~bits); }
-    bool Enabled(unsigned short bits) const noexcept { return (flags & bits) != 0; }  // any of the bits is set
-    bool Disabled(unsigned short bits) const noexcept { return (flags & bits) == 0; } // none of the bits is set
+    void Enable(unsigned short bits) noexcept;         // sets all of the bits
+    void Disable(unsigned short bits) noexcept;        // clears all of the bits
+    bool Enabled(unsigned short bits) const noexcept;  // any of the bits is set
+    bool Disabled(unsigned short bits) const noexcept; // none of the bits is set
 
     // --- Bytes ---
 
     // Reads n bytes. When fewer remain, the target gets those, the position is the end of the data, Bad is set and
     // "Attempt to read beyond the stream!" is reported. n = 0 does nothing.
     eStream& Read(void* target, unsigned long long n);
-    // Reads the bytes that lie in the buffer already, n at most, to the end of the text. Returns how many those were;
-    // none where the buffer is still to be filled.
+    // Reads the bytes that are in the buffer already, n at most, and appends them to the text. Returns how many those
+    // were, 0 if the buffer has yet to be filled; nothing is reported.
     unsigned long long AppendTo(std::string* text, unsigned long long n);
     // Writes n bytes and extends the data when the position passes their end. What finds no room is dropped, Bad is set
     // and one report is made ("Attempt to write beyond the stream!"). n = 0 does nothing. The source may be a part of
@@ -125,143 +120,128 @@ public:
 
     // Moves the position, flushing first if the stream writes. A position beyond the data sets Bad and is reported as
     // "Invalid seek location!"; the end of the data is a legal position. Positions are compared as signed numbers: one
-    // that is more than 2^63 beyond the data lies before the start, whichever way it was reached.
+    // that is more than 2^63 beyond the data lies before the start, whichever way it was reached. There nothing is
+    // touched: reading and writing set Bad and are reported as beyond the stream.
     eStream& Seek(unsigned long long position, eSeekDir dir);
-    // To position 0.
+    // To position 0, as Seek.
     eStream& Reset();
-    // To position 0, and ends the data there.
+    // To position 0, as Seek, and ends the data there.
     eStream& Clear();
 
-    // Copies n bytes (0: all that remain) from this stream's position to the target's; fewer when the source ends
-    // before that, which is not reported. Returns this stream.
+    // Copies n bytes (0: all that remain) from this stream's position to the target's, and moves both; fewer when the
+    // source ends before that, which is not reported. What finds no room is the target's error, as for Write. Returns
+    // this stream.
     eStream& CopyTo(eStream& target, unsigned long long n);
-    // The same seen from the target.
+    // CopyTo seen from the target, which is this stream and is returned.
     eStream& CopyFrom(eStream& source, unsigned long long n);
 
-    // --- Values, written. The position moves on; the data grow when it passes their end. ---
+    // --- Values, written. The position moves on; the data grow when it passes their end. Where there is no room for a
+    // value, its last bytes are dropped and the position moves all the same; whether that is reported is up to the
+    // stream's Overflow. ---
 
-    eStream& operator<<(bool value) { return Put<unsigned char>(value ? 1 : 0); } // one byte, 0 or 1
-    eStream& operator<<(char value) { return Put(value); }
-    eStream& operator<<(unsigned char value) { return Put(value); }
-    eStream& operator<<(short value) { return Put(value); }
-    eStream& operator<<(unsigned short value) { return Put(value); }
-    eStream& operator<<(int value) { return Put(value); }
-    eStream& operator<<(unsigned int value) { return Put(value); }
-    eStream& operator<<(long long value) { return Put(value); }
-    eStream& operator<<(unsigned long long value) { return Put(value); }
-    eStream& operator<<(float value) { return Put(value); }  // the bits of an IEEE-754 binary32
-    eStream& operator<<(double value) { return Put(value); } // the bits of an IEEE-754 binary64
-    // On systems where the 64-bit integers of <cstdint> are long: the same 8 bytes as long long.
-    template <class T>
-    requires(sizeof(T) == 8 && (std::same_as<T, long> || std::same_as<T, unsigned long>)) eStream&
-    operator<<(const T& value) {
-        return Put(value);
-    }
+    eStream& operator<<(bool value); // one byte, 0 or 1
+    eStream& operator<<(char value);
+    eStream& operator<<(unsigned char value);
+    eStream& operator<<(short value);
+    eStream& operator<<(unsigned short value);
+    eStream& operator<<(int value);
+    eStream& operator<<(unsigned int value);
+    eStream& operator<<(long long value);
+    eStream& operator<<(unsigned long long value);
+    eStream& operator<<(float value);  // the bits of an IEEE-754 binary32
+    eStream& operator<<(double value); // the bits of an IEEE-754 binary64
+    template <eLongOf64Bits T>
+    eStream& operator<<(const T& value);
 
-    // A text: its length as one byte, or from 255 up as the byte 255 and three bytes, then the characters up to the
-    // first NUL. A null pointer is the empty text.
-    eStream& operator<<(const char* text) { return PutText(text, text ? std::strlen(text) : 0); }
-    eStream& operator<<(const std::string& text) {
-        return AppendText(text.data(), text.size()) ? *this : PutUpToNul(text.c_str());
-    }
-    // The length counts UTF-16 units, each of two bytes; NUL units are written like others.
-    eStream& operator<<(const std::wstring& text);
-    // The count as 8 bytes, then each text.
-    eStream& operator<<(const eStrings& texts);
+    // Does not compile: a character type or integer that would be written as an int (signed char, wchar_t, ...), a
+    // function or a pointer that would be written as a bool.
     template <eNotAValue T>
     eStream& operator<<(T) = delete;
     eStream& operator<<(std::nullptr_t) = delete;
 
+    // A text: its length as one byte, or from 255 up as the byte 255 and three bytes, then the characters up to the
+    // first NUL. A null pointer is the empty text.
+    eStream& operator<<(const char* text);
+    eStream& operator<<(const std::string& text);
+    // The length counts UTF-16 units, each of two bytes; NUL units are written like others.
+    eStream& operator<<(const std::wstring& text);
+    // The count as 8 bytes, then each text.
+    eStream& operator<<(const eStrings& texts);
+
     // The low n bytes of a value, lowest first, for n from 1 to 4; any other n writes nothing.
     eStream& Bytes(int n, unsigned int value);
 
-    // --- Values, read. The position moves on. Fixed-width values do not look where the data end: behind it they give
-    // what the buffer holds, and zero for bytes outside the buffer. ---
+    // --- Values, read. The position moves on. Any byte but 0 is a true bool. Fixed-width values do not look where the
+    // data end: behind it they give what the buffer holds, and zero for bytes outside the buffer. ---
 
-    eStream& operator>>(bool& value) {
-        if (Shows(1)) [[likely]]
-            value = *ptr++ != 0;
-        else
-            GetToFallback(&value);
-        return *this;
-    }
-    eStream& operator>>(char& value) { return GetTo(value); }
-    eStream& operator>>(unsigned char& value) { return GetTo(value); }
-    eStream& operator>>(short& value) { return GetTo(value); }
-    eStream& operator>>(unsigned short& value) { return GetTo(value); }
-    eStream& operator>>(int& value) { return GetTo(value); }
-    eStream& operator>>(unsigned int& value) { return GetTo(value); }
-    eStream& operator>>(long long& value) { return GetTo(value); }
-    eStream& operator>>(unsigned long long& value) { return GetTo(value); }
-    eStream& operator>>(float& value) { return GetTo(value); }
-    eStream& operator>>(double& value) { return GetTo(value); }
-    template <class T>
-    requires(sizeof(T) == 8 && (std::same_as<T, long> || std::same_as<T, unsigned long>)) eStream&
-    operator>>(T& value) {
-        return GetTo(value);
-    }
+    eStream& operator>>(bool& value);
+    eStream& operator>>(char& value);
+    eStream& operator>>(unsigned char& value);
+    eStream& operator>>(short& value);
+    eStream& operator>>(unsigned short& value);
+    eStream& operator>>(int& value);
+    eStream& operator>>(unsigned int& value);
+    eStream& operator>>(long long& value);
+    eStream& operator>>(unsigned long long& value);
+    eStream& operator>>(float& value);
+    eStream& operator>>(double& value);
+    template <eLongOf64Bits T>
+    eStream& operator>>(T& value);
 
     // A text. Its length is the first byte, or where that is 255 the byte behind it (of a long length only the low 8
     // bits are read). When the data end before the text does, the missing characters are NUL, Bad is set and "Attempt
     // to read beyond the stream!" is reported.
-    eStream& operator>>(std::string& text) {
-        if (Shows(1) && *ptr != kLongText && Shows(*ptr + 1u) && Remaining() > *ptr + 1) [[likely]] {
-            const std::size_t length = *ptr;
-            AssignText(&text, ptr + 1, length);
-            ptr += length + 1;
-            return *this;
-        }
-        return GetTextFallback(&text);
-    }
-    eStream& operator>>(std::wstring& text);
+    eStream& operator>>(std::string& text);
+    eStream& operator>>(std::wstring& text); // likewise, of UTF-16 units
     // Appends the texts of a list. Reading ends with the first text that finds the stream Bad or no byte left, which
     // sets Bad and is reported as a read beyond the stream.
     eStream& operator>>(eStrings& texts);
 
-    bool GetBool() { return Get<unsigned char>() != 0; } // any byte but 0 is true
-    char GetChar() { return Get<char>(); }
-    unsigned char GetUint8() { return Get<unsigned char>(); }
-    short GetInt16() { return Get<short>(); }
-    unsigned short GetUint16() { return Get<unsigned short>(); }
-    int GetInt32() { return Get<int>(); }
-    unsigned int GetUint32() { return Get<unsigned int>(); }
-    long long GetInt64() { return Get<long long>(); }
-    unsigned long long GetUint64() { return Get<unsigned long long>(); }
-    float GetFloat() { return Get<float>(); }
-    double GetDouble() { return Get<double>(); }
+    bool GetBool();
+    char GetChar();
+    unsigned char GetUint8();
+    short GetInt16();
+    unsigned short GetUint16();
+    int GetInt32();
+    unsigned int GetUint32();
+    long long GetInt64();
+    unsigned long long GetUint64();
+    float GetFloat();
+    double GetDouble();
     unsigned int GetTbyte();      // three bytes, zero-extended
     unsigned int GetBytes(int n); // n bytes, zero-extended, for n from 1 to 4; else 0, and nothing is read
     std::string GetString();      // as operator>>
-    // The characters up to the delimiter, which is consumed and left out, or to the end of the data. The line of a
-    // report that throws lies between the position before the call and the one after it.
+    // The characters up to the delimiter, which is consumed and left out, or to the end of the data; none where the
+    // stream is at its end. The line of a report that throws lies between the position before the call and the one
+    // after it.
     std::string GetLine(char delimiter);
 
-    // --- Values, looked at. The same without moving the position. ---
+    // --- Values, looked at: as the Get function, but the position stays. ---
 
-    bool Bool() { return Peek<unsigned char>() != 0; }
-    char Char() { return Peek<char>(); }
-    unsigned char Uint8() { return Peek<unsigned char>(); }
-    short Int16() { return Peek<short>(); }
-    unsigned short Uint16() { return Peek<unsigned short>(); }
-    int Int32() { return Peek<int>(); }
-    unsigned int Uint32() { return Peek<unsigned int>(); }
-    long long Int64() { return Peek<long long>(); }
-    unsigned long long Uint64() { return Peek<unsigned long long>(); }
-    float Float() { return Peek<float>(); }
-    double Double() { return Peek<double>(); }
+    bool Bool();
+    char Char();
+    unsigned char Uint8();
+    short Int16();
+    unsigned short Uint16();
+    int Int32();
+    unsigned int Uint32();
+    long long Int64();
+    unsigned long long Uint64();
+    float Float();
+    double Double();
     unsigned int Tbyte();
     unsigned int Bytes(int n);
 
 protected:
     eStream() noexcept = default; // not open: no buffer, flags 0
-    // The copy has the same state and addresses the same bytes.
+    // The copy has the same state and addresses the same bytes; who releases them is for the subclass to settle.
     eStream(const eStream& other) noexcept;
     eStream& operator=(const eStream& other) noexcept;
     // The other stream is left not open, without a buffer.
     eStream(eStream&& other) noexcept;
     eStream& operator=(eStream&& other) noexcept;
 
-    // --- Primitives for subclasses that bring values of their own ---
+    // --- For subclasses that bring values of their own ---
     //
     // Each calls Overflow first when the request does not end before bufferEnd, and gives a pointer that is good for n
     // bytes until the next operation. Where the buffer has no room for the request even then, the pointer leads to a
@@ -271,55 +251,43 @@ protected:
     // not by Place, as nobody is going to store the bytes.
 
     // The n bytes at the position, which stays.
-    unsigned char* Look(unsigned long long n) { return Fits(n) ? ptr : LookFallback(n); }
+    unsigned char* Look(unsigned long long n);
     // The n bytes at the position, which moves behind them.
-    unsigned char* Take(unsigned long long n) {
-        if (!Fits(n)) [[unlikely]]
-            return TakeFallback(n);
-        unsigned char* const from = ptr;
-        ptr += n;
-        return from;
-    }
+    unsigned char* Take(unsigned long long n);
     // Room for n bytes at the position, which moves behind them; sets Modified and extends the data.
-    unsigned char* Place(unsigned long long n) {
-        if (!Fits(n)) [[unlikely]]
-            return PlaceFallback(n);
-        unsigned char* const to = ptr;
-        Written(n);
-        return to;
-    }
+    unsigned char* Place(unsigned long long n);
+
+    // --- For subclasses that bring storage: they take it into use and set the flags when they open, override the
+    // hooks, and release it in their destructor. ---
+
+    // Takes a block into use as the buffer: data of that length (which may reach beyond the block), position at its
+    // first byte. offset and flags stay. A null block with a size stands for one that could not be allocated. The block
+    // stays the subclass's.
+    void UseBuffer(unsigned char* block, unsigned long long size, unsigned long long length) noexcept;
     // Makes the current position the buffer's first byte; the bytes from there to bufferEnd move with it. A position
     // before the start or beyond the data is reported ("Stream.PlaceBuffer: " and Dump()), Errors set or not.
     void PlaceBuffer();
-
     // There is no buffer, or the position or the whole buffer lies before what the buffer can show.
     bool Blocked() const noexcept;
     // The position lies before the start of the stream.
-    bool BeforeStart() const noexcept { return static_cast<long long>(Position()) < 0; }
+    bool BeforeStart() const noexcept;
     // bufferEnd - buffer, or while bufferEnd is kept null what that was before.
     unsigned long long Capacity() const noexcept;
-    // Moves the position, to a place outside the buffer too, and keeps the invariant below.
-    void MoveTo(unsigned char* place) noexcept;
-    // Takes a block into use as the buffer: data of that length (which may reach beyond the block), position at its
-    // first byte. offset and flags stay. A null block with a size stands for one that could not be allocated.
-    void UseBuffer(unsigned char* block, unsigned long long size, unsigned long long length) noexcept;
     // Sets bufferEnd to the capacity, or as the invariant below wants it.
     void SetCapacity(unsigned long long size) noexcept;
+    // Moves the position, to a place outside the buffer too, and keeps the invariant below.
+    void MoveTo(unsigned char* place) noexcept;
     // Data that end before the position end there.
     void RaiseEnd() noexcept;
     // A position beyond the data sets Bad and is reported as "Invalid read location!".
     void CheckReadLocation();
-    // Sets Bad and, if Errors, reports; while an operation is under way, at its end.
+    // Sets Bad and, if Errors, reports; while an operation is under way, at its end. Source and line name the check.
     void Fail(const char* source, int line, const char* message);
 
     // A pointer n bytes on, which may lie outside every block of memory and is then only a number.
-    static unsigned char* Shifted(unsigned char* from, unsigned long long n) noexcept {
-        return reinterpret_cast<unsigned char*>(Address(from) + n);
-    }
+    static unsigned char* Shifted(unsigned char* from, unsigned long long n) noexcept;
     // to - from in bytes, whatever they point to.
-    static long long Distance(const unsigned char* from, const unsigned char* to) noexcept {
-        return static_cast<long long>(Address(to) - Address(from));
-    }
+    static long long Distance(const unsigned char* from, const unsigned char* to) noexcept;
 
     // The buffer is a view of the stream's bytes from offset on. eos and ptr are in the buffer's coordinates and may
     // lie outside it; they are then numbers, compared and moved as such (Distance, Shifted).
@@ -340,234 +308,26 @@ protected:
     unsigned short flags = 0;           // StreamMode
 
 private:
+    friend eStreamInline;
+    friend eStreamSteps;
+    friend eStreamOperation;
+    friend eHookRun;
     friend class eFileStreamBase;
     friend class eMemoryStream;
-    friend class eStreamOperation;
-    friend class eHookRun;
 
-    static constexpr std::size_t kLongText = 255; // lengths from here on take four bytes
-
-    static_assert(std::endian::native == std::endian::little, "values are moved to and from the stream as they are");
-    static_assert(sizeof(short) == 2 && sizeof(int) == 4 && sizeof(long long) == 8 && sizeof(float) == 4 &&
-                  sizeof(double) == 8 && sizeof(void*) == 8);
-
-    static unsigned long long Address(const unsigned char* place) noexcept {
-        return reinterpret_cast<std::uintptr_t>(place);
-    }
-
-    long long Remaining() const noexcept { return Distance(ptr, eos); }
-    // A value of n bytes lies within the buffer and before its last byte.
-    bool Shows(std::size_t n) const noexcept { return Address(ptr) + n < Address(bufferEnd); }
-    // The same for any n.
-    bool Fits(unsigned long long n) const noexcept { return n < RoomInBuffer(); }
-
-    void SetModified() noexcept {
-        if (!Enabled(StreamMode::Modified)) [[unlikely]]
-            Enable(StreamMode::Modified);
-    }
-
-    // Bytes for which there is room. The fields are loaded before the bytes are stored: a store of bytes may alias all
-    // of them.
-    template <class Store>
-    void Replace(std::size_t n, Store store) noexcept {
-        unsigned char* const place = ptr;
-        unsigned char* const end = place + n;
-        if (Remaining() < static_cast<long long>(n))
-            eos = end;
-        SetModified();
-        store(place);
-        ptr = end;
-    }
-    void Written(unsigned long long n) noexcept {
-        Replace(n, [](unsigned char*) {});
-    }
-    // The next n bytes lie behind the data, and there is room for them.
-    bool Appends(std::size_t n) const noexcept { return eos == ptr && Shows(n); }
-    // The same behind the data, which is where most bytes go. eos and ptr are then known to be equal, and in a row of
-    // values that spares all tests of it but the first. The test between their stores keeps compilers from making one
-    // wide store of the two, which a load of one would have to wait for.
-    template <class Store>
-    void Append(std::size_t n, Store store) noexcept {
-        unsigned char* const place = ptr;
-        store(place);
-        eos = place + n;
-        SetModified();
-        ptr = place + n;
-    }
-    // False, and nothing done, where there is no room.
-    template <class Store>
-    bool PutHere(std::size_t n, Store store) noexcept {
-        if (Appends(n)) [[likely]]
-            Append(n, store);
-        else if (Shows(n))
-            Replace(n, store);
-        else
-            return false;
-        return true;
-    }
-
-    template <class T>
-    eStream& Put(T value) {
-        const auto store = [value](unsigned char* place) { std::memcpy(place, &value, sizeof(T)); };
-        return PutHere(sizeof(T), store) ? *this : PutFallback(Bits(value), sizeof(T));
-    }
-    template <class T>
-    T Shown() const noexcept {
-        T value;
-        std::memcpy(&value, ptr, sizeof(T));
-        return value;
-    }
-    template <class T>
-    T TakeShown() noexcept {
-        const T value = Shown<T>();
-        ptr += sizeof(T);
-        return value;
-    }
-    template <class T>
-    T Get() {
-        if (Shows(sizeof(T))) [[likely]]
-            return TakeShown<T>();
-        return FromBits<T>(GetFallback(sizeof(T)));
-    }
-    template <class T>
-    eStream& GetTo(T& value) {
-        if (Shows(sizeof(T))) [[likely]]
-            value = TakeShown<T>();
-        else
-            GetToFallback(&value, sizeof(T));
-        return *this;
-    }
-    template <class T>
-    T Peek() {
-        if (Shows(sizeof(T))) [[likely]]
-            return Shown<T>();
-        return FromBits<T>(PeekFallback(sizeof(T)));
-    }
-
-    eStream& PutText(const char* text, std::size_t length) {
-        const auto store = [=](unsigned char* place) {
-            *place = static_cast<unsigned char>(length);
-            if (length != 0)
-                std::memcpy(place + 1, text, length);
-        };
-        return length < kLongText && PutHere(length + 1, store) ? *this : PutTextFallback(text, length);
-    }
-    eStream& PutUpToNul(const char* text);
-    // A text of 8 to 15 characters, none of them NUL, and its length before it, as two words. False, and nothing done,
-    // for any other and elsewhere than behind the data.
-    bool AppendText(const char* text, std::size_t length) noexcept {
-        if (!Appends(length + 1) || length < 8 || length > 15)
-            return false;
-        const unsigned long long head = Word(text);
-        const unsigned long long tail = Word(text + length - 8);
-        if (HasZero(head, tail)) [[unlikely]]
-            return false;
-        Append(length + 1, [=](unsigned char* place) {
-            const unsigned long long first = head << 8 | length;
-            std::memcpy(place, &first, 8);
-            std::memcpy(place + length + 1 - 8, &tail, 8);
-        });
-        return true;
-    }
-    static unsigned long long Word(const char* bytes) noexcept {
-        unsigned long long word = 0;
-        std::memcpy(&word, bytes, sizeof word);
-        return word;
-    }
-    // Whether one of the 16 bytes is zero. Without one beyond ASCII that is known sooner.
-    static bool HasZero(unsigned long long head, unsigned long long tail) noexcept {
-        constexpr unsigned long long kLowest = 0x0101010101010101ull;
-        constexpr unsigned long long kHighest = kLowest << 7;
-        const unsigned long long headLess = head - kLowest;
-        const unsigned long long tailLess = tail - kLowest;
-        return ((headLess | tailLess) & kHighest) != 0 && (((headLess & ~head) | (tailLess & ~tail)) & kHighest) != 0;
-    }
-    // The length is kept from the compiler's sight: told that it is below 256, GCC 12 copies with a string instruction
-    // that takes longer to start than the whole copy.
-    static void AssignText(std::string* text, const unsigned char* from, std::size_t length) {
-        asm("" : "+r"(length));
-        text->assign(reinterpret_cast<const char*>(from), length);
-    }
-
-    template <class T>
-    static unsigned long long Bits(T value) noexcept {
-        unsigned long long bits = 0;
-        std::memcpy(&bits, &value, sizeof(T));
-        return bits;
-    }
-    template <class T>
-    static T FromBits(unsigned long long bits) noexcept {
-        T value;
-        std::memcpy(&value, &bits, sizeof(T));
-        return value;
-    }
-
-    // The same for requests at or beyond the end of the buffer. A value is the low bytes of bits.
-    eStream& PutFallback(unsigned long long bits, unsigned long long n);
-    unsigned long long GetFallback(unsigned long long n);
-    void GetToFallback(void* target, unsigned long long n);
-    void GetToFallback(bool* target);
-    unsigned long long PeekFallback(unsigned long long n);
-    eStream& PutTextFallback(const char* text, unsigned long long length);
-    eStream& GetTextFallback(std::string* text);
-    unsigned char* LookFallback(unsigned long long n);
-    unsigned char* TakeFallback(unsigned long long n);
-    unsigned char* PlaceFallback(unsigned long long n);
-
-    // Bytes at the position that can be read or written without a hook.
-    unsigned long long DataInBuffer() const noexcept;
-    unsigned long long RoomInBuffer() const noexcept {
-        return Address(ptr) < Address(bufferEnd) ? Address(bufferEnd) - Address(ptr) : 0;
-    }
+    static unsigned long long Address(const unsigned char* place) noexcept;
+    long long Remaining() const noexcept;
+    unsigned long long DataInBuffer() const noexcept; // what can be read without a hook
+    unsigned long long RoomInBuffer() const noexcept; // what can be written without one
     bool OutsideBuffer() const noexcept;
-    // Calls a hook, which finds bufferEnd not null where there is a buffer.
     void RunHook(void (eStream::*hook)());
     void FlushIfModified();
     void FlushBeforeMove();
     eStream& FinishMove();
     void Refill();
-    // To whoever handles errors, Errors set or not; while an operation is under way, at its end.
     void Report(const char* source, int line, const std::string& message);
 
-    // --- Steps of the operation under way ---
-
-    // Make something readable or writable at the position by a refill or an overflow. False when there is nothing,
-    // which has then been reported.
-    bool MakeData(eStreamOperation& operation);
-    bool MakeRoom(eStreamOperation& operation, unsigned long long n);
-    // The same for a copy from this stream, whose end is not reported.
-    bool HasMoreToCopy();
-    // Call Overflow for a value. False when nothing can be touched at the position even then, which has been reported.
-    bool ReachToRead(eStreamOperation& operation);
-    bool ReachToWrite(eStreamOperation& operation, unsigned long long n);
-    bool Reach(eStreamOperation& operation, int line, const char* message);
-    void WrittenTo(unsigned long long n);
-    unsigned char* Apart(unsigned long long n);
-    unsigned char* LookAt(eStreamOperation& operation, unsigned long long n);
-    unsigned long long BitsHere(unsigned long long n) const noexcept;
-    unsigned long long TakeBits(eStreamOperation& operation, unsigned long long n);
-    void PutBits(eStreamOperation& operation, unsigned long long bits, unsigned long long n);
-    void ReadAll(eStreamOperation& operation, void* target, unsigned long long n);
-    bool WriteAll(eStreamOperation& operation, const unsigned char* source, unsigned long long n);
-    bool WritePieces(eStreamOperation& operation, const unsigned char* source, unsigned long long n);
-    bool HoldsInBuffer(const unsigned char* place) const noexcept;
-    void PutLength(eStreamOperation& operation, unsigned long long length);
-    bool GetLength(eStreamOperation& operation, unsigned int* length);
-    bool GetText(eStreamOperation& operation, std::string* text);
-    eStream& PutUnits(const void* units, unsigned long long count);
-    bool AppendUpTo(char delimiter, std::string* line);
-
-    const eStreamDirect* Direct() const;
-    // Whole buffers that lie before the last one which n more bytes touch, in bytes.
-    unsigned long long WholeBuffers(unsigned long long n) const noexcept;
-    unsigned long long ReadDirect(unsigned char* target, unsigned long long n);
-    bool TakesWholeBuffers() const;
-    unsigned long long WriteDirect(const unsigned char* source, unsigned long long n);
-    void PassWritten(unsigned long long whole);
-    unsigned long long CopyInSystem(eStream& target, unsigned long long n);
-    bool CopyDirect(eStream& target, unsigned long long* n);
-
-    const eStreamDirect* direct = nullptr;  // how to go past the buffer, null where that is not possible
+    const eStreamMeans* means = nullptr;    // what the class can do beside its hooks
     unsigned long long lastCapacity = 0;    // as it was set, for while bufferEnd is kept null
     bool hookRuns = false;                  // bufferEnd is not kept null
     eStreamOperation* underWay = nullptr;   // the innermost operation that has begun and not ended
@@ -575,3 +335,5 @@ private:
 };
 
 } // namespace IO
+
+#include <qzl_io/detail/stream_inline.h>

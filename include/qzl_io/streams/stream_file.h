@@ -76,12 +76,7 @@ protected:
     eShare<eClosing> handle; // reads as an int, the run-time's handle; -1 when no file is open
 
 private:
-    static const eStreamDirect kDirect;
-    static bool CanGoDirect(const eStream& stream);
-    static void DirectRead(eStream& stream, void* target, unsigned long long at, unsigned long long n);
-    static void DirectWrite(eStream& stream, const void* source, unsigned long long at, unsigned long long n);
-    static bool AreApart(const eStream& source, const eStream& target);
-    static unsigned long long DirectCopy(eStream& source, eStream& target, unsigned long long n);
+    struct eDirectWays;
 
     void CreateBuffer(unsigned long long capacity, unsigned long long length);
     void UseBlock(unsigned char* block, unsigned long long capacity, unsigned long long length) noexcept;
@@ -94,8 +89,8 @@ private:
     // Bytes of the current line that are in the buffer, its line feed included; complete tells whether it has one
     // there.
     unsigned long long LineInBuffer(bool* complete) const noexcept;
-    // The same after a refill where that brings more of the line. Complete too where no data remain.
-    unsigned long long LinePiece(eStreamOperation& operation, bool* complete);
+    // As LineInBuffer, after a refill if that brings more of the line. Complete also if no data remain.
+    unsigned long long LinePiece(eStreamSteps& steps, bool* complete);
 
     template <class eOther>
     eFileStreamBase& Assign(eOther&& other);

@@ -69,10 +69,14 @@ protected:
     unsigned long long growBy; // bytes added to the room at each growth; 0: as many as there are
 
 private:
+    struct eBulkWays;
+
+    // Grows by one step, and by as many more as the size needs.
+    void OverflowTo(unsigned long long needed);
     void Grow(unsigned long long size);
     // One step on; the size itself where there is none.
     unsigned long long NextSize(unsigned long long size) const;
-    bool IsOfLibraryClass() const; // exactly: a derived class may have hooks of its own
+    static bool IsOfLibraryClass(const eStream& stream); // exactly: a derived class may have hooks of its own
     unsigned char* NewBlock(unsigned long long size) const;
     void UseNewBlock(unsigned char* block, unsigned long long size, unsigned long long length);
     // The first kept bytes of the buffer and zeros behind them: in a new block, or in the buffer's own, which is then

@@ -1,16 +1,16 @@
 #include <qzl_io/streams/stream.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
-#include <vector>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 
 #include "platform/memory.h"
-#include "streams/direct.h"
-#include "streams/operation.h"
+#include "streams/means.h"
 #include "streams/reports.h"
+#include "streams/steps.h"
 
 namespace IO {
 
@@ -40,7 +40,7 @@ eStream& eStream::operator=(const eStream& other) noexcept {
     eos = other.eos;
     ptr = other.ptr;
     flags = other.flags;
-    direct = other.direct;
+    means = other.means;
     SetCapacity(other.Capacity());
     return *this;
 }
@@ -249,63 +249,16 @@ eStream& eStream::Clear() {
 
 // --- Bulk operations ---
 
-bool eStream::MakeData(eStreamOperation& operation) {
-    const bool reported = !BeforeStart() && operation.Fails(&eStream::Refill);
-    if (DataInBuffer() > 0)
-        return true;
-    if (!reported)
-        Fail(kSource, kReadNothingLine, kReadBeyond);
-    return false;
-}
-
-bool eStream::HasMoreToCopy() {
-    eStreamOperation refill(*this);
-    const bool more = MakeData(refill);
-    if (!more)
-        refill.DropReports();
-    refill.End();
-    return more;
-}
-
-bool eStream::MakeRoom(eStreamOperation& operation, unsigned long long n) {
-    const bool reported = !BeforeStart() && operation.Fails(&eStream::Overflow, n);
-    if (RoomInBuffer() > 0)
-        return true;
-    if (!reported)
-        Fail(kSource, kWriteNothingLine, kWriteBeyond);
-    return false;
-}
-
 eStream& eStream::Read(void* target, unsigned long long n) {
     if (n > 0 && n <= DataInBuffer()) {
         std::memmove(target, ptr, n);
         ptr += n;
     } else if (n > 0) {
-        eStreamOperation operation(*this);
-        ReadAll(operation, target, n);
-        operation.End();
+        eStreamSteps steps(*this);
+        steps.ReadAll(target, n);
+        steps.End();
     }
     return *this;
-}
-
-void eStream::ReadAll(eStreamOperation& operation, void* target, unsigned long long n) {
-    auto* to = static_cast<unsigned char*>(target);
-    while (n > 0) {
-        if (Remaining() <= 0)
-            return Fail(kSource, kReadEndLine, kReadBeyond);
-        if (DataInBuffer() == 0) {
-            const unsigned long long past = ReadDirect(to, n);
-            to += past;
-            n -= past;
-            if (!MakeData(operation))
-                return;
-        }
-        const unsigned long long run = std::min(n, DataInBuffer());
-        std::memmove(to, ptr, run);
-        ptr += run;
-        to += run;
-        n -= run;
-    }
 }
 
 unsigned long long eStream::AppendTo(std::string* text, unsigned long long n) {
@@ -321,46 +274,17 @@ eStream& eStream::Write(const void* source, unsigned long long n) {
     const auto* from = static_cast<const unsigned char*>(source);
     if (n > 0 && n <= RoomInBuffer()) {
         std::memmove(ptr, from, n);
-        Written(n);
+        eStreamInline::Written(*this, n);
     } else if (n > 0) {
-        eStreamOperation operation(*this);
-        WriteAll(operation, from, n);
-        operation.End();
+        eStreamSteps steps(*this);
+        steps.WriteAll(from, n);
+        steps.End();
     }
     return *this;
 }
 
-// Growth releases the buffer, and a refill changes it: bytes of its own are set aside before.
-bool eStream::WriteAll(eStreamOperation& operation, const unsigned char* source, unsigned long long n) {
-    if (n <= RoomInBuffer() || !HoldsInBuffer(source))
-        return WritePieces(operation, source, n);
-    const unsigned long long held = std::min(n, Capacity() - (Address(source) - Address(buffer)));
-    const std::vector<unsigned char> copy(source, source + held);
-    return WritePieces(operation, copy.data(), held);
-}
-
-bool eStream::HoldsInBuffer(const unsigned char* place) const noexcept {
-    return buffer && Address(place) - Address(buffer) < Capacity();
-}
-
-bool eStream::WritePieces(eStreamOperation& operation, const unsigned char* source, unsigned long long n) {
-    while (n > 0) {
-        const unsigned long long past = WriteDirect(source, n);
-        source += past;
-        n -= past;
-        if (RoomInBuffer() == 0 && !MakeRoom(operation, n))
-            return false;
-        const unsigned long long run = std::min(n, RoomInBuffer());
-        std::memmove(ptr, source, run);
-        Written(run);
-        source += run;
-        n -= run;
-    }
-    return true;
-}
-
 eStream& eStream::WriteReleasing(void* block, unsigned long long n) {
-    if (!direct)
+    if (!means || !means->direct)
         return Write(block, n);
     auto* piece = static_cast<unsigned char*>(block);
     for (unsigned long long size = 0; n > 0; piece += size, n -= size) {
@@ -375,11 +299,12 @@ eStream& eStream::CopyTo(eStream& target, unsigned long long n) {
     if (n == 0 || Size() == 0)
         n = Address(eos) - Address(ptr);
     while (n > 0 && Remaining() > 0) {
-        if (DataInBuffer() == 0 && (!CopyDirect(target, &n) || !HasMoreToCopy()))
+        if (DataInBuffer() == 0 &&
+            (!eStreamSteps::CopyDirect(*this, target, &n) || !eStreamSteps::HasMoreToCopy(*this)))
             break;
         const unsigned long long chunk = std::min(n, DataInBuffer());
-        eStreamOperation writing(target);
-        const bool written = target.WriteAll(writing, ptr, chunk);
+        eStreamSteps writing(target);
+        const bool written = writing.WriteAll(ptr, chunk);
         Skip(chunk);
         n -= chunk;
         writing.End();
@@ -394,163 +319,33 @@ eStream& eStream::CopyFrom(eStream& source, unsigned long long n) {
     return *this;
 }
 
-// --- Past the buffer ---
-//
-// What whole buffers would carry moves directly; the last buffer's part is left to the steps above, so that offset,
-// position and buffer end up where those steps alone would have brought them.
-
-const eStreamDirect* eStream::Direct() const {
-    return direct && direct->serves(*this) ? direct : nullptr;
-}
-
-unsigned long long eStream::WholeBuffers(unsigned long long n) const noexcept {
-    const unsigned long long size = Capacity();
-    return size > 0 && n > 0 ? (n - 1) / size * size : 0;
-}
-
-unsigned long long eStream::ReadDirect(unsigned char* target, unsigned long long n) {
-    const unsigned long long whole = WholeBuffers(std::min(n, static_cast<unsigned long long>(Remaining())));
-    if (whole == 0 || Blocked() || !Direct())
-        return 0;
-    FlushIfModified();
-    direct->read(*this, target, Position(), whole);
-    MoveTo(Shifted(ptr, whole));
-    return whole;
-}
-
-// A position beyond the data is left to Overflow, which reports it.
-bool eStream::TakesWholeBuffers() const {
-    const bool empty = ptr == buffer || RoomInBuffer() == 0;
-    return empty && Remaining() >= 0 && !Blocked() && Enabled(StreamMode::Write) && Direct();
-}
-
-// Behind whole buffers that were written directly.
-void eStream::PassWritten(unsigned long long whole) {
-    MoveTo(Shifted(ptr, whole));
-    RaiseEnd();
-    Overflow();
-}
-
-unsigned long long eStream::WriteDirect(const unsigned char* source, unsigned long long n) {
-    const unsigned long long whole = WholeBuffers(n);
-    if (whole == 0 || !TakesWholeBuffers())
-        return 0;
-    FlushIfModified();
-    direct->write(*this, source, Position(), whole);
-    PassWritten(whole);
-    return whole;
-}
-
-// Whole buffers of the target that the system copies by itself, in bytes. At least one byte has to follow them.
-unsigned long long eStream::CopyInSystem(eStream& target, unsigned long long n) {
-    const unsigned long long size = target.Capacity();
-    if (n < size || !target.TakesWholeBuffers() || target.direct != direct)
-        return 0;
-    target.FlushIfModified();
-    const unsigned long long copied = direct->copy(*this, target, n / size * size) / size * size;
-    if (copied > 0)
-        target.PassWritten(copied);
-    return copied;
-}
-
-// False when the target has no room, which has then been reported.
-bool eStream::CopyDirect(eStream& target, unsigned long long* n) {
-    unsigned long long whole = WholeBuffers(std::min(*n, static_cast<unsigned long long>(Remaining())));
-    if (whole == 0 || Blocked() || &target == this || !Direct() || !direct->apart(*this, target))
-        return true;
-    FlushIfModified();
-    eStreamOperation writing(target);
-    while (whole > 0) {
-        unsigned long long run = CopyInSystem(target, whole);
-        if (run == 0) {
-            if (target.RoomInBuffer() == 0 && !target.MakeRoom(writing, whole))
-                break;
-            run = std::min(whole, target.RoomInBuffer());
-            direct->read(*this, target.ptr, Position(), run);
-            target.Written(run);
-        }
-        MoveTo(Shifted(ptr, run));
-        whole -= run;
-        *n -= run;
-    }
-    writing.End();
-    return whole == 0;
-}
-
 // --- Primitives outside the common case ---
 
-bool eStream::Reach(eStreamOperation& operation, int line, const char* message) {
-    const bool reported = !BeforeStart() && operation.Fails(&eStream::Overflow);
-    if (!Blocked())
-        return true;
-    if (!reported)
-        Fail(kSource, line, message);
-    return false;
-}
-
-bool eStream::ReachToRead(eStreamOperation& operation) {
-    return Reach(operation, kValueReadLine, kReadBeyond);
-}
-// One step of a growing buffer can be less than a value: it overflows again as long as that gives more room.
-bool eStream::ReachToWrite(eStreamOperation& operation, unsigned long long n) {
-    unsigned long long before = 0;
-    do {
-        before = RoomInBuffer();
-        if (!Reach(operation, kValueWriteLine, kWriteBeyond))
-            return false;
-    } while (RoomInBuffer() < n && RoomInBuffer() > before);
-    return true;
-}
-
-unsigned char* eStream::Apart(unsigned long long n) {
-    apart = std::make_unique<unsigned char[]>(n);
-    return apart.get();
-}
-
-unsigned char* eStream::LookAt(eStreamOperation& operation, unsigned long long n) {
-    if (!ReachToRead(operation))
-        return Apart(n);
-    const unsigned long long room = RoomInBuffer();
-    if (n <= room)
-        return ptr;
-    unsigned char* const block = Apart(n);
-    if (room > 0)
-        std::memcpy(block, ptr, room);
-    return block;
-}
-
-unsigned char* eStream::LookFallback(unsigned long long n) {
-    eStreamOperation operation(*this);
-    unsigned char* const bytes = LookAt(operation, n);
-    operation.End();
+unsigned char* eStreamInline::LookSlowly(eStream& stream, unsigned long long n) {
+    eStreamSteps steps(stream);
+    unsigned char* const bytes = steps.LookAt(n);
+    steps.End();
     return bytes;
 }
 
-unsigned char* eStream::TakeFallback(unsigned long long n) {
-    eStreamOperation operation(*this);
-    unsigned char* const bytes = LookAt(operation, n);
-    if (!Blocked())
-        MoveTo(Shifted(ptr, n));
-    operation.End();
+unsigned char* eStreamInline::TakeSlowly(eStream& stream, unsigned long long n) {
+    eStreamSteps steps(stream);
+    unsigned char* const bytes = steps.LookAt(n);
+    if (!stream.Blocked())
+        stream.MoveTo(eStream::Shifted(stream.ptr, n));
+    steps.End();
     return bytes;
 }
 
-unsigned char* eStream::PlaceFallback(unsigned long long n) {
-    eStreamOperation operation(*this);
-    const bool reached = ReachToWrite(operation, n);
-    operation.End();
+unsigned char* eStreamInline::PlaceSlowly(eStream& stream, unsigned long long n) {
+    eStreamSteps steps(stream);
+    const bool reached = steps.ReachToWrite(n);
+    steps.End();
     if (!reached)
-        return Apart(n);
-    unsigned char* const place = n <= RoomInBuffer() ? ptr : Apart(n);
-    WrittenTo(n);
+        return steps.Apart(n);
+    unsigned char* const place = n <= stream.RoomInBuffer() ? stream.ptr : steps.Apart(n);
+    steps.PassWritten(n);
     return place;
-}
-
-// Behind a value of which a part may have been dropped.
-void eStream::WrittenTo(unsigned long long n) {
-    MoveTo(Shifted(ptr, n));
-    Enable(StreamMode::Modified);
-    RaiseEnd();
 }
 
 } // namespace IO

@@ -11,9 +11,9 @@
 #include <qzl_base/format.h>
 
 #include "platform/file_handle.h"
-#include "streams/direct.h"
-#include "streams/operation.h"
+#include "streams/means.h"
 #include "streams/reports.h"
+#include "streams/steps.h"
 #include "streams/wide_units.h"
 
 namespace IO {
@@ -51,6 +51,54 @@ void AppendWithoutLineEnds(std::string* line, const unsigned char* from, unsigne
 }
 
 } // namespace
+
+// --- Past the buffer ---
+
+struct eFileStreamBase::eDirectWays {
+    static bool Serves(const eStream& stream);
+    static void Read(eStream& stream, void* target, unsigned long long at, unsigned long long n);
+    static void Write(eStream& stream, const void* source, unsigned long long at, unsigned long long n);
+    static bool AreApart(const eStream& source, const eStream& target);
+    static unsigned long long Copy(eStream& source, eStream& target, unsigned long long n);
+
+    static constexpr eStreamDirect kDirect = {Serves, Read, Write, AreApart, Copy};
+    static constexpr eStreamMeans kMeans = {&kDirect, nullptr};
+};
+
+bool eFileStreamBase::eDirectWays::Serves(const eStream& stream) {
+    const bool ours = typeid(stream) == typeid(eFileStream) || typeid(stream) == typeid(eFileStreamW);
+    return ours && static_cast<const eFileStreamBase&>(stream).handle != -1;
+}
+
+void eFileStreamBase::eDirectWays::Read(eStream& stream, void* target, unsigned long long at, unsigned long long n) {
+    auto& file = static_cast<eFileStreamBase&>(stream);
+    const unsigned long long arrived = Platform::ReadAt(file.handle, target, n, at);
+    if (arrived == n)
+        return;
+    std::memset(static_cast<unsigned char*>(target) + arrived, 0, n - arrived);
+    file.Enable(StreamMode::Bad);
+}
+
+void eFileStreamBase::eDirectWays::Write(eStream& stream, const void* source, unsigned long long at,
+                                         unsigned long long n) {
+    auto& file = static_cast<eFileStreamBase&>(stream);
+    if (!Platform::WriteAt(file.handle, source, n, at))
+        file.Enable(StreamMode::Bad);
+}
+
+bool eFileStreamBase::eDirectWays::AreApart(const eStream& source, const eStream& target) {
+    if (target.means != &kMeans)
+        return true;
+    const int from = static_cast<const eFileStreamBase&>(source).handle;
+    const int to = static_cast<const eFileStreamBase&>(target).handle;
+    return to == -1 || !Platform::MayBeOneFile(from, to);
+}
+
+unsigned long long eFileStreamBase::eDirectWays::Copy(eStream& source, eStream& target, unsigned long long n) {
+    const int from = static_cast<eFileStreamBase&>(source).handle;
+    const int to = static_cast<eFileStreamBase&>(target).handle;
+    return Platform::CopyBetween(from, source.Position(), to, target.Position(), n);
+}
 
 // --- Life ---
 
@@ -99,7 +147,7 @@ void eFileStreamBase::Open(int mode) {
         CreateHandleError();
     }
     flags = static_cast<unsigned short>(mode);
-    direct = &kDirect;
+    means = &eDirectWays::kMeans;
     CreateBuffer(writes ? kLargestBuffer : std::min(length, kLargestBuffer), length);
     Underflow();
 }
@@ -216,44 +264,6 @@ void eFileStreamBase::Trunc() {
         Enable(StreamMode::Bad);
 }
 
-// --- Past the buffer ---
-
-const eStreamDirect eFileStreamBase::kDirect = {CanGoDirect, DirectRead, DirectWrite, AreApart, DirectCopy};
-
-bool eFileStreamBase::CanGoDirect(const eStream& stream) {
-    const bool ours = typeid(stream) == typeid(eFileStream) || typeid(stream) == typeid(eFileStreamW);
-    return ours && static_cast<const eFileStreamBase&>(stream).handle != -1;
-}
-
-void eFileStreamBase::DirectRead(eStream& stream, void* target, unsigned long long at, unsigned long long n) {
-    auto& file = static_cast<eFileStreamBase&>(stream);
-    const unsigned long long arrived = Platform::ReadAt(file.handle, target, n, at);
-    if (arrived == n)
-        return;
-    std::memset(static_cast<unsigned char*>(target) + arrived, 0, n - arrived);
-    file.Enable(StreamMode::Bad);
-}
-
-void eFileStreamBase::DirectWrite(eStream& stream, const void* source, unsigned long long at, unsigned long long n) {
-    auto& file = static_cast<eFileStreamBase&>(stream);
-    if (!Platform::WriteAt(file.handle, source, n, at))
-        file.Enable(StreamMode::Bad);
-}
-
-bool eFileStreamBase::AreApart(const eStream& source, const eStream& target) {
-    if (target.direct != &kDirect)
-        return true;
-    const int from = static_cast<const eFileStreamBase&>(source).handle;
-    const int to = static_cast<const eFileStreamBase&>(target).handle;
-    return to == -1 || !Platform::MayBeOneFile(from, to);
-}
-
-unsigned long long eFileStreamBase::DirectCopy(eStream& source, eStream& target, unsigned long long n) {
-    const int from = static_cast<eFileStreamBase&>(source).handle;
-    const int to = static_cast<eFileStreamBase&>(target).handle;
-    return Platform::CopyBetween(from, source.Position(), to, target.Position(), n);
-}
-
 // --- Lines ---
 
 unsigned long long eFileStreamBase::LineInBuffer(bool* complete) const noexcept {
@@ -264,41 +274,41 @@ unsigned long long eFileStreamBase::LineInBuffer(bool* complete) const noexcept 
 }
 
 // A line that goes on behind the buffer becomes its first bytes, so that it is in one piece where it fits.
-unsigned long long eFileStreamBase::LinePiece(eStreamOperation& operation, bool* complete) {
+unsigned long long eFileStreamBase::LinePiece(eStreamSteps& steps, bool* complete) {
     *complete = true;
-    if (Remaining() <= 0 || (DataInBuffer() == 0 && !MakeData(operation)))
+    if (Remaining() <= 0 || (DataInBuffer() == 0 && !steps.MakeData()))
         return 0;
     const unsigned long long piece = LineInBuffer(complete);
     if (*complete || ptr == buffer || Remaining() <= static_cast<long long>(piece))
         return piece;
-    operation.Fails(&eStream::Refill);
+    steps.Fails(&eStream::Refill);
     return LineInBuffer(complete);
 }
 
 std::string eFileStreamBase::GetLine() {
     std::string line;
-    eStreamOperation operation(*this);
+    eStreamSteps steps(*this);
     for (bool complete = false; !complete;) {
-        const unsigned long long piece = LinePiece(operation, &complete);
+        const unsigned long long piece = LinePiece(steps, &complete);
         AppendWithoutLineEnds(&line, ptr, piece);
         ptr = Shifted(ptr, piece);
     }
-    operation.End();
+    steps.End();
     return line;
 }
 
 unsigned long long eFileStreamBase::GetLineLength() {
     unsigned long long length = 0;
-    eStreamOperation operation(*this);
+    eStreamSteps steps(*this);
     for (bool complete = false; !complete;) {
-        const unsigned long long piece = LinePiece(operation, &complete);
+        const unsigned long long piece = LinePiece(steps, &complete);
         ptr = Shifted(ptr, piece);
         length += piece;
     }
     MoveTo(Shifted(ptr, 0 - length));
     if (OutsideBuffer())
-        operation.Fails(&eStream::Refill);
-    operation.End();
+        steps.Fails(&eStream::Refill);
+    steps.End();
     return length;
 }
 

@@ -6,7 +6,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include "streams/operation.h"
+#include "streams/means.h"
 #include "streams/reports.h"
 
 namespace IO {
@@ -31,10 +31,26 @@ void FreeHeapBlock(unsigned char*& block) {
 
 } // namespace
 
+struct eMemoryStream::eBulkWays {
+    static void Overflow(eStream& stream, unsigned long long n);
+
+    static constexpr eStreamMeans kMeans = {nullptr, Overflow};
+};
+
+// The library's own classes get at once the size that the steps which n bytes need would lead to.
+void eMemoryStream::eBulkWays::Overflow(eStream& stream, unsigned long long n) {
+    if (!IsOfLibraryClass(stream))
+        return stream.Overflow();
+    auto& memory = static_cast<eMemoryStream&>(stream);
+    const bool full = memory.ptr == memory.bufferEnd || memory.Blocked();
+    memory.OverflowTo(full ? Address(memory.ptr) - Address(memory.buffer) + n : 0);
+}
+
 // --- eMemoryStream ---
 
 eMemoryStream::eMemoryStream(unsigned long long size, unsigned long long growth) : growBy(growth) {
     flags = kMemoryMode;
+    means = &eBulkWays::kMeans;
     CreateBuffer(size, 0);
 }
 
@@ -67,14 +83,14 @@ void eMemoryStream::DeallocateBuffer(unsigned char*& block) const {
 }
 
 // While eMemoryStream's constructor and destructor run, an object of any class is one.
-bool eMemoryStream::IsOfLibraryClass() const {
-    return typeid(*this) == typeid(eMemoryStream) || typeid(*this) == typeid(eMemoryStream_t);
+bool eMemoryStream::IsOfLibraryClass(const eStream& stream) {
+    return typeid(stream) == typeid(eMemoryStream) || typeid(stream) == typeid(eMemoryStream_t);
 }
 
 // The library's own hooks give cleared bytes; an application's need not.
 unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
     unsigned char* const block = AllocateBuffer(size);
-    if (block && !IsOfLibraryClass())
+    if (block && !IsOfLibraryClass(*this))
         std::memset(block, 0, size);
     return block;
 }
@@ -82,7 +98,7 @@ unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
 void eMemoryStream::UseNewBlock(unsigned char* block, unsigned long long size, unsigned long long length) {
     UseBuffer(block, size, length);
     bufferBlock = eShare<eFreeing>(block);
-    fromHeap = IsOfLibraryClass();
+    fromHeap = IsOfLibraryClass(*this);
 }
 
 void eMemoryStream::eFreeing::Release(unsigned char* block) noexcept {
@@ -127,7 +143,7 @@ void eMemoryStream::Grow(unsigned long long size) {
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);
     const auto kept = std::min(static_cast<unsigned long long>(std::max(length, 0ll)), Capacity());
-    const bool extends = buffer && kept > size / 4 && bufferBlock.Sole() && fromHeap && IsOfLibraryClass();
+    const bool extends = buffer && kept > size / 4 && bufferBlock.Sole() && fromHeap && IsOfLibraryClass(*this);
     unsigned char* const block = extends ? ExtendedBlock(size, kept) : CopiedBlock(size, kept);
     ReleaseBuffer();
     UseNewBlock(block, size, static_cast<unsigned long long>(length));
@@ -160,11 +176,11 @@ void eMemoryStream::Flush() {
     RaiseEnd();
 }
 
-// The library's own classes get at once, for a bulk write, the size that the steps which it needs would lead to.
 void eMemoryStream::Overflow() {
-    const unsigned long long wanted = underWay && IsOfLibraryClass() ? underWay->Wanted() : 0;
-    const bool bulk = wanted > 0 && (ptr == bufferEnd || Blocked());
-    const unsigned long long needed = bulk ? Address(ptr) - Address(buffer) + wanted : 0;
+    OverflowTo(0);
+}
+
+void eMemoryStream::OverflowTo(unsigned long long needed) {
     unsigned long long size = NextSize(bufferSize);
     if (growBy > 0 && needed > size)
         size += (needed - size) / growBy * growBy;

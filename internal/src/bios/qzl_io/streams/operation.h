@@ -36,31 +36,32 @@ private:
 // that has called the hook.
 class eStreamOperation {
 public:
-    explicit eStreamOperation(eStream& of) noexcept : stream(&of), outer(std::exchange(of.underWay, this)) {}
+    explicit eStreamOperation(eStream& of) noexcept : stream(of), outer(std::exchange(of.underWay, this)) {}
     ~eStreamOperation() { Leave(); }
 
     eStreamOperation(const eStreamOperation&) = delete;
     eStreamOperation& operator=(const eStreamOperation&) = delete;
 
-    // Calls a hook, from which a bulk write wants that much room. True when it failed: it set Bad, failed by the core's
-    // Fail or threw. Once one has thrown, none is called any more.
-    bool Fails(void (eStream::*hook)(), unsigned long long room = 0) {
+    // Calls a hook. True when it failed: it set Bad, failed by the core's Fail or threw. Once one has thrown, none is
+    // called any more.
+    bool Fails(void (eStream::*hook)()) {
+        return Fails([this, hook] { stream.RunHook(hook); });
+    }
+    // Likewise for work that calls a hook or stands in for one.
+    template <class Work>
+    bool Fails(Work work) {
         if (thrown)
             return true;
         const int failuresBefore = failures;
-        const bool bad = stream->Enabled(StreamMode::Bad);
-        wanted = room;
+        const bool bad = stream.Enabled(StreamMode::Bad);
         try {
-            stream->RunHook(hook);
+            work();
         } catch (...) {
             thrown = std::current_exception();
         }
-        wanted = 0;
-        return thrown || failures != failuresBefore || (!bad && stream->Enabled(StreamMode::Bad));
+        return thrown || failures != failuresBefore || (!bad && stream.Enabled(StreamMode::Bad));
     }
     bool Threw() const noexcept { return thrown != nullptr; }
-    // The room asked of the hook that runs, 0 for one step.
-    unsigned long long Wanted() const noexcept { return wanted; }
 
     void CountFailure() noexcept { ++failures; }
     void Keep(const char* source, int line, const std::string& message) {
@@ -84,6 +85,9 @@ public:
             std::rethrow_exception(thrown);
     }
 
+protected:
+    eStream& stream;
+
 private:
     struct eReport {
         const char* source;
@@ -92,14 +96,12 @@ private:
     };
 
     void Leave() noexcept {
-        if (stream)
-            stream->underWay = outer;
-        stream = nullptr;
+        if (!std::exchange(ended, true))
+            stream.underWay = outer;
     }
 
-    eStream* stream; // null after the end
     eStreamOperation* const outer;
-    unsigned long long wanted = 0;
+    bool ended = false;
     int failures = 0;
     std::exception_ptr thrown;
     std::vector<eReport> reports;

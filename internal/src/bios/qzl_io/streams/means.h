@@ -20,4 +20,11 @@ struct eStreamDirect {
     unsigned long long (*copy)(eStream& source, eStream& target, unsigned long long n);
 };
 
+// What a class of streams can do for bulk operations beside its hooks; null for what it cannot.
+struct eStreamMeans {
+    const eStreamDirect* direct;
+    // Makes room for n bytes at the position as Overflow does, in one step where the class is the library's own.
+    void (*overflow)(eStream& stream, unsigned long long n);
+};
+
 } // namespace IO
