@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string>
 
+#include <qzl_io/detail/compiler.h>
+#include <qzl_io/detail/short_text.h>
 #include <qzl_io/export.h>
 
 // The inline bodies of eStream. What a caller has to know stands in stream.h, which includes this file last and is the
@@ -122,15 +124,16 @@ struct eStreamInline {
         return stream;
     }
 
-    // A text of that many characters, none of them NUL.
-    static eStream& PutText(eStream& stream, const char* text, std::size_t length) {
-        if (length >= kLongText || !Shows(stream, length + 1))
+    // A text of that many characters. If one of them is NUL, the text ends there and goes the slow way.
+    QZL_IO_ALWAYS_INLINE static eStream& PutText(eStream& stream, const char* text, std::size_t length) {
+        unsigned char* const place = stream.ptr;
+        if (length >= kLongText || !Shows(stream, length + 1) || !ShortText::CopyWithoutNul(place + 1, text, length))
             return PutTextSlowly(stream, text);
-        Replace(stream, length + 1, [=](unsigned char* place) {
-            *place = static_cast<unsigned char>(length);
-            if (length != 0)
-                std::memcpy(place + 1, text, length);
-        });
+        const auto store = [length](unsigned char* at) { *at = static_cast<unsigned char>(length); };
+        if (stream.eos == place) [[likely]]
+            Append(stream, length + 1, store);
+        else
+            Replace(stream, length + 1, store);
         return stream;
     }
 
@@ -244,7 +247,7 @@ inline eStream& eStream::operator<<(const char* text) {
     return eStreamInline::PutText(*this, text, text ? std::strlen(text) : 0);
 }
 inline eStream& eStream::operator<<(const std::string& text) {
-    return *this << text.c_str();
+    return eStreamInline::PutText(*this, text.c_str(), text.size());
 }
 
 // --- Values, read ---

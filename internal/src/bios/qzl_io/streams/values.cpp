@@ -111,6 +111,13 @@ unsigned int eStream::GetTbyte() {
 
 // --- Texts, written ---
 
+bool ShortText::CopyLong(unsigned char* to, const char* from, std::size_t n) noexcept {
+    if (std::memchr(from, '\0', n))
+        return false;
+    std::memcpy(to, from, n);
+    return true;
+}
+
 eStream& eStreamInline::PutTextSlowly(eStream& stream, const char* text) {
     const std::size_t length = text ? std::strlen(text) : 0;
     eStreamSteps steps(stream);
