@@ -9,7 +9,7 @@
 !inside { next }
 
 { output[++lines] = $0 }
-/^The record comes from another environment/ { notes[program] = $0 }
+/^The record comes from another environment|^The public headers were not compiled/ { notes[program] = $0 }
 /^\[ RUN      \] / { block = ""; reason = "" }
 { block = block $0 "\n" }
 /: Skipped$/ { waiting = 1; next }
