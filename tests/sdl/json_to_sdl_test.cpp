@@ -326,7 +326,7 @@ TEST_F(JsonToSdlTest, RunsInSeveralThreadsAtOnce) {
                   "{b\r\n\t1\r\n\t2\r\n\t{\r\n\t\t{a \"x\"}\r\n\t}\r\n}\r\n{a}\r\n{b 2}\r\n");
 }
 
-// As docs/sdl-format.md says.
+// As stated in docs/sdl-format.md.
 TEST(FormatPage, TellsWhatBecomesOfJson) {
     const eTempFolder folder;
     const eFileName input(folder.Write("in.json", "[100000000000000000000]"));

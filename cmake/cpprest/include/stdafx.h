@@ -1,4 +1,4 @@
-// Stands in for cpprestsdk's precompiled header: what its JSON part needs, without the network.
+// Replaces cpprestsdk's precompiled header: what its JSON part needs, without the network.
 #pragma once
 
 #include <cpprest/json.h>

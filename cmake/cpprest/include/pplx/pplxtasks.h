@@ -1,4 +1,4 @@
-// Stands in for cpprestsdk's tasks: its JSON part includes them for the standard headers alone.
+// Replaces cpprestsdk's tasks: its JSON part includes them only for the standard headers.
 #pragma once
 
 #include <algorithm>

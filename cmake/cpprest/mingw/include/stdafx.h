@@ -1,4 +1,4 @@
-// Found before the header of this name that every system shares, and adds what Windows' parts of the sources need.
+// Found before the header of this name for all systems; adds what the Windows parts of the sources need.
 #pragma once
 
 #include_next <stdafx.h>

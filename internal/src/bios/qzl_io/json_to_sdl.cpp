@@ -32,7 +32,7 @@ constexpr int kWalkingLine = 80;
 constexpr int kWritingLine = 100;
 } // namespace ConversionReport
 
-// The containers around the value that is being converted, the document itself the first.
+// The containers around the value that is being converted; the document itself is the first.
 class eJsonPlace {
 public:
     enum class eKind { Document, Object, Array };
@@ -45,7 +45,7 @@ public:
     void NameMember(std::string_view name) { around.back().name = name; }
     void EndElement() { ++around.back().index; }
 
-    // As in "/items/3/name"; empty for the document's own value.
+    // The path of the value, as in "/items/3/name"; empty for the document's own value.
     std::string Path() const {
         std::string path;
         for (const eContainer& container : around)
@@ -66,7 +66,7 @@ private:
     std::vector<eContainer> around;
 };
 
-// Names a file, and the place in it where the walk is, to the reports that are made meanwhile.
+// Shows reports the file that is being worked on, and the place of the walk in it.
 class eFileAtWork : public xDebug::eStackEntry {
 public:
     eFileAtWork(const eFileName& path, int failureLine) : line(failureLine), name(path) {}
@@ -83,14 +83,14 @@ public:
 
     const eFileName& Name() const { return name; }
 
-    // Ends the work on the file with the message, which names it; the reports say what could not be done and why.
+    // Ends the work on the file with the message. The context of the report says what could not be done and why.
     [[noreturn]] void Fail(const char* message, const char* notDone) {
         failure = FailureText(notDone);
         throw std::runtime_error((format(message) % name).str());
     }
 
     const eJsonPlace* place = nullptr;
-    int line; // under which it is reported that the work on the file fails
+    int line; // line number of the report that the work on the file fails
 
 private:
     const eFileName& name;
@@ -100,7 +100,7 @@ private:
 // --- Files ---
 
 std::unique_ptr<IO::eStream> OpenFile(eFileAtWork* file, int mode) {
-    IO::Platform::TakeFailureReason(); // of something before
+    IO::Platform::TakeFailureReason(); // of an earlier call
     std::unique_ptr<IO::eStream> stream(IO::GetStream(file->Name(), mode));
     if (!stream || !stream->IsOpen())
         file->Fail("%1% - open error!", "The file could not be opened");
@@ -127,14 +127,14 @@ void WriteFile(eFileAtWork* file, const eTextPieces& beginning, eSDLWriter::eWri
 
 // --- The text ---
 
-// What one conversion writes. The output is opened when the text is complete, so that a failure on the way leaves it
-// alone.
+// The output of one conversion. The file is opened when the text is complete, so that an earlier failure leaves it
+// unchanged.
 struct eConvertedText {
     eSDLTextStream end;
     eTextPieces beginning;
 };
 
-// Writes the events of a document as SDL. The file's reports name the place meanwhile.
+// Writes the events of a document as SDL. Meanwhile reports about the file name the place.
 class eSdlFromJson : public eJsonSink {
 public:
     eSdlFromJson(eConvertedText* target, eFileAtWork* source)
@@ -183,7 +183,7 @@ private:
     eFileAtWork& file;
 };
 
-// An item that begins a line, and so one before which the text may be cut.
+// Begins an item that starts a line, before which the text may be cut.
 void eSdlFromJson::BeginItem() {
     if (++items < kItemsInPiece)
         return;
@@ -262,7 +262,7 @@ void eSdlFromJson::Signed(std::int64_t value) {
         WriteLongInteger();
 }
 
-// One that 32 bits hold without a sign keeps its bits.
+// A value that fits into 32 bits without a sign keeps its bits.
 void eSdlFromJson::Unsigned(std::uint64_t value) {
     if (value <= UINT32_MAX)
         WriteInt(static_cast<int>(value));
@@ -281,7 +281,7 @@ void eSdlFromJson::Unknown() {
                   "Json parsing failed due to unknown json value type.");
 }
 
-// Where there was no memory for the report, there may be now that the step has given back its own.
+// If there was no memory for the report before, there may be some now that the step has released its own.
 void Warn(int line, const char* message) {
     try {
         xError::Warning(ConversionReport::kSource, line, message, 0);
@@ -291,11 +291,11 @@ void Warn(int line, const char* message) {
     try {
         xError::Warning(ConversionReport::kSource, line, message, 0);
     } catch (const std::bad_alloc&) {
-        // There is none at all.
+        // There is no memory at all.
     }
 }
 
-// Does the work on a file; what it throws becomes one warning and false.
+// Does the work on a file. An exception becomes one warning and the result false.
 template <class eWork>
 bool Succeeds(const eFileAtWork& file, const eWork& work) {
     try {

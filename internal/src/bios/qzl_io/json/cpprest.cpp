@@ -17,7 +17,8 @@ namespace {
 
 using web::json::value;
 
-// The parser's setting is one for the process: it is put back as soon as a text is parsed, and parsing takes turns.
+// Sets the order of members for one parse. The parser has one setting for the process, so it is restored when a text
+// has been parsed, and threads parse in turn.
 class eDocumentOrder {
 public:
     eDocumentOrder() : turn(Turns()), previous(web::json::details::g_keep_json_object_unsorted) {
@@ -42,7 +43,7 @@ void DropByteOrderMark(std::string* text) {
         text->erase(0, unicode::kByteOrderMark.size());
 }
 
-// The text as the parser takes it; its part from `unknownFrom` on may be ill-formed.
+// The text in the form that the parser takes; the part from `unknownFrom` on may be ill-formed.
 template <class T>
 T ParserText(std::string text, std::size_t unknownFrom) {
     if constexpr (std::is_same_v<T, std::wstring>)
@@ -70,7 +71,7 @@ value Parsed(std::string&& text) {
     return ToString(text);
 }
 
-// Takes a document apart: each object and array is freed when it has been fed, while the cache holds it.
+// Takes a document apart: each object and array is freed after it has been fed, while it is in the cache.
 class eFeeder {
 public:
     explicit eFeeder(eJsonSink* target) : sink(*target) {}

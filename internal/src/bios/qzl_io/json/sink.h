@@ -4,15 +4,15 @@
 #include <string>
 #include <string_view>
 
-// Receives one JSON document in its own order, repeated names included. Texts are UTF-8 with a NUL right after their
+// Receives one JSON document in its own order, repeated names included. Texts are UTF-8, with a NUL directly after the
 // last character.
 class eJsonSink {
 public:
-    // The whole text is well-formed: the events of its value follow.
+    // The whole text is well-formed; the events of its value follow.
     virtual void BeginDocument() = 0;
 
     virtual void BeginObject() = 0;
-    // The events of the member's value follow; until they end, the name stays where it is.
+    // The events of the member's value follow; until they end, the name stays valid.
     virtual void Name(std::string_view name) = 0;
     virtual void EndObject() = 0;
     virtual void BeginArray() = 0;
@@ -25,15 +25,15 @@ public:
     virtual void Double(double value) = 0;
     virtual void Bool(bool value) = 0;
     virtual void Null() = 0;
-    // A value of a kind that the parser does not tell.
+    // A value of a kind that the parser does not report.
     virtual void Unknown() = 0;
 
 protected:
     ~eJsonSink() = default;
 };
 
-// Parses a JSON text in UTF-8 and feeds the document to the sink. A byte-order mark before the text is skipped, and
-// each ill-formed part becomes U+FFFD. A text that is no JSON document gives no event: an exception of the parser's own
-// is thrown, whose what() tells the reason and, as far as the parser knows it, the line and the column. An escaped
-// surrogate without its other half gives std::range_error. What the sink throws passes through.
+// Parses a JSON text in UTF-8 and passes the document to the sink. A byte-order mark before the text is skipped, and
+// each ill-formed part becomes U+FFFD. A text that is not a JSON document causes no event: the parser's own exception
+// is thrown, whose what() tells the reason and, if the parser knows them, the line and the column. An escaped surrogate
+// without its other half throws std::range_error. Exceptions from the sink pass through.
 void FeedJson(std::string text, eJsonSink* sink);

@@ -19,7 +19,7 @@ namespace IO::Platform {
 
 namespace {
 
-// What the system shows of a device in a file, at most one page; 0, or why it does not.
+// Reads a file in which the system describes a device, at most one page. Returns 0 or the error number.
 unsigned int ReadShown(const std::string& name, std::string* content) {
     std::array<char, 4096> page{};
     const eDescriptor file(Uninterrupted([&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC); }));
@@ -40,7 +40,8 @@ std::string FirstEntryOf(const std::string& folder) {
     return {};
 }
 
-// Down through the layers (encryption, volume groups) that stand on one another, then from a partition to its disk.
+// The disk below a device: down through the layers on top of each other (encryption, volume groups), then from a
+// partition to its disk.
 std::string DiskBelow(std::string device) {
     constexpr int kMostLayers = 8;
     for (int layer = 0; layer < kMostLayers; ++layer) {

@@ -34,7 +34,7 @@ eAnswer Told(bool done) {
     return done ? eAnswer::Done : eAnswer::Refused;
 }
 
-// Makes a call that a signal may interrupt, and tells whether it worked.
+// Makes a call that a signal may interrupt, and returns whether it succeeded.
 template <class Call>
 bool Worked(Call call) {
     return Uninterrupted(call) == 0;
@@ -44,8 +44,8 @@ const char* NameOf(const eEntry& entry) {
     return static_cast<const char*>(entry.name);
 }
 
-// Lists itself as a whole at the first Next: what is removed or added meanwhile cannot confuse the listing, and it can
-// rest from then on.
+// Reads its whole listing at the first Next, so that what is removed or added meanwhile cannot confuse it, and so that
+// the folder can rest from then on.
 class ePosixFolder final : public eFolder {
 public:
     explicit ePosixFolder(eDescriptor opened) : folder(std::move(opened)) {}
@@ -103,10 +103,10 @@ public:
 
     void EndLike(eFolder& source) override { EndWith(static_cast<ePosixFolder&>(source).Mode()); }
 
-    // The owner of a folder may do everything there until all is in it.
+    // The owner of a folder may do everything in it until it is complete.
     static mode_t ToBeFilled(mode_t mode) { return (mode & kPermissionsOfFolders) | S_IRWXU; }
 
-    // Where the system does not tell, nobody but the owner may do anything.
+    // If the system does not tell the mode, only the owner has access.
     mode_t Mode() const {
         struct stat status {};
         return Worked([&] { return ::fstat(folder.Get(), &status); }) ? status.st_mode : mode_t{S_IRWXU};
@@ -152,7 +152,7 @@ private:
 
     void EndWith(mode_t mode) { surplus = S_IRWXU & ~mode; }
 
-    // Each entry is its kind, its name and a zero.
+    // Each entry consists of its kind, its name and a zero.
     void List() {
         listed = true;
         eEntryReader reader;
@@ -191,15 +191,15 @@ private:
     static int Descriptor(eFolder& other) { return static_cast<ePosixFolder&>(other).folder.Get(); }
 
     eDescriptor folder;
-    eFileId id;         // of no folder until asked for
-    mode_t surplus = 0; // what the owner may not do there in the end
+    eFileId id;         // empty until asked for
+    mode_t surplus = 0; // permissions of the owner that are removed in the end
     bool listed = false;
     std::vector<char> listing;
     std::size_t position = 0;
 };
 
-// The system looks behind a link whose name ends in "/" or "/.", and removes no folder by the latter: the name without
-// these means the link or the folder itself.
+// The name without a "/" or "/." at its end, which stands for the link or the folder itself. With "/" the system would
+// follow a link, and with "/." it removes no folder.
 std::string OwnName(const char* name) {
     std::string text(name);
     while (text.size() > 1 && (text.back() == '/' || text.ends_with("/.")))

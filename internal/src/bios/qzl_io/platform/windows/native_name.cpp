@@ -24,7 +24,7 @@ bool IsAscii(std::basic_string_view<Char> text) {
     return std::all_of(text.begin(), text.end(), [](Char letter) { return letter >= 0 && letter < 0x80; });
 }
 
-// Empty where a part is ill-formed.
+// Empty if a part is ill-formed.
 std::wstring Widened(std::string_view text) {
     const int size = static_cast<int>(text.size());
     const auto convert = [&](wchar_t* room, int count) {
@@ -35,7 +35,7 @@ std::wstring Widened(std::string_view text) {
     return wide;
 }
 
-// What the page lacks is replaced, or the result empty.
+// Characters that the page lacks are replaced, or the result is empty.
 std::string Narrowed(std::wstring_view text) {
     const int size = static_cast<int>(text.size());
     DWORD flags = WC_NO_BEST_FIT_CHARS;
@@ -43,7 +43,7 @@ std::string Narrowed(std::wstring_view text) {
         return ::WideCharToMultiByte(CodePage(), flags, text.data(), size, room, count, nullptr, nullptr);
     };
     int count = convert(nullptr, 0);
-    // Pages that have every character refuse the flag.
+    // Pages that have every character reject the flag.
     if (count == 0 && ::GetLastError() == ERROR_INVALID_FLAGS) {
         flags = 0;
         count = convert(nullptr, 0);
@@ -73,7 +73,7 @@ wchar_t UpperLetter(wchar_t letter) {
     return letter >= L'a' && letter <= L'z' ? static_cast<wchar_t>(letter - L'a' + L'A') : letter;
 }
 
-// The run-time libraries keep the folders of the other drives in the environment.
+// The run-time libraries store the current folders of other drives in the environment.
 std::wstring CurrentFolderOf(wchar_t drive) {
     std::wstring folder = CurrentFolder();
     if (folder.size() > 1 && folder[1] == L':' && UpperLetter(folder[0]) == UpperLetter(drive))
@@ -83,7 +83,7 @@ std::wstring CurrentFolderOf(wchar_t drive) {
     return folder.empty() ? std::wstring{drive, L':', L'\\'} : folder;
 }
 
-// Nothing for an absolute name.
+// Empty for an absolute name.
 std::wstring FolderBelow(std::wstring_view name) {
     const eNameKind kind = System::KindOfName(name);
     if (name.empty() || System::IsAbsolute(kind))
