@@ -1,8 +1,8 @@
 #pragma once
 
-// What each compiler has a word of its own for. No other public header holds such a word.
+// Attributes that each compiler spells in its own way. No other public header contains such a word.
 
-// For an inline function whose calls are worth the place that they take.
+// For an inline function that is worth its size at every call.
 #if defined(_MSC_VER)
 #define QZL_IO_ALWAYS_INLINE __forceinline
 #elif defined(__GNUC__)

@@ -7,8 +7,8 @@
 #include <qzl_io/detail/compiler.h>
 #include <qzl_io/export.h>
 
-// How the characters of a text are written: by words that may overlap, whatever the length. Only the text's own
-// characters are read, and only their own places written.
+// Copies of a text's characters in words that may overlap, for any length. Only the text's own characters are read, and
+// only their places are written.
 
 namespace IO::ShortText {
 
@@ -21,7 +21,7 @@ Word Load(const char* from) noexcept {
     return word;
 }
 
-// Whether one of the bytes is zero. Where all are ASCII, the first of the two tests tells.
+// Whether one of the bytes is zero. If all are ASCII, the first of the two tests decides.
 template <class Word>
 bool HasZero(Word one, Word other) noexcept {
     constexpr auto kLowest = static_cast<Word>(static_cast<Word>(~Word{0}) / 255);
@@ -31,7 +31,7 @@ bool HasZero(Word one, Word other) noexcept {
     return ((oneLess | otherLess) & kHighest) != 0 && (((oneLess & ~one) | (otherLess & ~other)) & kHighest) != 0;
 }
 
-// Copies n characters, from sizeof(Word) to twice as many. False, and nothing is written, where one is NUL.
+// Copies n characters, from sizeof(Word) to twice as many. False, with nothing written, if one of them is NUL.
 template <class Word>
 QZL_IO_ALWAYS_INLINE bool CopyEnds(unsigned char* to, const char* from, std::size_t n) noexcept {
     const Word first = Load<Word>(from);
@@ -43,7 +43,7 @@ QZL_IO_ALWAYS_INLINE bool CopyEnds(unsigned char* to, const char* from, std::siz
     return true;
 }
 
-// As CopyEnds, from 16 characters to kLongest.
+// CopyEnds for 16 characters up to kLongest.
 inline bool CopyPieces(unsigned char* to, const char* from, std::size_t n) noexcept {
     const std::size_t last = n - 16;
     const auto hasZero = [from](std::size_t at) {
@@ -60,10 +60,10 @@ inline bool CopyPieces(unsigned char* to, const char* from, std::size_t n) noexc
     return true;
 }
 
-// As CopyEnds, for more than kLongest, which the C library does faster.
+// CopyEnds for more than kLongest characters, which the C library does faster.
 QZL_IO_API bool CopyLong(unsigned char* to, const char* from, std::size_t n) noexcept;
 
-// As CopyEnds, for any number of characters.
+// CopyEnds for any number of characters.
 QZL_IO_ALWAYS_INLINE bool CopyWithoutNul(unsigned char* to, const char* from, std::size_t n) noexcept {
     if (n >= 8) {
         if (n < 16)

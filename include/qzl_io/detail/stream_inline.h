@@ -10,8 +10,8 @@
 #include <qzl_io/detail/short_text.h>
 #include <qzl_io/export.h>
 
-// The inline bodies of eStream. What a caller has to know stands in stream.h, which includes this file last and is the
-// only one to do so.
+// The inline bodies of eStream. Callers need only stream.h, which includes this file last and is the only file to do
+// so.
 
 namespace IO {
 
@@ -71,13 +71,13 @@ struct eStreamInline {
     static_assert(sizeof(short) == 2 && sizeof(int) == 4 && sizeof(long long) == 8 && sizeof(float) == 4 &&
                   sizeof(double) == 8 && sizeof(void*) == 8);
 
-    static constexpr std::size_t kLongText = 255; // lengths from here on take four bytes
+    static constexpr std::size_t kLongText = 255; // longer texts have a length of four bytes
 
-    // A value of n bytes lies within the buffer and before its last byte.
+    // Whether a value of n bytes is in the buffer and ends before its last byte.
     static bool Shows(const eStream& stream, std::size_t n) noexcept {
         return eStream::Address(stream.ptr) + n < eStream::Address(stream.bufferEnd);
     }
-    // As Shows, for any n.
+    // Shows for any n.
     static bool Fits(const eStream& stream, unsigned long long n) noexcept { return n < stream.RoomInBuffer(); }
 
     static void SetModified(eStream& stream) noexcept {
@@ -85,7 +85,7 @@ struct eStreamInline {
             stream.Enable(StreamMode::Modified);
     }
 
-    // Stores n bytes for which there is room. The fields are loaded before that: a store of bytes may alias all of
+    // Stores n bytes for which there is room. The fields are loaded first, since a store of bytes may alias all of
     // them.
     template <class Store>
     static void Replace(eStream& stream, std::size_t n, Store store) noexcept {
@@ -100,9 +100,9 @@ struct eStreamInline {
     static void Written(eStream& stream, unsigned long long n) noexcept {
         Replace(stream, n, [](unsigned char*) {});
     }
-    // As Replace, at the end of the data, where most bytes go. eos and ptr are then known to be equal, and in a
-    // row of values that spares all tests of it but the first. The test between their stores keeps compilers from
-    // making one wide store of the two, which a load of one would have to wait for.
+    // Replace at the end of the data, where most bytes are written. eos and ptr are then known to be equal, and in a
+    // row of values only the first one is tested. The test between their stores keeps compilers from merging the two
+    // into one wide store, for which a load of either would have to wait.
     template <class Store>
     static void Append(eStream& stream, std::size_t n, Store store) noexcept {
         unsigned char* const place = stream.ptr;
@@ -124,7 +124,7 @@ struct eStreamInline {
         return stream;
     }
 
-    // A text of that many characters. If one of them is NUL, the text ends there and goes the slow way.
+    // Writes a text of that many characters. If one of them is NUL, the text ends there and takes the slow path.
     QZL_IO_ALWAYS_INLINE static eStream& PutText(eStream& stream, const char* text, std::size_t length) {
         unsigned char* const place = stream.ptr;
         if (length >= kLongText || !Shows(stream, length + 1) || !ShortText::CopyWithoutNul(place + 1, text, length))
@@ -190,13 +190,13 @@ struct eStreamInline {
         return value;
     }
 
-    // For requests at the end of the buffer or beyond. A value is the low bytes of bits.
+    // For requests at the end of the buffer or beyond. A value is the low bytes of `bits`.
     QZL_IO_API static void PutSlowly(eStream& stream, unsigned long long bits, unsigned long long n);
     QZL_IO_API static unsigned long long GetSlowly(eStream& stream, unsigned long long n);
     QZL_IO_API static void GetToSlowly(eStream& stream, void* target, unsigned long long n);
     QZL_IO_API static void GetToSlowly(eStream& stream, bool* target);
     QZL_IO_API static unsigned long long PeekSlowly(eStream& stream, unsigned long long n);
-    // The characters up to the first NUL.
+    // Writes the characters up to the first NUL.
     QZL_IO_API static eStream& PutTextSlowly(eStream& stream, const char* text);
     QZL_IO_API static eStream& GetTextSlowly(eStream& stream, std::string* text);
     QZL_IO_API static unsigned char* LookSlowly(eStream& stream, unsigned long long n);

@@ -4,15 +4,15 @@
 
 namespace xSDL {
 
-// Tells a destructor that may report whether it runs because an exception is on its way: a member of the object, made
-// with it. A copy is made with the object's copy, so it starts anew; assigning leaves it as it is.
+// Tells a destructor that may report whether an exception is unwinding the stack. It is a member of the object and is
+// constructed with it. A copy starts anew, like the copy of the object; assignment changes nothing.
 class eUnwinding {
 public:
     eUnwinding() = default;
     eUnwinding(const eUnwinding&) noexcept {}
     eUnwinding& operator=(const eUnwinding&) noexcept { return *this; }
 
-    // Are more exceptions under way than when the object was made?
+    // Whether more exceptions are in progress than when the object was constructed.
     bool IsUnderWay() const noexcept { return std::uncaught_exceptions() > atStart; }
 
 private:

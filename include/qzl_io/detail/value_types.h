@@ -3,23 +3,23 @@
 #include <concepts>
 #include <type_traits>
 
-// Which types the operators of streams take.
+// The types that the operators of streams accept.
 
 namespace IO {
 
-// Small characters and integers that would be written as an int by mistake: one byte is char or unsigned char.
+// Small character and integer types that would be written as an int by mistake. One byte is char or unsigned char.
 template <class T>
 concept eWrittenTooWide = std::same_as<T, signed char> || std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
     std::same_as<T, char16_t> || std::same_as<T, char32_t>;
 
-// And what would be written as a bool: functions (manipulators of other classes among them) and all pointers but those
-// to characters.
+// These, and types that would be written as a bool: functions (including manipulators of other classes) and all
+// pointers except those to characters.
 template <class T>
 concept eNotAValue = eWrittenTooWide<T> || std::is_member_pointer_v<T> || requires(T value) {
     requires std::is_pointer_v<decltype(+value)> && !std::convertible_to<T, const char*>;
 };
 
-// The 64-bit integers of <cstdint> where they are long, which is written and read as long long is.
+// The 64-bit integers of <cstdint> where they are long; they are written and read like long long.
 template <class T>
 concept eLongOf64Bits = sizeof(T) == 8 && (std::same_as<T, long> || std::same_as<T, unsigned long>);
 

@@ -20,7 +20,7 @@ namespace IO {
 
 // Bits of a stream's flag word, which is also the open mode of file streams.
 namespace StreamMode {
-inline constexpr unsigned short Read = 0x0001;     // refills its buffer from what it stands on
+inline constexpr unsigned short Read = 0x0001;     // refills its buffer from its source
 inline constexpr unsigned short Write = 0x0002;    // flushes before every move of the position
 inline constexpr unsigned short Create = 0x0004;   // file streams, with Write: create the file or cut it to length 0
 inline constexpr unsigned short Errors = 0x0200;   // errors are reported; without it they only set Bad
@@ -42,58 +42,60 @@ class eStreamOperation;
 class eStreamSteps;
 class eHookRun;
 
-// A sequence of bytes with a position, seen through a buffer. It owns no storage: memory, buffer and file streams bring
-// theirs and override the five hooks Trunc, Flush, Overflow, Underflow and Skip.
+// A sequence of bytes with a position, seen through a buffer. The class owns no storage: memory, buffer and file
+// streams bring theirs and override the five hooks Trunc, Flush, Overflow, Underflow and Skip.
 //
 // Values are stored little-endian and without padding; nothing marks their type. No operation ever touches memory
 // outside the buffer. A stream is used by one thread at a time.
 //
-// An error sets Bad and, while Errors is set, is reported by xError::Error with a fixed message; what is reported
-// whether Errors is set or not says so. The application's handler may return or throw; the stream is the same after
-// either, for an operation makes its reports at its end: the bytes are stored, the position is moved, the target of >>
-// is assigned. What a Get function would have returned is lost when the report throws, but its bytes lie before the
-// position. What Overflow and Underflow of a derived class throw waits likewise. (A list is written text by text; a
-// hook that is called from outside reports at once.)
+// An error sets Bad and, if Errors is set, is reported by xError::Error with a fixed message; errors that are reported
+// whether or not Errors is set are marked as such. The application's handler may return or throw. The stream is the
+// same after either, since an operation makes its reports at its end, when the bytes are stored, the position is moved
+// and the target of >> is assigned. If a report throws, the result of a Get function is lost, and the position is after
+// its bytes. Exceptions from Overflow and Underflow of a derived class are held back in the same way. (A list is
+// written text by text; a hook that is called from outside an operation reports at once.)
 class QZL_IO_API eStream {
 public:
-    virtual ~eStream(); // releases nothing: the buffer is the subclass's
+    virtual ~eStream(); // releases nothing: the buffer belongs to the subclass
 
     // --- Hooks: the operations below call them, and so may anybody. A subclass that overrides one usually calls
     // eStream's, which does no more than is said here. ---
 
-    // Ends the data at the current position; called by Clear. Before the start of the stream nothing is changed, Bad is
+    // Ends the data at the current position. Called by Clear. Before the start of the stream nothing changes, Bad is
     // set and "Attempt to write beyond the stream!" is reported.
     virtual void Trunc();
-    // Hands the bytes from the buffer's first to the position on to what the stream stands on, which is left to
-    // subclasses, and clears Modified. Called before the buffer is refilled, if Modified, and before Seek, Reset, Clear
-    // and Skip move the position away from any place but the buffer's first byte, if Write or Modified is set.
+    // Writes the bytes from the first byte of the buffer to the position to the stream's storage, which is left to
+    // subclasses, and clears Modified. Called if Modified is set before the buffer is refilled; and, if Write or
+    // Modified is set, before Seek, Reset, Clear and Skip move the position away from any place but the first byte of
+    // the buffer.
     virtual void Flush();
     // Called when a value does not fit into the buffer or ends exactly at its end, when Write finds no room, and when
-    // the position was moved to a place outside the buffer. Flushes if Modified; then with Read refills (Underflow),
-    // else only makes the current position the buffer's first byte (PlaceBuffer).
+    // the position has moved to a place outside the buffer. Flushes if Modified; then refills (Underflow) with Read,
+    // and otherwise only makes the current position the first byte of the buffer (PlaceBuffer).
     virtual void Overflow();
-    // Refills: makes the current position the buffer's first byte and fills the buffer from what the stream stands on,
-    // which is left to subclasses. Called by Overflow, and when Read or CopyTo has used the buffer up. A position
+    // Refills: makes the current position the first byte of the buffer and fills the buffer from the stream's storage,
+    // which is left to subclasses. Called by Overflow, and when Read or CopyTo has used up the buffer. A position
     // beyond the data sets Bad and is reported as "Invalid read location!".
     virtual void Underflow();
-    // Moves the position forward by n bytes (backward by the two's complement), flushing first; called by CopyTo. A
+    // Moves the position forward by n bytes (backward by the two's complement), and flushes first. Called by CopyTo. A
     // position beyond the data sets Bad and is reported as "Invalid seek location!".
     virtual eStream& Skip(unsigned long long n);
 
 protected:
-    // The state as text, "(off:%d, ptr:%d, end:%d, eos:%d, buff:%d)"; a subclass puts its name before it.
+    // The state as text, "(off:%d, ptr:%d, end:%d, eos:%d, buff:%d)"; a subclass puts its name in front.
     virtual std::string Dump() const;
 
 public:
     // --- State ---
 
-    // The buffer's first byte, which is the stream's first byte for streams in memory. Null if there is no buffer.
+    // The first byte of the buffer, which for streams in memory is the first byte of the stream. Null if there is no
+    // buffer.
     unsigned char* Buffer() const noexcept;
     unsigned long long Position() const noexcept; // in bytes from the start of the stream
     unsigned long long Size() const noexcept;     // of the data, in bytes
-    // No data remain, or the stream is Failed or Bad.
+    // True if no data remain, or the stream is Failed or Bad.
     bool Eos() const noexcept;
-    // Some flag is set, and Failed is not.
+    // True if any flag is set and Failed is not.
     bool IsOpen() const noexcept;
 
     void Enable(unsigned short bits) noexcept;         // sets all of the bits
@@ -103,36 +105,36 @@ public:
 
     // --- Bytes ---
 
-    // Reads n bytes. When fewer remain, the target gets those, the position is the end of the data, Bad is set and
+    // Reads n bytes. If fewer remain, the target gets these, the position moves to the end of the data, Bad is set and
     // "Attempt to read beyond the stream!" is reported. n = 0 does nothing.
     eStream& Read(void* target, unsigned long long n);
-    // Reads the bytes that are in the buffer already, n at most, and appends them to the text. Returns how many those
-    // were, 0 if the buffer has yet to be filled; nothing is reported.
+    // Appends to the text the bytes that are already in the buffer, at most n, and moves the position past them.
+    // Returns their number, 0 if the buffer has yet to be filled; reports nothing.
     unsigned long long AppendTo(std::string* text, unsigned long long n);
-    // Writes n bytes and extends the data when the position passes their end. What finds no room is dropped, Bad is set
+    // Writes n bytes, and extends the data if the position passes their end. Bytes without room are dropped, Bad is set
     // and one report is made ("Attempt to write beyond the stream!"). n = 0 does nothing. The source may be a part of
     // the stream's own buffer.
     eStream& Write(const void* source, unsigned long long n);
-    // Writes n bytes as Write does, from a block outside the stream that nobody is going to read again: what the block
-    // holds is undefined then. While a file takes the bytes, which the system caches in memory, it gives that memory
-    // back to the system bit by bit. The block itself stays the caller's.
+    // Writes n bytes like Write, from a block outside the stream that nobody will read again: its content is undefined
+    // afterwards. While a file takes the bytes, which the system caches in memory, the block's memory is returned to
+    // the system bit by bit. The block itself remains the caller's.
     eStream& WriteReleasing(void* block, unsigned long long n);
 
-    // Moves the position, flushing first if the stream writes. A position beyond the data sets Bad and is reported as
-    // "Invalid seek location!"; the end of the data is a legal position. Positions are compared as signed numbers: one
-    // that is more than 2^63 beyond the data lies before the start, whichever way it was reached. There nothing is
-    // touched: reading and writing set Bad and are reported as beyond the stream.
+    // Moves the position, and flushes first if the stream writes. A position beyond the data sets Bad and is reported
+    // as "Invalid seek location!"; the end of the data is a legal position. Positions are compared as signed numbers:
+    // one that is more than 2^63 beyond the data is before the start, however it was reached. There nothing is touched:
+    // reading and writing set Bad and are reported as beyond the stream.
     eStream& Seek(unsigned long long position, eSeekDir dir);
-    // To position 0, as Seek.
+    // Moves the position to 0, like Seek.
     eStream& Reset();
-    // To position 0, as Seek, and ends the data there.
+    // Moves the position to 0, like Seek, and ends the data there.
     eStream& Clear();
 
-    // Copies n bytes (0: all that remain) from this stream's position to the target's, and moves both; fewer when the
-    // source ends before that, which is not reported. What finds no room is the target's error, as for Write. Returns
+    // Copies n bytes (0: all that remain) from this stream's position to the target's, and moves both; fewer if the
+    // source ends earlier, which is not reported. Bytes without room are an error of the target, as in Write. Returns
     // this stream.
     eStream& CopyTo(eStream& target, unsigned long long n);
-    // CopyTo seen from the target, which is this stream and is returned.
+    // CopyTo from the source to this stream. Returns this stream.
     eStream& CopyFrom(eStream& source, unsigned long long n);
 
     // --- Values, written. The position moves on; the data grow when it passes their end. Where there is no room for a
@@ -153,22 +155,22 @@ public:
     template <eLongOf64Bits T>
     eStream& operator<<(const T& value);
 
-    // Does not compile: a character type or integer that would be written as an int (signed char, wchar_t, ...), a
-    // function or a pointer that would be written as a bool.
+    // Does not compile: character and integer types that would be written as an int (signed char, wchar_t, ...),
+    // functions, and pointers that would be written as a bool.
     template <eNotAValue T>
     eStream& operator<<(T) = delete;
     eStream& operator<<(std::nullptr_t) = delete;
 
-    // A text: its length as one byte, or from 255 up as the byte 255 and three bytes, then the characters up to the
-    // first NUL. A null pointer is the empty text.
+    // Writes a text: its length as one byte, or from 255 up as the byte 255 and three bytes, then the characters up to
+    // the first NUL. A null pointer is the empty text.
     eStream& operator<<(const char* text);
     eStream& operator<<(const std::string& text);
     // The length counts UTF-16 units, each of two bytes; NUL units are written like others.
     eStream& operator<<(const std::wstring& text);
-    // The count as 8 bytes, then each text.
+    // Writes the number of texts as 8 bytes, then each text.
     eStream& operator<<(const eStrings& texts);
 
-    // The low n bytes of a value, lowest first, for n from 1 to 4; any other n writes nothing.
+    // Writes the low n bytes of a value, lowest first, for n from 1 to 4; any other n writes nothing.
     eStream& Bytes(int n, unsigned int value);
 
     // --- Values, read. The position moves on. Any byte but 0 is a true bool. Fixed-width values do not look where the
@@ -188,11 +190,11 @@ public:
     template <eLongOf64Bits T>
     eStream& operator>>(T& value);
 
-    // A text. Its length is the first byte, or where that is 255 the byte behind it (of a long length only the low 8
-    // bits are read). When the data end before the text does, the missing characters are NUL, Bad is set and "Attempt
-    // to read beyond the stream!" is reported.
+    // Reads a text. Its length is the first byte or, if that is 255, the byte after it (of a long length only the low 8
+    // bits are read). If the data end before the text does, the missing characters are NUL, Bad is set and "Attempt to
+    // read beyond the stream!" is reported.
     eStream& operator>>(std::string& text);
-    eStream& operator>>(std::wstring& text); // likewise, of UTF-16 units
+    eStream& operator>>(std::wstring& text); // likewise, in UTF-16 units
     // Appends the texts of a list. Reading ends with the first text that finds the stream Bad or no byte left, which
     // sets Bad and is reported as a read beyond the stream.
     eStream& operator>>(eStrings& texts);
@@ -209,11 +211,10 @@ public:
     float GetFloat();
     double GetDouble();
     unsigned int GetTbyte();      // three bytes, zero-extended
-    unsigned int GetBytes(int n); // n bytes, zero-extended, for n from 1 to 4; else 0, and nothing is read
-    std::string GetString();      // as operator>>
-    // The characters up to the delimiter, which is consumed and left out, or to the end of the data; none where the
-    // stream is at its end. The line of a report that throws lies between the position before the call and the one
-    // after it.
+    unsigned int GetBytes(int n); // n bytes, zero-extended, for n from 1 to 4; otherwise 0, and nothing is read
+    std::string GetString();      // like operator>>
+    // Returns the characters up to the delimiter, which is consumed but not returned, or to the end of the data; none
+    // if the stream is at its end. If a report throws, the line is between the positions before and after the call.
     std::string GetLine(char delimiter);
 
     // --- Values, looked at: as the Get function, but the position stays. ---
@@ -234,7 +235,7 @@ public:
 
 protected:
     eStream() noexcept = default; // not open: no buffer, flags 0
-    // The copy has the same state and addresses the same bytes; who releases them is for the subclass to settle.
+    // The copy has the same state and uses the same bytes; the subclass decides who releases them.
     eStream(const eStream& other) noexcept;
     eStream& operator=(const eStream& other) noexcept;
     // The other stream is left not open, without a buffer.
@@ -250,62 +251,63 @@ protected:
     // beyond the stream is reported, and the position stays. A report that throws finds the position moved by Take, but
     // not by Place, as nobody is going to store the bytes.
 
-    // The n bytes at the position, which stays.
+    // The n bytes at the position, which does not move.
     unsigned char* Look(unsigned long long n);
-    // The n bytes at the position, which moves behind them.
+    // The n bytes at the position, which moves past them.
     unsigned char* Take(unsigned long long n);
-    // Room for n bytes at the position, which moves behind them; sets Modified and extends the data.
+    // Room for n bytes at the position, which moves past them; sets Modified and extends the data.
     unsigned char* Place(unsigned long long n);
 
     // --- For subclasses that bring storage: they take it into use and set the flags when they open, override the
     // hooks, and release it in their destructor. ---
 
-    // Takes a block into use as the buffer: data of that length (which may reach beyond the block), position at its
-    // first byte. offset and flags stay. A null block with a size stands for one that could not be allocated. The block
-    // stays the subclass's.
+    // Makes a block the buffer, with data of that length (which may reach beyond the block) and the position at its
+    // first byte. offset and flags do not change. A null block with a size stands for one that could not be allocated.
+    // The block remains the subclass's.
     void UseBuffer(unsigned char* block, unsigned long long size, unsigned long long length) noexcept;
-    // Makes the current position the buffer's first byte; the bytes from there to bufferEnd move with it. A position
-    // before the start or beyond the data is reported ("Stream.PlaceBuffer: " and Dump()), Errors set or not.
+    // Makes the current position the first byte of the buffer; the bytes from there to bufferEnd move with it. A
+    // position before the start or beyond the data is reported ("Stream.PlaceBuffer: " and Dump()), whether or not
+    // Errors is set.
     void PlaceBuffer();
-    // There is no buffer, or the position or the whole buffer lies before what the buffer can show.
+    // True if there is no buffer, or if the position or the whole buffer is before what the buffer can show.
     bool Blocked() const noexcept;
-    // The position lies before the start of the stream.
+    // True if the position is before the start of the stream.
     bool BeforeStart() const noexcept;
-    // bufferEnd - buffer, or while bufferEnd is kept null what that was before.
+    // bufferEnd - buffer or, while bufferEnd is null, its value before that.
     unsigned long long Capacity() const noexcept;
-    // Sets bufferEnd to the capacity, or as the invariant below wants it.
+    // Sets bufferEnd to the capacity, or as the invariant below requires.
     void SetCapacity(unsigned long long size) noexcept;
-    // Moves the position, to a place outside the buffer too, and keeps the invariant below.
+    // Moves the position, even to a place outside the buffer, and keeps the invariant below.
     void MoveTo(unsigned char* place) noexcept;
-    // Data that end before the position end there.
+    // Moves the end of the data to the position if it is before that.
     void RaiseEnd() noexcept;
-    // A position beyond the data sets Bad and is reported as "Invalid read location!".
+    // Sets Bad and reports "Invalid read location!" if the position is beyond the data.
     void CheckReadLocation();
-    // Sets Bad and, if Errors, reports; while an operation is under way, at its end. Source and line name the check.
+    // Sets Bad and, if Errors is set, reports; during an operation, at its end. Source and line identify the check.
     void Fail(const char* source, int line, const char* message);
 
-    // A pointer n bytes on, which may lie outside every block of memory and is then only a number.
+    // A pointer n bytes further on, which may be outside every block of memory and is then only a number.
     static unsigned char* Shifted(unsigned char* from, unsigned long long n) noexcept;
-    // to - from in bytes, whatever they point to.
+    // to - from in bytes, wherever they point.
     static long long Distance(const unsigned char* from, const unsigned char* to) noexcept;
 
-    // The buffer is a view of the stream's bytes from offset on. eos and ptr are in the buffer's coordinates and may
-    // lie outside it; they are then numbers, compared and moved as such (Distance, Shifted).
+    // The buffer is a view of the stream's bytes from offset on. eos and ptr are in the buffer's coordinates and may be
+    // outside it; they are then numbers, and are compared and moved as such (Distance, Shifted).
     //
-    // Invariant: ptr + n < bufferEnd, as numbers, means that n bytes at ptr lie within the buffer and may be touched,
-    // for the length n of any value. So one comparison is enough for a value. It fails
-    //   - near or at the end of the buffer, and behind it,
-    //   - while the stream is Blocked (no buffer, ptr before it, or the buffer before the start of the stream): there
-    //     bufferEnd is kept null between operations. Capacity() and Dump() go on to tell the capacity.
+    // Invariant: ptr + n < bufferEnd, as numbers, means that n bytes at ptr are in the buffer and may be touched, for
+    // the length n of any value. So one comparison is enough for a value. It fails
+    //   - near or at the end of the buffer, and past it,
+    //   - while the stream is Blocked (no buffer, ptr before it, or the buffer before the start of the stream):
+    //     bufferEnd is then null between operations; Capacity() and Dump() still give the capacity.
     // A hook that an operation calls finds bufferEnd one past the last byte of the buffer wherever ptr is, and may set
-    // all fields. Before it reads or writes values of its own stream it makes sure that the stream is not Blocked.
+    // all fields. Before it reads or writes values of its own stream, it makes sure that the stream is not Blocked.
     unsigned char* buffer = nullptr;
     unsigned char* bufferEnd = nullptr; // one past the buffer's last byte
     unsigned long long bufferSize = 0;  // capacity with which the buffer was created
     unsigned long long offset = 0;      // position of the buffer's first byte
     unsigned char* eos = nullptr;       // one past the last byte of data
     unsigned char* ptr = nullptr;       // the current position
-    unsigned short flags = 0;           // StreamMode
+    unsigned short flags = 0;           // bits of StreamMode
 
 private:
     friend eStreamInline;
@@ -318,7 +320,7 @@ private:
     static unsigned long long Address(const unsigned char* place) noexcept;
     long long Remaining() const noexcept;
     unsigned long long DataInBuffer() const noexcept; // what can be read without a hook
-    unsigned long long RoomInBuffer() const noexcept; // what can be written without one
+    unsigned long long RoomInBuffer() const noexcept; // what can be written without a hook
     bool OutsideBuffer() const noexcept;
     void RunHook(void (eStream::*hook)());
     void FlushIfModified();
@@ -327,11 +329,11 @@ private:
     void Refill();
     void Report(const char* source, int line, const std::string& message);
 
-    const eStreamMeans* means = nullptr;    // what the class can do beside its hooks
-    unsigned long long lastCapacity = 0;    // as it was set, for while bufferEnd is kept null
-    bool hookRuns = false;                  // bufferEnd is not kept null
+    const eStreamMeans* means = nullptr;    // what the class can do besides its hooks
+    unsigned long long lastCapacity = 0;    // the capacity while bufferEnd is null
+    bool hookRuns = false;                  // bufferEnd is then not null
     eStreamOperation* underWay = nullptr;   // the innermost operation that has begun and not ended
-    std::unique_ptr<unsigned char[]> apart; // the block that stands in for bytes outside the buffer
+    std::unique_ptr<unsigned char[]> apart; // the block that replaces bytes outside the buffer
 };
 
 } // namespace IO

@@ -8,17 +8,17 @@
 
 namespace IO {
 
-// A stream over memory of its own, which grows as it is written. The buffer is the whole stream (offset is always 0),
-// so Buffer() and Size() give its content. Open from construction, with Write and Errors set.
+// A stream over its own memory, which grows as it is written. The buffer is the whole stream (offset is always 0), so
+// Buffer() and Size() give its content. It is open from construction, with Write and Errors set.
 //
-// A seek beyond the data, which sets Bad, grows the buffer by one step at most, and the next move of the position makes
-// the place the end of the data. Size() may then exceed the room: Read and CopyTo stop where the bytes do.
+// A seek beyond the data, which sets Bad, grows the buffer by at most one step, and the next move of the position makes
+// that place the end of the data. Size() may then exceed the room: Read and CopyTo stop at the end of the bytes.
 //
-// Copies address the same bytes until one of them grows, which then has bytes of its own; the last owner releases them.
+// Copies share the bytes until one of them grows, which then has its own; the last owner releases them.
 class QZL_IO_API eMemoryStream : public eStream {
 public:
-    // size: bytes of room at the beginning. growBy: bytes of room added at each growth, 0 for doubling; values of up to
-    // 8 bytes need a growBy of 0 or at least 8. A stream of size 0 that doubles has room only after ResizeBuffer.
+    // size: bytes of room at the beginning. growBy: bytes added at each growth, 0 for doubling; values of up to 8 bytes
+    // need a growBy of 0 or at least 8. A stream of size 0 that doubles has room only after ResizeBuffer.
     explicit eMemoryStream(unsigned long long size, unsigned long long growBy = 0);
     eMemoryStream() : eMemoryStream(256) {}
     eMemoryStream(const eMemoryStream& other) = default;
@@ -28,45 +28,45 @@ public:
     eMemoryStream& operator=(const eMemoryStream& other);
     eMemoryStream& operator=(eMemoryStream&& other) noexcept;
 
-    // Clears Modified; data that end before the position end there.
+    // Clears Modified, and moves the end of the data to the position if it is before that.
     void Flush() override;
-    // Grows by one step and clears the new room. Does nothing where the step is 0 or the size would wrap.
+    // Grows by one step and clears the new room. Does nothing if the step is 0 or the size would overflow.
     void Overflow() override;
-    // There is nothing to refill from and the bytes stay where they are: only a position beyond the data sets Bad and
-    // is reported ("Invalid read location!").
+    // Does not move the bytes, as there is nothing to refill from. A position beyond the data sets Bad and is reported
+    // ("Invalid read location!").
     void Underflow() override;
 
 protected:
     // "MemoryStream" and the core's text.
     std::string Dump() const override;
 
-    // Where the bytes come from and go to: the heap. AllocateBuffer gives size bytes or null; DeallocateBuffer releases
-    // them and sets the pointer to null, and takes null too.
+    // Allocate and release the bytes, here from the heap. AllocateBuffer returns `size` bytes or null; DeallocateBuffer
+    // releases them, sets the pointer to null, and accepts null.
     //
-    // A class that overrides them calls ReleaseBuffer in its own destructor. Its stream remembers who made the buffer:
-    // the one that eMemoryStream's constructor makes goes back to the heap, every later one to the hook of the class.
-    // So its copies have to be of the same class; a copy as an eMemoryStream knows the heap alone.
-    // examples/own_allocation.cpp shows one.
+    // A class that overrides them calls ReleaseBuffer in its own destructor. A stream remembers which hook made its
+    // buffer: the buffer made by eMemoryStream's constructor goes back to the heap, every later one to the hook of the
+    // class. So copies must be of the same class; a copy as an eMemoryStream knows only the heap.
+    // examples/own_allocation.cpp shows such a class.
     virtual unsigned char* AllocateBuffer(unsigned long long size) const;
     virtual void DeallocateBuffer(unsigned char*& block) const;
 
-    // Replaces the buffer by a new, cleared one of the given size (0: none) with data of the length used and the
-    // position at its start. "Not enough memory!" is reported, Errors set or not, when there is none; the stream then
-    // has no buffer.
+    // Replaces the buffer by a new, cleared one of the given size (0: none), with `used` bytes of data and the position
+    // at its start. If there is no memory, "Not enough memory!" is reported, whether or not Errors is set, and the
+    // stream has no buffer.
     void CreateBuffer(unsigned long long size, unsigned long long used);
-    // Lets go of the buffer; the last owner deallocates it.
+    // Releases the buffer; the last owner deallocates it.
     void ReleaseBuffer();
 
 public:
-    // Makes the room at least size bytes; never less than it is. Position and data stay. With extend the data reach at
-    // least size bytes.
+    // Makes the room at least `size` bytes, never smaller than it is. Position and data do not change; with `extend`
+    // the data reach to at least `size` bytes.
     void ResizeBuffer(unsigned long long size, bool extend);
-    // Drops the first n bytes; position and end of the data are then behind the remaining ones. False, and nothing is
-    // changed, when there are fewer than n.
+    // Drops the first n bytes, and sets the position and the end of the data to the end of the remaining ones. If there
+    // are fewer than n, returns false and changes nothing.
     bool ShiftLeft(unsigned long long n);
 
 protected:
-    unsigned long long growBy; // bytes added to the room at each growth; 0: as many as there are
+    unsigned long long growBy; // bytes of room added at each growth; 0: as many as there are
 
 private:
     struct eBulkWays;
@@ -74,13 +74,13 @@ private:
     // Grows by one step, and by as many more as the size needs.
     void OverflowTo(unsigned long long needed);
     void Grow(unsigned long long size);
-    // One step on; the size itself where there is none.
+    // The size after one step; the size itself if there is no step.
     unsigned long long NextSize(unsigned long long size) const;
-    static bool IsOfLibraryClass(const eStream& stream); // exactly: a derived class may have hooks of its own
+    static bool IsOfLibraryClass(const eStream& stream); // exactly: a derived class may have its own hooks
     unsigned char* NewBlock(unsigned long long size) const;
     void UseNewBlock(unsigned char* block, unsigned long long size, unsigned long long length);
-    // The first kept bytes of the buffer and zeros behind them: in a new block, or in the buffer's own, which is then
-    // not the stream's any more. Null when there is no memory; the buffer is then as it was.
+    // The first `kept` bytes of the buffer followed by zeros, in a new block, or in the buffer's own block, which then
+    // no longer belongs to the stream. Null if there is no memory; the buffer is then unchanged.
     unsigned char* CopiedBlock(unsigned long long size, unsigned long long kept) const;
     unsigned char* ExtendedBlock(unsigned long long size, unsigned long long kept);
 
@@ -92,7 +92,7 @@ private:
     bool fromHeap = false; // the block was made by eMemoryStream's own hook
 };
 
-// A memory stream as a class of its own, with allocation hooks of its own.
+// A memory stream as a class of its own, with its own allocation hooks.
 class QZL_IO_API eMemoryStream_t : public eMemoryStream {
 public:
     explicit eMemoryStream_t(unsigned long long size, unsigned long long growBy = 0);
@@ -110,24 +110,24 @@ protected:
 };
 
 // A stream over bytes that belong to the caller and must outlive it. It never grows. Writing changes the caller's bytes
-// in place, even when they were handed over as constant. Copies address the same bytes.
+// in place, even if they were passed as constant. Copies use the same bytes.
 //
-// A value that ends exactly at the last byte is read or written, yet also reported ("Attempt to write beyond the
-// stream!"), and Bad is set; Read and Write are not reported unless they pass it. Two ways to take values up to the end
-// of a packet of n bytes without a report (examples/parse_packet.cpp):
+// A value that ends exactly at the last byte is read or written, but also reported ("Attempt to write beyond the
+// stream!"), and Bad is set; Read and Write report only if they pass the last byte. There are two ways to take values
+// up to the end of a packet of n bytes without a report (examples/parse_packet.cpp):
 //
-//     IO::eBufferStream packet(bytes, n + 1, n); // where one byte more may be addressed, as behind every std::string
+//     IO::eBufferStream packet(bytes, n + 1, n); // if one more byte may be addressed, as after every std::string
 //
-//     IO::eBufferStream packet(bytes, n, n);     // where not
-//     packet.Disable(IO::StreamMode::Errors);    // Bad then says no more than that the end was reached
+//     IO::eBufferStream packet(bytes, n, n);     // if not
+//     packet.Disable(IO::StreamMode::Errors);    // Bad then only says that the end was reached
 class QZL_IO_API eBufferStream : public eStream {
 public:
     eBufferStream() noexcept = default; // not open until Assign
-    // size bytes of room, of which the first used are data (0: all). Write and Errors are set.
+    // `size` bytes of room, of which the first `used` are data (0: all). Write and Errors are set.
     eBufferStream(const unsigned char* data, unsigned long long size, unsigned long long used);
-    // The text's own characters.
+    // A stream over the text's own characters.
     explicit eBufferStream(const std::string& text);
-    explicit eBufferStream(const std::string&& text) = delete; // it would be gone before the stream
+    explicit eBufferStream(const std::string&& text) = delete; // the text would be destroyed before the stream
     eBufferStream(const eBufferStream&) noexcept = default;
     eBufferStream(eBufferStream&&) noexcept = default;
     ~eBufferStream() override;
@@ -135,10 +135,10 @@ public:
     eBufferStream& operator=(const eBufferStream&) noexcept = default;
     eBufferStream& operator=(eBufferStream&&) noexcept = default;
 
-    // Goes over to other bytes, position at their start. Other flags stay as they are.
+    // Switches to other bytes, with the position at their start. Other flags do not change.
     void Assign(const unsigned char* data, unsigned long long size, unsigned long long used);
 
-    // Clears Modified; data that end before the position end there.
+    // Clears Modified, and moves the end of the data to the position if it is before that.
     void Flush() override;
     // Set Bad and report "Attempt to write beyond the stream!" or "Attempt to read beyond the stream!".
     void Overflow() override;

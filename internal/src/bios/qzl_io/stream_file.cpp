@@ -29,7 +29,8 @@ constexpr char kOpenError[] = "%1% - open error!";
 
 constexpr unsigned long long kLargestBuffer = 32768;
 
-// Whole cache lines: systems copy up to a tenth slower to and from the odd places where the heap puts large blocks.
+// Whole cache lines: systems copy up to a tenth slower to and from the unaligned places where the heap puts large
+// blocks.
 constexpr std::align_val_t kBlockAlignment{64};
 
 unsigned char* NewBlock(unsigned long long size) {
@@ -106,7 +107,7 @@ eFileStreamBase::~eFileStreamBase() {
     Close();
 }
 
-// Joining the owners may throw, and comes before anything is given up.
+// Joining the owners may throw, so it comes before anything is released.
 template <class eOther>
 eFileStreamBase& eFileStreamBase::Assign(eOther&& other) {
     if (this == &other)
@@ -165,7 +166,7 @@ void eFileStreamBase::eClosing::Release(int handle) noexcept {
 
 // --- The buffer ---
 
-// Where there are data, filling the buffer clears what they leave of it.
+// Only the room after the data is cleared, since filling the buffer overwrites the rest.
 void eFileStreamBase::CreateBuffer(unsigned long long capacity, unsigned long long length) {
     ReleaseBuffer();
     UseBlock(NewBlock(capacity), capacity, length);
@@ -233,7 +234,8 @@ void eFileStreamBase::Underflow() {
     FillIfDataRemain();
 }
 
-// A stream that only writes is filled too where data lie ahead: a later flush writes whatever the position passes over.
+// A stream that only writes is filled, too, if data follow the position: a later flush writes everything that the
+// position passes.
 void eFileStreamBase::Overflow() {
     FlushIfModified();
     if (Enabled(StreamMode::Read)) {
@@ -273,7 +275,7 @@ unsigned long long eFileStreamBase::LineInBuffer(bool* complete) const noexcept 
     return feed ? static_cast<unsigned long long>(feed - ptr) + 1 : run;
 }
 
-// A line that goes on behind the buffer becomes its first bytes, so that it is in one piece where it fits.
+// A line that crosses the end of the buffer is moved to its beginning, so that the line is in one piece if it fits.
 unsigned long long eFileStreamBase::LinePiece(eStreamSteps& steps, bool* complete) {
     *complete = true;
     if (Remaining() <= 0 || (DataInBuffer() == 0 && !steps.MakeData()))

@@ -37,7 +37,7 @@ struct eMemoryStream::eBulkWays {
     static constexpr eStreamMeans kMeans = {nullptr, Overflow};
 };
 
-// The library's own classes get at once the size that the steps which n bytes need would lead to.
+// The library's own classes grow at once to the size that the steps for n bytes would reach.
 void eMemoryStream::eBulkWays::Overflow(eStream& stream, unsigned long long n) {
     if (!IsOfLibraryClass(stream))
         return stream.Overflow();
@@ -62,7 +62,7 @@ eMemoryStream& eMemoryStream::operator=(const eMemoryStream& other) {
     return *this = eMemoryStream(other);
 }
 
-// What this stream holds goes back by the hook of its class.
+// The block of this stream goes back through the hook of its class.
 eMemoryStream& eMemoryStream::operator=(eMemoryStream&& other) noexcept {
     if (this != &other) {
         ReleaseBuffer();
@@ -82,12 +82,12 @@ void eMemoryStream::DeallocateBuffer(unsigned char*& block) const {
     FreeHeapBlock(block);
 }
 
-// While eMemoryStream's constructor and destructor run, an object of any class is one.
+// While eMemoryStream's constructor or destructor runs, an object of any class is one.
 bool eMemoryStream::IsOfLibraryClass(const eStream& stream) {
     return typeid(stream) == typeid(eMemoryStream) || typeid(stream) == typeid(eMemoryStream_t);
 }
 
-// The library's own hooks give cleared bytes; an application's need not.
+// The library's own hooks return cleared bytes; an application's need not.
 unsigned char* eMemoryStream::NewBlock(unsigned long long size) const {
     unsigned char* const block = AllocateBuffer(size);
     if (block && !IsOfLibraryClass(*this))
@@ -105,7 +105,7 @@ void eMemoryStream::eFreeing::Release(unsigned char* block) noexcept {
     std::free(block);
 }
 
-// A class with hooks of its own may take the block out of the buffer, which is then its own to release.
+// A class with its own hooks may take the block out of the buffer, and then releases it itself.
 void eMemoryStream::ReleaseBuffer() {
     if (fromHeap && bufferBlock == buffer)
         bufferBlock.Reset();
@@ -138,7 +138,7 @@ unsigned char* eMemoryStream::ExtendedBlock(unsigned long long size, unsigned lo
     return block;
 }
 
-// The heap extends a block for less than a new one costs, if most of what is then cleared is going to be used.
+// The heap extends a block for less than the cost of a new one, if most of what is then cleared is going to be used.
 void eMemoryStream::Grow(unsigned long long size) {
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);

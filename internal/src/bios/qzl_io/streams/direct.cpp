@@ -3,8 +3,8 @@
 #include "streams/means.h"
 #include "streams/steps.h"
 
-// What whole buffers would carry moves directly; the last buffer's part is left to the other steps, so that offset,
-// position and buffer end up where those alone would have brought them.
+// What would fill whole buffers moves directly; the rest, for the last buffer, is left to the other steps, so that
+// offset, position and buffer end up where those alone would have left them.
 
 namespace IO {
 
@@ -13,7 +13,7 @@ const eStreamDirect* eStreamSteps::Direct(const eStream& stream) {
     return direct && direct->serves(stream) ? direct : nullptr;
 }
 
-// Whole buffers that lie before the last one which n more bytes touch, in bytes.
+// The size of the whole buffers before the last one that n more bytes touch.
 unsigned long long eStreamSteps::WholeBuffers(const eStream& stream, unsigned long long n) noexcept {
     const unsigned long long size = stream.Capacity();
     return size > 0 && n > 0 ? (n - 1) / size * size : 0;
@@ -37,7 +37,7 @@ bool eStreamSteps::TakesWholeBuffers(const eStream& stream) {
     return empty && stream.Remaining() >= 0 && !stream.Blocked() && stream.Enabled(StreamMode::Write) && Direct(stream);
 }
 
-// After whole buffers were written directly.
+// Moves the position past whole buffers that were written directly.
 void eStreamSteps::PassWholeBuffers(eStream& stream, unsigned long long whole) {
     stream.MoveTo(eStream::Shifted(stream.ptr, whole));
     stream.RaiseEnd();
@@ -54,7 +54,8 @@ unsigned long long eStreamSteps::WriteDirect(const unsigned char* source, unsign
     return whole;
 }
 
-// Whole buffers of the target that the system copies by itself, in bytes. At least one byte has to follow them.
+// Copies whole buffers of the target within the system and returns their size in bytes. At least one more byte must
+// follow.
 unsigned long long eStreamSteps::CopyInSystem(eStream& source, eStream& target, unsigned long long n) {
     const unsigned long long size = target.Capacity();
     if (n < size || !TakesWholeBuffers(target) || target.means != source.means)

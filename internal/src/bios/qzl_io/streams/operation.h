@@ -10,8 +10,8 @@
 
 namespace IO {
 
-// While a hook runs, bufferEnd tells where the buffer ends wherever the position is. Else, and so while a handler has
-// the word within a hook, it is kept null where it has to be.
+// While a hook runs, bufferEnd is the end of the buffer wherever the position is. Otherwise, and while a handler runs
+// in a hook, it is null where the invariant demands it.
 class eHookRun {
 public:
     explicit eHookRun(eStream& of, bool runs = true) noexcept : stream(of), before(of.hookRuns) { Set(runs); }
@@ -31,9 +31,9 @@ private:
     const bool before;
 };
 
-// One operation of a stream under way. Until its end it keeps what the stream reports and what a hook throws, so that
-// whoever hears of either finds the operation complete. An operation that a hook begins hands its reports on to the one
-// that has called the hook.
+// One operation of a stream in progress. Until its end it holds back the stream's reports and an exception from a hook,
+// so that whoever receives either finds the operation complete. An operation that a hook begins passes its reports to
+// the operation that called the hook.
 class eStreamOperation {
 public:
     explicit eStreamOperation(eStream& of) noexcept : stream(of), outer(std::exchange(of.underWay, this)) {}
@@ -42,12 +42,12 @@ public:
     eStreamOperation(const eStreamOperation&) = delete;
     eStreamOperation& operator=(const eStreamOperation&) = delete;
 
-    // Calls a hook. True when it failed: it set Bad, failed by the core's Fail or threw. Once one has thrown, none is
-    // called any more.
+    // Calls a hook. True if it failed: it set Bad, failed through the core's Fail, or threw. After a hook has thrown,
+    // no further one is called.
     bool Fails(void (eStream::*hook)()) {
         return Fails([this, hook] { stream.RunHook(hook); });
     }
-    // Likewise for work that calls a hook or stands in for one.
+    // Fails for work that calls a hook or replaces one.
     template <class Work>
     bool Fails(Work work) {
         if (thrown)
@@ -70,7 +70,7 @@ public:
     }
     void DropReports() noexcept { reports.clear(); }
 
-    // Makes the reports; then throws what a hook has thrown.
+    // Makes the reports, then throws what a hook has thrown.
     void End() {
         eStreamOperation* const next = outer;
         Leave();

@@ -76,7 +76,7 @@ void eStreamSteps::ReadAll(void* target, unsigned long long n) {
     }
 }
 
-// Growth releases the buffer, and a refill changes it: bytes of its own are set aside before.
+// Growth releases the buffer, and a refill changes it, so bytes of the stream itself are copied first.
 bool eStreamSteps::WriteAll(const unsigned char* source, unsigned long long n) {
     if (n <= stream.RoomInBuffer() || !HoldsInBuffer(source))
         return WritePieces(source, n);
@@ -120,7 +120,7 @@ bool eStreamSteps::Reach(int line, const char* message) {
 bool eStreamSteps::ReachToRead() {
     return Reach(kValueReadLine, kReadBeyond);
 }
-// One step of a growing buffer can be less than a value: it overflows again as long as that gives more room.
+// One step of a growing buffer can be less than a value needs: overflows repeatedly as long as that gives more room.
 bool eStreamSteps::ReachToWrite(unsigned long long n) {
     unsigned long long before = 0;
     do {

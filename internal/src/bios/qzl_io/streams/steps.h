@@ -8,51 +8,51 @@ namespace IO {
 
 struct eStreamDirect;
 
-// The steps of which the operations of a stream consist that do not end within its buffer.
+// The steps of operations that do not end within the stream's buffer.
 class eStreamSteps : public eStreamOperation {
 public:
     using eStreamOperation::eStreamOperation;
 
     // --- Bytes ---
 
-    // Make something readable or writable at the position by a refill or an overflow. False when there is nothing,
-    // which has then been reported.
+    // Make something readable or writable at the position by a refill or an overflow. False, after a report, if there
+    // is nothing.
     bool MakeData();
     bool MakeRoom(unsigned long long n);
-    // Read to the end of the data, or write while there is room, n bytes at most; less has then been reported, and
-    // false is returned for less written.
+    // Read to the end of the data, or write while there is room, at most n bytes. Fewer are reported, and Write then
+    // returns false.
     void ReadAll(void* target, unsigned long long n);
     bool WriteAll(const unsigned char* source, unsigned long long n);
 
-    // Whether a copy from the stream goes on, after a refill; its end is not reported.
+    // Whether a copy from the stream continues, after a refill; its end is not reported.
     static bool HasMoreToCopy(eStream& source);
-    // Copies what goes past the source's buffer, and takes it off n. False when the target has no room, which has then
-    // been reported.
+    // Copies what bypasses the source's buffer, and subtracts it from n. False, after a report, if the target has no
+    // room.
     static bool CopyDirect(eStream& source, eStream& target, unsigned long long* n);
 
     // --- Values ---
 
-    // Call Overflow for a value. False when nothing can be touched at the position even then, which has been reported.
+    // Call Overflow for a value. False, after a report, if nothing can be touched at the position even then.
     bool ReachToRead();
     bool ReachToWrite(unsigned long long n);
 
-    // n bytes at the position; where the buffer does not hold them all, in a block apart.
+    // The n bytes at the position; in a separate block if the buffer does not contain them all.
     unsigned char* LookAt(unsigned long long n);
     unsigned char* Apart(unsigned long long n);
-    // Moves the position behind a value of which a part may have been dropped.
+    // Moves the position past a value of which a part may have been dropped.
     void PassWritten(unsigned long long n);
 
-    // A value is the low bytes of bits.
+    // A value is the low bytes of `bits`.
     unsigned long long BitsHere(unsigned long long n) const noexcept;
     unsigned long long TakeBits(unsigned long long n);
     void PutBits(unsigned long long bits, unsigned long long n);
 
     void PutLength(unsigned long long length);
-    // False when the data ended before the length or the text did, which has then been reported.
+    // False, after a report, if the data ended before the length or the text did.
     bool GetLength(unsigned int* length);
     bool GetText(std::string* text);
-    // Takes the bytes up to the delimiter, or to the byte that ends at the end of the buffer, which is left to
-    // Overflow. True when the delimiter was there.
+    // Takes the bytes up to the delimiter, or to the byte at the end of the buffer, which is left to Overflow. True if
+    // the delimiter was found.
     static bool AppendUpTo(eStream& stream, char delimiter, std::string* line);
 
 private:

@@ -16,8 +16,8 @@ using namespace StreamReport;
 
 namespace {
 
-constexpr unsigned int kLongestShown = 255;         // of a length, only 8 bits are ever read
-constexpr unsigned long long kReservedTexts = 4096; // ahead of reading, on the word of a count alone
+constexpr unsigned int kLongestShown = 255;         // of a length; only 8 bits are ever read
+constexpr unsigned long long kReservedTexts = 4096; // before reading, while only the count vouches for them
 
 bool IsByteCount(int n) {
     return n >= 1 && n <= 4;
@@ -176,7 +176,7 @@ eStream& eStream::operator>>(std::wstring& text) {
 eStream& eStream::operator>>(eStrings& texts) {
     eStreamSteps steps(*this);
     const unsigned long long count = steps.TakeBits(sizeof count);
-    const unsigned long long possible = std::min(DataInBuffer(), kReservedTexts); // a text takes a byte at least
+    const unsigned long long possible = std::min(DataInBuffer(), kReservedTexts); // a text takes at least one byte
     if (texts.empty())
         texts.Reserve(static_cast<std::size_t>(std::min(count, possible)));
     bool complete = true;
