@@ -16,6 +16,7 @@
 #include "support/temp_folder.h"
 
 // The context of a report: what it shows of the sources that are being read.
+
 namespace {
 
 using testing::HasSubstr;

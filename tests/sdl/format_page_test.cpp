@@ -8,6 +8,7 @@
 #include "sdl_source.h"
 
 // The statements of docs/sdl-format.md for people who write files by hand.
+
 namespace {
 
 std::string Read(const std::string& text) {

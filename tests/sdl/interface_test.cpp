@@ -15,6 +15,7 @@
 #include "support/interface.h"
 
 // The interface that applications compile against: types, signatures and virtual functions.
+
 namespace {
 
 using std::is_same_v;

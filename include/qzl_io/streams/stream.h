@@ -16,6 +16,7 @@
 //     const int number = stream.GetInt32();   // 42
 //     const float half = stream.GetFloat();   // 0.5
 //     const std::string text = stream.GetString();
+
 namespace IO {
 
 // Bits of a stream's flag word, which is also the open mode of file streams.

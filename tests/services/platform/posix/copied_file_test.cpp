@@ -1,4 +1,3 @@
-// The target of a copy on this system: permissions, links to it, other names, kinds of files, holes.
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -25,6 +24,8 @@
 #include "support/platform/posix/umask.h"
 
 #include "../../real_tree.h"
+
+// The target of a copy on this system: permissions, links to it, other names, kinds of files, holes.
 
 namespace {
 

@@ -1,4 +1,3 @@
-// The units under test are compiled here under other names, over the test's own machine.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -10,6 +9,8 @@
 #include "support/reports.h"
 
 #include "platform/machine.h"
+
+// The units under test are compiled here under other names, over the test's own machine.
 
 namespace {
 

@@ -1,5 +1,3 @@
-// The units under test are compiled here, so that a folder can be replaced between any two of their steps, and with
-// listings that do not tell the kind of their entries, as on some file systems.
 #include <cerrno>
 #include <cstddef>
 #include <filesystem>
@@ -12,6 +10,9 @@
 
 #include <dirent.h>
 #include <unistd.h>
+
+// The units under test are compiled here, so that a folder can be replaced between any two of their steps, and with
+// listings that do not tell the kind of their entries, as on some file systems.
 
 namespace {
 

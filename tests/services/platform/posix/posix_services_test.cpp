@@ -25,6 +25,7 @@
 #include "../../real_tree.h"
 
 // Trees with features of this system: symbolic links, permissions, pipes, names that are not text.
+
 namespace {
 
 namespace fs = std::filesystem;

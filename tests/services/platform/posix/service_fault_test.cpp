@@ -1,5 +1,3 @@
-// Every system call of an operation fails once, in turn, with each of several errors. Whatever the operation then does,
-// it touches nothing outside, leaves no temporary files behind, and replaces a target completely or not at all.
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -18,6 +16,9 @@
 #include "support/platform/posix/open_descriptors.h"
 
 #include "../../real_tree.h"
+
+// Every system call of an operation fails once, in turn, with each of several errors. Whatever the operation then does,
+// it touches nothing outside, leaves no temporary files behind, and replaces a target completely or not at all.
 
 namespace {
 

@@ -21,6 +21,7 @@
 
 // Names that are special on this system: too long for its functions, ending in a dot or a blank, naming devices,
 // outside the code page.
+
 namespace {
 
 template <class Text>

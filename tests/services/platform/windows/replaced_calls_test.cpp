@@ -14,6 +14,7 @@
 #include "../../real_tree.h"
 
 // Answers that Windows gives on real machines and Wine never gives: the library's calls go to a stand-in.
+
 namespace {
 
 constexpr const char* kLibrary = "qzl_io.dll";

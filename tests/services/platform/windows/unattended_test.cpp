@@ -15,6 +15,7 @@
 #include "../../real_tree.h"
 
 // Whether the system could show a dialog when the library passes it a name.
+
 namespace {
 
 constexpr const char* kLibrary = "qzl_io.dll";

@@ -12,6 +12,7 @@
 #include "../../real_tree.h"
 
 // Trees with features of this system: attributes, locks, junctions and other reparse points.
+
 namespace {
 
 std::string UnixName(const std::filesystem::path& path) {

@@ -14,6 +14,7 @@
 #include "support/temp_folder.h"
 
 // File streams with names that are special on this system.
+
 namespace {
 
 template <class Stream>

@@ -7,6 +7,7 @@
 #include "platform/pure/extended_name.h"
 
 // The decisions of path operations that depend on texts alone.
+
 namespace IO::System {
 
 // Calls `visit` with the position of every character except double-byte ones, which are never delimiters, even if their

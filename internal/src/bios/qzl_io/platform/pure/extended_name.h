@@ -15,6 +15,7 @@
 //
 // A name that is not absolute is relative to `current`, an absolute name: the current folder or, for "c:x", the current
 // folder of the drive. For an absolute name `current` is not used.
+
 namespace IO::System {
 
 // The length in characters up to which an absolute name may be in its plain form. The limits of the functions differ;
