@@ -1,5 +1,5 @@
-# cpprestsdk_json: the JSON part of cpprestsdk, for the sources of qzl_io only. It becomes a part of the library, or
-# is the machine's installed library, which loads OpenSSL, brotli and zlib into every program.
+# cpprestsdk_json: the JSON part of cpprestsdk, for the sources of qzl_io only. It is either built into the
+# library, or it is the machine's installed library, which loads OpenSSL, brotli and zlib into every program.
 include(CMakeDependentOption)
 cmake_dependent_option(QZL_CPPREST_FROM_SOURCE "Make cpprestsdk's JSON part from its source package" OFF
     "NOT WIN32" ON)
@@ -14,9 +14,9 @@ if(QZL_CPPREST_FROM_SOURCE)
     if(result EQUAL 0)
         set(QZL_CPPREST_IS_INSIDE ON)
     elseif(WIN32)
-        message(FATAL_ERROR "cpprestsdk's sources are not at hand\n${output}")
+        message(FATAL_ERROR "cpprestsdk's sources are not available\n${output}")
     else()
-        message(NOTICE "qzl_io will load the machine's own cpprestsdk: its source package is not at hand\n${output}")
+        message(NOTICE "qzl_io will load the installed cpprestsdk: its source package is not available\n${output}")
     endif()
 endif()
 

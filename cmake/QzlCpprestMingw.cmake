@@ -1,4 +1,4 @@
-# cpprestsdk's JSON part on MinGW-w64: what that lacks is added, and the unpacked sources are adapted.
+# cpprestsdk's JSON part on MinGW-w64: adds what MinGW lacks and adapts the unpacked sources.
 
 # qzl_adapt(file was becomes): replaces a text in a source file of cpprestsdk once; it is an error if both are missing.
 function(qzl_adapt file was becomes)

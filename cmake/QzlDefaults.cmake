@@ -1,5 +1,5 @@
-# Settings that all targets of the tree share: language level, folders, build type, sanitizers, coverage. Nothing here reaches
-# a project that adds this one as a subdirectory.
+# Settings that all targets of the tree share: language level, folders, build type, sanitizers, coverage. None of them
+# affects a project that adds this one as a subdirectory.
 include(GNUInstallDirs)
 include(GenerateExportHeader)
 

@@ -16,7 +16,7 @@ foreach(headers ${PROJECT_SOURCE_DIR}/include/qzl_io ${PROJECT_SOURCE_DIR}/inter
     install(DIRECTORY ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h" ${left_out})
 endforeach()
 
-# What a program that links the static libraries needs besides them, for the CMake package and for pkg-config.
+# Libraries that a program needs besides the static ones, for the CMake package and for pkg-config.
 set(dependencies)
 set(defines)
 set(private_libraries)

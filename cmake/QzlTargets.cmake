@@ -11,9 +11,9 @@ function(qzl_own_target target)
         $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:-Werror>)
 endfunction()
 
-# qzl_add_library(name [LEAVE_OUT regex]): the library of the calling folder, shared or static as BUILD_SHARED_LIBS says,
-# with <name/export.h> and every source of the folder and of its folder for the platform, except those whose path in the
-# folder matches.
+# qzl_add_library(name [LEAVE_OUT regex]): the library of the calling folder, shared or static by BUILD_SHARED_LIBS,
+# with <name/export.h> and every source of the folder and of its folder for the platform, except sources whose path in
+# the folder matches.
 function(qzl_add_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" LEAVE_OUT "")
     file(GLOB sources RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS *.cpp streams/*.cpp sdl/*.cpp json/*.cpp files/*.cpp machine/*.cpp
