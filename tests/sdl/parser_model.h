@@ -1,13 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <limits>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_io/sdl/parser.h>
 
@@ -184,6 +185,18 @@ public:
     }
 
 private:
+    // Decimal within an int, or the low 32 bits of hexadecimal digits.
+    static int Integer(const std::string& text) {
+        if (!text.starts_with("0x"))
+            return static_cast<int>(std::clamp<long long>(std::strtoll(text.c_str(), nullptr, 10),
+                                                          std::numeric_limits<int>::min(),
+                                                          std::numeric_limits<int>::max()));
+        unsigned value = 0;
+        for (const char digit : Lowered(text.substr(2)))
+            value = 16 * value + static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'a' + 10);
+        return static_cast<int>(value);
+    }
+
     char At(std::ptrdiff_t position) const {
         const auto index = static_cast<std::size_t>(position);
         return index < text.size() ? text[index] : '\0';
@@ -224,11 +237,11 @@ private:
         if (token.type == sdlBlockStart && !token.text.empty())
             token.text.erase(0, 1);
         if (token.type == sdlFloat) {
-            _FromString(&token.floatValue, token.text.c_str());
+            token.floatValue = std::strtof(token.text.c_str(), nullptr);
             token.intValue = Truncated(token.floatValue);
         }
         if (token.type == sdlInt || token.type == sdlHex) {
-            _FromString(&token.intValue, token.text.c_str());
+            token.intValue = Integer(token.text);
             token.floatValue = static_cast<float>(token.intValue);
         }
         if (token.type == sdlHex) {
