@@ -6,6 +6,7 @@
 #include <qzl_io/sdl/keyword.h>
 #include <qzl_io/sdl/parser.h>
 #include <qzl_io/sdl/reader.h>
+#include <qzl_io/sdl/token.h>
 #include <qzl_io/sdl/writer.h>
 
 // Not there if the library was built without it.

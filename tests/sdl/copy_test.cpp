@@ -28,6 +28,18 @@ TEST(TextCopies, AreExactAtEverySizeAndTouchNothingElse) {
     }
 }
 
+TEST(TextCopies, AreComparedInEveryCharacter) {
+    for (std::size_t size = 0; size <= kLongest; ++size) {
+        const std::string text = Letters(size);
+        EXPECT_TRUE(xSDL::IsSameText(text.data(), std::string(text).data(), size));
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string other = text;
+            other[at] = '?';
+            EXPECT_FALSE(xSDL::IsSameText(text.data(), other.data(), size)) << at << " of " << size;
+        }
+    }
+}
+
 TEST(TextCopies, ArePlainExactlyWhenNothingNeedsAnEscape) {
     std::string copy(kLongest, '\0');
     for (std::size_t size = 1; size <= kLongest; ++size) {

@@ -1,63 +1,25 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <qzl_base/stack_entry.h>
 #include <qzl_base/strings.h>
+#include <qzl_io/detail/current_token.h>
 #include <qzl_io/export.h>
 #include <qzl_io/sdl/cipher.h>
 #include <qzl_io/sdl/keyword.h>
+#include <qzl_io/sdl/token.h>
 
 namespace IO {
 class eStream;
 }
 
-namespace xSDL {
-struct eLexeme;
-struct eTokenBegin;
-} // namespace xSDL
-
 class eSDLReader;
-
-// Kinds of token of an SDL text.
-enum eSDLParserLexType : int {
-    sdlError = -1,     // a character that no token begins with, or a string broken by an end of line
-    sdlNone = 0,       // nothing: the end of the text
-    sdlIdent = 1,      // letters, digits and _ after a letter, _ or %; not in the current keyword table
-    sdlKeyword = 2,    // the same, found in the current keyword table
-    sdlString = 3,     // "text"
-    sdlBlockStart = 4, // { and what directly follows it as a mark, as in {#mark
-    sdlBlockEnd = 5,   // }
-    sdlBlockId = 6,    // a keyword that was read as a block's identifier
-    sdlOpen = 7,       // ( of a control block
-    sdlClose = 8,      // ) of a control block
-    sdlNumber = 9,     // asked for only: sdlInt or sdlFloat
-    sdlFloat = 10,     // a number with a fraction or an exponent
-    sdlInt = 11,       // an integer, decimal or hexadecimal
-    sdlHex = 12,       // an integer beginning with 0x, delivered as sdlInt
-    sdlOperator = 13   // * or /, or + or - that no digit follows
-};
-
-// One token. The values belong to the types named with them; for other types they hold what they held before.
-struct eSDLParserToken {
-    eSDLParserLexType type = sdlNone;
-    std::string text;     // as in the source; of a string what stands between the quotes, of a block start its mark,
-                          // of a hexadecimal integer its decimal text
-    float floatValue = 0; // sdlFloat, sdlInt
-    int intValue = 0;     // sdlInt; sdlFloat, truncated and kept within an int; sdlKeyword and sdlBlockId: identity
-};
-
-// A place in a text and the token before it.
-struct eSDLParserState {
-    eSDLParserToken token;
-    int line = 1;                   // counted from 1
-    const char* position = nullptr; // what is read next; null: no state
-};
 
 // A named text, as a `define` control block declares it.
 struct eDefine {
@@ -106,9 +68,9 @@ public:
 
     // The current token, the caller's to change. The reference stays that of the current token as it changes.
     eSDLParserToken& Token() {
-        if (!watched)
-            Watch();
-        return current.token;
+        if (!current.IsLent())
+            Lend();
+        return current.Token();
     }
     const eSDLParserState& StateCurrent() const;
 
@@ -125,10 +87,10 @@ public:
     std::string GetContext() const;
 
     const std::string& Name() const { return name; }
-    int Line() const { return current.line; }
+    int Line() const { return current.Line(); }
     bool IsFile() const { return isFile; }
     // The read position in the text, which ends with a zero.
-    const char* Cptr() const { return current.position; }
+    const char* Cptr() const { return current.Position(); }
 
 protected:
     // Gives the current token, as its type and text stand, its final type, text and values: a keyword is looked up, a
@@ -142,71 +104,35 @@ protected:
 private:
     friend class eSDLReader;
 
-    // Where a token's text is: still in the source, or also in the token. A text in the token that differs from the
-    // source, or may come to, has to be kept when the token becomes the previous one.
-    struct eTokenText {
-        enum eHome { Source, Copied, Own };
+    class eCutter;
+    // Called before a report is made: a reader, whose other sources the report names too, puts these on the stack.
+    using eBeforeReport = std::function<void()>;
 
-        std::string_view source;
-        eHome home = Source;
-    };
+    eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
+               const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher,
+               const eBeforeReport& beforeReport);
 
-    // For a reader, whose other sources a read error names too.
-    eSDLParser(const eSDLReader* reader, const std::string& name, IO::eStream& stream,
-               const std::vector<eSDLKeyword*>& keywords, const std::map<eStringKey, eStringKey>& parameters,
-               eSDLCipher* cipher);
-
-    bool Cut();
-    bool CutAny(xSDL::eTokenBegin begin);
-    xSDL::eTokenBegin FindToken() const;
-    const char* PassPlainNumber(const char* begin, xSDL::eLexeme* number) const;
-    bool CutPlainInt(xSDL::eTokenBegin begin);
-    bool CutPlainNumber(xSDL::eTokenBegin begin);
-    bool CutPlainString(xSDL::eTokenBegin begin);
-    bool CutWord(xSDL::eTokenBegin begin, const eSDLKeyword* table);
-    bool CutPlainBlockStart(xSDL::eTokenBegin begin);
-    bool CutBlockEnd(xSDL::eTokenBegin begin);
-    char SeePlainToken(bool included);
-    void SetInt(int value);
-    void Accept(eSDLParserLexType type, int line, const char* begin, const char* end, const char* next);
-    bool IsAsInSource() const;
-    void Remember();
-    void RememberText();
-    void ForgetPrevious();
-    void Analyse(const xSDL::eLexeme& lexeme);
-    void AnalyseWord(std::string_view word);
-    void AnalyseHex(std::string_view digits);
-    void ReadText(const eSDLReader* reader, IO::eStream& stream, std::size_t size);
-    void DecodeText(const eSDLReader* reader, IO::eStream& stream, std::size_t size, eSDLCipher& cipher);
-    void CheckRead(const eSDLReader* reader, const IO::eStream& stream);
+    void ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport);
+    void DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher, const eBeforeReport& beforeReport);
+    void CheckRead(const IO::eStream& stream, const eBeforeReport& beforeReport);
     void EndText();
     void Rewind();
-    void JumpTo(const char* position, int line);
 
-    // The current token's text, wherever it is; in the token; in the token and kept with it.
-    std::string_view Text() const;
-    const std::string& FilledText() const;
-    void FillText() const;
-    void CopyText() const;
-    std::string& OwnText() const;
-    void Watch() const;
-    // The state to which Back returns, its text in place.
-    eSDLParserState StateBefore() const;
-    std::string TakeParameter(const eSDLReader* reader);
+    bool Cut();
+    bool CutAny(int line, const char* begin);
+    const eSDLKeyword* Keywords() const { return keywords->empty() ? nullptr : keywords->back(); }
+    std::string TakeParameter(const eBeforeReport& beforeReport);
+    void Lend() const;
+
     std::string Listing(std::size_t around) const;
-    [[noreturn]] void Fail(const eSDLReader* reader, int line, const std::string& message);
+    [[noreturn]] void Fail(int line, const std::string& message, const eBeforeReport& beforeReport);
 
-    mutable eSDLParserState current;
-    eSDLParserState previous;
+    mutable xSDL::eCurrentToken current; // who asks for the state may be the first to need its text in the token
     bool isFile = false;
     std::string text; // the source and kTextEnd zeros, so that wide loads at any character of it stay inside
     const std::vector<eSDLKeyword*>* keywords;
     std::string name;
-    mutable eTokenText currentText;
-    eTokenText previousText;
-    mutable std::string room;     // for the text of a token, when that needs more or less than it has
-    mutable bool watched = false; // somebody may hold a reference to the current token, and may change it
-    std::size_t passed = 0;       // bytes of the byte-order mark before the text
-    std::string failure;          // what went wrong with the source's file, as one sentence
-    bool escaped = false;         // the token just cut is a string that holds a backslash
+    std::size_t passed = 0; // bytes of the byte-order mark before the text
+    std::string failure;    // what went wrong with the source's file, as one sentence
+    bool escaped = false;   // the token just cut is a string that holds a backslash
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -168,7 +169,6 @@ protected:
     bool ProcessControlBlock();
 
 private:
-    friend class eSDLParser;
     friend QZL_IO_API eSDLReader& begb(eSDLReader& reader);
     friend QZL_IO_API eSDLReader& endb(eSDLReader& reader);
     friend QZL_IO_API eSDLReader& begc(eSDLReader& reader);
@@ -197,6 +197,7 @@ private:
     void TakeNamed(std::map<eStringKey, eStringKey>* parameters);
     void NoteUnopened(const eSDLParser& parser);
     void EnterSources() const;
+    std::function<void()> EnteringSources() const;
     [[noreturn]] void Fail(int line, const std::string& message);
 
     std::map<eStringKey, eDefine> defines;

@@ -12,7 +12,7 @@
 #include <qzl_io/sdl/cipher.h>
 #include <qzl_io/sdl/ids.h>
 #include <qzl_io/sdl/keyword.h>
-#include <qzl_io/sdl/parser.h>
+#include <qzl_io/sdl/token.h>
 #include <qzl_io/streams.h>
 
 // Opens a block headed by the keyword `id` of the writer's current table.

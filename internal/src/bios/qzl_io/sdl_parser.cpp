@@ -6,15 +6,14 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
-#include <qzl_io/sdl/reader.h>
 #include <qzl_io/streams.h>
 
 #include "files/failure_text.h"
 #include "platform/memory.h"
 #include "qzl_base/shared/decimal_float.h"
+#include "sdl/cutter.h"
 #include "sdl/lexer.h"
 #include "sdl/number.h"
-#include "sdl/plain.h"
 
 namespace {
 
@@ -50,37 +49,93 @@ std::size_t RemainingSize(const IO::eStream& stream) {
     return size > position ? static_cast<std::size_t>(size - position) : 0;
 }
 
+// A block start's text is its mark without the first #.
+std::string_view TextOf(const xSDL::eLexeme& lexeme) {
+    const std::string_view text(lexeme.begin, lexeme.length);
+    return lexeme.type == sdlBlockStart && !text.empty() ? text.substr(1) : text;
+}
+
+void AnalyseWord(xSDL::eCurrentToken* token, std::string_view word, const eSDLKeyword* table) {
+    const int id = table ? eSDLKeyword::FindIn(table, word.data(), word.size()) : 0;
+    if (id == 0)
+        return;
+    token->SetType(sdlKeyword);
+    token->SetId(id);
+}
+
+void AnalyseHex(xSDL::eCurrentToken* token, std::string_view digits) {
+    token->SetType(sdlInt);
+    token->SetInt(xSDL::TextToInt(digits));
+    token->OwnString() = ToString(token->Int(), false);
+}
+
+// Gives a token that has just been cut its final type and values.
+[[gnu::always_inline]] inline void Analyse(xSDL::eCurrentToken* token, const xSDL::eLexeme& lexeme,
+                                           const eSDLKeyword* table) {
+    const std::string_view source(lexeme.begin, lexeme.length);
+    switch (lexeme.type) {
+    case sdlIdent:
+        AnalyseWord(token, source, table);
+        break;
+    case sdlInt:
+        token->SetInt(lexeme.exact ? xSDL::NearestInt(lexeme.digits, source.front() == '-') : xSDL::TextToInt(source));
+        break;
+    case sdlFloat: {
+        float value = 0;
+        if (!lexeme.exact || !decimal::ToFloat(lexeme.digits, lexeme.exponent, source.front() == '-', &value))
+            value = xSDL::TextToFloat(source);
+        token->SetFloat(value);
+        break;
+    }
+    case sdlHex:
+        AnalyseHex(token, source);
+        break;
+    case sdlError:
+    case sdlNone:
+    case sdlKeyword:
+    case sdlString:
+    case sdlBlockStart:
+    case sdlBlockEnd:
+    case sdlBlockId:
+    case sdlOpen:
+    case sdlClose:
+    case sdlNumber:
+    case sdlOperator:
+        break;
+    }
+}
+
 } // namespace
 
 eSDLCipher::~eSDLCipher() = default;
 
 eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
                        const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher)
-    : eSDLParser(nullptr, parserName, stream, tables, parameters, cipher.get()) {}
+    : eSDLParser(parserName, stream, tables, parameters, cipher.get(), nullptr) {}
 
-eSDLParser::eSDLParser(const eSDLReader* reader, const std::string& parserName, IO::eStream& stream,
-                       const std::vector<eSDLKeyword*>& tables, const std::map<eStringKey, eStringKey>& parameters,
-                       eSDLCipher* cipher)
+eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
+                       const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher,
+                       const eBeforeReport& beforeReport)
     : eStackEntry(eNumber::Many), isFile(!parserName.empty()), keywords(&tables), name(parserName) {
     if (!stream.IsOpen())
         failure = FailureText("The file could not be opened");
     else if (stream.Disabled(IO::StreamMode::Bad))
         IO::Platform::TakeFailureReason(); // of something before
     if (const std::size_t size = RemainingSize(stream); cipher)
-        DecodeText(reader, stream, size, *cipher);
+        DecodeText(stream, size, *cipher, beforeReport);
     else
-        ReadText(reader, stream, size);
+        ReadText(stream, size, beforeReport);
     if (text.starts_with(kByteOrderMark))
         passed = kByteOrderMark.size();
     Rewind();
     ProcessParams(parameters);
 }
 
-void eSDLParser::CheckRead(const eSDLReader* reader, const IO::eStream& stream) {
+void eSDLParser::CheckRead(const IO::eStream& stream, const eBeforeReport& beforeReport) {
     if (stream.Disabled(IO::StreamMode::Bad))
         return;
     failure = FailureText("The source could not be read to its end");
-    Fail(reader, ParserReport::kReadErrorLine, (format("%1% - read error!") % (isFile ? name : "Stream")).str());
+    Fail(ParserReport::kReadErrorLine, (format("%1% - read error!") % (isFile ? name : "Stream")).str(), beforeReport);
 }
 
 eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
@@ -97,29 +152,21 @@ eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& t
 eSDLParser::eSDLParser(const eSDLParser& other)
     : xDebug::eStackEntry(other),
       current(other.current),
-      previous(other.previous),
       isFile(other.isFile),
       text(other.text),
       keywords(other.keywords),
       name(other.name),
-      currentText(other.currentText),
-      previousText(other.previousText),
-      watched(other.watched),
       passed(other.passed),
       failure(other.failure),
       escaped(other.escaped) {
-    const auto moved = [&](const char* at) { return at ? text.data() + (at - other.text.data()) : nullptr; };
-    current.position = moved(other.current.position);
-    previous.position = moved(other.previous.position);
-    for (eTokenText* tokenText : {&currentText, &previousText})
-        tokenText->source = {moved(tokenText->source.data()), tokenText->source.size()};
+    current.MoveSource(other.text.data(), text.data());
 }
 
 eSDLParser::~eSDLParser() {
     LeaveStack();
 }
 
-void eSDLParser::ReadText(const eSDLReader* reader, IO::eStream& stream, std::size_t size) {
+void eSDLParser::ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport) {
     text.reserve(size + xSDL::kTextEnd);
     IO::Platform::PreferLargePages(text.data(), size);
     auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
@@ -129,14 +176,15 @@ void eSDLParser::ReadText(const eSDLReader* reader, IO::eStream& stream, std::si
         stream.Read(text.data() + done, piece);
         done += piece;
     }
-    CheckRead(reader, stream);
+    CheckRead(stream, beforeReport);
     EndText();
 }
 
-void eSDLParser::DecodeText(const eSDLReader* reader, IO::eStream& stream, std::size_t size, eSDLCipher& cipher) {
+void eSDLParser::DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher,
+                            const eBeforeReport& beforeReport) {
     const auto encoded = std::make_unique<char[]>(size);
     stream.Read(encoded.get(), size);
-    CheckRead(reader, stream);
+    CheckRead(stream, beforeReport);
     text.reserve(size + xSDL::kTextEnd);
     text.resize(size);
     text.resize(std::min(cipher.Encode(text.data(), size, encoded.get(), size), size));
@@ -158,16 +206,7 @@ void eSDLParser::ProcessParams(const std::map<eStringKey, eStringKey>& parameter
 }
 
 void eSDLParser::Rewind() {
-    current = {};
-    current.position = text.data() + passed;
-    currentText = {{current.position, 0}, eTokenText::Source};
-    previous = {};
-    previousText = {};
-}
-
-void eSDLParser::JumpTo(const char* position, int line) {
-    current.position = position;
-    current.line = line;
+    current.Start(text.data() + passed);
 }
 
 bool eSDLParser::Get() {
@@ -175,220 +214,111 @@ bool eSDLParser::Get() {
 }
 
 bool eSDLParser::Cut() {
-    const xSDL::eTokenBegin begin = FindToken();
+    eCutter cutter(*this);
+    const xSDL::eTokenBegin begin = cutter.Begin();
     escaped = false;
-    bool cut = false;
+    bool taken = false;
     switch (xSDL::Begins(*begin.at)) {
     case xSDL::eBegins::Word:
-        cut = CutWord(begin, keywords->empty() ? nullptr : keywords->back());
+        taken = cutter.TakeWord(Keywords());
         break;
     case xSDL::eBegins::Number:
-        cut = CutPlainNumber(begin);
+        taken = cutter.TakeNumber();
         break;
     case xSDL::eBegins::String:
-        cut = CutPlainString(begin);
+        taken = cutter.TakeString();
         break;
     case xSDL::eBegins::BlockStart:
-        cut = CutPlainBlockStart(begin);
+        taken = cutter.TakeBlockStart();
         break;
     case xSDL::eBegins::BlockEnd:
-        cut = CutBlockEnd(begin);
+        taken = cutter.TakeBlockEnd();
         break;
     case xSDL::eBegins::Gap:
     case xSDL::eBegins::Operator:
     case xSDL::eBegins::Other:
         break;
     }
-    return cut || CutAny(begin);
+    return taken || CutAny(begin.line, begin.at);
 }
 
 // Whatever token begins there, if any does.
-bool eSDLParser::CutAny(xSDL::eTokenBegin begin) {
-    Remember();
-    current.line = begin.line;
-    xSDL::eLexeme lexeme{.begin = begin.at};
-    current.position = xSDL::CutAt(begin.at, &current.line, &lexeme);
-    current.token.type = lexeme.type;
-    const bool found = lexeme.type != sdlNone;
-    if (found) {
-        currentText = {{lexeme.begin, lexeme.length}, eTokenText::Source};
-        escaped = lexeme.escaped;
-        Analyse(lexeme);
-    } else if (previousText.home == eTokenText::Own) {
-        current.token.text = previous.token.text;
+bool eSDLParser::CutAny(int line, const char* begin) {
+    xSDL::eLexeme lexeme{.begin = begin};
+    const char* const next = xSDL::CutAt(begin, &line, &lexeme);
+    if (lexeme.type == sdlNone) {
+        current.AcceptEnd(line, next);
+        return false;
     }
-    if (watched)
-        FilledText();
-    return found;
+    current.Accept(lexeme.type, TextOf(lexeme), line, next);
+    escaped = lexeme.escaped;
+    Analyse(&current, lexeme, Keywords());
+    return true;
 }
 
-// A text of the token's own moves on with it.
-void eSDLParser::RememberText() {
-    current.token.text.swap(previous.token.text);
-    previousText.home = eTokenText::Own;
-}
-
-// The same for a token as its members have it.
+// The token is what its user has made of it: nothing is known of it but its type and text.
 void eSDLParser::AnalyseToken() {
-    eSDLParserToken& token = current.token;
-    std::string& itsText = OwnText();
-    switch (token.type) {
+    std::string& itsText = current.OwnString();
+    switch (current.Type()) {
     case sdlIdent:
-        AnalyseWord(itsText);
+        AnalyseWord(&current, itsText, Keywords());
         break;
     case sdlBlockStart:
         itsText.erase(0, 1);
         break;
     case sdlInt:
-        SetInt(xSDL::TextToInt(itsText));
+        current.SetInt(xSDL::TextToInt(itsText));
         break;
     case sdlFloat:
-        token.floatValue = xSDL::TextToFloat(itsText);
-        token.intValue = xSDL::TruncateToInt(token.floatValue);
+        current.SetFloat(xSDL::TextToFloat(itsText));
         break;
     case sdlHex:
-        AnalyseHex(itsText);
+        AnalyseHex(&current, itsText);
         break;
     default:
         break;
     }
 }
 
-void eSDLParser::AnalyseWord(std::string_view word) {
-    const int id = keywords->empty() ? 0 : eSDLKeyword::FindIn(keywords->back(), word.data(), word.size());
-    if (id == 0)
-        return;
-    current.token.type = sdlKeyword;
-    current.token.intValue = id;
-}
-
-void eSDLParser::AnalyseHex(std::string_view digits) {
-    current.token.type = sdlInt;
-    SetInt(xSDL::TextToInt(digits));
-    current.token.text = ToString(current.token.intValue, false);
-    currentText.home = eTokenText::Own;
-}
-
-[[gnu::always_inline]] inline void eSDLParser::Analyse(const xSDL::eLexeme& lexeme) {
-    eSDLParserToken& token = current.token;
-    const std::string_view source(lexeme.begin, lexeme.length);
-    switch (lexeme.type) {
-    case sdlIdent:
-        AnalyseWord(source);
-        break;
-    case sdlBlockStart:
-        if (!source.empty())
-            currentText.source.remove_prefix(1);
-        break;
-    case sdlInt:
-        SetInt(lexeme.exact ? xSDL::NearestInt(lexeme.digits, source.front() == '-') : xSDL::TextToInt(source));
-        break;
-    case sdlFloat:
-        if (!lexeme.exact ||
-            !decimal::ToFloat(lexeme.digits, lexeme.exponent, source.front() == '-', &token.floatValue))
-            token.floatValue = xSDL::TextToFloat(source);
-        token.intValue = xSDL::TruncateToInt(token.floatValue);
-        break;
-    case sdlHex:
-        AnalyseHex(source);
-        break;
-    case sdlError:
-    case sdlNone:
-    case sdlKeyword:
-    case sdlString:
-    case sdlBlockEnd:
-    case sdlBlockId:
-    case sdlOpen:
-    case sdlClose:
-    case sdlNumber:
-    case sdlOperator:
-        break;
-    }
-}
-
 void eSDLParser::Back() {
-    if (!previous.position)
-        return;
-    current.token.type = previous.token.type;
-    current.token.floatValue = previous.token.floatValue;
-    current.token.intValue = previous.token.intValue;
-    current.line = previous.line;
-    current.position = previous.position;
-    currentText = previousText;
-    if (currentText.home == eTokenText::Own)
-        current.token.text.swap(previous.token.text);
-    else if (watched)
-        FilledText();
-    ForgetPrevious();
+    current.Back();
 }
 
-std::string_view eSDLParser::Text() const {
-    return currentText.home == eTokenText::Source ? currentText.source : std::string_view(current.token.text);
-}
-
-const std::string& eSDLParser::FilledText() const {
-    if (currentText.home == eTokenText::Source)
-        FillText();
-    return current.token.text;
-}
-
-// Room for long texts comes and goes with them, so that short ones in between have a string without.
-[[gnu::noinline]] void eSDLParser::CopyText() const {
-    std::string& copy = current.token.text;
-    if ((currentText.source.size() <= kShortText) != IsWithinItself(copy))
-        copy.swap(room);
-    copy.assign(currentText.source);
-}
-
-std::string& eSDLParser::OwnText() const {
-    FilledText();
-    currentText.home = eTokenText::Own;
-    return current.token.text;
-}
-
-void eSDLParser::Watch() const {
-    watched = true;
-    FilledText();
+void eSDLParser::Lend() const {
+    current.Lend();
 }
 
 const eSDLParserState& eSDLParser::StateCurrent() const {
-    Watch();
-    return current;
-}
-
-eSDLParserState eSDLParser::StateBefore() const {
-    eSDLParserState state = previous;
-    if (previousText.home == eTokenText::Source)
-        state.token.text.assign(previousText.source);
-    return state;
+    Lend();
+    return current.State();
 }
 
 void eSDLParser::StatePrev(const eSDLParserState& state) {
-    previous = state;
-    previousText = {{}, eTokenText::Own};
+    current.SetBefore(state);
 }
 
 std::string eSDLParser::GetParameter() {
     return TakeParameter(nullptr);
 }
 
-std::string eSDLParser::TakeParameter(const eSDLReader* reader) {
-    if (*current.position != '(') {
-        current.position += *current.position != 0;
-        Fail(reader, ParserReport::kOpenRequiredLine, "'(' required");
-    }
-    const char* const begin = ++current.position;
+// The character that should be a ( is passed before it is reported as missing, unless it is the end of the text.
+std::string eSDLParser::TakeParameter(const eBeforeReport& beforeReport) {
+    const char* const open = current.Position();
+    const char* const begin = open + (*open != 0);
+    current.JumpTo(begin, current.Line());
+    if (*open != '(')
+        Fail(ParserReport::kOpenRequiredLine, "'(' required", beforeReport);
     const char* const end = std::strchr(begin, ')');
     if (!end)
-        Fail(reader, ParserReport::kCloseRequiredLine, "')' required");
-    current.position = end + 1;
+        Fail(ParserReport::kCloseRequiredLine, "')' required", beforeReport);
+    current.JumpTo(end + 1, current.Line());
     return std::string(begin, end);
 }
 
-// What the context names first is this source, then the others of the reader that it is read by.
-void eSDLParser::Fail(const eSDLReader* reader, int line, const std::string& message) {
-    if (reader)
-        reader->EnterSources();
+// What the context names first is this source, so it enters the stack last.
+void eSDLParser::Fail(int line, const std::string& message, const eBeforeReport& beforeReport) {
+    if (beforeReport)
+        beforeReport();
     EnterStack();
     xError::Fatal(ParserReport::kSource, line, message);
 }
@@ -400,7 +330,7 @@ std::string eSDLParser::GetContext() const {
 // The five lines. A line is cut so many characters before the read position, and so many behind it or the line's
 // beginning, where the listing then ends.
 std::string eSDLParser::Listing(std::size_t around) const {
-    const char* const position = current.position;
+    const char* const position = current.Position();
     if (!position)
         return {};
     const char* const begin = text.data() + passed;
@@ -411,7 +341,7 @@ std::string eSDLParser::Listing(std::size_t around) const {
     const bool cut = at > begin && at[-1] != '\n';
     std::string listing;
     for (std::size_t line = 0; line < kContextLines && *at; ++line) {
-        listing += ToString(xSDL::LinesOn(current.line, line), false) + (cut && line == 0 ? ": ..." : ": ");
+        listing += ToString(xSDL::LinesOn(current.Line(), line), false) + (cut && line == 0 ? ": ..." : ": ");
         std::size_t left = around;
         for (bool ended = false; *at && !ended; ++at) {
             if (at == position)
@@ -431,7 +361,7 @@ std::string eSDLParser::DSE_Title() const {
 }
 
 std::string eSDLParser::DSE_Brief() const {
-    return (format(", %1%") % current.line).str();
+    return (format(", %1%") % current.Line()).str();
 }
 
 std::string eSDLParser::DSE_Full() const {

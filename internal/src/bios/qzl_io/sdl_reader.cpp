@@ -13,7 +13,7 @@
 
 #include "platform/file_handle.h"
 #include "qzl_base/shared/ascii.h"
-#include "sdl/plain.h"
+#include "sdl/cutter.h"
 #include "sdl/skim.h"
 
 namespace {
@@ -156,7 +156,7 @@ eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourc
 eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher)
     : cipher(std::move(sourceCipher)) {
     Init();
-    PushParser(new eSDLParser(this, {}, *stream, keywords, {}, cipher.get()));
+    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher.get(), EnteringSources()));
 }
 
 eSDLReader::eSDLReader(const eSDLReader& other) {
@@ -217,20 +217,20 @@ const std::string& eSDLReader::GetSignature() {
 
 int eSDLReader::GetInt() {
     eSDLParser& parser = *parsers.back();
-    if (parser.CutPlainInt(parser.FindToken()))
-        return parser.current.token.intValue;
+    if (eSDLParser::eCutter(parser).TakeInt())
+        return parser.current.Int();
     if (Next() != sdlInt)
         Fail(ReaderReport::kIntegerLine, "Integer expected!");
-    return parsers.back()->current.token.intValue;
+    return parsers.back()->current.Int();
 }
 
 float eSDLReader::GetFloat() {
     eSDLParser& parser = *parsers.back();
-    if (parser.CutPlainNumber(parser.FindToken()))
-        return parser.current.token.floatValue;
+    if (eSDLParser::eCutter(parser).TakeNumber())
+        return parser.current.Float();
     if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
         Fail(ReaderReport::kNumberLine, "Number expected!");
-    return parsers.back()->current.token.floatValue;
+    return parsers.back()->current.Float();
 }
 
 bool eSDLReader::GetBool() {
@@ -239,32 +239,32 @@ bool eSDLReader::GetBool() {
 
 void eSDLReader::RequireString(int line) {
     eSDLParser& parser = *parsers.back();
-    if (!parser.CutPlainString(parser.FindToken()))
+    if (!eSDLParser::eCutter(parser).TakeString())
         Require(sdlString, line, ReaderReport::kStringExpected);
 }
 
 const std::string& eSDLReader::GetString() {
     RequireString(ReaderReport::kStringLine);
-    return parsers.back()->FilledText();
+    return parsers.back()->current.String();
 }
 
 std::wstring eSDLReader::GetStringW() {
     RequireString(ReaderReport::kWideStringLine);
-    return ToStringW(parsers.back()->FilledText());
+    return ToStringW(parsers.back()->current.String());
 }
 
 const std::string& eSDLReader::GetIdent(bool lower) {
     if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
         Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
     if (lower)
-        LowerCase(&parsers.back()->OwnText());
-    return parsers.back()->FilledText();
+        LowerCase(&parsers.back()->current.OwnString());
+    return parsers.back()->current.String();
 }
 
 int eSDLReader::GetKeyword() {
     if (NextWord() != sdlKeyword)
         Fail(ReaderReport::kKeywordLine, defaultError);
-    return parsers.back()->current.token.intValue;
+    return parsers.back()->current.Int();
 }
 
 const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
@@ -275,14 +275,14 @@ const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
 
 int eSDLReader::GetBlock(int id) {
     eSDLParser& parser = *parsers.back();
-    if (AreMarksKept() || !parser.CutPlainBlockStart(parser.FindToken()))
+    if (AreMarksKept() || !eSDLParser::eCutter(parser).TakeBlockStart())
         Require(sdlBlockStart, ReaderReport::kBlockStartLine, "Block start expected!");
     const eSDLParserLexType type = NextWord();
-    if (type != sdlKeyword || (id != 0 && parsers.back()->current.token.intValue != id))
+    if (type != sdlKeyword || (id != 0 && parsers.back()->current.Int() != id))
         Fail(ReaderReport::kBlockIdentifierLine, "Invalid block identifier!");
-    eSDLParserToken& token = parsers.back()->current.token;
-    token.type = sdlBlockId;
-    return token.intValue;
+    xSDL::eCurrentToken& token = parsers.back()->current;
+    token.SetType(sdlBlockId);
+    return token.Int();
 }
 
 eSDLReader& eSDLReader::operator>>(int& value) {
@@ -312,7 +312,7 @@ eSDLReader& eSDLReader::operator>>(bool& value) {
 
 eSDLReader& eSDLReader::operator>>(std::string& value) {
     RequireString(ReaderReport::kStringLine);
-    value.assign(parsers.back()->Text());
+    value.assign(parsers.back()->current.Text());
     return *this;
 }
 
@@ -323,14 +323,14 @@ eSDLReader& eSDLReader::operator>>(std::wstring& value) {
 
 eSDLReader& eSDLReader::operator>>(eStrings& values) {
     while (Check(sdlString))
-        values.Add(std::string(parsers.back()->Text()));
+        values.Add(std::string(parsers.back()->current.Text()));
     Back();
     return *this;
 }
 
 eSDLReader& eSDLReader::operator>>(eStringsW& values) {
     while (Check(sdlString))
-        values.Add(ToStringW(parsers.back()->FilledText()));
+        values.Add(ToStringW(parsers.back()->current.String()));
     Back();
     return *this;
 }
@@ -346,7 +346,7 @@ bool eSDLReader::Check(eSDLParserLexType type, int id) {
     case sdlIdent:
         return read == sdlIdent || read == sdlKeyword;
     case sdlKeyword:
-        return read == sdlKeyword && (id == 0 || parsers.back()->current.token.intValue == id);
+        return read == sdlKeyword && (id == 0 || parsers.back()->current.Int() == id);
     case sdlNumber:
         return read == sdlInt || read == sdlFloat;
     case sdlError:
@@ -373,7 +373,7 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
 }
 
 [[gnu::always_inline]] inline char eSDLReader::SeePlainToken() {
-    return AreMarksKept() ? 0 : parsers.back()->SeePlainToken(parsers.size() > 1);
+    return AreMarksKept() ? 0 : eSDLParser::eCutter(*parsers.back()).See(parsers.size() > 1);
 }
 
 bool eSDLReader::Start() {
@@ -388,7 +388,7 @@ bool eSDLReader::End() {
 
 void eSDLReader::Back() {
     eSDLParser& parser = *parsers.back();
-    if (const eSDLParserLexType type = parser.current.token.type; type == sdlBlockStart || type == sdlBlockId) {
+    if (const eSDLParserLexType type = parser.current.Type(); type == sdlBlockStart || type == sdlBlockId) {
         blockMark.swap(previousBlockMark);
         previousBlockMark.clear();
     }
@@ -415,11 +415,11 @@ bool eSDLReader::SkipInSource(long long* depth) {
         previousBlockMark.swap(blockMark);
         blockMark = xSDL::MarkOf(skimmed.mark);
     }
-    parser.JumpTo(skimmed.anchor, xSDL::LinesOn(parser.Line(), xSDL::LinesBefore(skimmed.anchor, skimmed)));
+    parser.current.JumpTo(skimmed.anchor, xSDL::LinesOn(parser.Line(), xSDL::LinesBefore(skimmed.anchor, skimmed)));
     if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1) {
         while (parser.Cut())
             if (parser.escaped)
-                ConvertEscSequence(&parser.OwnText(), false);
+                ConvertEscSequence(&parser.current.OwnString(), false);
         return false;
     }
     eSDLParserLexType type;
@@ -457,7 +457,7 @@ eSDLParserLexType eSDLReader::Next() {
     for (;;) {
         eSDLParser& parser = Parser();
         parser.Cut();
-        switch (const eSDLParserLexType type = parser.current.token.type) {
+        switch (const eSDLParserLexType type = parser.current.Type()) {
         case sdlNone:
             if (parsers.size() == 1)
                 return type;
@@ -465,7 +465,7 @@ eSDLParserLexType eSDLReader::Next() {
             break;
         case sdlString:
             if (parser.escaped)
-                ConvertEscSequence(&parser.OwnText(), false);
+                ConvertEscSequence(&parser.current.OwnString(), false);
             return type;
         case sdlBlockStart:
             if (EnterBlock())
@@ -476,7 +476,7 @@ eSDLParserLexType eSDLReader::Next() {
             if (skipDepth > 0)
                 return type;
             if (!ProcessControlBlock())
-                return parser.current.token.type;
+                return parser.current.Type();
             break;
         case sdlClose:
             controlFlag = false;
@@ -501,13 +501,12 @@ eSDLParserLexType eSDLReader::Next() {
 // Next where a word is expected.
 eSDLParserLexType eSDLReader::NextWord() {
     eSDLParser& parser = *parsers.back();
-    return parser.CutWord(parser.FindToken(), keywords.empty() ? nullptr : keywords.back()) ? parser.current.token.type
-                                                                                            : Next();
+    return eSDLParser::eCutter(parser).TakeWord(Keywords()) ? parser.current.Type() : Next();
 }
 
 // Takes the mark of the block that has just started. False when the block is hidden.
 bool eSDLReader::EnterBlock() {
-    const std::string_view mark = parsers.back()->Text();
+    const std::string_view mark = parsers.back()->current.Text();
     if (AreMarksKept() || !mark.empty()) {
         previousBlockMark.swap(blockMark);
         blockMark.assign(mark);
@@ -523,18 +522,18 @@ void eSDLReader::Require(eSDLParserLexType type, int line, const char* message) 
 
 void eSDLReader::RequireBlockEnd() {
     eSDLParser& parser = *parsers.back();
-    if (!parser.CutBlockEnd(parser.FindToken()))
+    if (!eSDLParser::eCutter(parser).TakeBlockEnd())
         Require(sdlBlockEnd, ReaderReport::kBlockEndLine, ReaderReport::kBlockEndExpected);
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(this, file.str(), *stream, keywords, parameters, cipher.get());
+    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher.get(), EnteringSources());
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(this, ToString(file.str()), *stream, keywords, {}, cipher.get());
+    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher.get(), EnteringSources());
 }
 
 void eSDLReader::PushParser(eSDLParser* parser) {
@@ -567,31 +566,31 @@ eSDLParser& eSDLReader::Parser() const {
 void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     parser.Get();
-    if (const eSDLParserLexType type = parser.current.token.type;
-        (type == sdlIdent || type == sdlKeyword) && parser.Text() == "args")
+    if (const eSDLParserLexType type = parser.current.Type();
+        (type == sdlIdent || type == sdlKeyword) && parser.current.Text() == "args")
         TakePositional(parameters);
     else
         TakeNamed(parameters);
-    if (parser.current.token.type != sdlClose)
+    if (parser.current.Type() != sdlClose)
         Fail(ReaderReport::kArgumentsEndLine, "')' required");
 }
 
 void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     for (int index = 0; parser.Get(); ++index) {
-        const eSDLParserToken& token = parser.Token();
-        if (token.type == sdlClose || token.type == sdlError)
+        const eSDLParserLexType type = parser.current.Type();
+        if (type == sdlClose || type == sdlError)
             return;
-        (*parameters)[ToString(index, false)] =
-            token.type == sdlString ? (format("\"%1%\"") % token.text).str() : token.text;
+        const std::string& text = parser.current.String();
+        (*parameters)[ToString(index, false)] = type == sdlString ? (format("\"%1%\"") % text).str() : text;
     }
 }
 
 void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
-    while (parser.current.token.type == sdlIdent || parser.current.token.type == sdlKeyword) {
-        const eStringKey key = std::string(parser.Text());
-        (*parameters)[key] = parser.TakeParameter(this);
+    while (parser.current.Type() == sdlIdent || parser.current.Type() == sdlKeyword) {
+        const eStringKey key = std::string(parser.current.Text());
+        (*parameters)[key] = parser.TakeParameter(EnteringSources());
         parser.Get();
     }
 }
@@ -603,7 +602,7 @@ void eSDLReader::GetOperand(eSDLParserToken* token) {
 
 bool eSDLReader::GetOperandOrEnd(eSDLParserToken* token) {
     Parser().Get();
-    if (parsers.back()->current.token.type == sdlClose)
+    if (parsers.back()->current.Type() == sdlClose)
         return false;
     TakeOperand(token);
     return true;
@@ -611,19 +610,18 @@ bool eSDLReader::GetOperandOrEnd(eSDLParserToken* token) {
 
 void eSDLReader::TakeOperand(eSDLParserToken* token) {
     const eSDLParser& parser = *parsers.back();
-    const eSDLParserToken& operand = parser.current.token;
-    if (operand.type != sdlInt && operand.type != sdlFloat)
+    if (parser.current.Type() != sdlInt && parser.current.Type() != sdlFloat)
         Fail(ReaderReport::kNumberLine, "Number expected!");
     token->type = sdlFloat;
-    token->floatValue = operand.floatValue;
-    token->text.assign(parser.Text());
+    token->floatValue = parser.current.Float();
+    token->text.assign(parser.current.Text());
 }
 
 bool eSDLReader::ProcessControlBlock() {
     eSDLParser& parser = Parser();
-    stateBeforeControlBlock.Get() = parser.StateBefore();
+    stateBeforeControlBlock.Get() = parser.current.Before();
     parser.Get();
-    const eSDLParserLexType type = parser.current.token.type;
+    const eSDLParserLexType type = parser.current.Type();
     if (type == sdlOperator) {
         Calculate();
         return false;
@@ -636,27 +634,25 @@ bool eSDLReader::ProcessControlBlock() {
 
 void eSDLReader::CheckControlWord() {
     eSDLParser& parser = *parsers.back();
-    if (parser.current.token.type != sdlIdent && parser.current.token.type != sdlKeyword)
+    if (parser.current.Type() != sdlIdent && parser.current.Type() != sdlKeyword)
         Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
-    LowerCase(&parser.OwnText());
-    if (const std::string_view word = parser.Text(); word != "include" && word != "define" && word != "mod")
+    LowerCase(&parser.current.OwnString());
+    if (const std::string_view word = parser.current.Text(); word != "include" && word != "define" && word != "mod")
         Fail(ReaderReport::kControlBlockWordLine, "Invalid control block!");
 }
 
 // The expression becomes one token, and Back returns to before its (.
 void eSDLReader::Calculate() {
     eSDLParser& parser = Parser();
-    const char operation = parser.Text().front();
+    const char operation = parser.current.Text().front();
     eSDLParserToken operand;
     GetOperand(&operand);
     float result = operand.floatValue;
     while (GetOperandOrEnd(&operand))
         result = Combined(operation, result, operand.floatValue);
-    eSDLParserToken& token = parser.current.token;
-    token.type = sdlFloat;
-    token.floatValue = result;
-    token.intValue = xSDL::TruncateToInt(result);
-    parser.OwnText() = ToString(result);
+    parser.current.SetType(sdlFloat);
+    parser.current.SetFloat(result);
+    parser.current.OwnString() = ToString(result);
     parser.StatePrev(stateBeforeControlBlock.Get());
 }
 
@@ -669,6 +665,10 @@ void eSDLReader::EnterSources() const {
         file->Enter();
     if (!parsers.empty())
         parsers.back()->EnterStack();
+}
+
+std::function<void()> eSDLReader::EnteringSources() const {
+    return [this] { EnterSources(); };
 }
 
 void eSDLReader::Fail(int line, const std::string& message) {

@@ -3,10 +3,10 @@
 #include <array>
 #include <cstddef>
 
-#include <qzl_io/sdl/parser.h>
+#include <qzl_io/sdl/token.h>
 
 // The lexer of SDL as an automaton: its states, character classes and transitions, written down once. The lexer at work
-// (sdl_lexer.h) takes runs of characters at a time; the plain walk of this table, character by character, is what it
+// (lexer.h) takes runs of characters at a time; the plain walk of this table, character by character, is what it
 // has to agree with on every text.
 namespace xSDL {
 
@@ -180,7 +180,7 @@ struct eLexeme {
     const char* begin = nullptr; // its text in the source, from the first to the last character kept
     std::size_t length = 0;
 
-    // Left to sdl_lexer.h. Of numbers: all digits as one integer, the power of ten to take it times, and whether the
+    // Left to lexer.h. Of numbers: all digits as one integer, the power of ten to take it times, and whether the
     // two tell the whole value. Of strings: whether a backslash occurs.
     unsigned long long digits = 0;
     int exponent = 0;

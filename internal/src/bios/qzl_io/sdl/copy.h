@@ -7,7 +7,7 @@
 
 #include "qzl_base/shared/escapes.h"
 
-// Short texts copied in whole words that overlap, without a call and without a loop.
+// Short texts copied and compared in whole words that overlap, without a call and without a loop.
 namespace xSDL {
 
 template <class T>
@@ -54,6 +54,25 @@ inline char* CopyText(char* to, const char* from, std::size_t size) {
     else if (size == 1)
         *to = *from;
     return to + size;
+}
+
+template <class T>
+bool AreEndsSame(const char* left, const char* right, std::size_t size) {
+    const eEnds<T> ends(left, size);
+    const eEnds<T> others(right, size);
+    return ends.first == others.first && ends.last == others.last;
+}
+
+inline bool IsSameText(const char* left, const char* right, std::size_t size) {
+    if (size > 16)
+        return std::memcmp(left, right, size) == 0;
+    if (size >= 8)
+        return AreEndsSame<std::uint64_t>(left, right, size);
+    if (size >= 4)
+        return AreEndsSame<std::uint32_t>(left, right, size);
+    if (size >= 2)
+        return AreEndsSame<std::uint16_t>(left, right, size);
+    return size == 0 || *left == *right;
 }
 
 inline bool AnyEscaped(__m128i bytes) {

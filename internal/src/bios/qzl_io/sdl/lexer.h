@@ -6,11 +6,10 @@
 #include <cstdint>
 
 #include "qzl_base/shared/ascii.h"
-#include "qzl_base/shared/powers_of_ten.h"
 #include "sdl/automaton.h"
 #include "sdl/scan.h"
 
-// The lexer at work: the automaton of sdl_automaton.h, taken in runs. The first character decides by the automaton's
+// The lexer at work: the automaton of automaton.h, taken in runs. The first character decides by the automaton's
 // own row for "between tokens"; what follows it is passed many characters at a time.
 namespace xSDL {
 
@@ -28,26 +27,34 @@ inline constexpr std::ptrdiff_t kExactDigits = 18;
 
 using ascii::IsDigit;
 
-// The rest of a number from behind its e on: every sign and digit there is. A sign and one or two digits are a power of
-// ten; anything else is left to the conversion of texts.
-inline const char* CutExponent(const char* begin, eLexeme* token) {
-    token->type = sdlFloat;
+// What follows the e of a number: every sign and digit there is. A sign, if any, and one or two digits are plain and a
+// power of ten; anything else is left to the conversion of texts.
+struct eExponent {
+    const char* end;
+    int power;
+    bool plain;
+};
+
+inline eExponent CutExponent(const char* begin) {
     const char* at = begin;
     while (Has(stExponent, *at))
         ++at;
     const char* const first = begin + (*begin == '-' || *begin == '+');
     const bool plain = (at - first == 1 && IsDigit(*first)) || (at - first == 2 && IsDigit(*first) && IsDigit(at[-1]));
     const int power = plain ? (at[-1] - '0') + (at - first == 2 ? 10 * (*first - '0') : 0) : 0;
-    token->exponent += *begin == '-' ? -power : power;
-    token->exact = token->exact && plain;
-    return at;
+    return {at, *begin == '-' ? -power : power, plain};
 }
 
 // The rest of a number whose digits and point have been passed.
 [[gnu::always_inline]] inline const char* CutFromDigits(const char* begin, const char* at, bool takesExponent,
                                                         eLexeme* token) {
-    if ((*at | 0x20) == 'e' && takesExponent)
-        at = CutExponent(at + 1, token);
+    if ((*at | 0x20) == 'e' && takesExponent) {
+        const eExponent exponent = CutExponent(at + 1);
+        at = exponent.end;
+        token->type = sdlFloat;
+        token->exponent += exponent.power;
+        token->exact = token->exact && exponent.plain;
+    }
     SetText(token, begin, at);
     return at;
 }
@@ -68,33 +75,6 @@ inline const char* CutNumber(const char* begin, eLexeme* token) {
         takesExponent = true;
     }
     token->exact = digits <= kExactDigits;
-    return CutFromDigits(begin, at, takesExponent, token);
-}
-
-// The same for a number of less than 16 characters, an exponent apart, behind as many others. Null for any other.
-[[gnu::always_inline]] inline const char* CutShortNumber(const char* begin, eLexeme* token) {
-    const unsigned sign = *begin == '-';
-    const char* const first = begin + sign;
-    unsigned others = (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
-    if (others == 0 || (others & 1) != 0)
-        return nullptr;
-    const auto digits = static_cast<unsigned>(std::countr_zero(others));
-    const char* at = first + digits;
-    bool takesExponent = *begin != '0' || digits > 1;
-    token->type = sdlInt;
-    token->exact = true;
-    token->digits = DigitsBefore(at, digits);
-    if (*at == '.') {
-        others &= others - 1;
-        if (others == 0)
-            return nullptr;
-        at = first + std::countr_zero(others);
-        const unsigned decimals = static_cast<unsigned>(std::countr_zero(others)) - digits - 1;
-        token->digits = token->digits * decimal::kPowersOfTen<std::uint64_t, 15>[decimals] + DigitsBefore(at, decimals);
-        token->type = sdlFloat;
-        token->exponent = -static_cast<int>(decimals);
-        takesExponent = true;
-    }
     return CutFromDigits(begin, at, takesExponent, token);
 }
 

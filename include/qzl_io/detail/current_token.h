@@ -1,0 +1,100 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <qzl_io/sdl/token.h>
+
+namespace xSDL {
+
+// The token that a parser has read last, the one before it, and where their texts are.
+//
+// Most callers take a value, or a copy of a text, so a token's text stays in the source and goes into the token's own
+// string (eSDLParserToken::text) only for those who ask for that string.
+//
+//     place    the text is              the string is
+//     Source   in the source            out of date
+//     Copied   in the source            a copy of it, or what somebody it was lent to has made of that
+//     Own      in the string alone      the text
+//
+//     what happens                        from Source   from Copied                    from Own
+//     Accept: a token is cut              Source        Source                         Source
+//     AcceptEnd: the source has ended     Source        Copied                         Own
+//     String: the string is asked for     Copied        Copied                         Own
+//     OwnString: it is to be changed      Own           Own                            Own
+//     it becomes the token before         Source        Source; Own where it differs   Own
+//     Back: it is the current one again   Source        -                              Own
+//
+// Lend lends the token for the parser's life: a caller may hold a reference to it, which shows every token that
+// follows, and may change it. From then on a token that comes to be Source is Copied at once.
+//
+// Invariants: a lent token is not Source. The token before is not Copied. While the position of the token before is
+// null, there is none. What is in the source is followed there by kTextEnd characters that may be read.
+class eCurrentToken {
+public:
+    enum class ePlace : unsigned char { Source, Copied, Own };
+
+    // An empty token in line 1, and none before it.
+    void Start(const char* position);
+
+    // A token of the type and its text in the source; `line` and `next` are where reading goes on. The values stay
+    // those of the token before.
+    void Accept(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
+    // No token. The text stays that of the token before, too.
+    void AcceptEnd(int line, const char* next);
+    // Reading goes on elsewhere.
+    void JumpTo(const char* next, int line);
+
+    // Makes the token before the current one, and forgets that there was one before. Without one nothing happens.
+    void Back();
+    void ForgetBefore();
+    void SetBefore(const eSDLParserState& state);
+    // With its text in its string.
+    eSDLParserState Before() const;
+
+    // The text, wherever it is; in the string; in the string and about to be changed there.
+    std::string_view Text() const;
+    const std::string& String();
+    std::string& OwnString();
+
+    void Lend();
+    bool IsLent() const { return lent; }
+    // Of a lent token.
+    eSDLParserToken& Token() { return now.token; }
+    const eSDLParserState& State() const { return now; }
+
+    eSDLParserLexType Type() const { return now.token.type; }
+    int Int() const { return now.token.intValue; }
+    float Float() const { return now.token.floatValue; }
+    int Line() const { return now.line; }
+    const char* Position() const { return now.position; }
+    ePlace Place() const { return text.place; }
+
+    void SetType(eSDLParserLexType type) { now.token.type = type; }
+    void SetId(int id) { now.token.intValue = id; }
+    // Each sets both values.
+    void SetInt(int value);
+    void SetFloat(float value);
+
+    // The source has been copied: what points into it points into the copy.
+    void MoveSource(const char* from, const char* to);
+
+private:
+    struct eText {
+        std::string_view source;
+        ePlace place = ePlace::Source;
+    };
+
+    void Remember();
+    void KeepString();
+    bool IsChanged() const;
+    void Fill();
+
+    eSDLParserState now;
+    eSDLParserState before;
+    eText text;
+    eText textBefore;
+    bool lent = false;
+};
+
+} // namespace xSDL

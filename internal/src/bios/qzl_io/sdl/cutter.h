@@ -1,0 +1,98 @@
+#pragma once
+
+#include <cstddef>
+
+#include <qzl_io/sdl/parser.h>
+
+#include "qzl_base/shared/decimal_float.h"
+#include "sdl/current_token.h"
+#include "sdl/number.h"
+#include "sdl/plain.h"
+
+// Makes a parser's next token the current one. A reader's call often tells which kind must come, so there is a function
+// for each kind: it takes a token of that kind in its most frequent form, or returns false and leaves everything as it
+// is, for eSDLParser::Cut to take whatever stands there. Inline in the parser and the reader.
+class eSDLParser::eCutter {
+public:
+    // At the beginning of the next token, which nothing moves to yet.
+    [[gnu::always_inline]] explicit eCutter(eSDLParser& cutParser)
+        : parser(cutParser), begin(xSDL::FindToken(parser.current.Position(), parser.current.Line())) {}
+
+    const xSDL::eTokenBegin& Begin() const { return begin; }
+
+    [[gnu::always_inline]] bool TakeInt() {
+        xSDL::eLexeme number;
+        const char* const end = xSDL::PassPlainNumber(begin.at, parser.text.data(), &number);
+        return end && number.type == sdlInt && AcceptInt(number.digits, end);
+    }
+
+    // Of either kind.
+    [[gnu::always_inline]] bool TakeNumber() {
+        xSDL::eLexeme number;
+        const char* const end = xSDL::PassPlainNumber(begin.at, parser.text.data(), &number);
+        if (!end)
+            return false;
+        if (number.type == sdlInt)
+            return AcceptInt(number.digits, end);
+        float value;
+        if (!decimal::ToFloat(number.digits, number.exponent, IsNegative(), &value))
+            return false;
+        Accept(sdlFloat, begin.at, end, end);
+        parser.current.SetFloat(value);
+        return true;
+    }
+
+    [[gnu::always_inline]] bool TakeString() {
+        const char* const end = xSDL::PassPlainString(begin.at);
+        return end && Accept(sdlString, begin.at + 1, end, end + 1);
+    }
+
+    // An identifier, or a keyword of the table.
+    [[gnu::always_inline]] bool TakeWord(const eSDLKeyword* table) {
+        const char* const end = xSDL::PassWord(begin.at);
+        if (!end)
+            return false;
+        const int id = table ? eSDLKeyword::FindIn(table, begin.at, static_cast<std::size_t>(end - begin.at)) : 0;
+        Accept(id != 0 ? sdlKeyword : sdlIdent, begin.at, end, end);
+        if (id != 0)
+            parser.current.SetId(id);
+        return true;
+    }
+
+    [[gnu::always_inline]] bool TakeBlockStart() {
+        const char* const end = xSDL::PassPlainBlockStart(begin.at);
+        return end && Accept(sdlBlockStart, end, end, end + 1);
+    }
+
+    [[gnu::always_inline]] bool TakeBlockEnd() {
+        const char* const end = xSDL::PassBlockEnd(begin.at);
+        return end && Accept(sdlBlockEnd, end, end, end + 1);
+    }
+
+    // The character that the next token begins with, 0 when that does not tell what the token is (SeePlain). Leaves the
+    // state that taking the token and going back would leave.
+    [[gnu::always_inline]] char See(bool included) {
+        const char seen = xSDL::SeePlain(begin.at, included);
+        if (seen)
+            parser.current.ForgetBefore();
+        return seen;
+    }
+
+private:
+    bool IsNegative() const { return *begin.at == '-'; }
+
+    [[gnu::always_inline]] bool Accept(eSDLParserLexType type, const char* textBegin, const char* textEnd,
+                                       const char* next) {
+        parser.current.Accept(type, {textBegin, static_cast<std::size_t>(textEnd - textBegin)}, begin.line, next);
+        return true;
+    }
+
+    [[gnu::always_inline]] bool AcceptInt(unsigned long long digits, const char* end) {
+        Accept(sdlInt, begin.at, end, end);
+        parser.current.SetInt(xSDL::NearestInt(digits, IsNegative()));
+        return true;
+    }
+
+    eSDLParser& parser;
+    const xSDL::eTokenBegin begin;
+};
