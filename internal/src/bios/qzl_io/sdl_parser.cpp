@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>

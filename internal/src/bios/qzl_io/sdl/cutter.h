@@ -14,16 +14,16 @@
 // is, for eSDLParser::Cut to take whatever stands there. Inline in the parser and the reader.
 class eSDLParser::eCutter {
 public:
-    // At the beginning of the next token, which nothing moves to yet.
+    // A cutter of the token that comes next. The parser stays where it is.
     [[gnu::always_inline]] explicit eCutter(eSDLParser& cutParser)
         : parser(cutParser), begin(xSDL::FindToken(parser.current.Position(), parser.current.Line())) {}
 
     const xSDL::eTokenBegin& Begin() const { return begin; }
 
     [[gnu::always_inline]] bool TakeInt() {
-        xSDL::eLexeme number;
-        const char* const end = xSDL::PassPlainNumber(begin.at, parser.text.data(), &number);
-        return end && number.type == sdlInt && AcceptInt(number.digits, end);
+        unsigned long long digits;
+        const char* const end = xSDL::PassPlainInt(begin.at, parser.text.data(), &digits);
+        return end && AcceptInt(digits, end);
     }
 
     // Of either kind.

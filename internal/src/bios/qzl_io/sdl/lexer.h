@@ -35,7 +35,7 @@ struct eExponent {
     bool plain;
 };
 
-inline eExponent CutExponent(const char* begin) {
+[[gnu::always_inline]] inline eExponent CutExponent(const char* begin) {
     const char* at = begin;
     while (Has(stExponent, *at))
         ++at;

@@ -10,39 +10,54 @@
 // returns the end of the token's text as the lexer of all forms (lexer.h) would find it, or null.
 namespace xSDL {
 
-// A number of less than 16 characters, an exponent apart, behind as many others.
-[[gnu::always_inline]] inline const char* PassShortNumber(const char* begin, eLexeme* token) {
+// The bits of those among 16 characters that are no digits, from the one at the sign's end on.
+[[gnu::always_inline]] inline unsigned NoDigits(const char* begin, unsigned sign) {
+    return (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
+}
+
+// The functions for numbers read up to 16 characters before their digits' end, so they take none at the beginning of
+// the source. A number has less than 16 characters, an exponent apart.
+[[gnu::always_inline]] inline const char* PassPlainInt(const char* begin, const char* source,
+                                                       unsigned long long* value) {
     const unsigned sign = *begin == '-';
-    const char* const first = begin + sign;
-    unsigned others = (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
-    if (others == 0 || (others & 1) != 0)
+    const unsigned others = NoDigits(begin, sign);
+    if (begin - source < 16 || others == 0 || (others & 1) != 0)
         return nullptr;
+    const auto digits = static_cast<unsigned>(std::countr_zero(others));
+    const char* const end = begin + sign + digits;
+    if (*end == '.' || (*end | 0x20) == 'e' || *end == 'x')
+        return nullptr;
+    *value = DigitsBefore(end, digits);
+    return end;
+}
+
+// Of either kind, and with a value that is known from its digits.
+[[gnu::always_inline]] inline const char* PassPlainNumber(const char* begin, const char* source, eLexeme* number) {
+    const unsigned sign = *begin == '-';
+    unsigned others = NoDigits(begin, sign);
+    if (begin - source < 16 || others == 0 || (others & 1) != 0)
+        return nullptr;
+    const char* const first = begin + sign;
     const auto digits = static_cast<unsigned>(std::countr_zero(others));
     const char* at = first + digits;
     bool takesExponent = *begin != '0' || digits > 1;
-    token->type = sdlInt;
-    token->exact = true;
-    token->digits = DigitsBefore(at, digits);
+    number->type = sdlInt;
+    number->exact = true;
+    number->digits = DigitsBefore(at, digits);
     if (*at == '.') {
         others &= others - 1;
         if (others == 0)
             return nullptr;
         at = first + std::countr_zero(others);
         const unsigned decimals = static_cast<unsigned>(std::countr_zero(others)) - digits - 1;
-        token->digits = token->digits * decimal::kPowersOfTen<std::uint64_t, 15>[decimals] + DigitsBefore(at, decimals);
-        token->type = sdlFloat;
-        token->exponent = -static_cast<int>(decimals);
+        number->digits =
+            number->digits * decimal::kPowersOfTen<std::uint64_t, 15>[decimals] + DigitsBefore(at, decimals);
+        number->type = sdlFloat;
+        number->exponent = -static_cast<int>(decimals);
         takesExponent = true;
     }
-    return CutFromDigits(begin, at, takesExponent, token);
-}
-
-// The same for one whose value is known from its digits, in a source that begins there.
-[[gnu::always_inline]] inline const char* PassPlainNumber(const char* begin, const char* source, eLexeme* token) {
-    if (begin - source < 16)
-        return nullptr;
-    const char* const end = PassShortNumber(begin, token);
-    return end && token->exact && *end != 'x' ? end : nullptr;
+    const char* const end = CutFromDigits(begin, at, takesExponent, number);
+    return number->exact && *end != 'x' ? end : nullptr;
 }
 
 // A string without a backslash, up to its closing quote.
