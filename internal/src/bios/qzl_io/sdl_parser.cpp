@@ -118,10 +118,11 @@ eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const
                        const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher,
                        const eBeforeReport& beforeReport)
     : eStackEntry(eNumber::Many), isFile(!parserName.empty()), keywords(&tables), name(parserName) {
+    // An empty source rather than an error: the reader reports when it misses something, and the reason is shown then.
     if (!stream.IsOpen())
         failure = FailureText("The file could not be opened");
     else if (stream.Disabled(IO::StreamMode::Bad))
-        IO::Platform::TakeFailureReason(); // of something before
+        IO::Platform::TakeFailureReason(); // of something before, which is not to be told of this stream
     if (const std::size_t size = RemainingSize(stream); cipher)
         DecodeText(stream, size, *cipher, beforeReport);
     else
@@ -150,6 +151,7 @@ eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& t
     ProcessParams(parameters);
 }
 
+// Every place is a pointer into the text, which has an address of its own in the copy.
 eSDLParser::eSDLParser(const eSDLParser& other)
     : xDebug::eStackEntry(other),
       current(other.current),
@@ -163,10 +165,12 @@ eSDLParser::eSDLParser(const eSDLParser& other)
     current.MoveSource(other.text.data(), text.data());
 }
 
+// Another thread may be describing this entry, from members that are about to go.
 eSDLParser::~eSDLParser() {
     LeaveStack();
 }
 
+// Room for all of it at once, so that nothing is copied twice and the advice on pages is given before the first touch.
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport) {
     text.reserve(size + xSDL::kTextEnd);
     IO::Platform::PreferLargePages(text.data(), size);
@@ -181,6 +185,7 @@ void eSDLParser::ReadText(IO::eStream& stream, std::size_t size, const eBeforeRe
     EndText();
 }
 
+// A cipher may claim to have put more than there was room for; no more is believed.
 void eSDLParser::DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher,
                             const eBeforeReport& beforeReport) {
     const auto encoded = std::make_unique<char[]>(size);
@@ -196,6 +201,7 @@ void eSDLParser::EndText() {
     text.append(xSDL::kTextEnd, '\0');
 }
 
+// The zeros would stand in the middle of the text otherwise. Every place in the old text is lost with it.
 void eSDLParser::ProcessParams(const std::map<eStringKey, eStringKey>& parameters) {
     if (parameters.empty())
         return;
@@ -214,6 +220,8 @@ bool eSDLParser::Get() {
     return Cut();
 }
 
+// The first character tells the kind; then the most frequent form of it is tried. None of these forms holds a
+// backslash, so that `escaped` is for CutAny alone to set.
 bool eSDLParser::Cut() {
     eCutter cutter(*this);
     const xSDL::eTokenBegin begin = cutter.Begin();
@@ -243,7 +251,8 @@ bool eSDLParser::Cut() {
     return taken || CutAny(begin.line, begin.at);
 }
 
-// Whatever token begins there, if any does.
+// Whatever token begins there, if any does. A string may hold line feeds behind backslashes, so the line is known only
+// after the cut.
 bool eSDLParser::CutAny(int line, const char* begin) {
     xSDL::eLexeme lexeme{.begin = begin};
     const char* const next = xSDL::CutAt(begin, &line, &lexeme);

@@ -64,7 +64,7 @@ std::string LowerCased(std::string text) {
 
 template <class Name>
 std::unique_ptr<IO::eStream> OpenSource(const Name& file) {
-    IO::Platform::TakeFailureReason(); // of something before
+    IO::Platform::TakeFailureReason(); // of something before, which is not to be told of this file
     std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
     if (!stream)
         throw std::bad_alloc();
@@ -88,7 +88,7 @@ float Combined(char operation, float left, float right) {
 
 const char* const eSDLReader::defaultError = "unexpected token";
 
-// Raises the skip depth while it lives.
+// Raises the skip depth while it lives, also when a report ends the skipping.
 class eSDLReader::eSkipping {
 public:
     explicit eSkipping(eSDLReader& skippingReader) : reader(skippingReader) { ++reader.skipDepth; }
@@ -159,26 +159,11 @@ eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCi
     PushParser(new eSDLParser({}, *stream, keywords, {}, cipher.get(), EnteringSources()));
 }
 
-eSDLReader::eSDLReader(const eSDLReader& other) {
-    *this = other;
-}
+eSDLReader::eSDLReader(const eSDLReader& other) = default;
 
-eSDLReader& eSDLReader::operator=(const eSDLReader& other) {
-    defines = other.defines;
-    skipDepth = other.skipDepth;
-    parsers = other.parsers;
-    keywords = other.keywords;
-    signatureBlock = other.signatureBlock;
-    checkAtEnd = other.checkAtEnd;
-    controlFlag = other.controlFlag;
-    grate = other.grate;
-    blockMark = other.blockMark;
-    previousBlockMark = other.previousBlockMark;
-    cipher = other.cipher;
-    unopened = other.unopened;
-    return *this;
-}
+eSDLReader& eSDLReader::operator=(const eSDLReader& other) = default;
 
+// Only the last of several copies expects the end. Whatever the report does, the sources close, the innermost first.
 eSDLReader::~eSDLReader() noexcept(false) {
     struct eParsersCloser {
         std::vector<std::shared_ptr<eSDLParser>>& parsers;
@@ -215,6 +200,8 @@ const std::string& eSDLReader::GetSignature() {
     return ReadSignature(ReaderReport::kSignatureNotSDLLine);
 }
 
+// Each read tries the most frequent form of what is expected first. Whatever else is there, a token of another form, a
+// control block, a hidden block or the end of an included source, is for Next, and after it the source may be another.
 int eSDLReader::GetInt() {
     eSDLParser& parser = *parsers.back();
     if (eSDLParser::eCutter(parser).TakeInt())
@@ -253,6 +240,7 @@ std::wstring eSDLReader::GetStringW() {
     return ToStringW(parsers.back()->current.String());
 }
 
+// Lowered in the token itself, where Back and a look at the token find it lowered, too.
 const std::string& eSDLReader::GetIdent(bool lower) {
     if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
         Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
@@ -273,6 +261,8 @@ const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
     return Token();
 }
 
+// The short way knows nothing of marks, so it is closed while there is one that the start would displace. The type
+// tells Back that the mark goes back with the identifier.
 int eSDLReader::GetBlock(int id) {
     eSDLParser& parser = *parsers.back();
     if (AreMarksKept() || !eSDLParser::eCutter(parser).TakeBlockStart())
@@ -372,6 +362,8 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
     return matches;
 }
 
+// The character that tells what is next, 0 when only reading it can tell. Reading a block start and going back would
+// leave the marks as they are only when there are none.
 [[gnu::always_inline]] inline char eSDLReader::SeePlainToken() {
     return AreMarksKept() ? 0 : eSDLParser::eCutter(*parsers.back()).See(parsers.size() > 1);
 }
@@ -386,6 +378,7 @@ bool eSDLReader::End() {
     return seen ? seen == '}' : Test(sdlBlockEnd);
 }
 
+// The mark goes back with the start of its block, or with the identifier after it, for GetBlock takes both at once.
 void eSDLReader::Back() {
     eSDLParser& parser = *parsers.back();
     if (const eSDLParserLexType type = parser.current.Type(); type == sdlBlockStart || type == sdlBlockId) {
@@ -395,6 +388,7 @@ void eSDLReader::Back() {
     parser.Back();
 }
 
+// A block may end in another source than the one that it began in: what an included one leaves open goes on below it.
 void eSDLReader::SkipBlock(bool keepTerminator) {
     const eSkipping skipping(*this);
     for (long long depth = 0; !SkipInSource(&depth);)
@@ -409,6 +403,7 @@ bool eSDLReader::SkipInSource(long long* depth) {
     eSDLParser& parser = Parser();
     const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
     *depth = skimmed.depth;
+    // Two marks are kept, so those of the last two starts are all that reading every token would have left.
     if (skimmed.starts > 1)
         blockMark = xSDL::MarkOf(skimmed.markBefore);
     if (skimmed.starts > 0) {
@@ -453,12 +448,15 @@ bool eSDLReader::Get() {
     return Next() != sdlNone;
 }
 
+// Reads until there is a token for the caller. Nothing may be kept of the parser over a turn of the loop: it may be
+// gone.
 eSDLParserLexType eSDLReader::Next() {
     for (;;) {
         eSDLParser& parser = Parser();
         parser.Cut();
         switch (const eSDLParserLexType type = parser.current.Type()) {
         case sdlNone:
+            // The last source stays, for its end to be read again and shown in reports.
             if (parsers.size() == 1)
                 return type;
             PopParser();
@@ -473,12 +471,14 @@ eSDLParserLexType eSDLReader::Next() {
             SkipBlock(false);
             break;
         case sdlOpen:
+            // Skipping counts the parentheses itself and executes nothing.
             if (skipDepth > 0)
                 return type;
             if (!ProcessControlBlock())
                 return parser.current.Type();
             break;
         case sdlClose:
+            // It ends a control block that has been executed, or stands alone and means nothing.
             controlFlag = false;
             if (skipDepth > 0)
                 return type;
@@ -507,6 +507,7 @@ eSDLParserLexType eSDLReader::NextWord() {
 // Takes the mark of the block that has just started. False when the block is hidden.
 bool eSDLReader::EnterBlock() {
     const std::string_view mark = parsers.back()->current.Text();
+    // Two empty marks would only change places.
     if (AreMarksKept() || !mark.empty()) {
         previousBlockMark.swap(blockMark);
         blockMark.assign(mark);
@@ -537,7 +538,7 @@ eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
 }
 
 void eSDLReader::PushParser(eSDLParser* parser) {
-    std::shared_ptr<eSDLParser> owned(parser);
+    std::shared_ptr<eSDLParser> owned(parser); // already while the list grows, which may fail
     parsers.push_back(std::move(owned));
 }
 
@@ -549,7 +550,7 @@ void eSDLReader::PopParser() {
     parsers.pop_back();
 }
 
-// As many as a report's context names.
+// The oldest is forgotten first: as many are kept as a report's context names.
 void eSDLReader::NoteUnopened(const eSDLParser& parser) {
     constexpr std::size_t kNamed = 8;
     if (unopened.size() == kNamed)
@@ -557,6 +558,7 @@ void eSDLReader::NoteUnopened(const eSDLParser& parser) {
     unopened.push_back(std::make_shared<eUnopened>(parser.DSE_Title(), parser.failure));
 }
 
+// Copies of a reader share the parsers and have tables of their own, so the parser is told before each token whose.
 eSDLParser& eSDLReader::Parser() const {
     eSDLParser& parser = *parsers.back();
     parser.keywords = &keywords;
@@ -575,6 +577,7 @@ void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
         Fail(ReaderReport::kArgumentsEndLine, "')' required");
 }
 
+// Read from the parser itself: in an argument list control blocks and escapes are text.
 void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     for (int index = 0; parser.Get(); ++index) {
@@ -586,6 +589,7 @@ void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
     }
 }
 
+// The value stands right behind its name, so the parser reads it as characters before the next token is cut.
 void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     while (parser.current.Type() == sdlIdent || parser.current.Type() == sdlKeyword) {
@@ -617,6 +621,8 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
     token->text.assign(parser.current.Text());
 }
 
+// The state before the ( is kept at once, for the next token displaces it. It is kept for the thread: nothing but the
+// calculation asks for it, and that ends before another control block can begin.
 bool eSDLReader::ProcessControlBlock() {
     eSDLParser& parser = Parser();
     stateBeforeControlBlock.Get() = parser.current.Before();
@@ -673,7 +679,7 @@ std::function<void()> eSDLReader::EnteringSources() const {
 
 void eSDLReader::Fail(int line, const std::string& message) {
     EnterSources();
-    const auto told = std::exchange(unopened, {});
+    const auto told = std::exchange(unopened, {}); // they are told once, and live while they are
     xError::Fatal(ReaderReport::kSource, line, message);
 }
 
