@@ -35,18 +35,18 @@ struct eDefine {
 // end of the line.
 class QZL_IO_API eSDLParser : public xDebug::eStackEntry {
 public:
-    // Reads everything from the stream's position to its end, through the cipher if there is one, passes over a UTF-8
-    // byte-order mark at its beginning (a second one is a character that no token begins with) and replaces each
-    // %key by its value, key by key in ascending order. A stream that is Bad then is reported as "%1% - read error!"
+    // A parser of what the stream holds from its position to its end: deciphered if there is a cipher, without a UTF-8
+    // byte-order mark at its beginning (a second one is a character that no token begins with), and with each %key
+    // replaced by its value, key by key in ascending order. All of it is read at once. A stream that is Bad then is reported as "%1% - read error!"
     // with the name ("Stream" without one), and the constructor throws if the report returns. The name is the one that
     // diagnostic texts show; a parser with a name is a file's. The list of keyword tables is only referred to and must
     // outlive the parser's use; its last element, which may be null, is the table in force.
     eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher);
-    // Over a copy of the define's text as it is, named "define 'NAME'".
+    // A parser of a copy of the define's text as it is, named "define 'NAME'".
     eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters);
-    // At the same place of a text of its own.
+    // A parser at the same place of a text of its own.
     eSDLParser(const eSDLParser& other);
     eSDLParser& operator=(const eSDLParser&) = delete;
     ~eSDLParser() override;

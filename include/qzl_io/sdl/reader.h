@@ -43,17 +43,17 @@ public:
 
     static const char* const defaultError; // "unexpected token"
 
-    // Open a file and read {SIGNATURE, letter case ignored. The destructor expects the matching }. Report "Not SDL
-    // file!" (also when there is no file), "Identifier expected!" or "File signature mismatch (read '%s' instead of
+    // Readers of a file that begins with {SIGNATURE, letter case ignored, which they read. The destructor expects the
+    // matching }. They report "Not SDL file!" (also when there is no file), "Identifier expected!" or "File signature mismatch (read '%s' instead of
     // '%s')".
     eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> cipher);
     eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> cipher);
-    // Open a file without a signature, with a first keyword table or none. A file that cannot be opened is an empty
+    // Readers of a file without a signature, with a first keyword table or none. A file that cannot be opened is an empty
     // source.
     eSDLReader(const eFileName& file, eSDLKeyword* keywords, std::shared_ptr<eSDLCipher> cipher);
     eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> cipher);
     eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> cipher);
-    // Reads what the stream holds from its position on. The stream stays the caller's and may go at once.
+    // A reader of what the stream holds from its position on. The stream stays the caller's and may go at once.
     eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> cipher);
 
     eSDLReader(const eSDLReader& other);

@@ -85,7 +85,7 @@ public:
     eSDLWriter();
     explicit eSDLWriter(std::shared_ptr<eSDLCipher> cipher);
 
-    // Creates or empties the file. One that cannot be opened is not reported: `Opened` is then false, and what is
+    // A writer to the file, which is created or emptied. One that cannot be opened is not reported: `Opened` is then false, and what is
     // written is dropped when the writer closes.
     explicit eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
     explicit eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
