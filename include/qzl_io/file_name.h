@@ -15,7 +15,7 @@ enum eFileNameItem : int {
     Folder = 0,           // up to and including the last "/":              "c:/data/"        "a.b/"   -
     Title = 1,            // the last component up to its first ".":        "archive"         "c"      "readme"
     Extension = 2,        // the last component from its last "." on:       ".gz"             -        -
-    ExtensionOrWhole = 3, // the same, but all where "/" stands before ".": ".gz"             "a.b/c"  -
+    ExtensionOrWhole = 3, // Extension, or if none all of a text with "/":  ".gz"             "a.b/c"  -
     NameExt = 4           // the last component:                            "archive.tar.gz"  "c"      "readme"
 };
 

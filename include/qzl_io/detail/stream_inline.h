@@ -64,7 +64,7 @@ inline bool eStream::IsOpen() const noexcept {
     return flags != 0 && Disabled(StreamMode::Failed);
 }
 
-// --- The ways of values within the buffer; what lies at its end or beyond takes the slow ways, in the library ---
+// --- Fast paths for values in the buffer; values at its end or beyond take the slow paths, in the library ---
 
 struct eStreamInline {
     static_assert(std::endian::native == std::endian::little, "values are moved to and from the stream as they are");

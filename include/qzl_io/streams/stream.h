@@ -59,8 +59,8 @@ class QZL_IO_API eStream {
 public:
     virtual ~eStream(); // releases nothing: the buffer belongs to the subclass
 
-    // --- Hooks: the operations below call them, and so may anybody. A subclass that overrides one usually calls
-    // eStream's, which does no more than is said here. ---
+    // --- Hooks: operations call them, and so may anyone else. A subclass that overrides a hook usually also calls that
+    // of eStream, which does only what is stated here. ---
 
     // Ends the data at the current position. Called by Clear. Before the start of the stream nothing changes, Bad is
     // set and "Attempt to write beyond the stream!" is reported.
@@ -138,9 +138,9 @@ public:
     // CopyTo from the source to this stream. Returns this stream.
     eStream& CopyFrom(eStream& source, unsigned long long n);
 
-    // --- Values, written. The position moves on; the data grow when it passes their end. Where there is no room for a
-    // value, its last bytes are dropped and the position moves all the same; whether that is reported is up to the
-    // stream's Overflow. ---
+    // --- Writing values. The position moves past the value, and the data grow if it passes their end. If there is no
+    // room for a value, its last bytes are dropped and the position moves nevertheless; the stream's Overflow decides
+    // whether that is reported. ---
 
     eStream& operator<<(bool value); // one byte, 0 or 1
     eStream& operator<<(char value);
@@ -174,8 +174,9 @@ public:
     // Writes the low n bytes of a value, lowest first, for n from 1 to 4; any other n writes nothing.
     eStream& Bytes(int n, unsigned int value);
 
-    // --- Values, read. The position moves on. Any byte but 0 is a true bool. Fixed-width values do not look where the
-    // data end: behind it they give what the buffer holds, and zero for bytes outside the buffer. ---
+    // --- Reading values. The position moves past the value. Any byte but 0 is a true bool. Fixed-width values do not
+    // test where the data end: past the end they are what the buffer contains, and zero for bytes outside the buffer.
+    // ---
 
     eStream& operator>>(bool& value);
     eStream& operator>>(char& value);
@@ -218,7 +219,7 @@ public:
     // if the stream is at its end. If a report throws, the line is between the positions before and after the call.
     std::string GetLine(char delimiter);
 
-    // --- Values, looked at: as the Get function, but the position stays. ---
+    // --- Peeking at values: like the Get functions, but the position does not move. ---
 
     bool Bool();
     char Char();
@@ -243,14 +244,14 @@ protected:
     eStream(eStream&& other) noexcept;
     eStream& operator=(eStream&& other) noexcept;
 
-    // --- For subclasses that bring values of their own ---
+    // --- For subclasses with values of their own ---
     //
-    // Each calls Overflow first when the request does not end before bufferEnd, and gives a pointer that is good for n
-    // bytes until the next operation. Where the buffer has no room for the request even then, the pointer leads to a
-    // block apart: Look and Take put the bytes into it that there are and zeros for the rest, and what is written to
-    // that of Place is dropped. Where the stream has no buffer or stands before its start, Bad is set, a read or write
-    // beyond the stream is reported, and the position stays. A report that throws finds the position moved by Take, but
-    // not by Place, as nobody is going to store the bytes.
+    // Each function calls Overflow first if the request does not end before bufferEnd, and returns a pointer that is
+    // valid for n bytes until the next operation. If the buffer has no room for the request even then, the pointer
+    // leads to a separate block: for Look and Take it contains the bytes that exist, and zeros for the rest; what is
+    // written to the block of Place is dropped. If the stream has no buffer or its position is before the start, Bad is
+    // set, a read or write beyond the stream is reported, and the position does not move. If a report throws, Take has
+    // moved the position, but Place has not, since its caller could not store the bytes.
 
     // The n bytes at the position, which does not move.
     unsigned char* Look(unsigned long long n);
@@ -259,8 +260,8 @@ protected:
     // Room for n bytes at the position, which moves past them; sets Modified and extends the data.
     unsigned char* Place(unsigned long long n);
 
-    // --- For subclasses that bring storage: they take it into use and set the flags when they open, override the
-    // hooks, and release it in their destructor. ---
+    // --- For subclasses with storage: they make it the buffer and set the flags when they open, override the hooks,
+    // and release the storage in their destructor. ---
 
     // Makes a block the buffer, with data of that length (which may reach beyond the block) and the position at its
     // first byte. offset and flags do not change. A null block with a size stands for one that could not be allocated.
