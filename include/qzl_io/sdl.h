@@ -9,7 +9,7 @@
 #include <qzl_io/sdl/token.h>
 #include <qzl_io/sdl/writer.h>
 
-// Not there if the library was built without it.
+// Missing if the library was built without it.
 #if __has_include(<qzl_io/sdl/json_to_sdl.h>)
 #include <qzl_io/sdl/json_to_sdl.h>
 #endif

@@ -9,6 +9,7 @@
 #include "random_source.h"
 
 // The most frequent forms beside the lexer of all forms, at every place of random sources.
+
 namespace {
 
 constexpr std::size_t kReadBefore = 16; // characters that the functions for numbers read before the place

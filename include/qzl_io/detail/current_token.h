@@ -9,13 +9,13 @@ namespace xSDL {
 
 // The token that a parser has read last, the one before it, and where their texts are.
 //
-// Most callers take a value, or a copy of a text, so a token's text stays in the source and goes into the token's own
+// Most callers take a value or a copy of a text. So a token's text stays in the source, and goes into the token's own
 // string (eSDLParserToken::text) only for those who ask for that string.
 //
 //     place    the text is              the string is
 //     Source   in the source            out of date
-//     Copied   in the source            a copy of it, or what somebody it was lent to has made of that
-//     Own      in the string alone      the text
+//     Copied   in the source            a copy of the text, or what a borrower has made of that
+//     Own      only in the string       the text
 //
 //     what happens                        from Source   from Copied                    from Own
 //     Accept: a token is cut              Source        Source                         Source
@@ -25,41 +25,41 @@ namespace xSDL {
 //     it becomes the token before         Source        Source; Own where it differs   Own
 //     Back: it is the current one again   Source        -                              Own
 //
-// Lend lends the token for the parser's life: a caller may hold a reference to it, which shows every token that
-// follows, and may change it. From then on a token that comes to be Source is Copied at once.
+// Lend lends the token for the parser's life: a caller may keep a reference to it, which shows every token that
+// follows, and may change it. From then on a token that becomes Source is Copied at once.
 //
-// Invariants: a lent token is not Source. The token before is not Copied. While the position of the token before is
-// null, there is none. What is in the source is followed there by kTextEnd characters that may be read.
+// Invariants: a lent token is not Source. The token before is not Copied. If the position of the token before is null,
+// there is none. Texts in the source are followed there by kTextEnd characters that may be read.
 class eCurrentToken {
 public:
     enum class ePlace : unsigned char { Source, Copied, Own };
 
-    // An empty token in line 1, and none before it.
+    // Makes an empty token in line 1 the current one, with none before it.
     void Start(const char* position);
 
-    // A token of the type and its text in the source; `line` and `next` are where reading goes on. The values stay
-    // those of the token before.
+    // Accepts a token of the type with its text in the source; reading continues at `line` and `next`. The values
+    // remain those of the token before.
     void Accept(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
-    // No token. The text stays that of the token before, too.
+    // Accepts the end of the source, which is no token. The text also remains that of the token before.
     void AcceptEnd(int line, const char* next);
-    // Reading goes on elsewhere.
+    // Continues reading elsewhere.
     void JumpTo(const char* next, int line);
 
-    // Makes the token before the current one, and forgets that there was one before. Without one nothing happens.
+    // Makes the token before the current one, and forgets that there was one. Without one, does nothing.
     void Back();
     void ForgetBefore();
     void SetBefore(const eSDLParserState& state);
-    // With its text in its string.
+    // The state before the current token, with its text in its string.
     eSDLParserState Before() const;
 
-    // The text, wherever it is; in the string; in the string and about to be changed there.
+    // The text, wherever it is; as the token's string; as the token's string, about to be changed.
     std::string_view Text() const;
     const std::string& String();
     std::string& OwnString();
 
     void Lend();
     bool IsLent() const { return lent; }
-    // Of a lent token.
+    // The current token. Only for a lent token.
     eSDLParserToken& Token() { return now.token; }
     const eSDLParserState& State() const { return now; }
 
@@ -72,11 +72,11 @@ public:
 
     void SetType(eSDLParserLexType type) { now.token.type = type; }
     void SetId(int id) { now.token.intValue = id; }
-    // Each sets both values.
+    // Each function sets both values.
     void SetInt(int value);
     void SetFloat(float value);
 
-    // The source has been copied: what points into it points into the copy.
+    // Redirects what points into the source to a copy of the source.
     void MoveSource(const char* from, const char* to);
 
 private:

@@ -85,8 +85,8 @@ public:
     eSDLWriter();
     explicit eSDLWriter(std::shared_ptr<eSDLCipher> cipher);
 
-    // A writer to the file, which is created or emptied. One that cannot be opened is not reported: `Opened` is then false, and what is
-    // written is dropped when the writer closes.
+    // A writer to the file, which is created or emptied. A file that cannot be opened is not reported: `Opened` is then
+    // false, and the text is dropped when the writer closes.
     explicit eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
     explicit eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
 
@@ -110,7 +110,7 @@ public:
     // True while the writer has a target.
     bool Opened() const { return document->target != nullptr; }
 
-    // Hands the text to the target; deletes a target that was opened here by name. May be called again.
+    // Writes the text to the target, and deletes a target that was opened by name. May be called again.
     void Close();
 
     eWriteStream& Stream() { return *document->text; }
@@ -120,8 +120,8 @@ public:
     // Returns to the previous table.
     void PopKeywords();
 
-    // An id that the current table lacks is reported as "SDLWriter: Unknown keyword ID!", and then thrown if the
-    // report returned; the block's "{" is written by then.
+    // An id that the current table lacks is reported as "SDLWriter: Unknown keyword ID!", and thrown if the report
+    // returns; the "{" of a block has been written by then.
     eSDLWriter& operator<<(const block& value);
     eSDLWriter& operator<<(const keyword& value);
     eSDLWriter& operator<<(const ident& value);
@@ -129,7 +129,7 @@ public:
     inline eSDLWriter& operator<<(const char* text);
     eSDLWriter& operator<<(const std::string& text) { return *this << text.c_str(); }
     eSDLWriter& operator<<(const std::wstring& text);
-    // Each string on a line of its own.
+    // Each string is written on its own line.
     eSDLWriter& operator<<(const eStrings& texts);
     eSDLWriter& operator<<(const eStringsW& texts);
 

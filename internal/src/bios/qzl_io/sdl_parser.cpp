@@ -33,7 +33,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kContextLines = 5;
 constexpr char kContextMark = '\xAB';
 
-// Characters of a line that a report shows before the place and behind it: a text may be one line.
+// Characters of a line that a report shows on either side of the place, as a whole text may be one line.
 constexpr std::size_t kShown = 100;
 
 std::string Replaced(const std::string& text, const std::string& pattern, const std::string& value) {
@@ -50,7 +50,7 @@ std::size_t RemainingSize(const IO::eStream& stream) {
     return size > position ? static_cast<std::size_t>(size - position) : 0;
 }
 
-// A block start's text is its mark without the first #.
+// The text of a block start is its mark without the first #.
 std::string_view TextOf(const xSDL::eLexeme& lexeme) {
     const std::string_view text(lexeme.begin, lexeme.length);
     return lexeme.type == sdlBlockStart && !text.empty() ? text.substr(1) : text;
@@ -118,11 +118,11 @@ eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const
                        const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher,
                        const eBeforeReport& beforeReport)
     : eStackEntry(eNumber::Many), isFile(!parserName.empty()), keywords(&tables), name(parserName) {
-    // An empty source rather than an error: the reader reports when it misses something, and the reason is shown then.
+    // The source is empty instead of an error: the reader reports if it misses something, and the reason is shown then.
     if (!stream.IsOpen())
         failure = FailureText("The file could not be opened");
     else if (stream.Disabled(IO::StreamMode::Bad))
-        IO::Platform::TakeFailureReason(); // of something before, which is not to be told of this stream
+        IO::Platform::TakeFailureReason(); // of an earlier failure, which does not concern this stream
     if (const std::size_t size = RemainingSize(stream); cipher)
         DecodeText(stream, size, *cipher, beforeReport);
     else
@@ -151,7 +151,7 @@ eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& t
     ProcessParams(parameters);
 }
 
-// Every place is a pointer into the text, which has an address of its own in the copy.
+// Every place is a pointer into the text, and the copy's text has another address.
 eSDLParser::eSDLParser(const eSDLParser& other)
     : xDebug::eStackEntry(other),
       current(other.current),
@@ -165,12 +165,13 @@ eSDLParser::eSDLParser(const eSDLParser& other)
     current.MoveSource(other.text.data(), text.data());
 }
 
-// Another thread may be describing this entry, from members that are about to go.
+// Another thread may be describing this entry, from members that are about to be destroyed.
 eSDLParser::~eSDLParser() {
     LeaveStack();
 }
 
-// Room for all of it at once, so that nothing is copied twice and the advice on pages is given before the first touch.
+// Reserves room for all of it at once, so that nothing is copied twice and the advice on pages is given before they are
+// first touched.
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport) {
     text.reserve(size + xSDL::kTextEnd);
     IO::Platform::PreferLargePages(text.data(), size);
@@ -185,7 +186,7 @@ void eSDLParser::ReadText(IO::eStream& stream, std::size_t size, const eBeforeRe
     EndText();
 }
 
-// A cipher may claim to have put more than there was room for; no more is believed.
+// A cipher may claim to have written more than there was room for; the excess is ignored.
 void eSDLParser::DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher,
                             const eBeforeReport& beforeReport) {
     const auto encoded = std::make_unique<char[]>(size);
@@ -201,7 +202,7 @@ void eSDLParser::EndText() {
     text.append(xSDL::kTextEnd, '\0');
 }
 
-// The zeros would stand in the middle of the text otherwise. Every place in the old text is lost with it.
+// The zeros at the end would otherwise be in the middle of the text. All places in the old text become invalid.
 void eSDLParser::ProcessParams(const std::map<eStringKey, eStringKey>& parameters) {
     if (parameters.empty())
         return;
@@ -220,8 +221,8 @@ bool eSDLParser::Get() {
     return Cut();
 }
 
-// The first character tells the kind; then the most frequent form of it is tried. None of these forms holds a
-// backslash, so that `escaped` is for CutAny alone to set.
+// The first character tells the kind, and the most frequent form of that kind is tried. None of these forms contains a
+// backslash, so only CutAny sets `escaped`.
 bool eSDLParser::Cut() {
     eCutter cutter(*this);
     const xSDL::eTokenBegin begin = cutter.Begin();
@@ -251,8 +252,8 @@ bool eSDLParser::Cut() {
     return taken || CutAny(begin.line, begin.at);
 }
 
-// Whatever token begins there, if any does. A string may hold line feeds behind backslashes, so the line is known only
-// after the cut.
+// Takes any token that begins there. A string may contain line feeds after backslashes, so the line is known only after
+// the cut.
 bool eSDLParser::CutAny(int line, const char* begin) {
     xSDL::eLexeme lexeme{.begin = begin};
     const char* const next = xSDL::CutAt(begin, &line, &lexeme);
@@ -266,7 +267,7 @@ bool eSDLParser::CutAny(int line, const char* begin) {
     return true;
 }
 
-// The token is what its user has made of it: nothing is known of it but its type and text.
+// The user may have changed the token, so only its type and text are known.
 void eSDLParser::AnalyseToken() {
     std::string& itsText = current.OwnString();
     switch (current.Type()) {
@@ -325,7 +326,7 @@ std::string eSDLParser::TakeParameter(const eBeforeReport& beforeReport) {
     return std::string(begin, end);
 }
 
-// What the context names first is this source, so it enters the stack last.
+// The context names this source first, so it enters the stack last.
 void eSDLParser::Fail(int line, const std::string& message, const eBeforeReport& beforeReport) {
     if (beforeReport)
         beforeReport();
@@ -337,8 +338,8 @@ std::string eSDLParser::GetContext() const {
     return Listing(std::string::npos);
 }
 
-// The five lines. A line is cut so many characters before the read position, and so many behind it or the line's
-// beginning, where the listing then ends.
+// The five lines. Of a line at most `around` characters are shown before the read position, and at most as many after
+// it or after the line's beginning; the listing ends at a longer line.
 std::string eSDLParser::Listing(std::size_t around) const {
     const char* const position = current.Position();
     if (!position)

@@ -26,7 +26,7 @@ constexpr const char* kNotSDL = "Not SDL file!";
 constexpr const char* kBlockEndExpected = "Block terminator expected!";
 constexpr const char* kStringExpected = "String expected!";
 
-// The numbers under which the checks report.
+// The line numbers of the reports.
 constexpr int kFileNotSDLLine = 17;
 constexpr int kSignatureMismatchLine = 20;
 constexpr int kWideFileNotSDLLine = 31;
@@ -49,7 +49,7 @@ constexpr int kControlBlockStartLine = 577;
 
 } // namespace ReaderReport
 
-// Each thread's lexer state from before the control block that is being executed.
+// Each thread's parser state from before the control block that is being executed.
 eCriticalResource<eSDLParserState> stateBeforeControlBlock;
 
 void LowerCase(std::string* text) {
@@ -64,7 +64,7 @@ std::string LowerCased(std::string text) {
 
 template <class Name>
 std::unique_ptr<IO::eStream> OpenSource(const Name& file) {
-    IO::Platform::TakeFailureReason(); // of something before, which is not to be told of this file
+    IO::Platform::TakeFailureReason(); // of an earlier failure, which does not concern this file
     std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
     if (!stream)
         throw std::bad_alloc();
@@ -88,7 +88,7 @@ float Combined(char operation, float left, float right) {
 
 const char* const eSDLReader::defaultError = "unexpected token";
 
-// Raises the skip depth while it lives, also when a report ends the skipping.
+// Increments the skip depth during its lifetime, even if a report ends the skipping.
 class eSDLReader::eSkipping {
 public:
     explicit eSkipping(eSDLReader& skippingReader) : reader(skippingReader) { ++reader.skipDepth; }
@@ -100,7 +100,7 @@ private:
     eSDLReader& reader;
 };
 
-// A file that was to be included and could not be opened, for the next report.
+// A file to be included that could not be opened, for the next report.
 class eSDLReader::eUnopened : public xDebug::eStackEntry {
 public:
     eUnopened(std::string fileTitle, std::string whyNot) : title(std::move(fileTitle)), failure(std::move(whyNot)) {}
@@ -200,8 +200,8 @@ const std::string& eSDLReader::GetSignature() {
     return ReadSignature(ReaderReport::kSignatureNotSDLLine);
 }
 
-// Each read tries the most frequent form of what is expected first. Whatever else is there, a token of another form, a
-// control block, a hidden block or the end of an included source, is for Next, and after it the source may be another.
+// Each read first tries the most frequent form of the expected token. Anything else (a token of another form, a control
+// block, a hidden block, the end of an included source) is left to Next, after which the source may be another one.
 int eSDLReader::GetInt() {
     eSDLParser& parser = *parsers.back();
     if (eSDLParser::eCutter(parser).TakeInt())
@@ -240,7 +240,7 @@ std::wstring eSDLReader::GetStringW() {
     return ToStringW(parsers.back()->current.String());
 }
 
-// Lowered in the token itself, where Back and a look at the token find it lowered, too.
+// Lowered in the token itself, so that it is still lower case after Back and for those who look at the token.
 const std::string& eSDLReader::GetIdent(bool lower) {
     if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
         Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
@@ -261,8 +261,8 @@ const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
     return Token();
 }
 
-// The short way knows nothing of marks, so it is closed while there is one that the start would displace. The type
-// tells Back that the mark goes back with the identifier.
+// The fast path ignores marks, so it is not taken while there is a mark that the start would displace. The type tells
+// Back that the mark goes back with the identifier.
 int eSDLReader::GetBlock(int id) {
     eSDLParser& parser = *parsers.back();
     if (AreMarksKept() || !eSDLParser::eCutter(parser).TakeBlockStart())
@@ -362,8 +362,8 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
     return matches;
 }
 
-// The character that tells what is next, 0 when only reading it can tell. Reading a block start and going back would
-// leave the marks as they are only when there are none.
+// The character that tells what is next; 0 if only reading can tell. Reading a block start and going back preserves the
+// marks only if there are none.
 [[gnu::always_inline]] inline char eSDLReader::SeePlainToken() {
     return AreMarksKept() ? 0 : eSDLParser::eCutter(*parsers.back()).See(parsers.size() > 1);
 }
@@ -378,7 +378,7 @@ bool eSDLReader::End() {
     return seen ? seen == '}' : Test(sdlBlockEnd);
 }
 
-// The mark goes back with the start of its block, or with the identifier after it, for GetBlock takes both at once.
+// The mark goes back with the start of its block, or with the identifier after it, since GetBlock takes both at once.
 void eSDLReader::Back() {
     eSDLParser& parser = *parsers.back();
     if (const eSDLParserLexType type = parser.current.Type(); type == sdlBlockStart || type == sdlBlockId) {
@@ -388,7 +388,8 @@ void eSDLReader::Back() {
     parser.Back();
 }
 
-// A block may end in another source than the one that it began in: what an included one leaves open goes on below it.
+// A block may end in another source than the one in which it began: what an included source leaves open continues in
+// the one below.
 void eSDLReader::SkipBlock(bool keepTerminator) {
     const eSkipping skipping(*this);
     for (long long depth = 0; !SkipInSource(&depth);)
@@ -397,8 +398,8 @@ void eSDLReader::SkipBlock(bool keepTerminator) {
         Back();
 }
 
-// False at the end of a source with another one below it, where the block goes on. The last tokens are cut as ever, so
-// that the parser and its Back are left as if every token had been.
+// False at the end of a source above another one, in which the block continues. The last tokens are cut as usual, so
+// that the parser and its Back are in the state after cutting every token.
 bool eSDLReader::SkipInSource(long long* depth) {
     eSDLParser& parser = Parser();
     const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
@@ -448,15 +449,15 @@ bool eSDLReader::Get() {
     return Next() != sdlNone;
 }
 
-// Reads until there is a token for the caller. Nothing may be kept of the parser over a turn of the loop: it may be
-// gone.
+// Reads until there is a token for the caller. Nothing of the parser may be kept between iterations, since it may be
+// destroyed.
 eSDLParserLexType eSDLReader::Next() {
     for (;;) {
         eSDLParser& parser = Parser();
         parser.Cut();
         switch (const eSDLParserLexType type = parser.current.Type()) {
         case sdlNone:
-            // The last source stays, for its end to be read again and shown in reports.
+            // The last source stays, so that its end can be read again and shown in reports.
             if (parsers.size() == 1)
                 return type;
             PopParser();
@@ -478,7 +479,7 @@ eSDLParserLexType eSDLReader::Next() {
                 return parser.current.Type();
             break;
         case sdlClose:
-            // It ends a control block that has been executed, or stands alone and means nothing.
+            // It ends a control block that has been executed, or it stands alone and has no meaning.
             controlFlag = false;
             if (skipDepth > 0)
                 return type;
@@ -498,16 +499,16 @@ eSDLParserLexType eSDLReader::Next() {
     }
 }
 
-// Next where a word is expected.
+// Like Next, where a word is expected.
 eSDLParserLexType eSDLReader::NextWord() {
     eSDLParser& parser = *parsers.back();
     return eSDLParser::eCutter(parser).TakeWord(Keywords()) ? parser.current.Type() : Next();
 }
 
-// Takes the mark of the block that has just started. False when the block is hidden.
+// Takes the mark of the block that has just started. False if the block is hidden.
 bool eSDLReader::EnterBlock() {
     const std::string_view mark = parsers.back()->current.Text();
-    // Two empty marks would only change places.
+    // Two empty marks would only be exchanged.
     if (AreMarksKept() || !mark.empty()) {
         previousBlockMark.swap(blockMark);
         blockMark.assign(mark);
@@ -538,7 +539,7 @@ eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
 }
 
 void eSDLReader::PushParser(eSDLParser* parser) {
-    std::shared_ptr<eSDLParser> owned(parser); // already while the list grows, which may fail
+    std::shared_ptr<eSDLParser> owned(parser); // before the list grows, which may fail
     parsers.push_back(std::move(owned));
 }
 
@@ -550,7 +551,7 @@ void eSDLReader::PopParser() {
     parsers.pop_back();
 }
 
-// The oldest is forgotten first: as many are kept as a report's context names.
+// The oldest is forgotten first: no more are kept than a report's context names.
 void eSDLReader::NoteUnopened(const eSDLParser& parser) {
     constexpr std::size_t kNamed = 8;
     if (unopened.size() == kNamed)
@@ -558,7 +559,7 @@ void eSDLReader::NoteUnopened(const eSDLParser& parser) {
     unopened.push_back(std::make_shared<eUnopened>(parser.DSE_Title(), parser.failure));
 }
 
-// Copies of a reader share the parsers and have tables of their own, so the parser is told before each token whose.
+// Copies of a reader share the parsers but have their own tables, so the parser is given the tables before each token.
 eSDLParser& eSDLReader::Parser() const {
     eSDLParser& parser = *parsers.back();
     parser.keywords = &keywords;
@@ -577,7 +578,7 @@ void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
         Fail(ReaderReport::kArgumentsEndLine, "')' required");
 }
 
-// Read from the parser itself: in an argument list control blocks and escapes are text.
+// Read directly from the parser: in an argument list control blocks and escapes are plain text.
 void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     for (int index = 0; parser.Get(); ++index) {
@@ -589,7 +590,7 @@ void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
     }
 }
 
-// The value stands right behind its name, so the parser reads it as characters before the next token is cut.
+// The value directly follows its name, so the parser reads it as characters before the next token is cut.
 void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     while (parser.current.Type() == sdlIdent || parser.current.Type() == sdlKeyword) {
@@ -621,8 +622,8 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
     token->text.assign(parser.current.Text());
 }
 
-// The state before the ( is kept at once, for the next token displaces it. It is kept for the thread: nothing but the
-// calculation asks for it, and that ends before another control block can begin.
+// The state before the ( is saved at once, since the next token displaces it. It is saved per thread: only the
+// calculation uses it, and that ends before another control block can begin.
 bool eSDLReader::ProcessControlBlock() {
     eSDLParser& parser = Parser();
     stateBeforeControlBlock.Get() = parser.current.Before();
@@ -647,7 +648,7 @@ void eSDLReader::CheckControlWord() {
         Fail(ReaderReport::kControlBlockWordLine, "Invalid control block!");
 }
 
-// The expression becomes one token, and Back returns to before its (.
+// The expression becomes one token, from which Back returns to before its (.
 void eSDLReader::Calculate() {
     eSDLParser& parser = Parser();
     const char operation = parser.current.Text().front();
@@ -662,7 +663,7 @@ void eSDLReader::Calculate() {
     parser.StatePrev(stateBeforeControlBlock.Get());
 }
 
-// The current source becomes the innermost entry of the reporting thread, then come the files that could not be opened
+// Makes the current source the innermost entry of the reporting thread, followed by the files that could not be opened
 // and the including sources.
 void eSDLReader::EnterSources() const {
     for (std::size_t outer = 0; outer + 1 < parsers.size(); ++outer)
@@ -679,7 +680,7 @@ std::function<void()> eSDLReader::EnteringSources() const {
 
 void eSDLReader::Fail(int line, const std::string& message) {
     EnterSources();
-    const auto told = std::exchange(unopened, {}); // they are told once, and live while they are
+    const auto told = std::exchange(unopened, {}); // shown once, and only while they exist
     xError::Fatal(ReaderReport::kSource, line, message);
 }
 

@@ -5,9 +5,10 @@
 
 #include <qzl_io/sdl/token.h>
 
-// The lexer of SDL as an automaton: its states, character classes and transitions, written down once. The lexer at work
-// (lexer.h) takes runs of characters at a time; the plain walk of this table, character by character, is what it
-// has to agree with on every text.
+// The lexer of SDL as an automaton: its states, character classes and transitions, written once. The fast lexer
+// (lexer.h) takes runs of characters at a time; for every text it must agree with the plain walk of this table,
+// character by character.
+
 namespace xSDL {
 
 enum eLexerState : unsigned char {
@@ -35,7 +36,7 @@ enum class eAction : unsigned char {
     Stay  // leave it to the next token
 };
 
-// The characters that a transition is for.
+// The characters for which a transition is taken.
 class eCharClass {
 public:
     enum eKind : unsigned char { Exact, Blank, EndOfLine, Letter, Digit, HexLetter, Any };
@@ -76,7 +77,7 @@ struct eTransition {
     eSDLParserLexType type = sdlNone; // of the token, for transitions to stAccept
 };
 
-// Of the transitions from one state the first that has the character is taken.
+// Of the transitions from one state, the first that contains the character is taken.
 inline constexpr eTransition kTransitions[] = {
     {stBetween, eCharClass::Letter, stIdent, eAction::Keep},
     {stBetween, '%', stIdent, eAction::Keep},
@@ -174,22 +175,21 @@ constexpr std::array<eStateRow, kLexerStates> ExpandAutomaton() {
 // The automaton by state and byte.
 inline constexpr std::array<eStateRow, kLexerStates> kAutomaton = ExpandAutomaton();
 
-// A token as cut, before keywords and numbers are looked at.
+// A token as cut, before keywords are looked up and numbers converted.
 struct eLexeme {
     eSDLParserLexType type = sdlNone;
     const char* begin = nullptr; // its text in the source, from the first to the last character kept
     std::size_t length = 0;
 
-    // Left to lexer.h. Of numbers: all digits as one integer, the power of ten to take it times, and whether the
-    // two tell the whole value. Of strings: whether a backslash occurs.
+    // Set only by lexer.h. For numbers: all digits as one integer, the power of ten to multiply it by, and whether the
+    // two give the exact value. For strings: whether there is a backslash.
     unsigned long long digits = 0;
     int exponent = 0;
     bool exact = false;
     bool escaped = false;
 };
 
-// Cuts the token at *position by walking the table and moves position and line behind it. False when the text ends
-// first.
+// Cuts the token at *position by walking the table, and moves position and line past it. False if the text ends first.
 inline bool CutByTable(const char** position, int* line, eLexeme* token) {
     const char* at = *position;
     eLexerState state = stBetween;

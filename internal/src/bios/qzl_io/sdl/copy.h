@@ -7,7 +7,8 @@
 
 #include "qzl_base/shared/escapes.h"
 
-// Short texts copied and compared in whole words that overlap, without a call and without a loop.
+// Copies and comparisons of short texts in whole words that overlap, without a call and without a loop.
+
 namespace xSDL {
 
 template <class T>
@@ -22,7 +23,7 @@ void StoreWord(char* to, T word) {
     std::memcpy(to, &word, sizeof word);
 }
 
-// The first and the last bytes of a text, which overlap where it is shorter than two words.
+// The first and the last bytes of a text, which overlap if it is shorter than two words.
 template <class T>
 struct eEnds {
     eEnds(const char* text, std::size_t size) : first(LoadWord<T>(text)), last(LoadWord<T>(text + size - sizeof(T))) {}
@@ -109,7 +110,7 @@ inline bool CopyFew(char* to, const char* from, std::size_t size) {
     return !AnyEscaped((kBlanks << 24) | (std::uint64_t{first} << 16) | (std::uint64_t{middle} << 8) | last, kBlanks);
 }
 
-// Copies the text when all of it can stand in a quoted string as it is. Otherwise false, and the copy is worth nothing.
+// Copies the text if a quoted string can contain all of it unchanged. Otherwise returns false, and the copy is invalid.
 inline bool CopyPlain(char* to, const char* from, std::size_t size) {
     if (size >= 16)
         return CopyBlocks(to, from, size);

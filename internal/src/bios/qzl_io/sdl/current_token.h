@@ -10,10 +10,11 @@
 #include "sdl/copy.h"
 #include "sdl/number.h"
 
-// What eCurrentToken does, to be inline in the parser and the reader. Each token passes Accept.
+// The functions of eCurrentToken, to be inline in the parser and the reader. Each token passes Accept.
+
 namespace xSDL {
 
-// Of so many characters the usual libraries make a std::string without memory of its own.
+// The usual libraries keep this many characters in a std::string without allocating memory.
 inline constexpr std::size_t kShortText = 15;
 
 inline void eCurrentToken::Start(const char* position) {
@@ -35,7 +36,7 @@ inline void eCurrentToken::Start(const char* position) {
         Fill();
 }
 
-// The string may have become that of the token before, and is needed twice then.
+// The string may now be that of the token before, and is then needed twice.
 inline void eCurrentToken::AcceptEnd(int line, const char* next) {
     Remember();
     now.token.type = sdlNone;
@@ -49,7 +50,7 @@ inline void eCurrentToken::JumpTo(const char* next, int line) {
     now.line = line;
 }
 
-// Everything but the string: of most tokens it is out of date, or says no more than the source.
+// Copies everything but the string: for most tokens it is out of date, or contains no more than the source.
 [[gnu::always_inline]] inline void eCurrentToken::Remember() {
     before.token.type = now.token.type;
     before.token.floatValue = now.token.floatValue;
@@ -62,7 +63,7 @@ inline void eCurrentToken::JumpTo(const char* next, int line) {
         KeepString();
 }
 
-// Swapped, not copied: the next token's text goes into the other string.
+// Swaps instead of copying: the text of the next token goes into the other string.
 inline void eCurrentToken::KeepString() {
     now.token.text.swap(before.token.text);
     textBefore.place = ePlace::Own;
@@ -126,9 +127,9 @@ inline void eCurrentToken::Lend() {
     lent = true;
 }
 
-// Most texts are short. Assigning one to a string is a call however short it is; a string that is made of a known
-// number of characters costs a few moves. So the string is made anew, of the text and what follows it in the source,
-// and cut to the text's length.
+// Most texts are short. Assigning one to a string is a call, however short it is, while constructing a string of a
+// known number of characters costs a few moves. So the string is constructed anew, from the text and what follows it in
+// the source, and cut to the text's length.
 [[gnu::always_inline]] inline void eCurrentToken::Fill() {
     std::string* const string = &now.token.text;
     if (text.source.size() <= kShortText) {

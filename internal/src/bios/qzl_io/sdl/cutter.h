@@ -9,12 +9,12 @@
 #include "sdl/number.h"
 #include "sdl/plain.h"
 
-// Makes a parser's next token the current one. A reader's call often tells which kind must come, so there is a function
-// for each kind: it takes a token of that kind in its most frequent form, or returns false and leaves everything as it
-// is, for eSDLParser::Cut to take whatever stands there. Inline in the parser and the reader.
+// Makes a parser's next token the current one. A reader's call often determines the kind of the token, so there is a
+// function for each kind. It takes a token of that kind in its most frequent form, or returns false and leaves
+// everything unchanged, for eSDLParser::Cut to take any token. Inline in the parser and the reader.
 class eSDLParser::eCutter {
 public:
-    // A cutter of the token that comes next. The parser stays where it is.
+    // A cutter of the next token. The parser's place does not change.
     [[gnu::always_inline]] explicit eCutter(eSDLParser& cutParser)
         : parser(cutParser), begin(xSDL::FindToken(parser.current.Position(), parser.current.Line())) {}
 
@@ -26,7 +26,7 @@ public:
         return end && AcceptInt(digits, end);
     }
 
-    // Of either kind.
+    // Takes a number of either kind.
     [[gnu::always_inline]] bool TakeNumber() {
         xSDL::eLexeme number;
         const char* const end = xSDL::PassPlainNumber(begin.at, parser.text.data(), &number);
@@ -47,7 +47,7 @@ public:
         return end && Accept(sdlString, begin.at + 1, end, end + 1);
     }
 
-    // An identifier, or a keyword of the table.
+    // Takes an identifier, or a keyword of the table.
     [[gnu::always_inline]] bool TakeWord(const eSDLKeyword* table) {
         const char* const end = xSDL::PassWord(begin.at);
         if (!end)
@@ -69,8 +69,8 @@ public:
         return end && Accept(sdlBlockEnd, end, end, end + 1);
     }
 
-    // The character that the next token begins with, 0 when that does not tell what the token is (SeePlain). Leaves the
-    // state that taking the token and going back would leave.
+    // The character that the next token begins with; 0 if it does not tell what the token is (SeePlain). The state is
+    // then the one after taking the token and going back.
     [[gnu::always_inline]] char See(bool included) {
         const char seen = xSDL::SeePlain(begin.at, included);
         if (seen)

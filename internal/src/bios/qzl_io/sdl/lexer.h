@@ -9,8 +9,9 @@
 #include "sdl/automaton.h"
 #include "sdl/scan.h"
 
-// The lexer at work: the automaton of automaton.h, taken in runs. The first character decides by the automaton's
-// own row for "between tokens"; what follows it is passed many characters at a time.
+// The fast lexer: the automaton of automaton.h, taken in runs. The first character is decided by the automaton's own
+// row for "between tokens"; what follows it is scanned many characters at a time.
+
 namespace xSDL {
 
 inline bool Has(eLexerState state, char c) {
@@ -22,13 +23,13 @@ inline void SetText(eLexeme* token, const char* begin, const char* end) {
     token->length = static_cast<std::size_t>(end - begin);
 }
 
-// More digits than this do not fit into eLexeme::digits for certain.
+// More digits than this may not fit into eLexeme::digits.
 inline constexpr std::ptrdiff_t kExactDigits = 18;
 
 using ascii::IsDigit;
 
-// What follows the e of a number: every sign and digit there is. A sign, if any, and one or two digits are plain and a
-// power of ten; anything else is left to the conversion of texts.
+// What follows the e of a number: all signs and digits there. An optional sign and one or two digits are plain, and are
+// a power of ten; anything else is left to the general conversion.
 struct eExponent {
     const char* end;
     int power;
@@ -45,7 +46,7 @@ struct eExponent {
     return {at, *begin == '-' ? -power : power, plain};
 }
 
-// The rest of a number whose digits and point have been passed.
+// The rest of a number after its digits and point.
 [[gnu::always_inline]] inline const char* CutFromDigits(const char* begin, const char* at, bool takesExponent,
                                                         eLexeme* token) {
     if ((*at | 0x20) == 'e' && takesExponent) {
@@ -59,7 +60,7 @@ struct eExponent {
     return at;
 }
 
-// A number from its first character on, a sign included.
+// A number from its first character on, which may be a sign.
 inline const char* CutNumber(const char* begin, eLexeme* token) {
     const char* const first = begin + (*begin == '-' || *begin == '+');
     const char* at = PassDigits(first, &token->digits);
@@ -98,7 +99,7 @@ inline const char* CutMark(const char* begin, eLexeme* token) {
     return at;
 }
 
-// A string from behind its opening quote. The token has no type when the text ends in it.
+// A string from after its opening quote. The token has no type if the text ends in it.
 inline const char* CutString(const char* begin, int* line, eLexeme* token) {
     const char* at = PassStringBody(begin);
     while (*at == '\\') {
@@ -114,7 +115,7 @@ inline const char* CutString(const char* begin, int* line, eLexeme* token) {
     return at + (*at == '"');
 }
 
-// What a character begins between tokens.
+// What a character between tokens begins.
 enum class eBegins : unsigned char {
     Gap, // nothing: it is a blank, or begins a comment
     Word,
@@ -159,13 +160,13 @@ constexpr eBegins Begins(char c) {
     return kBegins[static_cast<unsigned char>(c)];
 }
 
-// Where a token begins, and its line.
+// The place where a token begins, and its line.
 struct eTokenBegin {
     const char* at;
     int line;
 };
 
-// Out of line and all in registers, so that tokens within a line cost nothing for it.
+// Out of line and only in registers, so that tokens within a line do not pay for it.
 [[gnu::noinline]] inline eTokenBegin PassGap(const char* at, int line) {
     for (;;) {
         at = PassBlanks(at, &line);
@@ -175,14 +176,15 @@ struct eTokenBegin {
     }
 }
 
-// One blank before a token is the rule within a line.
+// Within a line there is usually one blank before a token.
 [[gnu::always_inline]] inline eTokenBegin FindToken(const char* at, int line) {
     if (*at == ' ') [[likely]]
         ++at;
     return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
 }
 
-// What needs no more than its first character: brackets, operators, errors, and the end of the text, which has no type.
+// Tokens that consist of their first character: brackets, operators, errors, and the end of the text, which has no
+// type.
 inline const char* CutSingle(const char* at, const eStep& step, eLexeme* token) {
     if (*at == 0)
         return at;
@@ -200,7 +202,7 @@ inline const char* CutSigned(const char* at, eLexeme* token) {
     return at + 1;
 }
 
-// The token that begins there.
+// The token that begins at `begin`.
 inline const char* CutAt(const char* begin, int* line, eLexeme* token) {
     const eStep& step = kAutomaton[stBetween][static_cast<unsigned char>(*begin)];
     const char* at = begin;
@@ -225,7 +227,7 @@ inline const char* CutAt(const char* begin, int* line, eLexeme* token) {
     }
 }
 
-// Does what CutByTable does, and tells more about numbers and strings. The token must be a new one.
+// Cuts like CutByTable, and tells more about numbers and strings. The token must be new.
 inline bool CutToken(const char** position, int* line, eLexeme* token) {
     const eTokenBegin begin = FindToken(*position, *line);
     *line = begin.line;

@@ -25,7 +25,7 @@ namespace xSDL {
 //     any other
 class eMasks {
 public:
-    // The masks of the 64 characters from there on.
+    // The masks of the 64 characters from `at` on.
     explicit eMasks(const char* at) {
         Add(at, 0);
         Add(at + 16, 16);

@@ -6,17 +6,18 @@
 #include "qzl_base/shared/powers_of_ten.h"
 #include "sdl/lexer.h"
 
-// The most frequent form of each kind of token, passed without asking what else could stand there. Each function
-// returns the end of the token's text as the lexer of all forms (lexer.h) would find it, or null.
+// The most frequent form of each kind of token, passed without a check for other forms. Each function returns the end
+// of the token's text, where the general lexer (lexer.h) would find it, or null.
+
 namespace xSDL {
 
-// The bits of those among 16 characters that are no digits, from the one at the sign's end on.
+// Marks those of 16 characters that are not digits, from the one after the sign on.
 [[gnu::always_inline]] inline unsigned NoDigits(const char* begin, unsigned sign) {
     return (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
 }
 
-// The functions for numbers read up to 16 characters before their digits' end, so they take none at the beginning of
-// the source. A number has less than 16 characters, an exponent apart.
+// The functions for numbers read up to 16 characters before the end of the digits, so they take none at the beginning
+// of the source. A number has less than 16 characters, without its exponent.
 [[gnu::always_inline]] inline const char* PassPlainInt(const char* begin, const char* source,
                                                        unsigned long long* value) {
     const unsigned sign = *begin == '-';
@@ -31,7 +32,7 @@ namespace xSDL {
     return end;
 }
 
-// Of either kind, and with a value that is known from its digits.
+// Passes a number of either kind whose digits tell its value.
 [[gnu::always_inline]] inline const char* PassPlainNumber(const char* begin, const char* source, eLexeme* number) {
     const unsigned sign = *begin == '-';
     unsigned others = NoDigits(begin, sign);
@@ -60,7 +61,7 @@ namespace xSDL {
     return number->exact && *end != 'x' ? end : nullptr;
 }
 
-// A string without a backslash, up to its closing quote.
+// Passes a string without a backslash, up to its closing quote.
 [[gnu::always_inline]] inline const char* PassPlainString(const char* begin) {
     if (*begin != '"')
         return nullptr;
@@ -72,7 +73,7 @@ namespace xSDL {
     return Begins(*begin) == eBegins::Word ? PassIdent(begin + 1) : nullptr;
 }
 
-// A block start without a mark, whose text is empty.
+// Passes a block start without a mark, whose text is empty.
 [[gnu::always_inline]] inline const char* PassPlainBlockStart(const char* begin) {
     return begin[0] == '{' && begin[1] != '#' ? begin : nullptr;
 }
@@ -81,9 +82,9 @@ namespace xSDL {
     return *begin == '}' ? begin : nullptr;
 }
 
-// The character that the token at the place begins with, when it tells by itself what that token is to a reader; 0
-// otherwise. A string that the text ends in is no token: in an included source another one may follow, in the last it
-// is as good as one.
+// The character that a token begins with, if it tells by itself what that token is to a reader; 0 otherwise. A string
+// in which the text ends is not a token: in an included source another one may follow, and in the last source it is as
+// good as one.
 [[gnu::always_inline]] inline char SeePlain(const char* begin, bool included) {
     if (Begins(*begin) == eBegins::Other || (begin[0] == '{' && begin[1] == '#'))
         return 0;
