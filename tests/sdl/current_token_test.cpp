@@ -16,7 +16,7 @@ using ePlace = eCurrentToken::ePlace;
 
 constexpr std::size_t kLongest = 40;
 
-// Two texts of each length in one source, which ends as a parser's does.
+// Two texts of each length in one source, which ends like that of a parser.
 class eSource {
 public:
     eSource() {
@@ -41,7 +41,7 @@ void Accept(eCurrentToken& token, std::string_view text, int line = 1) {
     token.Accept(sdlIdent, text, line, text.data() + text.size());
 }
 
-// A token with the text "abc" from the source, or "own" of its own.
+// A token with the text "abc" in the source, or with its own text "own".
 eCurrentToken TokenIn(ePlace place) {
     eCurrentToken token;
     token.Start(source.Begin());

@@ -8,14 +8,14 @@
 
 #include "random_source.h"
 
-// The most frequent forms beside the lexer of all forms, at every place of random sources.
+// The most frequent forms compared with the general lexer, at every place of random sources.
 
 namespace {
 
 constexpr std::size_t kReadBefore = 16; // characters that the functions for numbers read before the place
 
 struct ePlain {
-    const char* end = nullptr; // of the text, null where the place has no such form
+    const char* end = nullptr; // of the text; null if the place has no such form
     eSDLParserLexType type = sdlNone;
     unsigned long long digits = 0;
     int exponent = 0;
@@ -35,7 +35,7 @@ ePlain NumberAt(const char* at, const char* source) {
 
 class PlainForms : public testing::Test {
 protected:
-    // How many forms have been found, each the lexer's.
+    // The number of forms found, which all agree with the lexer.
     int found = 0;
 
     void Compare(const ePlain& plain, const char* at) {

@@ -9,7 +9,7 @@
 #include "probe.h"
 #include "support/reports.h"
 
-// Texts of all the lengths that are written in different ways.
+// Texts of all lengths that are written in different ways.
 
 namespace {
 
@@ -26,7 +26,7 @@ std::string Encoded(const std::string& text) {
     return static_cast<char>(text.size()) + text;
 }
 
-// Writes the text as the one and as the other, from a block of its size, at position 3 of a stream that holds dots.
+// Writes the text as a std::string and, from a block of its size, as a const char*, at position 3 of a stream of dots.
 template <class Check>
 void WriteAmongDots(std::size_t size, const std::string& text, Check check) {
     for (const bool asPointer : {false, true}) {
