@@ -12,6 +12,7 @@
 #include "files/failure_text.h"
 #include "platform/memory.h"
 #include "qzl_base/shared/decimal_float.h"
+#include "qzl_base/shared/unicode.h"
 #include "sdl/cutter.h"
 #include "sdl/lexer.h"
 #include "sdl/number.h"
@@ -27,8 +28,6 @@ constexpr int kCloseRequiredLine = 306;
 
 // The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
 constexpr std::size_t kPiece = 64 * 1024;
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 constexpr std::size_t kContextLines = 5;
 constexpr char kContextMark = '\xAB';
@@ -127,8 +126,8 @@ eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const
         DecodeText(stream, size, *cipher, beforeReport);
     else
         ReadText(stream, size, beforeReport);
-    if (text.starts_with(kByteOrderMark))
-        passed = kByteOrderMark.size();
+    if (text.starts_with(unicode::kByteOrderMark))
+        passed = unicode::kByteOrderMark.size();
     Rewind();
     ProcessParams(parameters);
 }
