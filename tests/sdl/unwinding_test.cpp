@@ -8,7 +8,7 @@
 
 namespace {
 
-// Notes what its destructor is told.
+// Records what its destructor learns.
 class eObject {
 public:
     explicit eObject(bool* underWayAtEnd) : told(underWayAtEnd) {}

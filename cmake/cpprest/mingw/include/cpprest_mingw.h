@@ -1,4 +1,4 @@
-// What cpprestsdk takes for granted on Windows and MinGW-w64 does not give.
+// Declarations that cpprestsdk expects on Windows and MinGW-w64 lacks.
 #pragma once
 
 #ifndef NOMINMAX
