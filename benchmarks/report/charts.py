@@ -184,7 +184,7 @@ def draw_growth_over_size(axes, run):
     axes.axhline(1.5, color=INK, linestyle="--", linewidth=1.2, label="allowed: 1.5")
     axes.set_xscale("log")
     log_axis(axes.xaxis, sorted(sizes))
-    axes.set_ylim(0, 2)
+    axes.set_ylim(bottom=0)
     axes.grid(axis="y")
     axes.set_xlabel("size of the document in MB, logarithmic")
     axes.set_ylabel("time for one value, 1 MB = 1")
