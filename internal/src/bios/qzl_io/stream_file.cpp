@@ -9,6 +9,7 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
+#include <qzl_io/streams/save_file.h>
 
 #include "platform/file_handle.h"
 #include "streams/means.h"
@@ -67,7 +68,8 @@ struct eFileStreamBase::eDirectWays {
 };
 
 bool eFileStreamBase::eDirectWays::Serves(const eStream& stream) {
-    const bool ours = typeid(stream) == typeid(eFileStream) || typeid(stream) == typeid(eFileStreamW);
+    const bool ours = typeid(stream) == typeid(eFileStream) || typeid(stream) == typeid(eFileStreamW) ||
+                      typeid(stream) == typeid(eSaveFile);
     return ours && static_cast<const eFileStreamBase&>(stream).handle != -1;
 }
 

@@ -105,6 +105,11 @@ WATCHED(int, renameat, (int source, const char* from, int target, const char* to
 WATCHED(ssize_t, readlink, (const char* name, char* text, std::size_t n), name, text, n)
 WATCHED(ssize_t, readlinkat, (int folder, const char* name, char* text, std::size_t n), folder, name, text, n)
 WATCHED(int, symlinkat, (const char* text, int folder, const char* name), text, folder, name)
+WATCHED(int, renameat2, (int source, const char* from, int target, const char* to, unsigned flags), source, from,
+        target, to, flags)
+WATCHED(int, fsync, (int file), file)
+WATCHED(int, syncfs, (int file), file)
+WATCHED(int, flock, (int file, int operation), file, operation)
 WATCHED(int, fchmod, (int file, mode_t mode), file, mode)
 WATCHED(int, fchown, (int file, uid_t user, gid_t group), file, user, group)
 WATCHED(ssize_t, flistxattr, (int file, char* names, std::size_t n), file, names, n)

@@ -35,12 +35,6 @@ bool IsSame(const struct stat& one, const struct stat& other) {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-bool Stands(const eRealPlace& place, const struct stat& facts) {
-    struct stat there {};
-    const auto ask = [&] { return ::fstatat(place.folder.Get(), place.name.c_str(), &there, AT_SYMLINK_NOFOLLOW); };
-    return Uninterrupted(ask) == 0 && IsSame(there, facts);
-}
-
 void Remove(int folder, const char* name) {
     Uninterrupted([&] { return ::unlinkat(folder, name, 0); });
 }
@@ -156,7 +150,7 @@ void CopyOpened(const eOpened& source, ePlace to, eLastLinks links, const bool* 
     if (isNew && place)
         CopyAnew(source, *place, cancel);
     else if (!isNew)
-        eOverwriting(source, existing, place && Stands(*place, existing.facts) ? &*place : nullptr, cancel).Run();
+        eOverwriting(source, existing, place && StandsAt({place->folder.Get(), place->name.c_str()}, existing.facts) ? &*place : nullptr, cancel).Run();
 }
 
 } // namespace

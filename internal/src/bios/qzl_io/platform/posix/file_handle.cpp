@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "platform/posix/descriptor.h"
+#include "platform/posix/failure.h"
 #include "platform/posix/native_name.h"
 #include "platform/pure/file_id.h"
 
@@ -22,11 +23,8 @@ constexpr int kTruncate = 0x0200;
 
 constexpr mode_t kPermissions = 0666;
 
-// The system's error number for TakeFailureReason; 0 for none.
-thread_local int lastFailure = 0;
-
 int NotOpened(int failure) noexcept {
-    lastFailure = failure;
+    Refused(failure);
     return -1;
 }
 
@@ -83,7 +81,7 @@ unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsign
             return ::pread(handle, static_cast<char*>(target) + done, n - done, static_cast<off_t>(position + done));
         });
         if (read < 0)
-            lastFailure = errno;
+            Refused(errno);
         if (read <= 0)
             break;
         done += static_cast<unsigned long long>(read);
@@ -96,10 +94,8 @@ bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long
     while (done < n) {
         const ssize_t written = Uninterrupted(
             [&] { return WriteSome(handle, static_cast<const char*>(source) + done, n - done, position + done); });
-        if (written <= 0) {
-            lastFailure = written < 0 ? errno : ENOSPC;
-            return false;
-        }
+        if (written <= 0)
+            return Refused(written < 0 ? errno : ENOSPC);
         done += static_cast<unsigned long long>(written);
     }
     return true;

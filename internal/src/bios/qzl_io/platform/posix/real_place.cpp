@@ -35,4 +35,10 @@ std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links) {
     return {};
 }
 
+bool StandsAt(ePlace place, const struct stat& facts) {
+    struct stat there {};
+    const auto ask = [&] { return ::fstatat(place.folder, place.name, &there, AT_SYMLINK_NOFOLLOW); };
+    return Uninterrupted(ask) == 0 && there.st_dev == facts.st_dev && there.st_ino == facts.st_ino;
+}
+
 } // namespace IO::Platform

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include <sys/stat.h>
+
 #include "platform/posix/descriptor.h"
 
 namespace IO::Platform {
@@ -26,5 +28,8 @@ struct eRealPlace {
 // Follows the links of a name to their end, where a file may exist or not. Empty if the folder there is missing, or if
 // a link is refused.
 std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links);
+
+// Whether the file that the facts tell of is the one at the place, and no link to it.
+bool StandsAt(ePlace place, const struct stat& facts);
 
 } // namespace IO::Platform

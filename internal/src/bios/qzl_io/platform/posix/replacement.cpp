@@ -1,14 +1,14 @@
 #include "platform/posix/replacement.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <functional>
 #include <string_view>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/xattr.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace IO::Platform {
@@ -17,11 +17,19 @@ namespace {
 
 constexpr char kAccessList[] = "system.posix_acl_access";
 
-std::string NewName() {
-    static std::atomic<unsigned> counter = 0;
-    timespec now{};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    return ".qzl_" + std::to_string(::getpid()) + "_" + std::to_string(now.tv_nsec) + "_" + std::to_string(++counter);
+// Cuts the name to a length that file systems accept; the hash tells apart names that begin alike.
+std::string NameFor(const std::string& target, std::string_view kind, unsigned number) {
+    constexpr std::size_t kLongest = 200;
+    std::string name = target;
+    if (name.size() > kLongest)
+        name = target.substr(0, kLongest) + '~' + std::to_string(std::hash<std::string>()(target));
+    name += kind;
+    return number == 0 ? name : name + std::to_string(number);
+}
+
+// False if another program holds the lock, or if the file system has no locks.
+bool Lock(int file) {
+    return Uninterrupted([=] { return ::flock(file, LOCK_EX | LOCK_NB); }) == 0;
 }
 
 // Attributes that vouch for a file's content do not apply to other content.
@@ -44,6 +52,18 @@ bool AskSized(std::vector<char>* bytes, Call call) {
     const ssize_t filled = Uninterrupted([&] { return call(bytes->data(), bytes->size()); });
     bytes->resize(filled > 0 ? static_cast<std::size_t>(filled) : 0);
     return filled >= 0;
+}
+
+// Looks for the name first on file systems that cannot refuse to replace a file.
+bool RenameToFree(int folder, const char* from, const char* to) {
+    if (Uninterrupted([=] { return ::renameat2(folder, from, folder, to, RENAME_NOREPLACE); }) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    struct stat facts {};
+    if (Uninterrupted([&] { return ::fstatat(folder, to, &facts, AT_SYMLINK_NOFOLLOW); }) == 0)
+        errno = EEXIST;
+    return errno == ENOENT && Uninterrupted([=] { return ::renameat(folder, from, folder, to); }) == 0;
 }
 
 // Empty if the file system has no attributes.
@@ -71,22 +91,62 @@ bool ForAll(const std::vector<char>& names, Each each) {
 } // namespace
 
 eReplacement::eReplacement(const eRealPlace& target, mode_t mode) : place(target) {
-    constexpr int kMostTries = 100;
-    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-    for (int tries = 0; tries < kMostTries && !file.IsOpen(); ++tries) {
-        name = NewName();
-        file = eDescriptor(Uninterrupted([&] { return ::openat(place.folder.Get(), name.c_str(), kFlags, mode); }));
-        if (!file.IsOpen() && errno != EEXIST)
+    constexpr unsigned kMostTries = 100;
+    for (unsigned tries = 0; tries < kMostTries; ++tries) {
+        name = NameFor(place.name, ".saving", tries);
+        name.insert(0, 1, '.');
+        if (Create(mode) || (errno == EEXIST && RemoveLeftOver() && Create(mode)) || errno != EEXIST)
             break;
     }
     pending = file.IsOpen();
 }
 
-// Tries twice, since nobody else would ever remove the file.
+bool eReplacement::Create(mode_t mode) {
+    constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+    file = eDescriptor(Uninterrupted([&] { return ::openat(place.folder.Get(), name.c_str(), kFlags, mode); }));
+    return file.IsOpen() && LockOwn();
+}
+
+// Before a new file is locked, another program may take it for a leftover, lock it and remove it.
+bool eReplacement::LockOwn() {
+    const bool locked = Lock(file.Get());
+    if ((locked || errno != EWOULDBLOCK) && Names(file.Get()))
+        return true;
+    file.Close();
+    errno = EEXIST;
+    return false;
+}
+
+// Also true if another program has just removed the file. Anything but a regular file is left alone.
+bool eReplacement::RemoveLeftOver() {
+    const eDescriptor other = OpenAtOnce(place.folder.Get(), name.c_str(), O_RDONLY | O_NOFOLLOW);
+    if (!other.IsOpen() && errno == ENOENT)
+        return true;
+    struct stat facts {};
+    const bool left = other.IsOpen() && Uninterrupted([&] { return ::fstat(other.Get(), &facts); }) == 0 &&
+                      S_ISREG(facts.st_mode) && Lock(other.Get()) && Names(other.Get());
+    const bool removed = left && Uninterrupted([&] { return ::unlinkat(place.folder.Get(), name.c_str(), 0); }) == 0;
+    if (!removed)
+        errno = EEXIST;
+    return removed;
+}
+
+bool eReplacement::Names(int opened) const {
+    struct stat facts {};
+    return Uninterrupted([&] { return ::fstat(opened, &facts); }) == 0 && StandsAt({place.folder.Get(), name.c_str()}, facts);
+}
+
+// Tries twice, since nobody else would remove the file soon.
 eReplacement::~eReplacement() {
+    if (pending)
+        Discard();
+}
+
+void eReplacement::Discard() {
     const auto remove = [this] { return ::unlinkat(place.folder.Get(), name.c_str(), 0); };
-    if (pending && Uninterrupted(remove) != 0)
+    if (Uninterrupted(remove) != 0)
         Uninterrupted(remove);
+    pending = false;
 }
 
 bool eReplacement::Resemble(int replaced, const struct stat& facts) {
@@ -107,13 +167,32 @@ bool eReplacement::Resemble(int replaced, const struct stat& facts) {
     });
 }
 
+// Some file systems report only when a descriptor is closed that they could not store what was written. The file's own
+// descriptor stays open, and the file locked, until it has replaced the target.
 bool eReplacement::TakePlace() {
     const int folder = place.folder.Get();
-    if (!file.Close() ||
+    eDescriptor other(Uninterrupted([&] { return ::fcntl(Get(), F_DUPFD_CLOEXEC, 0); }));
+    if (!other.IsOpen() || !other.Close() ||
         Uninterrupted([&] { return ::renameat(folder, name.c_str(), folder, place.name.c_str()); }) != 0)
         return false;
     pending = false;
     return true;
+}
+
+const std::string& eReplacement::Keep() {
+    constexpr unsigned kMostTries = 1000;
+    const int folder = place.folder.Get();
+    pending = false;
+    for (unsigned number = 0; number < kMostTries; ++number) {
+        const std::string kept = NameFor(place.name, ".unsaved", number);
+        if (RenameToFree(folder, name.c_str(), kept.c_str())) {
+            name = kept;
+            break;
+        }
+        if (errno != EEXIST)
+            break;
+    }
+    return name;
 }
 
 } // namespace IO::Platform

@@ -11,7 +11,9 @@ namespace IO::Platform {
 // The bits of a file's mode that a copy takes over.
 inline constexpr mode_t kPermissionBits = 0777;
 
-// A temporary file beside the target that it will replace in one step. It is removed unless it has replaced the target.
+// A temporary file beside the target that it will replace in one step. It is named after the target, and locked while it
+// is in use: a file of that name that is not locked was left by a program that was killed, and the next replacement of
+// the same target removes it. The file is removed unless it has replaced the target or was kept.
 class eReplacement {
 public:
     // Creates the file. The folder of the target must outlive it. It is not open if the folder takes no new file; errno
@@ -28,10 +30,21 @@ public:
     // access could not be copied.
     bool Resemble(int replaced, const struct stat& facts);
 
-    // Closes the file and replaces the target, whatever is there. False, with errno, if the system refuses.
+    // Takes the place, whatever is there. False, with errno, when the system refuses.
     bool TakePlace();
 
+    // Keeps the file under a name that no replacement removes: the target's with ".unsaved" after it, and a number if
+    // that exists. Returns the name, which is the old one if the system refuses.
+    const std::string& Keep();
+    // Removes the file, kept or not.
+    void Discard();
+
 private:
+    bool Create(mode_t mode);
+    bool LockOwn();
+    bool RemoveLeftOver();
+    bool Names(int opened) const;
+
     const eRealPlace& place;
     std::string name;
     eDescriptor file;

@@ -14,15 +14,18 @@ enum class eAnswer : unsigned char { Done, Refused, Busy, Full };
 // |-------|-------------------|------------------------------|--------------------------------------------------|
 // | 5     | access denied     | Busy, or Refused for good    | a deletion of that name is not complete          |
 // | 32    | sharing violation | Busy                         | a virus scanner or an indexer has the file open  |
+// | 33    | lock violation    | Busy                         | one of them has a part of it locked              |
 // | 145   | not empty         | Full                         | deletions in it are not complete                 |
 // | 303   | deletion pending  | Busy                         | a deletion of that name is not complete          |
 // | other |                   | Refused                      |                                                  |
 constexpr eAnswer AnswerTo(unsigned long error, bool forGood) {
-    constexpr unsigned long kAccessDenied = 5, kSharingViolation = 32, kNotEmpty = 145, kDeletionPending = 303;
+    constexpr unsigned long kAccessDenied = 5, kSharingViolation = 32, kLockViolation = 33, kNotEmpty = 145,
+                            kDeletionPending = 303;
     switch (error) {
     case kAccessDenied:
         return forGood ? eAnswer::Refused : eAnswer::Busy;
     case kSharingViolation:
+    case kLockViolation:
     case kDeletionPending:
         return eAnswer::Busy;
     case kNotEmpty:

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <span>
 #include <thread>
 #include <utility>
 
@@ -11,19 +12,23 @@ namespace IO::System {
 
 using Platform::eAnswer;
 
-// Repeats requests that a system refuses temporarily, with increasing pauses: for one entry less than a quarter of a
-// second. Waits that did not help are added up: after one second in total no entry is waited for any more, so that many
-// refused entries do not hold up an operation. Each operation has its own object.
+// Repeats requests that a system refuses temporarily, with increasing pauses: for less than a quarter of a second for
+// an entry, for half a second for a document to be saved. Waits that did not help are added up: after one second in
+// total no entry is waited for any more, so that many refused entries do not hold up an operation. Each operation has
+// its own object.
 class ePatience {
 public:
     using ePause = std::chrono::milliseconds;
     using eSleep = std::function<void(ePause)>;
 
     static constexpr ePause kPauses[] = {ePause(5), ePause(10), ePause(20), ePause(40), ePause(80)};
+    static constexpr ePause kPausesOfSave[] = {ePause(5),  ePause(10),  ePause(20), ePause(40),
+                                               ePause(80), ePause(160), ePause(185)};
     static constexpr ePause kLimitInVain{1000};
 
     explicit ePatience(eSleep pausing = &std::this_thread::sleep_for<ePause::rep, ePause::period>)
         : sleep(std::move(pausing)) {}
+    explicit ePatience(std::span<const ePause> increasing) : ePatience() { pauses = increasing; }
 
     // True if the request was done, at once or in the end.
     template <class Ask>
@@ -47,7 +52,7 @@ private:
         if (inVain >= kLimitInVain)
             return false;
         ePause waited{0};
-        for (const ePause pause : kPauses) {
+        for (const ePause pause : pauses) {
             sleep(pause);
             waited += pause;
             const eAnswer answer = ask();
@@ -59,6 +64,7 @@ private:
     }
 
     eSleep sleep;
+    std::span<const ePause> pauses = kPauses;
     ePause inVain{0};
 };
 

@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 
 #include "platform/unattended.h"
+#include "platform/windows/failure.h"
 #include "platform/windows/file_numbers.h"
 #include "platform/windows/native_name.h"
 
@@ -23,9 +24,6 @@ namespace {
 
 // The run-time's counts are ints: larger requests are split.
 constexpr unsigned long long kLargestPiece = 1u << 30;
-
-// The system's error number for TakeFailureReason; 0 for none.
-thread_local unsigned long lastFailure = 0;
 
 unsigned int Piece(unsigned long long n) {
     return static_cast<unsigned int>(std::min(n, kLargestPiece));
@@ -40,7 +38,7 @@ int Open(const eNativeName& name, int openFlags) {
     int handle = -1;
     if (_wsopen_s(&handle, name.c_str(), openFlags, _SH_DENYNO, _S_IREAD | _S_IWRITE) == 0)
         return handle;
-    lastFailure = _doserrno;
+    Refused(_doserrno);
     return -1;
 }
 
@@ -70,13 +68,14 @@ void CloseFile(int handle) noexcept {
 unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept {
     unsigned long long done = 0;
     if (!MoveTo(handle, position)) {
-        lastFailure = _doserrno;
+        Refused(_doserrno);
         return 0;
     }
     while (done < n) {
         const int read = _read(handle, static_cast<char*>(target) + done, Piece(n - done));
         if (read <= 0) {
-            lastFailure = read < 0 ? _doserrno : lastFailure;
+            if (read < 0)
+                Refused(_doserrno);
             break;
         }
         done += static_cast<unsigned long long>(read);
@@ -86,16 +85,12 @@ unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsign
 
 bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept {
     unsigned long long done = 0;
-    if (!MoveTo(handle, position)) {
-        lastFailure = _doserrno;
-        return false;
-    }
+    if (!MoveTo(handle, position))
+        return Refused(_doserrno);
     while (done < n) {
         const int written = _write(handle, static_cast<const char*>(source) + done, Piece(n - done));
-        if (written <= 0) {
-            lastFailure = written < 0 ? _doserrno : ERROR_DISK_FULL;
-            return false;
-        }
+        if (written <= 0)
+            return Refused(written < 0 ? _doserrno : ERROR_DISK_FULL);
         done += static_cast<unsigned long long>(written);
     }
     return true;

@@ -29,7 +29,7 @@ eFileId SmallId(HANDLE file) noexcept {
 }
 
 // Empty if the system does not tell it in this form.
-std::wstring FinalName(HANDLE folder, DWORD form) {
+std::wstring NameInForm(HANDLE folder, DWORD form) {
     std::wstring name(MAX_PATH, L'\0');
     for (;;) {
         const auto room = static_cast<DWORD>(name.size());
@@ -50,11 +50,15 @@ eFileId NumberedId(HANDLE file) noexcept {
 eFileId FolderId(HANDLE folder) {
     eFileId id = NumberedId(folder);
     if (!id.IsNumbered())
-        id.finalName = FinalName(folder, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
+        id.finalName = FinalName(folder);
     // Some network drives have no letter that the system knows, or do not tell the names above a folder.
     if (!id.IsNumbered() && id.finalName.empty())
-        id.finalName = FinalName(folder, FILE_NAME_OPENED | VOLUME_NAME_NT);
+        id.finalName = NameInForm(folder, FILE_NAME_OPENED | VOLUME_NAME_NT);
     return id;
+}
+
+std::wstring FinalName(HANDLE file) {
+    return NameInForm(file, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
 }
 
 } // namespace IO::Platform

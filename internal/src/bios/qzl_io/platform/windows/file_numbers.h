@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include <windows.h>
 
 #include "platform/pure/file_id.h"
@@ -11,5 +13,9 @@ eFileId NumberedId(HANDLE file) noexcept;
 
 // The identity, with the final name if the folder has no number.
 eFileId FolderId(HANDLE folder);
+
+// The file's name in extended form, with all links and substituted drives followed; empty if the system does not tell
+// it.
+std::wstring FinalName(HANDLE file);
 
 } // namespace IO::Platform

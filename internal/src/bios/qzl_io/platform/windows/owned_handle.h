@@ -6,8 +6,8 @@
 
 namespace IO::Platform {
 
-// Owns a handle that `Release` closes; INVALID_HANDLE_VALUE is none.
-template <BOOL(WINAPI* Release)(HANDLE)>
+// Owns a handle that `CloseCall` closes; INVALID_HANDLE_VALUE is none.
+template <BOOL(WINAPI* CloseCall)(HANDLE)>
 class eHandleOf {
 public:
     explicit eHandleOf(HANDLE opened = INVALID_HANDLE_VALUE) : handle(opened) {}
@@ -24,9 +24,12 @@ public:
     bool IsOpen() const { return handle != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return handle; }
 
+    // Gives the handle to the caller, who must close it.
+    HANDLE Release() { return std::exchange(handle, INVALID_HANDLE_VALUE); }
+
     void Close() {
         if (IsOpen())
-            Release(std::exchange(handle, INVALID_HANDLE_VALUE));
+            CloseCall(std::exchange(handle, INVALID_HANDLE_VALUE));
     }
 
 private:

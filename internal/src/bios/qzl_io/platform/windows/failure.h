@@ -1,0 +1,14 @@
+#pragma once
+
+namespace IO::Platform {
+
+// The system's error number for TakeFailureReason; 0 for none.
+inline thread_local unsigned long lastFailure = 0;
+
+// Notes why the system refused a call. Always false, so that a caller can return it.
+inline bool Refused(unsigned long error) noexcept {
+    lastFailure = error;
+    return false;
+}
+
+} // namespace IO::Platform

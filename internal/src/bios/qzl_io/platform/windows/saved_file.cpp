@@ -1,0 +1,321 @@
+#include "platform/saved_file.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <qzl_base/convert.h>
+
+#include "platform/file_handle.h"
+#include "platform/pure/answer.h"
+#include "platform/pure/patience.h"
+#include "platform/unattended.h"
+#include "platform/windows/failure.h"
+#include "platform/windows/file_numbers.h"
+#include "platform/windows/native_name.h"
+#include "platform/windows/owned_handle.h"
+#include "platform/windows/resemblance.h"
+
+namespace IO::Platform {
+namespace {
+
+using System::ePatience;
+
+constexpr int kOpenCreate = 0x8302;
+constexpr int kOpenWrite = 0x8102;
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr unsigned kMostTries = 100;
+
+eOpenHandle Open(const std::wstring& name, DWORD access, DWORD share, DWORD how, DWORD flags = 0) {
+    return eOpenHandle(::CreateFileW(name.c_str(), access, share, nullptr, how, flags, nullptr));
+}
+
+bool IsThere(const std::wstring& name) {
+    return ::GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Repeats a call for half a second at most while others hold the file. False, with the reason noted, if it was refused.
+template <class Call>
+bool Insist(const std::wstring& target, Call call) {
+    DWORD error = 0;
+    const bool done = ePatience(ePatience::kPausesOfSave).Get([&] {
+        if (call())
+            return eAnswer::Done;
+        error = ::GetLastError();
+        const DWORD seen = error == ERROR_ACCESS_DENIED ? ::GetFileAttributesW(target.c_str()) : 0;
+        return AnswerTo(error, seen != INVALID_FILE_ATTRIBUTES &&
+                                           (seen & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) != 0);
+    });
+    return done || Refused(error);
+}
+
+// A full name in parts: the folder with the slash after it, and the file.
+struct ePlace {
+    explicit ePlace(const std::wstring& full)
+        : folder(full.substr(0, full.rfind(L'\\') + 1)), name(full.substr(folder.size())) {}
+
+    std::wstring Full() const { return folder + name; }
+    // Cuts the name to a length that file systems accept; the hash tells apart names that begin alike.
+    std::wstring Beside(const wchar_t* start, const wchar_t* kind, unsigned number) const {
+        constexpr std::size_t kLongest = 200;
+        std::wstring beside = folder + start + name.substr(0, kLongest);
+        if (name.size() > kLongest)
+            beside += L'~' + std::to_wstring(std::hash<std::wstring>()(name));
+        beside += kind;
+        return number == 0 ? beside : beside + std::to_wstring(number);
+    }
+
+    std::wstring folder;
+    std::wstring name;
+};
+
+// The name as people know it: without the prefix of the extended form, with slashes.
+std::string ShownName(std::wstring name) {
+    constexpr std::wstring_view kStart = L"\\\\?\\";
+    constexpr std::wstring_view kShareStart = L"\\\\?\\UNC\\";
+    constexpr int kUtf8 = 65001;
+    if (name.starts_with(kShareStart))
+        name.replace(0, kShareStart.size(), L"\\\\");
+    else if (name.starts_with(kStart))
+        name.erase(0, kStart.size());
+    std::replace(name.begin(), name.end(), L'\\', L'/');
+    return WideCharToString(name, kUtf8);
+}
+
+// A device or a pipe.
+class eWrittenAtOnce : public eSavedFile {
+public:
+    bool TakePlace(int handle, bool) override { return _close(handle) == 0 || Refused(_doserrno); }
+    const std::string& Kept() const override { return none; }
+
+private:
+    std::string none;
+};
+
+// While the temporary file is open, nobody else may write or remove it: one that can be removed was left by a program
+// that was killed.
+//
+// ReplaceFile takes two steps, between which the target is missing. Moving a file takes one, so the temporary file gets
+// what the target has besides its content, and is moved.
+class eWrittenBeside : public eSavedFile {
+public:
+    // `facts` is null where the target is missing.
+    eWrittenBeside(const std::wstring& target, const BY_HANDLE_FILE_INFORMATION* facts) : place(target) {
+        if (facts) {
+            created = facts->ftCreationTime;
+            attributes = facts->dwFileAttributes & kKeptAttributes;
+            inOneStep = facts->nNumberOfLinks <= 1;
+        }
+    }
+
+    ~eWrittenBeside() override {
+        if (pending)
+            ::DeleteFileW(beside.c_str());
+    }
+
+    // -1 where the folder takes no new file.
+    int NewHandle(bool exists) {
+        eOpenHandle file = Create();
+        if (!file.IsOpen()) {
+            Refused(::GetLastError());
+            return -1;
+        }
+        pending = true;
+        if (exists && inOneStep)
+            inOneStep = TakeRightsAndStreams(place.Full(), beside);
+        const int handle = _open_osfhandle(reinterpret_cast<std::intptr_t>(file.Get()), _O_BINARY | _O_RDWR);
+        if (handle == -1)
+            Refused(ERROR_TOO_MANY_OPEN_FILES);
+        else
+            file.Release();
+        return handle;
+    }
+
+    bool TakePlace(int handle, bool toDisk) override {
+        const eUnattended unattended;
+        if (created.dwHighDateTime != 0)
+            ::SetFileTime(reinterpret_cast<HANDLE>(_get_osfhandle(handle)), &created, nullptr, nullptr);
+        const bool written = !toDisk || _commit(handle) == 0 || Refused(_doserrno);
+        const bool closed = _close(handle) == 0 || Refused(_doserrno);
+        if (!written || !closed)
+            return false;
+        if (!inOneStep)
+            return WriteInPlace(toDisk);
+        if (!Insist(place.Full(), [&] { return Move(toDisk); })) {
+            Keep();
+            return false;
+        }
+        pending = false;
+        return true;
+    }
+
+    const std::string& Kept() const override { return kept; }
+
+private:
+    static constexpr DWORD kKeptAttributes =
+        FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+
+    eOpenHandle Create() {
+        for (unsigned tries = 0;; ++tries) {
+            beside = place.Beside(L".", L".saving", tries);
+            const auto create = [&] {
+                return Open(beside, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW, attributes);
+            };
+            eOpenHandle file = create();
+            if (!file.IsOpen() && IsThere(beside) && ::DeleteFileW(beside.c_str()))
+                file = create();
+            if (file.IsOpen() || tries == kMostTries || !IsTaken(::GetLastError()))
+                return file;
+        }
+    }
+
+    // Whether another save has the name, or has just ended.
+    bool IsTaken(DWORD error) const {
+        return error == ERROR_FILE_EXISTS || error == ERROR_SHARING_VIOLATION ||
+               (error == ERROR_ACCESS_DENIED && IsThere(beside));
+    }
+
+    bool Move(bool toDisk) const {
+        const DWORD flags = MOVEFILE_REPLACE_EXISTING | (toDisk ? MOVEFILE_WRITE_THROUGH : 0);
+        return ::MoveFileExW(beside.c_str(), place.Full().c_str(), flags);
+    }
+
+    // Renames the temporary file to a name that no save removes.
+    void Keep() {
+        pending = false;
+        for (unsigned number = 0; number < kMostTries; ++number) {
+            const std::wstring lasting = place.Beside(L"", L".unsaved", number);
+            if (::MoveFileExW(beside.c_str(), lasting.c_str(), 0)) {
+                beside = lasting;
+                break;
+            }
+            if (::GetLastError() != ERROR_ALREADY_EXISTS && ::GetLastError() != ERROR_FILE_EXISTS)
+                break;
+        }
+        kept = ShownName(beside);
+    }
+
+    // While the target is neither the old document nor the new one, the document has a name that no save removes.
+    bool WriteInPlace(bool toDisk) {
+        Keep();
+        eOpenHandle target;
+        const auto open = [&] {
+            target = Open(place.Full(), GENERIC_WRITE, kShareAll, OPEN_EXISTING);
+            return target.IsOpen();
+        };
+        if (!Insist(place.Full(), open) || !CopyInto(target.Get(), toDisk))
+            return false;
+        ::DeleteFileW(beside.c_str());
+        kept.clear();
+        return true;
+    }
+
+    bool CopyInto(HANDLE target, bool toDisk) const {
+        constexpr DWORD kStep = 1 << 20;
+        const eOpenHandle source = Open(beside, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+        std::vector<char> piece(kStep);
+        for (DWORD arrived = 1, written = 0; arrived != 0;) {
+            if (!::ReadFile(source.Get(), piece.data(), kStep, &arrived, nullptr) ||
+                !::WriteFile(target, piece.data(), arrived, &written, nullptr))
+                return Refused(::GetLastError());
+            if (written != arrived)
+                return Refused(ERROR_DISK_FULL);
+        }
+        return (::SetEndOfFile(target) && (!toDisk || ::FlushFileBuffers(target))) || Refused(::GetLastError());
+    }
+
+    ePlace place;
+    FILETIME created{}; // zero for a new file
+    DWORD attributes = FILE_ATTRIBUTE_NORMAL;
+    bool inOneStep = true;
+    bool pending = false;
+    std::wstring beside;
+    std::string kept;
+};
+
+std::unique_ptr<eSavedFile> BeginBeside(const std::wstring& target, const BY_HANDLE_FILE_INFORMATION* facts,
+                                        int* handle) {
+    auto saved = std::make_unique<eWrittenBeside>(target, facts);
+    *handle = saved->NewHandle(facts != nullptr);
+    return *handle != -1 ? std::move(saved) : nullptr;
+}
+
+// Uses the name as given if the system does not tell where links lead.
+template <class Char>
+std::unique_ptr<eSavedFile> BeginExisting(const Char* target, const eOpenHandle& existing, int* handle) {
+    BY_HANDLE_FILE_INFORMATION facts{};
+    if (!::GetFileInformationByHandle(existing.Get(), &facts)) {
+        Refused(::GetLastError());
+        return nullptr;
+    }
+    if ((facts.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        Refused(ERROR_ACCESS_DENIED);
+        return nullptr;
+    }
+    const std::wstring told = FinalName(existing.Get());
+    return BeginBeside(told.empty() ? FolderName(target) : told, &facts, handle);
+}
+
+template <class Char>
+std::unique_ptr<eSavedFile> BeginMissing(const Char* target, int* handle) {
+    const std::wstring name = FolderName(target);
+    if (!IsThere(name))
+        return BeginBeside(name, nullptr, handle);
+    Refused(ERROR_CANT_RESOLVE_FILENAME);
+    return nullptr;
+}
+
+bool IsDevice(const eOpenHandle& file) {
+    return ::GetFileType(file.Get()) != FILE_TYPE_DISK;
+}
+
+} // namespace
+
+template <class Char>
+std::unique_ptr<eSavedFile> BeginSave(const Char* target, int* handle) {
+    const eUnattended unattended;
+    const std::wstring name = eNativeName(target).c_str();
+    *handle = -1;
+    eOpenHandle existing;
+    const auto open = [&] {
+        existing = Open(name, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
+        return existing.IsOpen();
+    };
+    if (!Insist(name, open)) {
+        const bool missing = lastFailure == ERROR_FILE_NOT_FOUND;
+        return missing ? BeginMissing(target, handle) : nullptr;
+    }
+    if (!IsDevice(existing))
+        return BeginExisting(target, existing, handle);
+    existing.Close();
+    *handle = OpenFile(target, kOpenCreate);
+    return *handle == -1 ? nullptr : std::make_unique<eWrittenAtOnce>();
+}
+
+template <class Char>
+bool PrepareSave(const Char* target) {
+    const int handle = OpenFile(target, kOpenWrite);
+    if (handle == -1)
+        return false;
+    const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(handle));
+    const std::wstring told = ::GetFileType(file) == FILE_TYPE_DISK ? FinalName(file) : std::wstring();
+    CloseFile(handle);
+    const auto mayAddFile = [&] {
+        return Open(ePlace(told).folder, FILE_ADD_FILE, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS).IsOpen();
+    };
+    return told.empty() || mayAddFile() || Refused(::GetLastError());
+}
+
+template std::unique_ptr<eSavedFile> BeginSave(const char* target, int* handle);
+template std::unique_ptr<eSavedFile> BeginSave(const wchar_t* target, int* handle);
+template bool PrepareSave(const char* target);
+template bool PrepareSave(const wchar_t* target);
+
+} // namespace IO::Platform

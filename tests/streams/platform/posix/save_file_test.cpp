@@ -1,0 +1,377 @@
+// Saving on a system whose files have owners, permissions and several kinds of names, and that fails now and then.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <set>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <qzl_io/streams.h>
+
+#include "support/long_tests.h"
+#include "support/platform/posix/as_nobody.h"
+#include "support/platform/posix/fault.h"
+#include "support/platform/posix/open_descriptors.h"
+#include "support/temp_folder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class SavedFile : public testing::Test {
+protected:
+    eFileName Name(const std::string& name) const { return eFileName(folder.Name(name)); }
+
+    bool Save(const std::string& name, std::string_view document) const {
+        IO::eSaveFile file(Name(name));
+        file.Write(document.data(), document.size());
+        return file.Commit();
+    }
+
+    std::set<std::string> Entries() const {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder.Path()))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+
+    struct stat Facts(const std::string& name) const {
+        struct stat facts {};
+        EXPECT_EQ(0, ::lstat(folder.Name(name).c_str(), &facts));
+        return facts;
+    }
+
+    eTempFolder folder;
+};
+
+} // namespace
+
+TEST_F(SavedFile, KeepsItsPermissionsAndItsOwner) {
+    for (const mode_t mode : {0600u, 0640u, 0644u, 0755u, 0666u}) {
+        folder.Write("file", "old");
+        ASSERT_EQ(0, ::chmod(folder.Name("file").c_str(), mode));
+        const bool given = ::geteuid() != 0 || ::chown(folder.Name("file").c_str(), 12, 34) == 0;
+        ASSERT_TRUE(given);
+        const struct stat before = Facts("file");
+        ASSERT_TRUE(Save("file", "new"));
+        const struct stat after = Facts("file");
+        EXPECT_EQ(mode, after.st_mode & 07777);
+        EXPECT_EQ(before.st_uid, after.st_uid);
+        EXPECT_EQ(before.st_gid, after.st_gid);
+        EXPECT_EQ("new", folder.Read("file"));
+        fs::remove(folder.Path() / "file");
+    }
+}
+
+TEST_F(SavedFile, HasThePermissionsOfANewFileWhereItIsNew) {
+    const mode_t mask = ::umask(027);
+    EXPECT_TRUE(Save("file", "new"));
+    ::umask(mask);
+    EXPECT_EQ(0640u, Facts("file").st_mode & 07777);
+}
+
+TEST_F(SavedFile, IsWhatALinkNames) {
+    fs::create_directory(folder.Path() / "elsewhere");
+    folder.Write("elsewhere/file", "old");
+    fs::create_symlink("elsewhere/file", folder.Path() / "link");
+    fs::create_symlink("link", folder.Path() / "linkToLink");
+    ASSERT_TRUE(Save("linkToLink", "new"));
+    EXPECT_EQ("new", folder.Read("elsewhere/file"));
+    EXPECT_TRUE(fs::is_symlink(folder.Path() / "link"));
+    EXPECT_TRUE(fs::is_symlink(folder.Path() / "linkToLink"));
+    EXPECT_EQ((std::set<std::string>{"elsewhere", "link", "linkToLink"}), Entries());
+}
+
+TEST_F(SavedFile, ComesIntoBeingWhereALinkToNothingLeads) {
+    fs::create_symlink("missing", folder.Path() / "link");
+    {
+        IO::eSaveFile abandoned(Name("link"));
+        abandoned << 'a';
+    }
+    EXPECT_EQ((std::set<std::string>{"link"}), Entries());
+    ASSERT_TRUE(Save("link", "new"));
+    EXPECT_EQ("new", folder.Read("missing"));
+    EXPECT_TRUE(fs::is_symlink(folder.Path() / "link"));
+}
+
+TEST_F(SavedFile, ALoopOfLinksIsRefused) {
+    fs::create_symlink("b", folder.Path() / "a");
+    fs::create_symlink("a", folder.Path() / "b");
+    IO::eSaveFile file(Name("a"));
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_NE("", file.Failure());
+}
+
+TEST_F(SavedFile, AReadOnlyTargetAndAFolderWithoutPermissionAreRefusedWithTheReason) {
+    folder.Write("readOnly", "old");
+    ::chmod(folder.Name("readOnly").c_str(), 0444);
+    folder.Write("closed/file", "old");
+    ::chmod(folder.Name("closed/file").c_str(), 0666);
+    ::chmod(folder.Name("closed").c_str(), 0555);
+    ::chmod(folder.Path().c_str(), 0777);
+    const int held = AsNobody([this] {
+        for (const char* name : {"readOnly", "closed/file", "closed/new"}) {
+            IO::eSaveFile file(Name(name));
+            if (file.IsOpen() || file.Commit() || file.Failure().find("Permission denied") == std::string::npos)
+                return 1;
+        }
+        return kHeldInChild;
+    });
+    EXPECT_EQ(kHeldInChild, held);
+    EXPECT_EQ("old", folder.Read("readOnly"));
+    EXPECT_EQ("old", folder.Read("closed/file"));
+    ::chmod(folder.Name("closed").c_str(), 0755);
+}
+
+TEST_F(SavedFile, AFileOfSomebodyElseIsWrittenInPlaceSoThatItStaysTheirs) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can make a file of somebody else's";
+    folder.Write("file", "the old document, which is longer");
+    ::chmod(folder.Name("file").c_str(), 0666);
+    ::chmod(folder.Path().c_str(), 0777);
+    const struct stat before = Facts("file");
+    EXPECT_EQ(kHeldInChild, AsNobody([this] { return Save("file", "new") ? kHeldInChild : 1; }));
+    const struct stat after = Facts("file");
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_EQ(before.st_uid, after.st_uid);
+    EXPECT_EQ("new", folder.Read("file"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+}
+
+TEST_F(SavedFile, DevicesAndPipesAreWrittenTo) {
+    EXPECT_TRUE(Save("../../../../../../../../dev/null", "anything"));
+    ASSERT_EQ(0, ::mkfifo(folder.Name("pipe").c_str(), 0666));
+    const int reader = ::open(folder.Name("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_TRUE(Save("pipe", "document"));
+    char text[16] = {};
+    EXPECT_EQ(8, ::read(reader, text, sizeof(text)));
+    EXPECT_STREQ("document", text);
+    ::close(reader);
+    EXPECT_EQ((std::set<std::string>{"pipe"}), Entries());
+    IO::eSaveFile full(eFileName("/dev/full"));
+    full << 1;
+    EXPECT_FALSE(full.Commit());
+    EXPECT_NE(std::string::npos, full.Failure().find("No space left")) << full.Failure();
+}
+
+TEST_F(SavedFile, ALinkPlantedBesideTheTargetIsNotFollowed) {
+    folder.Write("victim", "precious");
+    fs::create_symlink("victim", folder.Path() / ".file.saving");
+    ASSERT_TRUE(Save("file", "new"));
+    EXPECT_EQ("new", folder.Read("file"));
+    EXPECT_EQ("precious", folder.Read("victim"));
+}
+
+TEST_F(SavedFile, WhatAnotherProgramIsWritingIsNotTakenForLeftOver) {
+    int ready[2];
+    ASSERT_EQ(0, ::pipe(ready));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        IO::eSaveFile file(Name("file"));
+        file << "theirs";
+        file.Flush();
+        const bool told = ::write(ready[1], "x", 1) == 1;
+        ::pause();
+        ::_exit(told ? 0 : 1);
+    }
+    char signal;
+    ASSERT_EQ(1, ::read(ready[0], &signal, 1));
+    EXPECT_TRUE(Save("file", "ours"));
+    EXPECT_TRUE(folder.Exists(".file.saving"));
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    EXPECT_EQ("ours", folder.Read("file"));
+    EXPECT_TRUE(Save("file", "later"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
+// A document says how long it is and what it is made of.
+namespace {
+
+std::string Document(unsigned seed, std::size_t size) {
+    std::string text(size, static_cast<char>('a' + seed % 26));
+    return std::to_string(size) + ':' + text;
+}
+
+bool IsWhole(const std::string& document) {
+    const std::size_t colon = document.find(':');
+    if (colon == std::string::npos || document.size() - colon - 1 != std::stoul(document))
+        return false;
+    return document.find_first_not_of(document[colon + 1], colon + 1) == std::string::npos;
+}
+
+// Saves without end; sizes from 1 KB to 20 MB.
+[[noreturn]] void SaveForever(const eFileName& name, unsigned seed) {
+    for (std::mt19937 random(seed);; ++seed) {
+        IO::eSaveFile file(name, seed % 2 ? IO::eSaveEnd::OnDisk : IO::eSaveEnd::InMemory);
+        const std::string document = Document(seed, std::size_t{1000} << random() % 15);
+        file.Write(document.data(), document.size());
+        if (!file.Commit())
+            ::_exit(1);
+    }
+}
+
+} // namespace
+
+TEST_F(SavedFile, AKilledProgramLosesNoDocument) {
+    ASSERT_TRUE(Save("file", Document(0, 1000)));
+    const int kills = LongTests() ? 1000 : 60;
+    std::mt19937 random(2026);
+    std::set<char> seen;
+    for (int round = 0; round < kills; ++round) {
+        const pid_t child = ::fork();
+        if (child == 0)
+            SaveForever(Name("file"), static_cast<unsigned>(round));
+        ::usleep(static_cast<useconds_t>(random() % 30'000));
+        ::kill(child, SIGKILL);
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "the program ended by itself in round " << round;
+        const std::string document = folder.Read("file");
+        ASSERT_TRUE(IsWhole(document)) << round;
+        seen.insert(document.back());
+    }
+    EXPECT_LT(5u, seen.size()) << "hardly anything was saved between the kills";
+    EXPECT_TRUE(Save("file", "last"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+}
+
+TEST_F(SavedFile, TwoProgramsThatSaveAtOnceDoNotMix) {
+    ASSERT_TRUE(Save("file", Document(0, 1000)));
+    pid_t children[2];
+    for (unsigned number = 0; number < 2; ++number) {
+        children[number] = ::fork();
+        if (children[number] == 0)
+            SaveForever(Name("file"), number * 1000);
+    }
+    for (int look = 0; look < 300; ++look) {
+        ASSERT_TRUE(IsWhole(folder.Read("file")));
+        ::usleep(2000);
+    }
+    for (const pid_t child : children) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+    }
+    EXPECT_TRUE(IsWhole(folder.Read("file")));
+    EXPECT_TRUE(Save("file", "last"));
+}
+
+// --- Faults ---
+
+namespace {
+
+class SaveFault : public SavedFile {
+protected:
+    void SetUp() override {
+        if (!eFault::ReachesLibraries())
+            GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    }
+
+    bool IsOnly(const std::string& name, std::set<std::string> others) const {
+        others.insert(name);
+        return Entries() == others;
+    }
+};
+
+constexpr int kErrors[] = {EINTR, EIO, ENOSPC, EACCES, EMFILE};
+
+} // namespace
+
+TEST_F(SaveFault, EveryFailingCallLeavesTheOldDocumentOrTheNewOne) {
+    const std::string document(200'000, 'n');
+    for (const int error : kErrors)
+        for (int call = 1;; ++call) {
+            SCOPED_TRACE(std::to_string(error) + " at call " + std::to_string(call));
+            folder.Write("file", "old");
+            const int before = OpenDescriptors();
+            bool saved = false, struck = false;
+            std::string failure;
+            {
+                const eFault fault("", error, call);
+                IO::eSaveFile file(Name("file"));
+                file.Write(document.data(), document.size());
+                saved = file.Commit();
+                failure = file.Failure();
+                struck = fault.Struck();
+            }
+            EXPECT_EQ(before, OpenDescriptors());
+            const std::string content = folder.Read("file");
+            EXPECT_TRUE(content == "old" || content == document) << content.size();
+            EXPECT_TRUE(!saved || content == document);
+            EXPECT_EQ(saved, failure.empty());
+            EXPECT_TRUE(error != EINTR || saved) << failure;
+            const bool kept = folder.Exists("file.unsaved");
+            EXPECT_EQ(kept, failure.find("file.unsaved\"") != std::string::npos) << failure;
+            EXPECT_TRUE(!kept || folder.Read("file.unsaved") == document);
+            fs::remove(folder.Path() / "file.unsaved");
+            EXPECT_EQ((std::set<std::string>{"file"}), Entries()) << failure;
+            for (const auto& name : Entries())
+                fs::remove(folder.Path() / name);
+            if (!struck)
+                break;
+        }
+}
+
+TEST_F(SaveFault, AFileWithTwoNamesIsWholeOrItsDocumentIsKept) {
+    const std::string document(200'000, 'n');
+    for (const int error : kErrors)
+        for (int call = 1;; ++call) {
+            SCOPED_TRACE(std::to_string(error) + " at call " + std::to_string(call));
+            folder.Write("file", "old");
+            fs::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+            bool saved = false, struck = false;
+            std::string failure;
+            {
+                const eFault fault("", error, call);
+                IO::eSaveFile file(Name("file"));
+                file.Write(document.data(), document.size());
+                saved = file.Commit();
+                failure = file.Failure();
+                struck = fault.Struck();
+            }
+            const std::string content = folder.Read("file");
+            EXPECT_EQ(content, folder.Read("other"));
+            EXPECT_TRUE(!saved || content == document);
+            EXPECT_EQ(saved, failure.empty());
+            if (content != "old" && content != document) {
+                ASSERT_TRUE(folder.Exists("file.unsaved"));
+                EXPECT_EQ(document, folder.Read("file.unsaved"));
+            }
+            for (const auto& name : Entries())
+                fs::remove(folder.Path() / name);
+            if (!struck)
+                break;
+        }
+}
+
+// The system lets no file grow past the limit.
+TEST_F(SavedFile, AFullDiskAtEveryByteLeavesTheOldDocument) {
+    const std::string document(40'000, 'n');
+    folder.Write("file", "old");
+    const int held = AsNobody([this, &document] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        for (rlim_t limit = 0; limit < document.size(); limit += limit < 100 || limit > 39'900 ? 1 : 97) {
+            const rlimit size{limit, RLIM_INFINITY};
+            ::setrlimit(RLIMIT_FSIZE, &size);
+            IO::eSaveFile file(Name("file"));
+            file.Write(document.data(), document.size());
+            if (file.Commit() || file.Failure().empty())
+                return 1;
+        }
+        return kHeldInChild;
+    });
+    ::chmod(folder.Path().c_str(), 0777);
+    EXPECT_EQ(kHeldInChild, held);
+    EXPECT_EQ("old", folder.Read("file"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+}

@@ -1,0 +1,286 @@
+// Saving on a system where others hold files open, and where a file has more than its content.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <set>
+#include <string>
+#include <thread>
+
+#include <windows.h>
+
+#include <qzl_io/streams.h>
+
+#include "support/long_tests.h"
+#include "support/platform/windows/import_table.h"
+#include "support/temp_folder.h"
+#include "support/wine.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class SavedFile : public testing::Test {
+protected:
+    eFileName Name(const std::string& name) const { return eFileName(folder.Name(name)); }
+    std::wstring NameW(const std::string& name) const { return (folder.Path() / name).wstring(); }
+
+    bool Save(const std::string& name, std::string_view document, std::string* failure = nullptr) const {
+        IO::eSaveFile file(Name(name));
+        file.Write(document.data(), document.size());
+        const bool saved = file.Commit();
+        if (failure)
+            *failure = file.Failure();
+        return saved;
+    }
+
+    std::set<std::string> Entries() const {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder.Path()))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+
+    HANDLE Hold(const std::string& name, DWORD access, DWORD share) const {
+        return ::CreateFileW(NameW(name).c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+    }
+
+    eTempFolder folder;
+};
+
+} // namespace
+
+TEST_F(SavedFile, KeepsItsAttributesAndItsTimeOfCreation) {
+    folder.Write("file", "old");
+    const std::wstring name = NameW("file");
+    ASSERT_TRUE(::SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE));
+    const FILETIME created{123456, 30000000};
+    const HANDLE file = ::CreateFileW(name.c_str(), FILE_WRITE_ATTRIBUTES, 7, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_TRUE(::SetFileTime(file, &created, nullptr, nullptr));
+    ::CloseHandle(file);
+    ASSERT_TRUE(Save("file", "new"));
+    EXPECT_EQ("new", folder.Read("file"));
+    WIN32_FILE_ATTRIBUTE_DATA facts{};
+    ASSERT_TRUE(::GetFileAttributesExW(name.c_str(), GetFileExInfoStandard, &facts));
+    if (IsUnderWine())
+        GTEST_SKIP() << "files have no time of creation under Wine";
+    EXPECT_EQ(DWORD{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE}, facts.dwFileAttributes);
+    EXPECT_EQ(created.dwHighDateTime, facts.ftCreationTime.dwHighDateTime);
+}
+
+TEST_F(SavedFile, KeepsItsOtherStreams) {
+    folder.Write("file", "old");
+    const HANDLE stream =
+        ::CreateFileW((NameW("file") + L":notes").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (stream == INVALID_HANDLE_VALUE || Entries().size() != 1) {
+        ::CloseHandle(stream);
+        GTEST_SKIP() << "this volume's files have no other streams";
+    }
+    DWORD written = 0;
+    ::WriteFile(stream, "kept", 4, &written, nullptr);
+    ::CloseHandle(stream);
+    ASSERT_TRUE(Save("file", "new"));
+    const HANDLE again =
+        ::CreateFileW((NameW("file") + L":notes").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    char text[8] = {};
+    EXPECT_TRUE(::ReadFile(again, text, sizeof(text), &written, nullptr));
+    ::CloseHandle(again);
+    EXPECT_STREQ("kept", text);
+}
+
+TEST_F(SavedFile, AReadOnlyFileIsRefused) {
+    folder.Write("file", "old");
+    ASSERT_TRUE(::SetFileAttributesW(NameW("file").c_str(), FILE_ATTRIBUTE_READONLY));
+    {
+        IO::eSaveFile file(Name("file"));
+        EXPECT_FALSE(file.IsOpen());
+        EXPECT_NE("", file.Failure());
+    }
+    ::SetFileAttributesW(NameW("file").c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ("old", folder.Read("file"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+}
+
+TEST_F(SavedFile, HeldByAnotherIsTheOldDocumentOrTheNewOne) {
+    for (const DWORD access : {DWORD{GENERIC_READ}, DWORD{GENERIC_READ | GENERIC_WRITE}, DWORD{GENERIC_READ | DELETE}})
+        for (DWORD share = 0; share < 8; ++share) {
+            SCOPED_TRACE(std::to_string(access) + " shared " + std::to_string(share));
+            folder.Write("file", "old");
+            const HANDLE held = Hold("file", access, share);
+            ASSERT_NE(INVALID_HANDLE_VALUE, held);
+            std::string failure;
+            const bool saved = Save("file", "new", &failure);
+            ::CloseHandle(held);
+            EXPECT_EQ(saved ? "new" : "old", folder.Read("file"));
+            EXPECT_EQ(saved, failure.empty());
+            const bool kept = folder.Exists("file.unsaved");
+            EXPECT_EQ(kept, failure.find("file.unsaved\"") != std::string::npos) << failure;
+            EXPECT_TRUE(!kept || folder.Read("file.unsaved") == "new");
+            fs::remove(folder.Path() / "file.unsaved");
+            EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+        }
+}
+
+TEST_F(SavedFile, IsSavedWhenAnotherLetsGoInTime) {
+    folder.Write("file", "old");
+    const HANDLE held = Hold("file", GENERIC_READ, 0);
+    std::thread other([held] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        ::CloseHandle(held);
+    });
+    std::string failure;
+    EXPECT_TRUE(Save("file", "new", &failure)) << failure;
+    other.join();
+    EXPECT_EQ("new", folder.Read("file"));
+}
+
+// --- What the system says and Wine never does ---
+
+namespace {
+
+decltype(&::MoveFileExW) systemsMove;
+DWORD refusal = 0;
+int refusals = 0;
+
+BOOL WINAPI RefuseToReplace(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    if ((flags & MOVEFILE_REPLACE_EXISTING) == 0 || refusals-- <= 0)
+        return systemsMove(from, to, flags);
+    ::SetLastError(refusal);
+    return FALSE;
+}
+
+class RefusedReplacement : public SavedFile {
+protected:
+    void Refuse(DWORD error, int times) {
+        refusal = error;
+        refusals = times;
+    }
+
+    const eReplacedCall<decltype(&::MoveFileExW)> replaced{"qzl_io.dll", "MoveFileExW", &RefuseToReplace, &systemsMove};
+};
+
+} // namespace
+
+TEST_F(RefusedReplacement, IsTriedAgainForHalfASecond) {
+    for (const DWORD error : {5u, 32u, 33u, 303u}) {
+        SCOPED_TRACE(error);
+        folder.Write("file", "old");
+        Refuse(error, 6);
+        EXPECT_TRUE(Save("file", "new"));
+        EXPECT_EQ(-1, refusals);
+        EXPECT_EQ("new", folder.Read("file"));
+    }
+}
+
+TEST_F(RefusedReplacement, KeepsTheDocumentWhenItIsGivenUp) {
+    for (const DWORD error : {5u, 32u, 33u, 303u}) {
+        SCOPED_TRACE(error);
+        folder.Write("file", "old");
+        Refuse(error, 1000);
+        std::string failure;
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_FALSE(Save("file", "new", &failure));
+        EXPECT_LT(std::chrono::milliseconds(450), std::chrono::steady_clock::now() - begin);
+        EXPECT_EQ("old", folder.Read("file"));
+        EXPECT_EQ("new", folder.Read("file.unsaved"));
+        EXPECT_NE(std::string::npos, failure.find("/file.unsaved\".")) << failure;
+        EXPECT_EQ(std::string::npos, failure.find("?")) << failure;
+        Refuse(0, 0);
+        EXPECT_TRUE(Save("file", "newer"));
+        EXPECT_EQ("new", folder.Read("file.unsaved")) << "what was kept is not removed by the next save";
+        fs::remove(folder.Path() / "file.unsaved");
+        EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+    }
+}
+
+TEST_F(RefusedReplacement, IsGivenUpAtOnceForWhatDoesNotPass) {
+    for (const DWORD error : {1u, 17u, 112u}) {
+        folder.Write("file", "old");
+        Refuse(error, 1000);
+        EXPECT_FALSE(Save("file", "new")) << error;
+        EXPECT_EQ(999, refusals);
+        EXPECT_EQ("old", folder.Read("file"));
+        EXPECT_EQ("new", folder.Read("file.unsaved"));
+        fs::remove(folder.Path() / "file.unsaved");
+    }
+}
+
+// --- Programs that end in the middle ---
+
+namespace {
+
+constexpr char kTargetVariable[] = "QZL_TEST_SAVE_TARGET";
+
+std::string Document(unsigned seed, std::size_t size) {
+    std::string text(size, static_cast<char>('a' + seed % 26));
+    return std::to_string(size) + ':' + text;
+}
+
+bool IsWhole(const std::string& document) {
+    const std::size_t colon = document.find(':');
+    if (colon == std::string::npos || document.size() - colon - 1 != std::stoul(document))
+        return false;
+    return document.find_first_not_of(document[colon + 1], colon + 1) == std::string::npos;
+}
+
+// This program once more, running the test below.
+HANDLE StartSaver() {
+    wchar_t program[1024];
+    ::GetModuleFileNameW(nullptr, program, 1024);
+    std::wstring command = L"\"" + std::wstring(program) +
+                           L"\" --gtest_also_run_disabled_tests --gtest_filter=Saver.DISABLED_SavesForever";
+    STARTUPINFOW start{};
+    start.cb = sizeof(start);
+    PROCESS_INFORMATION started{};
+    if (!::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr, &start,
+                          &started))
+        return nullptr;
+    ::CloseHandle(started.hThread);
+    return started.hProcess;
+}
+
+} // namespace
+
+// Only started by the test of killed programs. Sizes from 1 KB to 20 MB.
+TEST(Saver, DISABLED_SavesForever) {
+    const char* const target = std::getenv(kTargetVariable);
+    ASSERT_NE(nullptr, target) << "not meant to be run by itself";
+    std::mt19937 random(::GetCurrentProcessId());
+    for (unsigned seed = ::GetCurrentProcessId();; ++seed) {
+        IO::eSaveFile file(eFileName{target}, seed % 2 ? IO::eSaveEnd::OnDisk : IO::eSaveEnd::InMemory);
+        const std::string document = Document(seed, std::size_t{1000} << random() % 15);
+        file.Write(document.data(), document.size());
+        ASSERT_TRUE(file.Commit()) << file.Failure();
+    }
+}
+
+TEST_F(SavedFile, AKilledProgramLosesNoDocument) {
+    ASSERT_TRUE(Save("file", Document(0, 1000)));
+    ASSERT_TRUE(::SetEnvironmentVariableA(kTargetVariable, folder.Name("file").c_str()));
+    const int kills = LongTests() ? 1000 : 20;
+    std::mt19937 random(2026);
+    std::set<char> seen;
+    for (int round = 0; round < kills; ++round) {
+        const HANDLE saver = StartSaver();
+        ASSERT_NE(nullptr, saver);
+        const std::string before = folder.Read("file");
+        const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (fs::file_size(folder.Path() / "file") == before.size() && std::chrono::steady_clock::now() < giveUp)
+            ::Sleep(1);
+        ::Sleep(random() % 30);
+        ASSERT_TRUE(::TerminateProcess(saver, 77));
+        ::WaitForSingleObject(saver, INFINITE);
+        DWORD code = 0;
+        ::GetExitCodeProcess(saver, &code);
+        ::CloseHandle(saver);
+        ASSERT_EQ(77u, code) << "the program ended by itself in round " << round;
+        const std::string document = folder.Read("file");
+        ASSERT_TRUE(IsWhole(document)) << round;
+        seen.insert(document.back());
+    }
+    EXPECT_LT(5u, seen.size()) << "hardly anything was saved between the kills";
+    EXPECT_TRUE(Save("file", "last"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+}
