@@ -383,8 +383,9 @@ TEST(Writer, KeepsSilentWhileAnotherExceptionIsUnderWay) {
     }
 }
 
-TEST(Writer, WritesAFileOfItsOwnOutWhileAnotherExceptionIsUnderWay) {
+TEST(Writer, LeavesAFileAsItWasWhileAnotherExceptionIsUnderWay) {
     const eTempFolder folder;
+    folder.Write("a.sdl", "old");
     EXPECT_THROW(
         {
             eSDLWriter writer(eFileName(folder.Name("a.sdl")), nullptr);
@@ -392,7 +393,71 @@ TEST(Writer, WritesAFileOfItsOwnOutWhileAnotherExceptionIsUnderWay) {
             throw std::logic_error("first");
         },
         std::logic_error);
+    EXPECT_EQ(folder.Read("a.sdl"), "old");
+}
+
+TEST(Writer, ReplacesAFileWhenItCloses) {
+    const eTempFolder folder;
+    folder.Write("a.sdl", "the old document, which is longer");
+    eSDLWriter writer;
+    ASSERT_TRUE(writer.Open(eFileName(folder.Name("a.sdl"))));
+    writer << 1 << endl;
+    EXPECT_EQ(folder.Read("a.sdl"), "the old document, which is longer");
+    writer.Close();
     EXPECT_EQ(folder.Read("a.sdl"), "1\r\n");
+    ASSERT_TRUE(writer.Open(eFileNameW(folder.NameW(L"a.sdl"))));
+    writer.SetSaveEnd(IO::eSaveEnd::InMemory);
+    writer << 2 << endl;
+    EXPECT_EQ(folder.Read("a.sdl"), "1\r\n");
+    writer.Close();
+    EXPECT_EQ(folder.Read("a.sdl"), "2\r\n");
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(folder.Path()), {}));
+}
+
+TEST(Writer, CreatesAMissingFileWhenItOpens) {
+    const eTempFolder folder;
+    eSDLWriter writer(eFileName(folder.Name("a.sdl")));
+    ASSERT_TRUE(writer.Opened());
+    writer << 1;
+    EXPECT_EQ(folder.Read("a.sdl"), "");
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(folder.Path()), {}));
+}
+
+TEST(Writer, AFolderOrAFileInAMissingFolderDoesNotOpen) {
+    const eTempFolder folder;
+    const eReports reports;
+    EXPECT_FALSE(eSDLWriter(eFileName(folder.Name())).Opened());
+    EXPECT_FALSE(eSDLWriter(eFileName(folder.Name("missing/a.sdl"))).Opened());
+    EXPECT_FALSE(eSDLWriter(eFileNameW(folder.NameW(L"missing/a.sdl"))).Opened());
+    EXPECT_TRUE(reports.errors().empty() && reports.warnings().empty());
+}
+
+TEST(Writer, ACipherThatFailsLeavesTheFileAsItWas) {
+    const eTempFolder folder;
+    folder.Write("a.sdl", "old");
+    const auto cipher = std::make_shared<eTurningCipher>();
+    cipher->failing = true;
+    eSDLWriter writer(eFileName(folder.Name("a.sdl")), cipher);
+    writer << 1;
+    EXPECT_ANY_THROW(writer.Close());
+    EXPECT_EQ(folder.Read("a.sdl"), "old");
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(folder.Path()), {}));
+}
+
+TEST(Writer, WarnsOnceOfAFileThatCouldNotBeSaved) {
+    const eTempFolder folder;
+    std::filesystem::create_directory(folder.Path() / "gone");
+    const eReports reports;
+    {
+        eSDLWriter writer(eFileName(folder.Name("gone/a.sdl")));
+        ASSERT_TRUE(writer.Opened());
+        writer << 1;
+        std::filesystem::remove_all(folder.Path() / "gone");
+    }
+    EXPECT_TRUE(reports.errors().empty());
+    ASSERT_EQ(1u, reports.warnings().size());
+    const std::string message = reports.warnings()[0].message;
+    EXPECT_TRUE(message.starts_with('"' + folder.Name("gone/a.sdl") + "\" cannot be saved: ")) << message;
 }
 
 TEST(Writer, KeepsItsCiphersFailureToItselfWhileAnotherExceptionIsUnderWay) {

@@ -85,8 +85,9 @@ public:
     eSDLWriter();
     explicit eSDLWriter(std::shared_ptr<eSDLCipher> cipher);
 
-    // A writer to the file, which is created or emptied. A file that cannot be opened is not reported: `Opened` is then
-    // false, and the text is dropped when the writer closes.
+    // A writer to a file. A missing file is created empty; an existing one keeps its content until `Close` replaces it
+    // in one step, as IO::eSaveFile does. A file that cannot be opened is not reported: `Opened` is then false, and
+    // what is written is dropped when the writer closes.
     explicit eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
     explicit eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> cipher = nullptr);
 
@@ -98,7 +99,7 @@ public:
     eSDLWriter& operator=(const eSDLWriter& other);
 
     // Closes the document if no copy is left, and may throw what that reports. While another exception unwinds the
-    // stack, it reports nothing.
+    // stack, it reports nothing, and a file that was opened by name keeps its content.
     virtual ~eSDLWriter() noexcept(false);
 
     // Closes an open document first, which writes it. The cipher and the keyword tables stay.
@@ -110,8 +111,12 @@ public:
     // True while the writer has a target.
     bool Opened() const { return document->target != nullptr; }
 
-    // Writes the text to the target, and deletes a target that was opened by name. May be called again.
+    // Writes the text to the target. A file that cannot be saved is reported as a warning with the system's reason; it
+    // then has its old content. May be called again.
     void Close();
+
+    // What is certain when `Close` has saved a file that was opened by name; OnDisk unless told otherwise.
+    void SetSaveEnd(IO::eSaveEnd end) { saveEnd = end; }
 
     eWriteStream& Stream() { return *document->text; }
 
@@ -154,27 +159,26 @@ protected:
     void Init();
 
 private:
-    struct eTargetRelease {
-        eTargetRelease() : owns(false) {}
-        explicit eTargetRelease(bool ownsTarget) : owns(ownsTarget) {}
-        void operator()(IO::eStream* stream) const;
-
-        bool owns;
-    };
-    using eTarget = std::unique_ptr<IO::eStream, eTargetRelease>;
+    class eTarget;
+    class eStreamTarget;
+    template <class eName>
+    class eFileTarget;
 
     // The part that copies share. `text` is never null: a closed document has one that refuses every item.
     struct eDocument {
         eDocument();
+        eDocument(eDocument&&) noexcept;
+        eDocument& operator=(eDocument&&) noexcept;
+        ~eDocument();
 
-        eTarget target;
+        std::unique_ptr<eTarget> target;
         std::unique_ptr<eWriteStream> text;
     };
 
     template <class eName>
-    static eTarget OpenTarget(const eName& path);
+    static std::unique_ptr<eTarget> OpenFile(const eName& path);
 
-    void Start(eTarget target);
+    void Start(std::unique_ptr<eTarget> target);
     void Release();
     void CloseQuietly();
     const char* KeywordName(int id) const;
@@ -182,6 +186,7 @@ private:
     std::shared_ptr<eDocument> document;
     std::vector<eSDLKeyword*> keywords;
     std::shared_ptr<eSDLCipher> cipher;
+    IO::eSaveEnd saveEnd;
     xSDL::eUnwinding unwinding;
 };
 

@@ -12,8 +12,9 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
-#include <qzl_io/streams/stream_file.h>
+#include <qzl_io/streams/save_file.h>
 
+#include "platform/saved_file.h"
 #include "sdl/copy.h"
 
 namespace {
@@ -23,6 +24,7 @@ constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_writer";
 constexpr int kNotOpenLine = 40;
 constexpr int kUnknownKeywordLine = 60;
 constexpr int kInvalidFloatLine = 80;
+constexpr int kNotSavedLine = 100;
 } // namespace WriterReport
 
 constexpr unsigned kTabsAtOnce = 8;
@@ -280,45 +282,90 @@ void eSDLTextStream::Empty() {
 
 // --- eSDLWriter: opening and closing ---
 
-void eSDLWriter::eTargetRelease::operator()(IO::eStream* stream) const {
-    if (owns)
-        delete stream;
-}
+// Where the text goes when the document is closed.
+class eSDLWriter::eTarget {
+public:
+    virtual ~eTarget() = default;
+    virtual void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher, IO::eSaveEnd end) = 0;
+    // Takes the text while another exception unwinds the stack.
+    virtual void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher) noexcept = 0;
+};
+
+class eSDLWriter::eStreamTarget : public eTarget {
+public:
+    explicit eStreamTarget(IO::eStream* target) : stream(target) {}
+
+    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher, IO::eSaveEnd) override {
+        text.Flush(stream, cipher);
+    }
+
+    void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher) noexcept override {
+        const bool reports = stream->Enabled(IO::StreamMode::Errors);
+        stream->Disable(IO::StreamMode::Errors);
+        try {
+            text.Flush(stream, cipher);
+        } catch (...) {
+            // The exception in progress is the one that matters.
+        }
+        if (reports)
+            stream->Enable(IO::StreamMode::Errors);
+    }
+
+private:
+    IO::eStream* stream;
+};
+
+template <class eName>
+class eSDLWriter::eFileTarget : public eTarget {
+public:
+    explicit eFileTarget(const eName& path) : name(path) {}
+
+    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher, IO::eSaveEnd end) override {
+        IO::eSaveFile file(name, end);
+        if (file.IsOpen())
+            text.Flush(&file, cipher);
+        if (!file.Commit())
+            xError::Warning(WriterReport::kSource, WriterReport::kNotSavedLine, file.Failure(), 0);
+    }
+
+    // A document that may not be complete is not saved.
+    void TakeQuietly(eWriteStream&, const std::shared_ptr<eSDLCipher>&) noexcept override {}
+
+private:
+    eName name;
+};
 
 eSDLWriter::eDocument::eDocument() : text(std::make_unique<eRefusingText>()) {}
+eSDLWriter::eDocument::eDocument(eDocument&&) noexcept = default;
+eSDLWriter::eDocument& eSDLWriter::eDocument::operator=(eDocument&&) noexcept = default;
+eSDLWriter::eDocument::~eDocument() = default;
 
-// Opens without the Errors bit, so that a failure is not reported, and sets the bit afterwards.
 template <class eName>
-eSDLWriter::eTarget eSDLWriter::OpenTarget(const eName& path) {
-    eTarget target(IO::GetStream(path, IO::StreamMode::Write | IO::StreamMode::Create), eTargetRelease{true});
-    if (target && !target->IsOpen())
-        target.reset();
-    if (target)
-        target->Enable(IO::StreamMode::Errors);
-    return target;
+std::unique_ptr<eSDLWriter::eTarget> eSDLWriter::OpenFile(const eName& path) {
+    return IO::Platform::PrepareSave(path.c_str()) ? std::make_unique<eFileTarget<eName>>(path) : nullptr;
 }
 
 eSDLWriter::eSDLWriter() : eSDLWriter(std::shared_ptr<eSDLCipher>()) {}
 
 eSDLWriter::eSDLWriter(std::shared_ptr<eSDLCipher> transform)
-    : document(std::make_shared<eDocument>()), cipher(std::move(transform)) {}
+    : document(std::make_shared<eDocument>()), cipher(std::move(transform)), saveEnd(IO::eSaveEnd::OnDisk) {}
 
 eSDLWriter::eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> transform)
     : eSDLWriter(std::move(transform)) {
-    Start(OpenTarget(path));
+    Start(OpenFile(path));
 }
 
 eSDLWriter::eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> transform)
     : eSDLWriter(std::move(transform)) {
-    Start(OpenTarget(path));
+    Start(OpenFile(path));
 }
 
 eSDLWriter::eSDLWriter(IO::eStream* stream, std::shared_ptr<eSDLCipher> transform) : eSDLWriter(std::move(transform)) {
-    Start(eTarget(stream));
+    Start(stream ? std::make_unique<eStreamTarget>(stream) : nullptr);
 }
 
 eSDLWriter::eSDLWriter(const eSDLWriter& other)
-    : document(other.document), keywords(other.keywords), cipher(other.cipher) {}
+    : document(other.document), keywords(other.keywords), cipher(other.cipher), saveEnd(other.saveEnd) {}
 
 eSDLWriter& eSDLWriter::operator=(const eSDLWriter& other) {
     if (this == &other)
@@ -327,6 +374,7 @@ eSDLWriter& eSDLWriter::operator=(const eSDLWriter& other) {
     document = other.document;
     keywords = other.keywords;
     cipher = other.cipher;
+    saveEnd = other.saveEnd;
     return *this;
 }
 
@@ -348,7 +396,7 @@ void eSDLWriter::Init() {
 }
 
 // Copies of a closed document do not follow this writer to its new one.
-void eSDLWriter::Start(eTarget target) {
+void eSDLWriter::Start(std::unique_ptr<eTarget> target) {
     auto started = std::make_shared<eDocument>();
     started->target = std::move(target);
     started->text = std::make_unique<eSDLTextStream>();
@@ -357,18 +405,18 @@ void eSDLWriter::Start(eTarget target) {
 
 void eSDLWriter::Open(IO::eStream* stream) {
     Close();
-    Start(eTarget(stream));
+    Start(stream ? std::make_unique<eStreamTarget>(stream) : nullptr);
 }
 
 bool eSDLWriter::Open(const eFileName& path) {
     Close();
-    Start(OpenTarget(path));
+    Start(OpenFile(path));
     return Opened();
 }
 
 bool eSDLWriter::Open(const eFileNameW& path) {
     Close();
-    Start(OpenTarget(path));
+    Start(OpenFile(path));
     return Opened();
 }
 
@@ -376,22 +424,13 @@ bool eSDLWriter::Open(const eFileNameW& path) {
 void eSDLWriter::Close() {
     const eDocument closing = std::exchange(*document, eDocument());
     if (closing.target)
-        closing.text->Flush(closing.target.get(), cipher);
+        closing.target->Take(*closing.text, cipher, saveEnd);
 }
 
 void eSDLWriter::CloseQuietly() {
-    IO::eStream* const target = document->target.get();
-    const bool borrowed = target && !document->target.get_deleter().owns;
-    const bool reports = target && target->Enabled(IO::StreamMode::Errors);
-    if (target)
-        target->Disable(IO::StreamMode::Errors);
-    try {
-        Close();
-    } catch (...) {
-        // The exception in progress is the one that matters.
-    }
-    if (borrowed && reports)
-        target->Enable(IO::StreamMode::Errors);
+    const eDocument closing = std::exchange(*document, eDocument());
+    if (closing.target)
+        closing.target->TakeQuietly(*closing.text, cipher);
 }
 
 // --- eSDLWriter: items ---

@@ -1,0 +1,77 @@
+// What a writer makes of files that are no plain files, or that cannot be saved.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <qzl_io/sdl.h>
+
+#include "support/platform/posix/as_nobody.h"
+#include "support/reports.h"
+#include "support/temp_folder.h"
+
+TEST(WriterFile, AFullDiskIsOneWarningWithFileAndReason) {
+    const eReports reports;
+    {
+        eSDLWriter writer(eFileName("/dev/full"));
+        ASSERT_TRUE(writer.Opened());
+        for (int count = 0; count < 100'000; ++count)
+            writer << "a string that is lost" << endl;
+    }
+    ASSERT_EQ(1u, reports.warnings().size());
+    EXPECT_EQ("\"/dev/full\" was not saved: No space left on device.", reports.warnings()[0].message);
+    EXPECT_EQ("internal/src/bios/qzl_io/sdl_writer", reports.warnings()[0].file);
+    EXPECT_TRUE(reports.errors().empty());
+}
+
+TEST(WriterFile, APipeIsWrittenTo) {
+    const eTempFolder folder;
+    ASSERT_EQ(0, ::mkfifo(folder.Name("pipe").c_str(), 0666));
+    const int reader = ::open(folder.Name("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    {
+        eSDLWriter writer(eFileName(folder.Name("pipe")));
+        ASSERT_TRUE(writer.Opened());
+        writer << "text";
+    }
+    char text[16] = {};
+    EXPECT_EQ(6, ::read(reader, text, sizeof(text)));
+    EXPECT_STREQ("\"text\"", text);
+    ::close(reader);
+}
+
+TEST(WriterFile, AFileWithTwoNamesAndOneByALinkKeepThem) {
+    const eTempFolder folder;
+    folder.Write("file", "the old document, which is longer");
+    std::filesystem::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    std::filesystem::create_symlink("file", folder.Path() / "link");
+    {
+        eSDLWriter writer(eFileName(folder.Name("link")));
+        writer << "text";
+    }
+    EXPECT_EQ("\"text\"", folder.Read("file"));
+    EXPECT_EQ("\"text\"", folder.Read("other"));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.Path() / "link"));
+}
+
+TEST(WriterFile, AReadOnlyFileAndAFolderWithoutPermissionDoNotOpen) {
+    const eTempFolder folder;
+    folder.Write("readOnly", "old");
+    folder.Write("closed/file", "old");
+    ::chmod(folder.Name("readOnly").c_str(), 0444);
+    ::chmod(folder.Name("closed/file").c_str(), 0666);
+    ::chmod(folder.Name("closed").c_str(), 0555);
+    ::chmod(folder.Path().c_str(), 0777);
+    EXPECT_EQ(kHeldInChild, AsNobody([&folder] {
+                  for (const char* name : {"readOnly", "closed/file", "closed/new"})
+                      if (eSDLWriter(eFileName(folder.Name(name))).Opened())
+                          return 1;
+                  return kHeldInChild;
+              }));
+    EXPECT_EQ("old", folder.Read("readOnly"));
+    EXPECT_EQ("old", folder.Read("closed/file"));
+    ::chmod(folder.Name("closed").c_str(), 0755);
+}
