@@ -335,3 +335,20 @@ TEST(FormatPage, TellsWhatBecomesOfJson) {
 }
 
 } // namespace
+
+TEST(JsonToSdl, InputAndOutputMayBeOneFileByWhateverNames) {
+    const std::string json = R"({"a": [1, 2.5, "text"]})";
+    const std::string sdl = "{a\r\n\t1\r\n\t2.5\r\n\t\"text\"\r\n}\r\n";
+    const eTempFolder folder;
+    folder.Write("file", json);
+    EXPECT_TRUE(JsonToSdl(eFileName(folder.Name("file")), eFileName(folder.Name("file"))));
+    EXPECT_EQ(folder.Read("file"), sdl);
+    folder.Write("file", json);
+    EXPECT_TRUE(JsonToSdl(eFileName(folder.Name("file")), eFileName(folder.Name("./file"))));
+    EXPECT_EQ(folder.Read("file"), sdl);
+    folder.Write("file", json);
+    std::filesystem::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    EXPECT_TRUE(JsonToSdl(eFileName(folder.Name("file")), eFileName(folder.Name("other"))));
+    EXPECT_EQ(folder.Read("file"), sdl);
+    EXPECT_EQ(folder.Read("other"), sdl);
+}

@@ -18,9 +18,9 @@
 //
 // The context of a warning about a value names the input and the place of the value, as in /items/3/name.
 //
-// Returns true if the whole text has been written to `output`. Otherwise makes one warning, whose message is that of
-// the failure and whose context names the file, and returns false. The output is opened when the whole text is ready,
-// so a previous `output` is unchanged unless the failure is in writing, such as a full disk.
+// Returns true if the whole text is in `output`, which it replaces in one step (IO::eSaveFile tells how). Otherwise
+// makes one warning, whose message is that of the failure and whose context names the file, and returns false; `output`
+// is then unchanged. Input and output may be the same file.
 //
 // Conversions may run in several threads at once; they parse one at a time.
 QZL_IO_API bool JsonToSdl(const eFileName& input, const eFileName& output);

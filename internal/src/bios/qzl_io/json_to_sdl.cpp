@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <qzl_base/error.h>
@@ -84,8 +85,8 @@ public:
     const eFileName& Name() const { return name; }
 
     // Ends the work on the file with the message. The context of the report says what could not be done and why.
-    [[noreturn]] void Fail(const char* message, const char* notDone) {
-        failure = FailureText(notDone);
+    [[noreturn]] void Fail(const char* message, std::string whatAndWhy) {
+        failure = std::move(whatAndWhy);
         throw std::runtime_error((format(message) % name).str());
     }
 
@@ -99,30 +100,28 @@ private:
 
 // --- Files ---
 
-std::unique_ptr<IO::eStream> OpenFile(eFileAtWork* file, int mode) {
-    IO::Platform::TakeFailureReason(); // of an earlier call
-    std::unique_ptr<IO::eStream> stream(IO::GetStream(file->Name(), mode));
-    if (!stream || !stream->IsOpen())
-        file->Fail("%1% - open error!", "The file could not be opened");
-    return stream;
-}
+constexpr char kOpenError[] = "%1% - open error!";
 
 std::string ReadFile(eFileAtWork* file) {
-    const std::unique_ptr<IO::eStream> stream = OpenFile(file, IO::StreamMode::Read);
-    std::string text(stream->Size() - stream->Position(), '\0');
-    stream->Read(text.data(), text.size());
-    if (stream->Enabled(IO::StreamMode::Bad))
-        file->Fail("%1% - read error!", "The file could not be read to its end");
+    IO::Platform::TakeFailureReason(); // of an earlier call
+    IO::eFileStream stream(file->Name(), IO::StreamMode::Read);
+    if (!stream.IsOpen())
+        file->Fail(kOpenError, FailureText("The file could not be opened"));
+    std::string text(stream.Size() - stream.Position(), '\0');
+    stream.Read(text.data(), text.size());
+    if (stream.Enabled(IO::StreamMode::Bad))
+        file->Fail("%1% - read error!", FailureText("The file could not be read to its end"));
     return text;
 }
 
 void WriteFile(eFileAtWork* file, const eTextPieces& beginning, eSDLWriter::eWriteStream* rest) {
-    const std::unique_ptr<IO::eStream> stream = OpenFile(file, IO::StreamMode::Write | IO::StreamMode::Create);
-    beginning.WriteTo(stream.get());
-    rest->Flush(stream.get(), nullptr);
-    stream->Flush();
-    if (stream->Enabled(IO::StreamMode::Bad))
-        file->Fail("%1% - write error!", "The file could not be written to its end");
+    IO::eSaveFile stream(file->Name());
+    if (!stream.IsOpen())
+        file->Fail(kOpenError, stream.Failure());
+    beginning.WriteTo(&stream);
+    rest->Flush(&stream, nullptr);
+    if (!stream.Commit())
+        file->Fail("%1% - write error!", stream.Failure());
 }
 
 // --- The text ---
