@@ -354,6 +354,31 @@ TEST_F(SaveFault, AFileWithTwoNamesIsWholeOrItsDocumentIsKept) {
         }
 }
 
+// A power failure loses what has not been flushed since, in any order: so the order of the calls is what matters.
+TEST_F(SaveFault, TheDocumentIsOnTheDiskBeforeItReplacesTheTargetAndTheFolderIsAfterwards) {
+    const auto calls = [this](const std::string& target, IO::eSaveEnd end) {
+        const eFault watch("", 0, 0);
+        {
+            IO::eSaveFile file(Name(target), end);
+            file << std::string(100'000, 'n');
+            EXPECT_TRUE(file.Commit());
+        }
+        std::string changes;
+        for (const std::string& call : watch.Trace())
+            if (call == "pwrite" || call == "write" || call == "copy_file_range" || call == "ftruncate" ||
+                call == "fsync" || call.starts_with("rename") || call == "unlinkat")
+                changes += (changes.ends_with(call) ? "" : " " + call);
+        return changes;
+    };
+    folder.Write("file", "old");
+    EXPECT_EQ(" pwrite fsync renameat fsync", calls("file", IO::eSaveEnd::OnDisk));
+    EXPECT_EQ(" pwrite fsync renameat fsync", calls("missing", IO::eSaveEnd::OnDisk));
+    EXPECT_EQ(" pwrite renameat", calls("file", IO::eSaveEnd::InMemory));
+    fs::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    EXPECT_EQ(" pwrite fsync renameat2 fsync copy_file_range ftruncate fsync unlinkat",
+              calls("file", IO::eSaveEnd::OnDisk));
+}
+
 // The system lets no file grow past the limit.
 TEST_F(SavedFile, AFullDiskAtEveryByteLeavesTheOldDocument) {
     const std::string document(40'000, 'n');

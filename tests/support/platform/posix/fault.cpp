@@ -43,6 +43,7 @@ bool eFault::Counts(const char* function) {
     if (!watched.empty() && watched != function)
         return false;
     ++calls;
+    trace.emplace_back(function);
     return calls >= firstCall && calls <= lastCall;
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <vector>
 
 // Failures of the system on demand. The test program defines the system functions that the libraries call, and these
 // definitions take precedence over the system's. They pass on every call except those that an eFault of the calling
@@ -29,6 +30,9 @@ public:
     int Calls() const { return calls; }
     bool Struck() const { return struck; }
 
+    // The names of the calls counted, in order.
+    const std::vector<std::string>& Trace() const { return trace; }
+
     // False if something else (a sanitizer, a static C library) takes the libraries' calls before the test program
     // does; a test then says that it is skipped.
     static bool ReachesLibraries();
@@ -47,6 +51,7 @@ private:
     eFault* const previous;
     int calls = 0;
     bool struck = false;
+    std::vector<std::string> trace;
 };
 
 // Makes each call of `function` in the action fail once, one after another, and returns the number of failures.

@@ -32,8 +32,7 @@ bool Sync(int file) {
 bool SyncFolder(const eRealPlace& place, int file) {
     const eDescriptor folder(
         Uninterrupted([&] { return ::openat(place.folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-    return folder.IsOpen() ? Sync(folder.Get()) || errno == EINVAL
-                           : Uninterrupted([=] { return ::syncfs(file); }) == 0;
+    return folder.IsOpen() ? Sync(folder.Get()) || errno == EINVAL : Uninterrupted([=] { return ::syncfs(file); }) == 0;
 }
 
 bool Ask(int file, struct stat* facts) {
@@ -78,7 +77,7 @@ public:
             return Refused(errno);
         if (inOneStep && beside.TakePlace())
             return !toDisk || SyncFolder(place, beside.Get()) || Refused(errno);
-        if (inOneStep && !MayBeWrittenOnly(errno))
+        if (inOneStep && (!existing.IsOpen() || !MayBeWrittenOnly(errno)))
             return KeepRefused(errno);
         return WriteInPlace(toDisk);
     }
@@ -99,7 +98,8 @@ private:
     // While the target is neither the old document nor the new one, the document has a name that no save removes.
     bool WriteInPlace(bool toDisk) {
         const std::string lasting = beside.Keep();
-        if (existing.IsOpen() && CopyInto(existing.Get()) && (!toDisk || Sync(existing.Get())) && existing.Close()) {
+        const bool isKept = !toDisk || SyncFolder(place, beside.Get());
+        if (isKept && CopyInto(existing.Get()) && (!toDisk || Sync(existing.Get())) && existing.Close()) {
             beside.Discard();
             return true;
         }
@@ -131,7 +131,8 @@ private:
     std::string kept;
 };
 
-std::unique_ptr<eSavedFile> BeginBeside(const char* target, eDescriptor existing, const struct stat& facts, int* handle) {
+std::unique_ptr<eSavedFile> BeginBeside(const char* target, eDescriptor existing, const struct stat& facts,
+                                        int* handle) {
     auto place = RealPlace({AT_FDCWD, target}, eLastLinks::Follow);
     if (!place || (existing.IsOpen() && !StandsAt({place->folder.Get(), place->name.c_str()}, facts))) {
         Refused(place ? ESTALE : errno);
@@ -183,8 +184,8 @@ bool PrepareSave(const Char* target) {
     const bool told = Ask(handle, &facts);
     CloseFile(handle);
     const auto place = told ? RealPlace({AT_FDCWD, name.c_str()}, eLastLinks::Follow) : std::nullopt;
-    const bool takesFiles = place && (!S_ISREG(facts.st_mode) ||
-        ::faccessat(place->folder.Get(), ".", W_OK | X_OK, AT_EACCESS) == 0);
+    const bool takesFiles =
+        place && (!S_ISREG(facts.st_mode) || ::faccessat(place->folder.Get(), ".", W_OK | X_OK, AT_EACCESS) == 0);
     return takesFiles || Refused(errno);
 }
 
