@@ -7,6 +7,7 @@
 #include <iomanip>
 #include <iostream>
 #include <map>
+#include <random>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -42,10 +43,20 @@ private:
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 
+// A new folder that only its owner may use, with a name that nobody can guess: the temporary folder is everybody's.
+std::filesystem::path NewFolder() {
+    std::random_device random;
+    for (;;) {
+        const auto folder = std::filesystem::temp_directory_path() / ("qzl_demo_" + std::to_string(random()));
+        if (std::filesystem::create_directory(folder)) {
+            std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+            return folder;
+        }
+    }
+}
+
 std::string DefaultOutput(const std::string& json) {
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "qzl_demo";
-    std::filesystem::create_directories(folder);
-    return (folder / std::filesystem::path(json).stem()).generic_string() + ".sdl";
+    return (NewFolder() / std::filesystem::path(json).stem()).generic_string() + ".sdl";
 }
 
 std::string Speed(unsigned long long bytes, double seconds) {
@@ -168,7 +179,7 @@ int main(int argc, char** argv) {
     CLI::App app("Converts a JSON document to SDL, reads it back and shows what is in it.\n"
                  "Without a document it uses the project's sample scene.");
     app.add_option("IN.json", arguments.json, "the JSON document");
-    app.add_option("OUT.sdl", arguments.sdl, "the SDL file; by default a file in the temporary folder");
+    app.add_option("OUT.sdl", arguments.sdl, "the SDL file; by default a file in a new folder in the temporary one");
     app.add_flag("--system", arguments.system, "show what the system services know about this machine instead");
     try {
         app.parse(argc, argv);
