@@ -15,6 +15,8 @@
 
 namespace IO {
 
+class eStreamSteps; // the slow paths of stream classes, in the library
+
 inline unsigned long long eStream::Address(const unsigned char* place) noexcept {
     return reinterpret_cast<std::uintptr_t>(place);
 }

@@ -10,6 +10,8 @@
 
 // Buffered byte streams and the values on them.
 //
+//     #include <qzl_io/streams/stream_memory.h>
+//
 //     IO::eMemoryStream stream;
 //     stream << 42 << 0.5f << "a text";
 //     stream.Reset();
@@ -19,84 +21,61 @@
 
 namespace IO {
 
-// Bits of a stream's flag word, which is also the open mode of file streams.
+// Bits of a stream's flag word, which is also the open mode of file streams. Memory and buffer streams start with Write
+// and Errors, a file stream with the mode that Open gets. Read and Write are not permissions: the bytes in the buffer
+// can be read and written with any flags. But a file stream without Write does not store what is written.
 namespace StreamMode {
-inline constexpr unsigned short Read = 0x0001;     // refills its buffer from its source
-inline constexpr unsigned short Write = 0x0002;    // flushes before every move of the position
+inline constexpr unsigned short Read = 0x0001;     // Overflow refills the buffer from the stream's storage
+inline constexpr unsigned short Write = 0x0002;    // moves of the position flush, even if Modified is not set
 inline constexpr unsigned short Create = 0x0004;   // file streams, with Write: create the file or cut it to length 0
 inline constexpr unsigned short Errors = 0x0200;   // errors are reported; without it they only set Bad
 inline constexpr unsigned short Failed = 0x2000;   // could not be opened
 inline constexpr unsigned short Modified = 0x4000; // the buffer holds bytes that have not been flushed
-inline constexpr unsigned short Bad = 0x8000;      // an operation went beyond the data; nothing in eStream clears it
+inline constexpr unsigned short Bad = 0x8000;      // there has been an error
 } // namespace StreamMode
 
+// Where Seek(n, dir) moves the position.
 enum class eSeekDir : int {
-    Begin = 0,   // from the start
-    Current = 1, // added to the position; two's complement for a backward move
-    End = 2      // back from the end of the data
+    Begin = 0,   // to n
+    Current = 1, // to Position() + n; pass 0 - n to go back by n
+    End = 2      // to Size() - n
 };
 
-// Parts of the implementation.
-struct eStreamInline;
-struct eStreamMeans;
-class eStreamOperation;
-class eStreamSteps;
-class eHookRun;
-
 // A sequence of bytes with a position, seen through a buffer. The class owns no storage: memory, buffer and file
-// streams bring theirs and override the five hooks Trunc, Flush, Overflow, Underflow and Skip.
+// streams bring theirs and override the hooks.
 //
-// Values are stored little-endian and without padding; nothing marks their type. No operation ever touches memory
-// outside the buffer. A stream is used by one thread at a time.
+// Values are stored little-endian and without padding; nothing marks their type (docs/binary-format.md). No operation
+// touches memory outside the buffer. A stream and its copies, which may share its bytes, are used by one thread at a
+// time.
 //
-// An error sets Bad and, if Errors is set, is reported by xError::Error with a fixed message; errors that are reported
-// whether or not Errors is set are marked as such. The application's handler may return or throw. The stream is the
-// same after either, since an operation makes its reports at its end, when the bytes are stored, the position is moved
-// and the target of >> is assigned. If a report throws, the result of a Get function is lost, and the position is after
-// its bytes. Exceptions from Overflow and Underflow of a derived class are held back in the same way. (A list is
-// written text by text; a hook that is called from outside an operation reports at once.)
+// An error sets Bad and, if Errors is set, is reported by xError::Error with a fixed message. xError::SetErrorHandler
+// (<qzl_base/error.h>) installs what receives reports; it may return, or throw, as it does by default. Bad stays set
+// through Reset and Clear until the application calls Disable(Bad) or the flags are replaced, as by Open or assignment.
+// It makes Eos() true, so that GetLine and >> of a list end at once; all else works as if it were clear.
+//
+// An operation, which is one call of a function of eStream, makes its reports at its end, when the bytes are stored,
+// the position is moved and the target of >> is assigned. So the stream is the same whether a report returns or throws;
+// but the result of a Get function is then lost, and so are reports that would have followed. An exception from
+// Overflow or Underflow is held back until after the reports; meanwhile the operation calls no more hooks and makes do
+// with the buffer as it is. One from Trunc, Skip, or Flush before a move ends the operation at once. CopyTo, << of a
+// list and an application's own functions are several operations: if one throws, the next ones are not carried out.
+//
+// Without a buffer, or with the position before the start of the stream, reading and writing are errors ("Attempt to
+// read beyond the stream!", "Attempt to write beyond the stream!"): the position stays, and values are zero or empty.
 class QZL_IO_API eStream {
 public:
-    virtual ~eStream(); // releases nothing: the buffer belongs to the subclass
+    virtual ~eStream(); // neither flushes nor releases anything: the subclass does
 
-    // --- Hooks: operations call them, and so may anyone else. A subclass that overrides a hook usually also calls that
-    // of eStream, which does only what is stated here. ---
-
-    // Ends the data at the current position. Called by Clear. Before the start of the stream nothing changes, Bad is
-    // set and "Attempt to write beyond the stream!" is reported.
-    virtual void Trunc();
-    // Writes the bytes from the first byte of the buffer to the position to the stream's storage, which is left to
-    // subclasses, and clears Modified. Called if Modified is set before the buffer is refilled; and, if Write or
-    // Modified is set, before Seek, Reset, Clear and Skip move the position away from any place but the first byte of
-    // the buffer.
-    virtual void Flush();
-    // Called when a value does not fit into the buffer or ends exactly at its end, when Write finds no room, and when
-    // the position has moved to a place outside the buffer. Flushes if Modified; then refills (Underflow) with Read,
-    // and otherwise only makes the current position the first byte of the buffer (PlaceBuffer).
-    virtual void Overflow();
-    // Refills: makes the current position the first byte of the buffer and fills the buffer from the stream's storage,
-    // which is left to subclasses. Called by Overflow, and when Read or CopyTo has used up the buffer. A position
-    // beyond the data sets Bad and is reported as "Invalid read location!".
-    virtual void Underflow();
-    // Moves the position forward by n bytes (backward by the two's complement), and flushes first. Called by CopyTo. A
-    // position beyond the data sets Bad and is reported as "Invalid seek location!".
-    virtual eStream& Skip(unsigned long long n);
-
-protected:
-    // The state as text, "(off:%d, ptr:%d, end:%d, eos:%d, buff:%d)"; a subclass puts its name in front.
-    virtual std::string Dump() const;
-
-public:
     // --- State ---
 
     // The first byte of the buffer, which for streams in memory is the first byte of the stream. Null if there is no
-    // buffer.
+    // buffer. Valid until the next call of a function that is not const.
     unsigned char* Buffer() const noexcept;
-    unsigned long long Position() const noexcept; // in bytes from the start of the stream
+    unsigned long long Position() const noexcept; // in bytes from the start of the stream; may exceed Size()
     unsigned long long Size() const noexcept;     // of the data, in bytes
-    // True if no data remain, or the stream is Failed or Bad.
-    bool Eos() const noexcept;
-    // True if any flag is set and Failed is not.
+    bool Eos() const noexcept; // the position is at or beyond the end of the data, or the stream is Failed or Bad
+    // True if any flag is set and Failed is not, whether or not there is a buffer: so Enable makes it true for a stream
+    // that was never opened, and it stays true after a file stream's Close.
     bool IsOpen() const noexcept;
 
     void Enable(unsigned short bits) noexcept;         // sets all of the bits
@@ -104,43 +83,42 @@ public:
     bool Enabled(unsigned short bits) const noexcept;  // any of the bits is set
     bool Disabled(unsigned short bits) const noexcept; // none of the bits is set
 
-    // --- Bytes ---
+    // --- Bytes. Position() before and after a call tells how many were read, written or (in the target) copied. ---
 
-    // Reads n bytes. If fewer remain, the target gets these, the position moves to the end of the data, Bad is set and
-    // "Attempt to read beyond the stream!" is reported. n = 0 does nothing.
+    // Reads n bytes. If fewer remain (none beyond the data), only these are read, the rest of the target does not
+    // change, and it is an error ("Attempt to read beyond the stream!"). n = 0 does nothing.
     eStream& Read(void* target, unsigned long long n);
-    // Appends to the text the bytes that are already in the buffer, at most n, and moves the position past them.
-    // Returns their number, 0 if the buffer has yet to be filled; reports nothing.
+    // Appends to the text the data that are already in the buffer, at most n bytes, and moves the position past them.
+    // Returns their number; reports nothing. If it is 0, no data remain, or Read has to fill the buffer first.
     unsigned long long AppendTo(std::string* text, unsigned long long n);
-    // Writes n bytes, and extends the data if the position passes their end. Bytes without room are dropped, Bad is set
-    // and one report is made ("Attempt to write beyond the stream!"). n = 0 does nothing. The source may be a part of
-    // the stream's own buffer.
+    // Writes n bytes, and extends the data if the position passes their end. If the buffer is full and Overflow makes
+    // no room, the remaining bytes are dropped, the position stays after the last one that was stored, and it is one
+    // error ("Attempt to write beyond the stream!"). n = 0 does nothing. The source may be in the stream's own buffer.
     eStream& Write(const void* source, unsigned long long n);
-    // Writes n bytes like Write, from a block outside the stream that nobody will read again: its content is undefined
-    // afterwards. While a file takes the bytes, which the system caches in memory, the block's memory is returned to
-    // the system bit by bit. The block itself remains the caller's.
+    // Writes n bytes like Write, from a block on the heap whose content is undefined afterwards: a file stream returns
+    // the block's memory to the system, piece by piece, while it takes the bytes. The block remains the caller's, who
+    // may fill it again and frees it as usual.
     eStream& WriteReleasing(void* block, unsigned long long n);
 
-    // Moves the position, and flushes first if the stream writes. A position beyond the data sets Bad and is reported
-    // as "Invalid seek location!"; the end of the data is a legal position. Positions are compared as signed numbers:
-    // one that is more than 2^63 beyond the data is before the start, however it was reached. There nothing is touched:
-    // reading and writing set Bad and are reported as beyond the stream.
+    // Moves the position; Flush says when it flushes first. The end of the data is a legal position. A position beyond
+    // is an error ("Invalid seek location!"), but it is reached: if bytes are then written there, the data extend to
+    // them, and the bytes between are undefined. Positions are numbers of 64 bits that wrap around, and one more than
+    // 2^63 beyond the data is before the start, like that of Seek(11, End) with 10 bytes of data, 2^64 - 1. Moving
+    // there is no error in itself, but Overflow may report it; Eos() is false.
     eStream& Seek(unsigned long long position, eSeekDir dir);
-    // Moves the position to 0, like Seek.
-    eStream& Reset();
-    // Moves the position to 0, like Seek, and ends the data there.
-    eStream& Clear();
+    eStream& Reset(); // moves the position to 0, like Seek
+    eStream& Clear(); // moves the position to 0, like Seek, and ends the data there
 
-    // Copies n bytes (0: all that remain) from this stream's position to the target's, and moves both; fewer if the
-    // source ends earlier, which is not reported. Bytes without room are an error of the target, as in Write. Returns
-    // this stream.
+    // Copies n bytes (0: all that remain) from this stream's position to that of the target, which is another stream,
+    // and moves both. The end of the source is not an error (Bad is set if its Size() promised more than can be read).
+    // Missing room is an error of the target, as in Write; the source may then have moved past bytes that were dropped.
+    // If both share bytes or a file, bytes written may be the ones that are read next. Returns this stream.
     eStream& CopyTo(eStream& target, unsigned long long n);
-    // CopyTo from the source to this stream. Returns this stream.
-    eStream& CopyFrom(eStream& source, unsigned long long n);
+    eStream& CopyFrom(eStream& source, unsigned long long n); // source.CopyTo(*this, n); returns this stream
 
     // --- Writing values. The position moves past the value, and the data grow if it passes their end. If there is no
-    // room for a value, its last bytes are dropped and the position moves nevertheless; the stream's Overflow decides
-    // whether that is reported. ---
+    // room for a value, its last bytes are dropped, but counted by Position() and Size(); whether that is an error is
+    // up to Overflow (it is for a buffer stream). The characters of a text are written as by Write. ---
 
     eStream& operator<<(bool value); // one byte, 0 or 1
     eStream& operator<<(char value);
@@ -154,28 +132,32 @@ public:
     eStream& operator<<(float value);  // the bits of an IEEE-754 binary32
     eStream& operator<<(double value); // the bits of an IEEE-754 binary64
     template <eLongOf64Bits T>
-    eStream& operator<<(const T& value);
+    eStream& operator<<(const T& value); // long, where it has 64 bits; cast one of 32 bits, which does not compile
 
     // Does not compile: character and integer types that would be written as an int (signed char, wchar_t, ...),
-    // functions, and pointers that would be written as a bool.
+    // functions, and pointers that would be written as a bool. A plain enumeration is written as the integer that it
+    // promotes to.
     template <eNotAValue T>
     eStream& operator<<(T) = delete;
     eStream& operator<<(std::nullptr_t) = delete;
 
-    // Writes a text: its length as one byte, or from 255 up as the byte 255 and three bytes, then the characters up to
-    // the first NUL. A null pointer is the empty text.
+    // Writes a text up to its first NUL: the length as one byte, or from 255 up as the byte 255 and the low 24 bits of
+    // the length, lowest byte first; then the characters. A null pointer is the empty text. >> does not read back
+    // texts of more than 255 characters.
     eStream& operator<<(const char* text);
     eStream& operator<<(const std::string& text);
-    // The length counts UTF-16 units, each of two bytes; NUL units are written like others.
+    // The length counts UTF-16 units, each of two bytes; NUL units are written like others. Where wchar_t has 32 bits,
+    // characters beyond U+FFFF are two units (joined again by >>), and values beyond U+10FFFF become U+FFFD.
     eStream& operator<<(const std::wstring& text);
     // Writes the number of texts as 8 bytes, then each text.
     eStream& operator<<(const eStrings& texts);
 
-    // Writes the low n bytes of a value, lowest first, for n from 1 to 4; any other n writes nothing.
+    // Writes the low n bytes of a value, lowest first, for n from 1 to 4, otherwise nothing. (Bytes(n) peeks.)
     eStream& Bytes(int n, unsigned int value);
 
     // --- Reading values. The position moves past the value. Any byte but 0 is a true bool. Fixed-width values do not
     // test where the data end: past the end they are what the buffer contains, and zero for bytes outside the buffer.
+    // That is no error in itself, though a buffer stream makes one at its last byte; Position() then exceeds Size().
     // ---
 
     eStream& operator>>(bool& value);
@@ -192,13 +174,14 @@ public:
     template <eLongOf64Bits T>
     eStream& operator>>(T& value);
 
-    // Reads a text. Its length is the first byte or, if that is 255, the byte after it (of a long length only the low 8
-    // bits are read). If the data end before the text does, the missing characters are NUL, Bad is set and "Attempt to
-    // read beyond the stream!" is reported.
+    // Reads a text. Its length is the first byte (past the end of the data, too, what the buffer contains) or, if that
+    // is 255, the first of the three bytes after it; the other two are skipped, so of a longer text only a part is
+    // read. If the data end within the text, the missing characters are NUL, and it is an error ("Attempt to read
+    // beyond the stream!").
     eStream& operator>>(std::string& text);
     eStream& operator>>(std::wstring& text); // likewise, in UTF-16 units
-    // Appends the texts of a list. Reading ends with the first text that finds the stream Bad or no byte left, which
-    // sets Bad and is reported as a read beyond the stream.
+    // Appends the texts of a list, in one operation. Ends after a text that is not complete, which is appended like any
+    // other, and before a text if the stream is Bad or no byte remains, which is an error like that of a text.
     eStream& operator>>(eStrings& texts);
 
     bool GetBool();
@@ -215,11 +198,12 @@ public:
     unsigned int GetTbyte();      // three bytes, zero-extended
     unsigned int GetBytes(int n); // n bytes, zero-extended, for n from 1 to 4; otherwise 0, and nothing is read
     std::string GetString();      // like operator>>
-    // Returns the characters up to the delimiter, which is consumed but not returned, or to the end of the data; none
-    // if the stream is at its end. If a report throws, the line is between the positions before and after the call.
+    // Returns the characters up to the delimiter, which is consumed but not returned, or to the end of the data. Empty,
+    // too, if Eos() was true before. If a report throws, the line is between the positions before and after the call.
     std::string GetLine(char delimiter);
 
-    // --- Peeking at values: like the Get functions, but the position does not move. ---
+    // --- Peeking at values: like the Get functions, but the position does not move. The buffer may be refilled, and
+    // errors are possible, so these functions are not const. ---
 
     bool Bool();
     char Char();
@@ -235,57 +219,82 @@ public:
     unsigned int Tbyte();
     unsigned int Bytes(int n);
 
+    // --- Hooks: operations call them, and so may anyone else; they then report at once. A hook may call operations of
+    // its own stream; their reports are made by the operation that called the hook. A subclass that overrides a hook
+    // usually also calls that of eStream, which does only what is stated here. ---
+
+    // Makes the position the end of the data, even if it is beyond them. Called by Clear. Before the start of the
+    // stream nothing changes, and it is an error ("Attempt to write beyond the stream!").
+    virtual void Trunc();
+    // A subclass writes the bytes from the first byte of the buffer to the position to its storage, at offset, and then
+    // calls eStream::Flush, which clears Modified. Called if Modified is set before the buffer is refilled; and, if
+    // StreamMode::Write or Modified is set and the position is not at the first byte of the buffer, before Seek, Reset,
+    // Clear and eStream::Skip move it.
+    virtual void Flush();
+    // Makes room and data at the position. Called when a value does not fit into the buffer or ends exactly at its end,
+    // when Write finds no room, and when the position has moved out of the buffer. It does not learn how much is
+    // wanted: Write and written values call it again as long as that makes more room, reads and peeks once. Position()
+    // and Size() stay. eStream::Overflow flushes if Modified is set, which callers leave to it, and then calls
+    // Underflow with StreamMode::Read and PlaceBuffer without.
+    virtual void Overflow();
+    // Refills the buffer. eStream::Underflow calls PlaceBuffer and CheckReadLocation; a subclass calls it first and
+    // then reads its storage from offset on. Called by Overflow and, after a flush if Modified is set, when data remain
+    // but Read, >> of a text or CopyTo have used up the buffer; these end if no data are at the position even then.
+    virtual void Underflow();
+    // Moves the position like Seek(n, Current). CopyTo calls it to move the source.
+    virtual eStream& Skip(unsigned long long n);
+
 protected:
+    // The state as text, "(off:%d, ptr:%d, end:%d, eos:%d, buff:%d)", with ptr, end (of the buffer) and eos in bytes
+    // from the first byte of the buffer, and buff for bufferSize; a subclass puts its name in front.
+    virtual std::string Dump() const;
+
     eStream() noexcept = default; // not open: no buffer, flags 0
-    // The copy has the same state and uses the same bytes; the subclass decides who releases them.
+    // The copy has the same state, with a position of its own from now on, and uses the same bytes; the subclass
+    // decides who releases them. Assignment neither flushes nor releases the old buffer.
     eStream(const eStream& other) noexcept;
     eStream& operator=(const eStream& other) noexcept;
     // The other stream is left not open, without a buffer.
     eStream(eStream&& other) noexcept;
     eStream& operator=(eStream&& other) noexcept;
 
-    // --- For subclasses with values of their own ---
-    //
-    // Each function calls Overflow first if the request does not end before bufferEnd, and returns a pointer that is
-    // valid for n bytes until the next operation. If the buffer has no room for the request even then, the pointer
-    // leads to a separate block: for Look and Take it contains the bytes that exist, and zeros for the rest; what is
-    // written to the block of Place is dropped. If the stream has no buffer or its position is before the start, Bad is
-    // set, a read or write beyond the stream is reported, and the position does not move. If a report throws, Take has
-    // moved the position, but Place has not, since its caller could not store the bytes.
+    // --- For subclasses with values of their own. Each call is an operation: it calls Overflow first if the n bytes at
+    // the position, data or not, do not end before bufferEnd, and returns a pointer that is valid for n bytes until the
+    // next operation. If the buffer does not hold them all even then, the pointer leads to a separate block: for Look
+    // and Take it contains the bytes that the buffer holds, and zeros for the rest; all that is written to the block of
+    // Place is dropped. If a report throws, Take has moved the position, but Place has moved nothing and extended
+    // nothing, since its caller could not store the bytes. ---
 
-    // The n bytes at the position, which does not move.
-    unsigned char* Look(unsigned long long n);
-    // The n bytes at the position, which moves past them.
-    unsigned char* Take(unsigned long long n);
+    unsigned char* Look(unsigned long long n); // the n bytes at the position, which does not move
+    unsigned char* Take(unsigned long long n); // the n bytes at the position, which moves past them
     // Room for n bytes at the position, which moves past them; sets Modified and extends the data.
     unsigned char* Place(unsigned long long n);
 
     // --- For subclasses with storage: they make it the buffer and set the flags when they open, override the hooks,
-    // and release the storage in their destructor. ---
+    // and flush and release the storage in their destructor. ---
 
-    // Makes a block the buffer, with data of that length (which may reach beyond the block) and the position at its
-    // first byte. offset and flags do not change. A null block with a size stands for one that could not be allocated.
-    // The block remains the subclass's.
+    // Makes a block of `size` bytes the buffer (sets buffer, bufferEnd, bufferSize), with the position at its first
+    // byte and `length` bytes of data from there, which may be more than the size. offset and flags do not change. The
+    // block remains the subclass's, which releases it when it is no longer the buffer. A null block with a size stands
+    // for one that could not be allocated.
     void UseBuffer(unsigned char* block, unsigned long long size, unsigned long long length) noexcept;
-    // Makes the current position the first byte of the buffer; the bytes from there to bufferEnd move with it. A
-    // position before the start or beyond the data is reported ("Stream.PlaceBuffer: " and Dump()), whether or not
-    // Errors is set.
+    // Makes the position the first byte of the buffer; the bytes from there to bufferEnd are moved to the front. A
+    // position before the start or beyond the data is reported ("Stream.PlaceBuffer: " and Dump()) even without
+    // Errors, and does not set Bad.
     void PlaceBuffer();
-    // True if there is no buffer, or if the position or the whole buffer is before what the buffer can show.
+    // True if there is no buffer, the position is before its first byte, or that is before the start of the stream.
     bool Blocked() const noexcept;
-    // True if the position is before the start of the stream.
-    bool BeforeStart() const noexcept;
-    // bufferEnd - buffer or, while bufferEnd is null, its value before that.
-    unsigned long long Capacity() const noexcept;
-    // Sets bufferEnd to the capacity, or as the invariant below requires.
+    bool BeforeStart() const noexcept;            // the position is before the start of the stream
+    unsigned long long Capacity() const noexcept; // the length of the buffer, also while bufferEnd is null
+    // Sets the length of the buffer, and so bufferEnd as stated below.
     void SetCapacity(unsigned long long size) noexcept;
-    // Moves the position, even to a place outside the buffer, and keeps the invariant below.
+    // Moves the position, even to a place outside the buffer, and sets bufferEnd as stated below.
     void MoveTo(unsigned char* place) noexcept;
-    // Moves the end of the data to the position if it is before that.
-    void RaiseEnd() noexcept;
-    // Sets Bad and reports "Invalid read location!" if the position is beyond the data.
-    void CheckReadLocation();
-    // Sets Bad and, if Errors is set, reports; during an operation, at its end. Source and line identify the check.
+    void RaiseEnd() noexcept; // moves the end of the data to the position if the end is before it
+    void CheckReadLocation(); // a position beyond the data is an error ("Invalid read location!")
+    // Makes an error: sets Bad and, if Errors is set, reports; during an operation, at its end. Source and line
+    // identify the check; the source is a literal, the message is copied. An error that Overflow or Underflow makes, or
+    // shows by setting Bad where it was clear, replaces that of the operation.
     void Fail(const char* source, int line, const char* message);
 
     // A pointer n bytes further on, which may be outside every block of memory and is then only a number.
@@ -296,26 +305,27 @@ protected:
     // The buffer is a view of the stream's bytes from offset on. eos and ptr are in the buffer's coordinates and may be
     // outside it; they are then numbers, and are compared and moved as such (Distance, Shifted).
     //
-    // Invariant: ptr + n < bufferEnd, as numbers, means that n bytes at ptr are in the buffer and may be touched, for
-    // the length n of any value. So one comparison is enough for a value. It fails
-    //   - near or at the end of the buffer, and past it,
-    //   - while the stream is Blocked (no buffer, ptr before it, or the buffer before the start of the stream):
-    //     bufferEnd is then null between operations; Capacity() and Dump() still give the capacity.
-    // A hook that an operation calls finds bufferEnd one past the last byte of the buffer wherever ptr is, and may set
-    // all fields. Before it reads or writes values of its own stream, it makes sure that the stream is not Blocked.
+    // bufferEnd is one past the last byte of the buffer, or null while the stream is Blocked. So for every n up to 256,
+    // ptr + n < bufferEnd, as numbers, means that n bytes at ptr are in the buffer, which is all that a value tests.
+    //
+    // While a hook that an operation calls runs, bufferEnd is not null if there is a buffer. The hook may set all
+    // fields, and the operation then sets bufferEnd as above; before the hook reads or writes values, it makes sure
+    // that the stream is not Blocked. Elsewhere eos and flags may be set directly, and ptr if it is and remains in the
+    // buffer; for all else there are UseBuffer, SetCapacity and MoveTo.
     unsigned char* buffer = nullptr;
-    unsigned char* bufferEnd = nullptr; // one past the buffer's last byte
-    unsigned long long bufferSize = 0;  // capacity with which the buffer was created
-    unsigned long long offset = 0;      // position of the buffer's first byte
-    unsigned char* eos = nullptr;       // one past the last byte of data
-    unsigned char* ptr = nullptr;       // the current position
-    unsigned short flags = 0;           // bits of StreamMode
+    unsigned char* bufferEnd = nullptr;
+    unsigned long long bufferSize = 0; // as passed to UseBuffer; only subclasses and Dump use it
+    unsigned long long offset = 0;     // position of the buffer's first byte
+    unsigned char* eos = nullptr;      // one past the last byte of data
+    unsigned char* ptr = nullptr;      // the current position
+    unsigned short flags = 0;          // bits of StreamMode
 
+    // --- Implementation; nothing below is part of the interface. ---
 private:
-    friend eStreamInline;
-    friend eStreamSteps;
-    friend eStreamOperation;
-    friend eHookRun;
+    friend struct eStreamInline;
+    friend class eStreamSteps;
+    friend class eStreamOperation;
+    friend class eHookRun;
     friend class eFileStreamBase;
     friend class eMemoryStream;
 
@@ -331,11 +341,11 @@ private:
     void Refill();
     void Report(const char* source, int line, const std::string& message);
 
-    const eStreamMeans* means = nullptr;    // what the class can do besides its hooks
-    unsigned long long lastCapacity = 0;    // the capacity while bufferEnd is null
-    bool hookRuns = false;                  // bufferEnd is then not null
-    eStreamOperation* underWay = nullptr;   // the innermost operation that has begun and not ended
-    std::unique_ptr<unsigned char[]> apart; // the block that replaces bytes outside the buffer
+    const struct eStreamMeans* means = nullptr; // what the class can do besides its hooks
+    unsigned long long lastCapacity = 0;        // the capacity while bufferEnd is null
+    bool hookRuns = false;                      // bufferEnd is then not null
+    class eStreamOperation* underWay = nullptr; // the innermost operation that has begun and not ended
+    std::unique_ptr<unsigned char[]> apart;     // the block that replaces bytes outside the buffer
 };
 
 } // namespace IO
