@@ -27,7 +27,7 @@ namespace IO {
 namespace StreamMode {
 inline constexpr unsigned short Read = 0x0001;     // Overflow refills the buffer from the stream's storage
 inline constexpr unsigned short Write = 0x0002;    // moves of the position flush, even if Modified is not set
-inline constexpr unsigned short Create = 0x0004;   // file streams, with Write: create the file or cut it to length 0
+inline constexpr unsigned short Create = 0x0004;   // file streams, with Write: the file is cut to length 0
 inline constexpr unsigned short Errors = 0x0200;   // errors are reported; without it they only set Bad
 inline constexpr unsigned short Failed = 0x2000;   // could not be opened
 inline constexpr unsigned short Modified = 0x4000; // the buffer holds bytes that have not been flushed
