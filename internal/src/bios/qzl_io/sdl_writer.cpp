@@ -286,24 +286,24 @@ void eSDLTextStream::Empty() {
 class eSDLWriter::eTarget {
 public:
     virtual ~eTarget() = default;
-    virtual void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher, IO::eSaveEnd end) = 0;
+    virtual void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd end) = 0;
     // Takes the text while another exception unwinds the stack.
-    virtual void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher) noexcept = 0;
+    virtual void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform) noexcept = 0;
 };
 
 class eSDLWriter::eStreamTarget : public eTarget {
 public:
     explicit eStreamTarget(IO::eStream* target) : stream(target) {}
 
-    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher, IO::eSaveEnd) override {
-        text.Flush(stream, cipher);
+    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd) override {
+        text.Flush(stream, transform);
     }
 
-    void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher) noexcept override {
+    void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform) noexcept override {
         const bool reports = stream->Enabled(IO::StreamMode::Errors);
         stream->Disable(IO::StreamMode::Errors);
         try {
-            text.Flush(stream, cipher);
+            text.Flush(stream, transform);
         } catch (...) {
             // The exception in progress is the one that matters.
         }
@@ -320,10 +320,10 @@ class eSDLWriter::eFileTarget : public eTarget {
 public:
     explicit eFileTarget(const eName& path) : name(path) {}
 
-    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& cipher, IO::eSaveEnd end) override {
+    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd end) override {
         IO::eSaveFile file(name, end);
         if (file.IsOpen())
-            text.Flush(&file, cipher);
+            text.Flush(&file, transform);
         if (!file.Commit())
             xError::Warning(WriterReport::kSource, WriterReport::kNotSavedLine, file.Failure(), 0);
     }

@@ -36,4 +36,8 @@ bool LetWait(const eDescriptor& file) noexcept {
     return Uninterrupted([&] { return ::fcntl(file.Get(), F_SETFL, 0); }) == 0;
 }
 
+bool AskFacts(int file, struct stat* facts) noexcept {
+    return Uninterrupted([=] { return ::fstat(file, facts); }) == 0;
+}
+
 } // namespace IO::Platform

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -53,5 +54,11 @@ eDescriptor OpenAtOnce(int folder, const char* name, int flags, mode_t mode = 0)
 
 // Makes reads and writes wait from now on. False if the system refuses.
 bool LetWait(const eDescriptor& file) noexcept;
+
+// What the system knows about an open file. False, with errno, if it does not tell.
+bool AskFacts(int file, struct stat* facts) noexcept;
+
+// The mode of new files, before the umask.
+inline constexpr mode_t kNewFileMode = 0666;
 
 } // namespace IO::Platform

@@ -17,14 +17,12 @@ namespace {
 
 using System::eCopyEnd;
 
-constexpr mode_t kOwnersAlone = 0600;
-
 struct eOpened {
     eDescriptor file;
     struct stat facts {};
 
     eOpened(ePlace place, int flags) : file(OpenAtOnce(place.folder, place.name, flags)) {
-        if (file.IsOpen() && Uninterrupted([&] { return ::fstat(file.Get(), &facts); }) != 0)
+        if (file.IsOpen() && !AskFacts(file.Get(), &facts))
             file.Close();
     }
 
@@ -150,7 +148,10 @@ void CopyOpened(const eOpened& source, ePlace to, eLastLinks links, const bool* 
     if (isNew && place)
         CopyAnew(source, *place, cancel);
     else if (!isNew)
-        eOverwriting(source, existing, place && StandsAt({place->folder.Get(), place->name.c_str()}, existing.facts) ? &*place : nullptr, cancel).Run();
+        eOverwriting(source, existing,
+                     place && StandsAt({place->folder.Get(), place->name.c_str()}, existing.facts) ? &*place : nullptr,
+                     cancel)
+            .Run();
 }
 
 } // namespace

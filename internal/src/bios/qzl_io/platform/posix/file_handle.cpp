@@ -21,8 +21,6 @@ constexpr int kReadWrite = 0x0002;
 constexpr int kCreate = 0x0100;
 constexpr int kTruncate = 0x0200;
 
-constexpr mode_t kPermissions = 0666;
-
 int NotOpened(int failure) noexcept {
     Refused(failure);
     return -1;
@@ -32,11 +30,7 @@ eDescriptor OpenForWriting(const char* name, int openFlags) noexcept {
     int flags = O_CLOEXEC | O_RDWR;
     flags |= (openFlags & kCreate) ? O_CREAT : 0;
     flags |= (openFlags & kTruncate) ? O_TRUNC : 0;
-    return eDescriptor(Uninterrupted([&] { return ::openat(AT_FDCWD, name, flags, kPermissions); }));
-}
-
-bool Ask(int handle, struct stat* facts) noexcept {
-    return Uninterrupted([&] { return ::fstat(handle, facts); }) == 0;
+    return eDescriptor(Uninterrupted([&] { return ::openat(AT_FDCWD, name, flags, kNewFileMode); }));
 }
 
 ssize_t WriteSome(int handle, const char* source, unsigned long long n, unsigned long long position) {
@@ -50,7 +44,7 @@ int OpenFile(const char* name, int openFlags) {
     const bool writes = (openFlags & kReadWrite) != 0;
     eDescriptor file = writes ? OpenForWriting(name, openFlags) : OpenAtOnce(AT_FDCWD, name, O_RDONLY);
     struct stat facts = {};
-    if (!file.IsOpen() || !Ask(file.Get(), &facts))
+    if (!file.IsOpen() || !AskFacts(file.Get(), &facts))
         return NotOpened(errno);
     if (S_ISDIR(facts.st_mode))
         return NotOpened(EISDIR);
@@ -120,7 +114,7 @@ bool MayBeOneFile(int one, int other) noexcept {
     const auto id = [](int handle) {
         eFileId told;
         struct stat facts = {};
-        if (Ask(handle, &facts)) {
+        if (AskFacts(handle, &facts)) {
             told.volume = facts.st_dev;
             told.low = facts.st_ino;
         }
@@ -131,7 +125,7 @@ bool MayBeOneFile(int one, int other) noexcept {
 
 bool FileLength(int handle, unsigned long long* length) noexcept {
     struct stat facts = {};
-    if (!Ask(handle, &facts))
+    if (!AskFacts(handle, &facts))
         return false;
     *length = static_cast<unsigned long long>(facts.st_size);
     return true;

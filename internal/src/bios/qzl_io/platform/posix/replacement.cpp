@@ -123,8 +123,8 @@ bool eReplacement::RemoveLeftOver() {
     if (!other.IsOpen() && errno == ENOENT)
         return true;
     struct stat facts {};
-    const bool left = other.IsOpen() && Uninterrupted([&] { return ::fstat(other.Get(), &facts); }) == 0 &&
-                      S_ISREG(facts.st_mode) && Lock(other.Get()) && Names(other.Get());
+    const bool left = other.IsOpen() && AskFacts(other.Get(), &facts) && S_ISREG(facts.st_mode) && Lock(other.Get()) &&
+                      Names(other.Get());
     const bool removed = left && Uninterrupted([&] { return ::unlinkat(place.folder.Get(), name.c_str(), 0); }) == 0;
     if (!removed)
         errno = EEXIST;
@@ -133,7 +133,7 @@ bool eReplacement::RemoveLeftOver() {
 
 bool eReplacement::Names(int opened) const {
     struct stat facts {};
-    return Uninterrupted([&] { return ::fstat(opened, &facts); }) == 0 && StandsAt({place.folder.Get(), name.c_str()}, facts);
+    return AskFacts(opened, &facts) && StandsAt({place.folder.Get(), name.c_str()}, facts);
 }
 
 // Tries twice, since nobody else would remove the file soon.
@@ -151,7 +151,7 @@ void eReplacement::Discard() {
 
 bool eReplacement::Resemble(int replaced, const struct stat& facts) {
     struct stat own {};
-    if (Uninterrupted([&] { return ::fstat(Get(), &own); }) != 0)
+    if (!AskFacts(Get(), &own))
         return false;
     const bool owned = own.st_uid == facts.st_uid && own.st_gid == facts.st_gid;
     if (!owned && Uninterrupted([&] { return ::fchown(Get(), facts.st_uid, facts.st_gid); }) != 0)

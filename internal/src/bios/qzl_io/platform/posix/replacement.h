@@ -10,10 +10,12 @@ namespace IO::Platform {
 
 // The bits of a file's mode that a copy takes over.
 inline constexpr mode_t kPermissionBits = 0777;
+// The mode of a replacement until it gets that of the file it replaces.
+inline constexpr mode_t kOwnersAlone = 0600;
 
-// A temporary file beside the target that it will replace in one step. It is named after the target, and locked while it
-// is in use: a file of that name that is not locked was left by a program that was killed, and the next replacement of
-// the same target removes it. The file is removed unless it has replaced the target or was kept.
+// A temporary file beside the target that it will replace in one step. It is named after the target, and locked while
+// it is in use: a file of that name that is not locked was left by a program that was killed, and the next replacement
+// of the same target removes it. The file is removed unless it has replaced the target or was kept.
 class eReplacement {
 public:
     // Creates the file. The folder of the target must outlive it. It is not open if the folder takes no new file; errno

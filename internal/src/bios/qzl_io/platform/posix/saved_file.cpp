@@ -21,8 +21,6 @@ namespace {
 
 constexpr int kOpenCreate = 0x8302;
 constexpr int kOpenWrite = 0x8102;
-constexpr mode_t kPermissions = 0666;
-constexpr mode_t kOwnersAlone = 0600;
 
 bool Sync(int file) {
     return Uninterrupted([=] { return ::fsync(file); }) == 0;
@@ -33,10 +31,6 @@ bool SyncFolder(const eRealPlace& place, int file) {
     const eDescriptor folder(
         Uninterrupted([&] { return ::openat(place.folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     return folder.IsOpen() ? Sync(folder.Get()) || errno == EINVAL : Uninterrupted([=] { return ::syncfs(file); }) == 0;
-}
-
-bool Ask(int file, struct stat* facts) {
-    return Uninterrupted([=] { return ::fstat(file, facts); }) == 0;
 }
 
 bool CloseHandle(int handle) {
@@ -62,7 +56,7 @@ public:
     eWrittenBeside(eRealPlace target, eDescriptor existingFile, const struct stat& facts)
         : place(std::move(target)),
           existing(std::move(existingFile)),
-          beside(place, existing.IsOpen() ? kOwnersAlone : kPermissions) {
+          beside(place, existing.IsOpen() ? kOwnersAlone : kNewFileMode) {
         if (existing.IsOpen() && beside.IsOpen())
             inOneStep = facts.st_nlink == 1 && beside.Resemble(existing.Get(), facts);
     }
@@ -118,7 +112,7 @@ private:
 
     bool CopyInto(int target) {
         struct stat own {};
-        return Ask(beside.Get(), &own) && LetWait(existing) &&
+        return AskFacts(beside.Get(), &own) && LetWait(existing) &&
                Uninterrupted([&] { return ::lseek(beside.Get(), 0, SEEK_SET); }) == 0 &&
                CopyContent(beside.Get(), own, target, eCopyHoles::Fill, nullptr) == System::eCopyEnd::Complete &&
                Uninterrupted([&] { return ::ftruncate(target, own.st_size); }) == 0;
@@ -158,7 +152,7 @@ std::unique_ptr<eSavedFile> Begin(const char* target, int* handle) {
     if (!existing.IsOpen() && errno == ENOENT)
         return BeginBeside(target, std::move(existing), facts, handle);
     const bool awaitsReader = !existing.IsOpen() && errno == ENXIO;
-    if (!awaitsReader && (!existing.IsOpen() || !Ask(existing.Get(), &facts))) {
+    if (!awaitsReader && (!existing.IsOpen() || !AskFacts(existing.Get(), &facts))) {
         Refused(errno);
         return nullptr;
     }
@@ -181,7 +175,7 @@ bool PrepareSave(const Char* target) {
     if (handle == -1)
         return false;
     struct stat facts {};
-    const bool told = Ask(handle, &facts);
+    const bool told = AskFacts(handle, &facts);
     CloseFile(handle);
     const auto place = told ? RealPlace({AT_FDCWD, name.c_str()}, eLastLinks::Follow) : std::nullopt;
     const bool takesFiles =

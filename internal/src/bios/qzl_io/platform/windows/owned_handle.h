@@ -6,6 +6,9 @@
 
 namespace IO::Platform {
 
+// Others may do what they like with the file meanwhile.
+inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
 // Owns a handle that `CloseCall` closes; INVALID_HANDLE_VALUE is none.
 template <BOOL(WINAPI* CloseCall)(HANDLE)>
 class eHandleOf {

@@ -30,7 +30,6 @@ using System::ePatience;
 
 constexpr int kOpenCreate = 0x8302;
 constexpr int kOpenWrite = 0x8102;
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr unsigned kMostTries = 100;
 
 eOpenHandle Open(const std::wstring& name, DWORD access, DWORD share, DWORD how, DWORD flags = 0) {
@@ -51,7 +50,7 @@ bool Insist(const std::wstring& target, Call call) {
         error = ::GetLastError();
         const DWORD seen = error == ERROR_ACCESS_DENIED ? ::GetFileAttributesW(target.c_str()) : 0;
         return AnswerTo(error, seen != INVALID_FILE_ATTRIBUTES &&
-                                           (seen & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) != 0);
+                                   (seen & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) != 0);
     });
     return done || Refused(error);
 }
@@ -80,13 +79,12 @@ struct ePlace {
 std::string ShownName(std::wstring name) {
     constexpr std::wstring_view kStart = L"\\\\?\\";
     constexpr std::wstring_view kShareStart = L"\\\\?\\UNC\\";
-    constexpr int kUtf8 = 65001;
     if (name.starts_with(kShareStart))
         name.replace(0, kShareStart.size(), L"\\\\");
     else if (name.starts_with(kStart))
         name.erase(0, kStart.size());
     std::replace(name.begin(), name.end(), L'\\', L'/');
-    return WideCharToString(name, kUtf8);
+    return ToString(name);
 }
 
 // A device or a pipe.
