@@ -56,8 +56,6 @@ public:
     const std::string& Failure() const { return failure; }
 
 protected:
-    // "SaveFile '%s'%s" with the target's name and the core's text.
-    std::string Dump() const override;
     int CreateHandle(int openFlags) const override;
     void CreateHandleError() const override;
 

@@ -68,10 +68,6 @@ bool eSaveFile::Commit() {
     return saved;
 }
 
-std::string eSaveFile::Dump() const {
-    return "SaveFile '" + save->name + "'" + eStream::Dump();
-}
-
 int eSaveFile::CreateHandle(int) const {
     return std::exchange(save->handle, -1);
 }

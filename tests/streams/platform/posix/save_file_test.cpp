@@ -354,6 +354,30 @@ TEST_F(SaveFault, AFileWithTwoNamesIsWholeOrItsDocumentIsKept) {
         }
 }
 
+// The document that is given up is never put over another one, whether or not the file system can tell by itself.
+TEST_F(SaveFault, DocumentsThatAreKeptHaveNamesOfTheirOwn) {
+    for (const bool refusing : {true, false}) {
+        const eFault noRefusal(refusing ? "none" : "renameat2", EINVAL, 1, eFault::kAlways);
+        for (const char* const kept : {"file.unsaved", "file.unsaved1", "file.unsaved2"}) {
+            folder.Write("file", "old");
+            IO::eSaveFile file(Name("file"));
+            file << 'n';
+            const int begun = OpenDescriptors();
+            // A folder has taken the target's name meanwhile.
+            fs::remove(folder.Path() / "file");
+            fs::create_directory(folder.Path() / "file");
+            EXPECT_FALSE(file.Commit());
+            fs::remove(folder.Path() / "file");
+            EXPECT_GT(begun, OpenDescriptors());
+            EXPECT_NE(std::string::npos, file.Failure().find(std::string("/") + kept + "\".")) << file.Failure();
+            EXPECT_EQ("n", folder.Read(kept));
+        }
+        EXPECT_EQ((std::set<std::string>{"file.unsaved", "file.unsaved1", "file.unsaved2"}), Entries());
+        for (const auto& name : Entries())
+            fs::remove(folder.Path() / name);
+    }
+}
+
 // A power failure loses what has not been flushed since, in any order: so the order of the calls is what matters.
 TEST_F(SaveFault, TheDocumentIsOnTheDiskBeforeItReplacesTheTargetAndTheFolderIsAfterwards) {
     const auto calls = [this](const std::string& target, IO::eSaveEnd end) {
