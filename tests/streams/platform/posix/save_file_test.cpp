@@ -16,6 +16,7 @@
 
 #include <qzl_io/streams.h>
 
+#include "streams/whole_document.h"
 #include "support/long_tests.h"
 #include "support/platform/posix/as_nobody.h"
 #include "support/platform/posix/fault.h"
@@ -195,26 +196,13 @@ TEST_F(SavedFile, WhatAnotherProgramIsWritingIsNotTakenForLeftOver) {
     ::close(ready[1]);
 }
 
-// A document says how long it is and what it is made of.
 namespace {
-
-std::string Document(unsigned seed, std::size_t size) {
-    std::string text(size, static_cast<char>('a' + seed % 26));
-    return std::to_string(size) + ':' + text;
-}
-
-bool IsWhole(const std::string& document) {
-    const std::size_t colon = document.find(':');
-    if (colon == std::string::npos || document.size() - colon - 1 != std::stoul(document))
-        return false;
-    return document.find_first_not_of(document[colon + 1], colon + 1) == std::string::npos;
-}
 
 // Saves without end; sizes from 1 KB to 20 MB.
 [[noreturn]] void SaveForever(const eFileName& name, unsigned seed) {
     for (std::mt19937 random(seed);; ++seed) {
         IO::eSaveFile file(name, seed % 2 ? IO::eSaveEnd::OnDisk : IO::eSaveEnd::InMemory);
-        const std::string document = Document(seed, std::size_t{1000} << random() % 15);
+        const std::string document = WholeDocument(seed, std::size_t{1000} << random() % 15);
         file.Write(document.data(), document.size());
         if (!file.Commit())
             ::_exit(1);
@@ -224,7 +212,7 @@ bool IsWhole(const std::string& document) {
 } // namespace
 
 TEST_F(SavedFile, AKilledProgramLosesNoDocument) {
-    ASSERT_TRUE(Save("file", Document(0, 1000)));
+    ASSERT_TRUE(Save("file", WholeDocument(0, 1000)));
     const int kills = LongTests() ? 1000 : 60;
     std::mt19937 random(2026);
     std::set<char> seen;
@@ -247,7 +235,7 @@ TEST_F(SavedFile, AKilledProgramLosesNoDocument) {
 }
 
 TEST_F(SavedFile, TwoProgramsThatSaveAtOnceDoNotMix) {
-    ASSERT_TRUE(Save("file", Document(0, 1000)));
+    ASSERT_TRUE(Save("file", WholeDocument(0, 1000)));
     pid_t children[2];
     for (unsigned number = 0; number < 2; ++number) {
         children[number] = ::fork();

@@ -13,6 +13,7 @@
 
 #include <qzl_io/streams.h>
 
+#include "streams/whole_document.h"
 #include "support/long_tests.h"
 #include "support/platform/windows/import_table.h"
 #include "support/temp_folder.h"
@@ -213,18 +214,6 @@ namespace {
 
 constexpr char kTargetVariable[] = "QZL_TEST_SAVE_TARGET";
 
-std::string Document(unsigned seed, std::size_t size) {
-    std::string text(size, static_cast<char>('a' + seed % 26));
-    return std::to_string(size) + ':' + text;
-}
-
-bool IsWhole(const std::string& document) {
-    const std::size_t colon = document.find(':');
-    if (colon == std::string::npos || document.size() - colon - 1 != std::stoul(document))
-        return false;
-    return document.find_first_not_of(document[colon + 1], colon + 1) == std::string::npos;
-}
-
 // This program once more, running the test below.
 HANDLE StartSaver() {
     wchar_t program[1024];
@@ -250,14 +239,14 @@ TEST(Saver, DISABLED_SavesForever) {
     std::mt19937 random(::GetCurrentProcessId());
     for (unsigned seed = ::GetCurrentProcessId();; ++seed) {
         IO::eSaveFile file(eFileName{target}, seed % 2 ? IO::eSaveEnd::OnDisk : IO::eSaveEnd::InMemory);
-        const std::string document = Document(seed, std::size_t{1000} << random() % 15);
+        const std::string document = WholeDocument(seed, std::size_t{1000} << random() % 15);
         file.Write(document.data(), document.size());
         ASSERT_TRUE(file.Commit()) << file.Failure();
     }
 }
 
 TEST_F(SavedFile, AKilledProgramLosesNoDocument) {
-    ASSERT_TRUE(Save("file", Document(0, 1000)));
+    ASSERT_TRUE(Save("file", WholeDocument(0, 1000)));
     ASSERT_TRUE(::SetEnvironmentVariableA(kTargetVariable, folder.Name("file").c_str()));
     const int kills = LongTests() ? 1000 : 20;
     std::mt19937 random(2026);
