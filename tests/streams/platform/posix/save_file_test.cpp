@@ -265,9 +265,24 @@ protected:
             GTEST_SKIP() << "the libraries' calls do not pass through the test program";
     }
 
-    bool IsOnly(const std::string& name, std::set<std::string> others) const {
-        others.insert(name);
-        return Entries() == others;
+    struct eAttempt {
+        bool saved = false;
+        bool struck = false;
+        std::string failure;
+    };
+
+    // Saves the document to "file" while the call of that number fails.
+    eAttempt SaveWithFault(const std::string& document, int error, int call) const {
+        const eFault fault("", error, call);
+        IO::eSaveFile file(Name("file"));
+        file.Write(document.data(), document.size());
+        const bool saved = file.Commit();
+        return {saved, fault.Struck(), file.Failure()};
+    }
+
+    void Clear() const {
+        for (const auto& name : Entries())
+            fs::remove(folder.Path() / name);
     }
 };
 
@@ -282,16 +297,7 @@ TEST_F(SaveFault, EveryFailingCallLeavesTheOldDocumentOrTheNewOne) {
             SCOPED_TRACE(std::to_string(error) + " at call " + std::to_string(call));
             folder.Write("file", "old");
             const int before = OpenDescriptors();
-            bool saved = false, struck = false;
-            std::string failure;
-            {
-                const eFault fault("", error, call);
-                IO::eSaveFile file(Name("file"));
-                file.Write(document.data(), document.size());
-                saved = file.Commit();
-                failure = file.Failure();
-                struck = fault.Struck();
-            }
+            const auto [saved, struck, failure] = SaveWithFault(document, error, call);
             EXPECT_EQ(before, OpenDescriptors());
             const std::string content = folder.Read("file");
             EXPECT_TRUE(content == "old" || content == document) << content.size();
@@ -303,8 +309,7 @@ TEST_F(SaveFault, EveryFailingCallLeavesTheOldDocumentOrTheNewOne) {
             EXPECT_TRUE(!kept || folder.Read("file.unsaved") == document);
             fs::remove(folder.Path() / "file.unsaved");
             EXPECT_EQ((std::set<std::string>{"file"}), Entries()) << failure;
-            for (const auto& name : Entries())
-                fs::remove(folder.Path() / name);
+            Clear();
             if (!struck)
                 break;
         }
@@ -317,16 +322,7 @@ TEST_F(SaveFault, AFileWithTwoNamesIsWholeOrItsDocumentIsKept) {
             SCOPED_TRACE(std::to_string(error) + " at call " + std::to_string(call));
             folder.Write("file", "old");
             fs::create_hard_link(folder.Path() / "file", folder.Path() / "other");
-            bool saved = false, struck = false;
-            std::string failure;
-            {
-                const eFault fault("", error, call);
-                IO::eSaveFile file(Name("file"));
-                file.Write(document.data(), document.size());
-                saved = file.Commit();
-                failure = file.Failure();
-                struck = fault.Struck();
-            }
+            const auto [saved, struck, failure] = SaveWithFault(document, error, call);
             const std::string content = folder.Read("file");
             EXPECT_EQ(content, folder.Read("other"));
             EXPECT_TRUE(!saved || content == document);
@@ -335,8 +331,7 @@ TEST_F(SaveFault, AFileWithTwoNamesIsWholeOrItsDocumentIsKept) {
                 ASSERT_TRUE(folder.Exists("file.unsaved"));
                 EXPECT_EQ(document, folder.Read("file.unsaved"));
             }
-            for (const auto& name : Entries())
-                fs::remove(folder.Path() / name);
+            Clear();
             if (!struck)
                 break;
         }
@@ -361,8 +356,7 @@ TEST_F(SaveFault, DocumentsThatAreKeptHaveNamesOfTheirOwn) {
             EXPECT_EQ("n", folder.Read(kept));
         }
         EXPECT_EQ((std::set<std::string>{"file.unsaved", "file.unsaved1", "file.unsaved2"}), Entries());
-        for (const auto& name : Entries())
-            fs::remove(folder.Path() / name);
+        Clear();
     }
 }
 
