@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -11,21 +10,13 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "platform/pure/beside_name.h"
+
 namespace IO::Platform {
 
 namespace {
 
 constexpr char kAccessList[] = "system.posix_acl_access";
-
-// Cuts the name to a length that file systems accept; the hash tells apart names that begin alike.
-std::string NameFor(const std::string& target, std::string_view kind, unsigned number) {
-    constexpr std::size_t kLongest = 200;
-    std::string name = target;
-    if (name.size() > kLongest)
-        name = target.substr(0, kLongest) + '~' + std::to_string(std::hash<std::string>()(target));
-    name += kind;
-    return number == 0 ? name : name + std::to_string(number);
-}
 
 // False if another program holds the lock, or if the file system has no locks.
 bool Lock(int file) {
@@ -93,8 +84,7 @@ bool ForAll(const std::vector<char>& names, Each each) {
 eReplacement::eReplacement(const eRealPlace& target, mode_t mode) : place(target) {
     constexpr unsigned kMostTries = 100;
     for (unsigned tries = 0; tries < kMostTries; ++tries) {
-        name = NameFor(place.name, ".saving", tries);
-        name.insert(0, 1, '.');
+        name = System::BesideName(".", place.name, ".saving", tries);
         if (Create(mode) || (errno == EEXIST && RemoveLeftOver() && Create(mode)) || errno != EEXIST)
             break;
     }
@@ -184,7 +174,7 @@ const std::string& eReplacement::Keep() {
     const int folder = place.folder.Get();
     pending = false;
     for (unsigned number = 0; number < kMostTries; ++number) {
-        const std::string kept = NameFor(place.name, ".unsaved", number);
+        const std::string kept = System::BesideName("", place.name, ".unsaved", number);
         if (RenameToFree(folder, name.c_str(), kept.c_str())) {
             name = kept;
             break;

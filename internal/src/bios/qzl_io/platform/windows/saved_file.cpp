@@ -15,6 +15,7 @@
 
 #include "platform/file_handle.h"
 #include "platform/pure/answer.h"
+#include "platform/pure/beside_name.h"
 #include "platform/pure/patience.h"
 #include "platform/unattended.h"
 #include "platform/windows/failure.h"
@@ -61,14 +62,8 @@ struct ePlace {
         : folder(full.substr(0, full.rfind(L'\\') + 1)), name(full.substr(folder.size())) {}
 
     std::wstring Full() const { return folder + name; }
-    // Cuts the name to a length that file systems accept; the hash tells apart names that begin alike.
     std::wstring Beside(const wchar_t* start, const wchar_t* kind, unsigned number) const {
-        constexpr std::size_t kLongest = 200;
-        std::wstring beside = folder + start + name.substr(0, kLongest);
-        if (name.size() > kLongest)
-            beside += L'~' + std::to_wstring(std::hash<std::wstring>()(name));
-        beside += kind;
-        return number == 0 ? beside : beside + std::to_wstring(number);
+        return folder + System::BesideName(start, name, kind, number);
     }
 
     std::wstring folder;
