@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -78,8 +79,12 @@ inline std::uint64_t SumOfBytes(std::string_view bytes) {
 template <class T>
 void PutSets(size_t sets, T put) {
     const auto& values = TypedValues();
-    for (size_t i = 0; i < sets; ++i)
-        put(values[i % values.size()]);
+    for (size_t left = sets; left > 0;) {
+        const size_t turn = std::min(left, values.size());
+        for (const eTypedValues* set = values.data(); set != values.data() + turn; ++set)
+            put(*set);
+        left -= turn;
+    }
 }
 
 // The checksum of the sets that `get` fills.
