@@ -105,12 +105,19 @@ TEST_F(OpenedFolder, CopiesNoFileThatHasBecomeALink) {
     EXPECT_FALSE(temp.Exists("to/file"));
 }
 
-TEST_F(OpenedFolder, CopiesThroughNoLinkInTheTarget) {
+TEST_F(OpenedFolder, CopiesInPlaceOfALinkOrSecondNameInTheTargetAndNotToItsFile) {
     const auto from = Open("from"), to = Open("to");
     temp.Write("from/file", "other");
+    fs::create_hard_link(temp.Path() / "outside/file", temp.Path() / "to/file");
+    from->CopyFileTo(*to, file, eNamedLink::Refuse);
+    EXPECT_EQ("precious", temp.Read("outside/file"));
+    EXPECT_EQ("other", temp.Read("to/file"));
+    fs::remove(temp.Path() / "to/file");
     fs::create_symlink("../outside/file", temp.Path() / "to/file");
     from->CopyFileTo(*to, file, eNamedLink::Refuse);
     EXPECT_EQ("precious", temp.Read("outside/file"));
+    EXPECT_FALSE(fs::is_symlink(temp.Path() / "to/file"));
+    EXPECT_EQ("other", temp.Read("to/file"));
 }
 
 TEST_F(OpenedFolder, EntersNoFolderThatHasBecomeALink) {

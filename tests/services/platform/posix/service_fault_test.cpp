@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/platform/posix/fast_folder.h"
 #include "support/platform/posix/fault.h"
 #include "support/platform/posix/open_descriptors.h"
 
@@ -25,12 +26,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kErrors[] = {EINTR, EIO, ENOSPC, EACCES, ENOMEM, EMFILE};
-
-// A folder in memory if there is one: the trees are created anew for every call, thousands of times.
-fs::path FastFolder() {
-    const fs::path memory = "/dev/shm";
-    return ::access(memory.c_str(), R_OK | W_OK | X_OK) == 0 ? memory : fs::temp_directory_path();
-}
 
 template <class Width>
 class ServiceFault : public eRealTree<Width> {

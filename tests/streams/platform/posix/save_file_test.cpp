@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <random>
 #include <set>
 #include <string>
@@ -42,6 +43,11 @@ protected:
         for (const auto& entry : fs::directory_iterator(folder.Path()))
             names.insert(entry.path().filename().string());
         return names;
+    }
+
+    void Clear() const {
+        for (const auto& entry : fs::directory_iterator(folder.Path()))
+            fs::remove_all(entry);
     }
 
     struct stat Facts(const std::string& name) const {
@@ -171,6 +177,71 @@ TEST_F(SavedFile, ALinkPlantedBesideTheTargetIsNotFollowed) {
     EXPECT_EQ("precious", folder.Read("victim"));
 }
 
+// A save holds the folder in which it began, whatever has that folder's name when it ends.
+TEST_F(SavedFile, IsInTheFolderInWhichItBeganThoughALinkHasTakenTheFoldersName) {
+    struct eRow {
+        const char* meaning;
+        bool exists, hasSecondName;
+    };
+    for (const eRow& row : {eRow{"one name", true, false}, eRow{"new", false, false}, eRow{"two names", true, true}}) {
+        SCOPED_TRACE(row.meaning);
+        for (const char* const name : {"docs", "outside"})
+            fs::create_directory(folder.Path() / name);
+        folder.Write("outside/file", "precious");
+        if (row.exists)
+            folder.Write("docs/file", "old");
+        if (row.hasSecondName)
+            fs::create_hard_link(folder.Path() / "docs/file", folder.Path() / "docs/other");
+        {
+            IO::eSaveFile file(Name("docs/file"));
+            file.Write("new", 3);
+            fs::rename(folder.Path() / "docs", folder.Path() / "moved");
+            fs::create_directory_symlink("outside", folder.Path() / "docs");
+            EXPECT_TRUE(file.Commit()) << file.Failure();
+        }
+        EXPECT_EQ("new", folder.Read("moved/file"));
+        EXPECT_EQ("precious", folder.Read("outside/file"));
+        {
+            const IO::eSaveFile notCommitted(Name("moved/file"));
+            fs::rename(folder.Path() / "moved", folder.Path() / "moved again");
+        }
+        const auto count = [this](const char* name) {
+            return std::distance(fs::directory_iterator(folder.Path() / name), fs::directory_iterator());
+        };
+        EXPECT_EQ(1, count("outside"));
+        EXPECT_EQ(row.hasSecondName ? 2 : 1, count("moved again"));
+        Clear();
+    }
+}
+
+// In a folder that everybody may write to, another user plants whatever the next save may meet.
+TEST_F(SavedFile, NamesPlantedByAnotherUserLeadNowhereElse) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can act as another user";
+    ASSERT_EQ(0, ::chmod(folder.Path().c_str(), 01777));
+    folder.Write("shared/precious", "precious");
+    ASSERT_EQ(0, ::chmod(folder.Name("shared").c_str(), 01777));
+    for (const char* const target : {"shared/file", "shared/missing"}) {
+        if (target == std::string("shared/file"))
+            folder.Write(target, "old");
+        const std::string first = folder.Name("shared/." + std::string(target + 7) + ".saving");
+        const std::string precious = folder.Name("shared/precious");
+        ASSERT_EQ(kHeldInChild, AsNobody([&] {
+                      const bool planted = ::symlink(precious.c_str(), first.c_str()) == 0 &&
+                                           ::mkfifo((first + "1").c_str(), 0666) == 0 &&
+                                           ::mkdir((first + "2").c_str(), 0777) == 0 &&
+                                           ::symlink("nothing", (first + "3").c_str()) == 0;
+                      return planted ? kHeldInChild : 1;
+                  }));
+        EXPECT_TRUE(Save(target, "new"));
+        EXPECT_EQ("new", folder.Read(target));
+        EXPECT_EQ("precious", folder.Read("shared/precious"));
+        EXPECT_FALSE(folder.Exists("shared/nothing"));
+        EXPECT_TRUE(S_ISREG(Facts(target).st_mode));
+        EXPECT_EQ(0u, Facts(target).st_uid);
+    }
+}
+
 TEST_F(SavedFile, WhatAnotherProgramIsWritingIsNotTakenForLeftOver) {
     int ready[2];
     ASSERT_EQ(0, ::pipe(ready));
@@ -278,11 +349,6 @@ protected:
         file.Write(document.data(), document.size());
         const bool saved = file.Commit();
         return {saved, fault.Struck(), file.Failure()};
-    }
-
-    void Clear() const {
-        for (const auto& name : Entries())
-            fs::remove(folder.Path() / name);
     }
 };
 

@@ -133,18 +133,19 @@ private:
     const bool* cancel;
 };
 
+// Replaces whatever has the name, and writes through no link.
 void CopyAnew(const eOpened& source, const eRealPlace& place, const bool* cancel) {
     eReplacement target(place, source.facts.st_mode & kPermissionBits);
     if (target.IsOpen() && CopyWithTime(source, target.Get(), cancel) == eCopyEnd::Complete)
         target.TakePlace();
 }
 
-void CopyOpened(const eOpened& source, ePlace to, eLastLinks links, const bool* cancel) {
-    const eOpened existing(to, O_WRONLY | (links == eLastLinks::Refuse ? O_NOFOLLOW : 0));
+void CopyOpened(const eOpened& source, ePlace to, const bool* cancel) {
+    const eOpened existing(to, O_WRONLY);
     const bool isNew = !existing.file.IsOpen() && errno == ENOENT;
     if (!isNew && (!existing.file.IsOpen() || IsSame(existing.facts, source.facts)))
         return;
-    const auto place = RealPlace(to, links);
+    const auto place = RealPlace(to);
     if (isNew && place)
         CopyAnew(source, *place, cancel);
     else if (!isNew)
@@ -159,7 +160,7 @@ void CopyOpened(const eOpened& source, ePlace to, eLastLinks links, const bool* 
 void CopyRegularFile(ePlace from, ePlace to, const bool* cancel) {
     const eOpened source(from, O_RDONLY);
     if (source.IsRegular())
-        CopyOpened(source, to, eLastLinks::Follow, cancel);
+        CopyOpened(source, to, cancel);
 }
 
 void CopyNewFile(ePlace from, ePlace to, eNamedLink link) {
@@ -170,7 +171,7 @@ void CopyNewFile(ePlace from, ePlace to, eNamedLink link) {
     eDescriptor target = OpenAtOnce(to.folder, to.name, kFlags, source.facts.st_mode & kPermissionBits);
     if (!target.IsOpen()) {
         if (errno == EEXIST)
-            CopyOpened(source, to, eLastLinks::Refuse, nullptr);
+            CopyAnew(source, {OpenPlace(to.folder, "."), to.name}, nullptr);
         return;
     }
     const eCopyEnd end = CopyWithTime(source, target.Get(), nullptr);

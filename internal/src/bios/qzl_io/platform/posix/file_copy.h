@@ -14,8 +14,9 @@ namespace IO::Platform {
 // is not a regular file, or may be written by this process but not replaced.
 void CopyRegularFile(ePlace from, ePlace to, const bool* cancel);
 
-// Copies to a target that is to be new and whose name must not be a link: no file beside it is needed, and a failure
-// removes it. `link` says whether the source's name may be a link.
+// Copies to a target that is to be new: no file beside it is needed, and a failure removes it. If something has the
+// name, a link or a second name of another file perhaps, it is replaced in one step and never written through. `link`
+// says whether the source's name may be a link.
 void CopyNewFile(ePlace from, ePlace to, eNamedLink link);
 
 } // namespace IO::Platform

@@ -10,7 +10,11 @@
 
 namespace IO::Platform {
 
-std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links) {
+eDescriptor OpenPlace(int folder, const char* name) {
+    return eDescriptor(Uninterrupted([=] { return ::openat(folder, name, O_PATH | O_DIRECTORY | O_CLOEXEC); }));
+}
+
+std::optional<eRealPlace> RealPlace(ePlace place) {
     constexpr int kMostLinks = 40;
     eRealPlace real{eDescriptor(), place.name};
     int begin = place.folder;
@@ -18,8 +22,7 @@ std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links) {
         const std::size_t cut = real.name.rfind('/') + 1;
         const std::string above = cut == 0 ? "." : real.name.substr(0, cut);
         real.name.erase(0, cut);
-        real.folder = eDescriptor(
-            Uninterrupted([&] { return ::openat(begin, above.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
+        real.folder = OpenPlace(begin, above.c_str());
         if (!real.folder.IsOpen() || real.name.empty())
             return {};
         begin = real.folder.Get();
@@ -28,7 +31,7 @@ std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links) {
             Uninterrupted([&] { return ::readlinkat(begin, real.name.c_str(), text.data(), text.size()); });
         if (length < 0 && (errno == EINVAL || errno == ENOENT))
             return real;
-        if (length < 0 || links == eLastLinks::Refuse)
+        if (length < 0)
             return {};
         real.name.assign(text.data(), static_cast<std::size_t>(length));
     }

@@ -15,9 +15,6 @@ struct ePlace {
     const char* name;
 };
 
-// How links in the last component of a name are treated.
-enum class eLastLinks { Follow, Refuse };
-
 // A place that no link leads away from: a single name, in a folder that is held open. It stays the same place whatever
 // happens to the folder's own name.
 struct eRealPlace {
@@ -25,9 +22,11 @@ struct eRealPlace {
     std::string name;
 };
 
-// Follows the links of a name to their end, where a file may exist or not. Empty if the folder there is missing, or if
-// a link is refused.
-std::optional<eRealPlace> RealPlace(ePlace place, eLastLinks links);
+// Opens a folder as a place for names, which needs no permission to list it.
+eDescriptor OpenPlace(int folder, const char* name);
+
+// Follows the links of a name to their end, where a file may exist or not. Empty if the folder there is missing.
+std::optional<eRealPlace> RealPlace(ePlace place);
 
 // Whether the file that the facts tell of is the one at the place, and no link to it.
 bool StandsAt(ePlace place, const struct stat& facts);

@@ -127,7 +127,7 @@ private:
 
 std::unique_ptr<eSavedFile> BeginBeside(const char* target, eDescriptor existing, const struct stat& facts,
                                         int* handle) {
-    auto place = RealPlace({AT_FDCWD, target}, eLastLinks::Follow);
+    auto place = RealPlace({AT_FDCWD, target});
     if (!place || (existing.IsOpen() && !StandsAt({place->folder.Get(), place->name.c_str()}, facts))) {
         Refused(place ? ESTALE : errno);
         return nullptr;
@@ -177,7 +177,7 @@ bool PrepareSave(const Char* target) {
     struct stat facts {};
     const bool told = AskFacts(handle, &facts);
     CloseFile(handle);
-    const auto place = told ? RealPlace({AT_FDCWD, name.c_str()}, eLastLinks::Follow) : std::nullopt;
+    const auto place = told ? RealPlace({AT_FDCWD, name.c_str()}) : std::nullopt;
     const bool takesFiles =
         place && (!S_ISREG(facts.st_mode) || ::faccessat(place->folder.Get(), ".", W_OK | X_OK, AT_EACCESS) == 0);
     return takesFiles || Refused(errno);
