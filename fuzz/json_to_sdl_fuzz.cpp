@@ -2,6 +2,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <random>
+#include <string>
+#include <system_error>
 
 #include <qzl_base/error.h>
 #include <qzl_io/sdl.h>
@@ -22,11 +25,21 @@ public:
     }
 };
 
+// In a new folder with a name that nobody can guess: the temporary folder is everybody's.
 struct eFiles {
-    eFiles() : folder(std::filesystem::temp_directory_path() / "qzl_json_to_sdl_fuzz") {
-        std::filesystem::create_directories(folder);
+    eFiles() {
+        std::random_device random;
+        do
+            folder = std::filesystem::temp_directory_path() / ("qzl_fuzz_" + std::to_string(random()));
+        while (!std::filesystem::create_directory(folder));
         xError::SetWarningHandler([](const xError::eReport&) {});
     }
+    ~eFiles() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    }
+    eFiles(const eFiles&) = delete;
+    eFiles& operator=(const eFiles&) = delete;
 
     eFileName Name(const char* name) const { return (folder / name).generic_string(); }
 

@@ -30,7 +30,4 @@ std::string RunSelf(const std::vector<std::string>& arguments);
 // A folder in memory if the system has one with this many bytes of room, else the folder for temporary files.
 std::string FastFolder(size_t room);
 
-// A number that no other running process has.
-long ProcessNumber();
-
 } // namespace bench::platform

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <stdexcept>
 #include <system_error>
 
@@ -13,13 +14,17 @@ namespace {
 
 constexpr size_t kRoomWanted = size_t{4} << 30;
 
+// New, with a name that nobody can guess: the place may be everybody's.
 class eFolder {
 public:
     eFolder() {
         const char* chosen = std::getenv("QZL_BENCH_FOLDER");
         const std::string place = chosen ? chosen : platform::FastFolder(kRoomWanted);
-        name = place + "/qzl_bench_" + std::to_string(platform::ProcessNumber()) + "/";
-        std::filesystem::create_directories(name);
+        std::random_device random;
+        do
+            name = place + "/qzl_bench_" + std::to_string(random()) + "/";
+        while (!std::filesystem::create_directory(name));
+        std::filesystem::permissions(name, std::filesystem::perms::owner_all);
     }
     ~eFolder() {
         std::error_code ignored;

@@ -86,8 +86,4 @@ std::string FastFolder(size_t room) {
     return std::filesystem::temp_directory_path();
 }
 
-long ProcessNumber() {
-    return getpid();
-}
-
 } // namespace bench::platform
