@@ -1,6 +1,7 @@
 // Saving on a system whose files have owners, permissions and several kinds of names, and that fails now and then.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
@@ -8,6 +9,8 @@
 #include <random>
 #include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -302,6 +305,24 @@ TEST_F(SavedFile, AKilledProgramLosesNoDocument) {
     }
     EXPECT_LT(5u, seen.size()) << "hardly anything was saved between the kills";
     EXPECT_TRUE(Save("file", "last"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+}
+
+TEST_F(SavedFile, IsSavedByEachOfThoseThatSaveItAtOnce) {
+    constexpr int kSaves = 300;
+    std::vector<std::thread> threads;
+    std::atomic<int> saved = 0;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&] {
+            for (int save = 0; save < kSaves; ++save) {
+                IO::eSaveFile file(Name("file"), IO::eSaveEnd::InMemory);
+                file.Write("new", 3);
+                saved += file.Commit();
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(4 * kSaves, saved);
     EXPECT_EQ((std::set<std::string>{"file"}), Entries());
 }
 

@@ -145,7 +145,7 @@ std::unique_ptr<eSavedFile> BeginAtOnce(const char* target, int* handle) {
     return *handle == -1 ? nullptr : std::make_unique<eWrittenAtOnce>();
 }
 
-std::unique_ptr<eSavedFile> Begin(const char* target, int* handle) {
+std::unique_ptr<eSavedFile> BeginOnce(const char* target, int* handle) {
     *handle = -1;
     eDescriptor existing = OpenAtOnce(AT_FDCWD, target, O_WRONLY);
     struct stat facts {};
@@ -159,6 +159,15 @@ std::unique_ptr<eSavedFile> Begin(const char* target, int* handle) {
     if (awaitsReader || !S_ISREG(facts.st_mode))
         return BeginAtOnce(target, handle);
     return BeginBeside(target, std::move(existing), facts, handle);
+}
+
+// Another save may replace the target after it was opened and before its place was found.
+std::unique_ptr<eSavedFile> Begin(const char* target, int* handle) {
+    constexpr unsigned kMostTries = 100;
+    auto saved = BeginOnce(target, handle);
+    for (unsigned tries = 1; !saved && lastFailure == ESTALE && tries < kMostTries; ++tries)
+        saved = BeginOnce(target, handle);
+    return saved;
 }
 
 } // namespace
