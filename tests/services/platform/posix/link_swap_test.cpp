@@ -27,8 +27,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/fast_folder.h"
 #include "support/long_tests.h"
-#include "support/platform/posix/fast_folder.h"
 
 #include "../../real_tree.h"
 

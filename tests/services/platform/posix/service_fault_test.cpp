@@ -12,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/platform/posix/fast_folder.h"
+#include "support/fast_folder.h"
 #include "support/platform/posix/fault.h"
 #include "support/platform/posix/open_descriptors.h"
 
