@@ -170,8 +170,9 @@ private:
             return;
         if (::renameat2(all, kSpare, place.parent, place.name.c_str(), RENAME_EXCHANGE) == 0) {
             ++shared->folders;
-            for (auto turns = random() % 2000; turns != 0; --turns)
-                std::atomic_signal_fence(std::memory_order_seq_cst);
+            const auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 200);
+            while (std::chrono::steady_clock::now() < until) {
+            }
             if (::renameat2(all, kSpare, place.parent, place.name.c_str(), RENAME_EXCHANGE) != 0)
                 ::renameat(all, kSpare, place.parent, place.name.c_str());
         }
