@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "mask_model.h"
+
 namespace {
 
 using IO::eSearchMask;
@@ -129,55 +131,6 @@ TEST(SearchMask, KnowsWhenItMatchesAll) {
     EXPECT_TRUE(eSearchMask(L"*").MatchesAll());
     for (const std::wstring_view mask : {L"", L"*.", L"a*", L"*a", L"?", L"*.*.*", L".*"})
         EXPECT_FALSE(eSearchMask(mask).MatchesAll()) << Shown(mask);
-}
-
-// The system's own procedure, with every alternative tried: the file search turns a mask into an expression with three
-// more operators, "<" (any characters, but not the last dot), ">" (one character; nothing at a dot or the end) and "\""
-// (a dot; nothing at the end), and the file system compares names with that.
-std::wstring SystemExpression(std::wstring_view mask) {
-    if (mask.find_first_of(L"*?") == mask.npos)
-        return std::wstring(mask);
-    std::wstring expression(mask.substr(0, mask.find_last_not_of(L". ") + 1));
-    if (expression == L"*.*")
-        return L"*";
-    for (std::size_t at = 0; at < expression.size(); ++at) {
-        const bool wild = expression[at] == L'?' || expression[at] == L'*';
-        if (expression[at] == L'?')
-            expression[at] = L'>';
-        if (at > 0 && wild && expression[at - 1] == L'.')
-            expression[at - 1] = L'"';
-        if (at > 0 && expression[at] == L'.' && expression[at - 1] == L'*')
-            expression[at - 1] = L'<';
-    }
-    if (mask.ends_with(L'.') && expression.ends_with(L'*'))
-        expression.back() = L'<';
-    return expression;
-}
-
-bool InExpression(std::wstring_view expression, std::wstring_view name) {
-    if (expression.empty())
-        return name.empty();
-    const bool atDot = name.starts_with(L'.');
-    const bool atLastDot = atDot && name.find(L'.', 1) == name.npos;
-    const auto skip = [&] { return InExpression(expression.substr(1), name); };
-    const auto take = [&] { return !name.empty() && InExpression(expression.substr(1), name.substr(1)); };
-    const auto stay = [&] { return !name.empty() && InExpression(expression, name.substr(1)); };
-    switch (expression[0]) {
-    case L'*':
-        return skip() || stay();
-    case L'<':
-        return skip() || (!atLastDot && stay());
-    case L'>':
-        return name.empty() || atDot ? skip() : take();
-    case L'"':
-        return name.empty() ? skip() : atDot && take();
-    default:
-        return name.starts_with(expression[0]) && take();
-    }
-}
-
-bool MatchesInTheSystem(std::wstring_view mask, std::wstring_view name) {
-    return !mask.empty() && InExpression(SystemExpression(mask), name);
 }
 
 // All texts over the letters up to the given length, including the empty one.
