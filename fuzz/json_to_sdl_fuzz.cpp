@@ -1,65 +1,166 @@
+#include <cmath>
 #include <cstddef>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <random>
+#include <cstdlib>
+#include <exception>
 #include <string>
-#include <system_error>
+#include <string_view>
 
+#include <qzl_base/convert.h>
 #include <qzl_base/error.h>
-#include <qzl_io/sdl.h>
+#include <qzl_io/sdl/json_to_sdl.h>
 
-// Any bytes as a JSON document for JsonToSdl: it fails with a warning or writes a file, and that file can be read to
-// its end or to a syntax error (member names have no quotes, so not every document reads back).
+#include "support/json_walker.h"
+
+#include "require.h"
+#include "target.h"
+#include "work_folder.h"
+
+// Any bytes as a JSON document for JsonToSdl: it fails with one warning and leaves the target alone, or the target is
+// the text that the rules give, item by item.
 
 namespace {
 
-// Reads tokens of any kind, up to a character that begins none.
-class eTokens : public eSDLReader {
-public:
-    using eSDLReader::eSDLReader;
+constexpr char kOld[] = "old";
 
-    void ReadAll() {
-        while (Get() && Token().type != sdlError) {
-        }
-    }
-};
-
-// In a new folder with a name that nobody can guess: the temporary folder is everybody's.
 struct eFiles {
     eFiles() {
-        std::random_device random;
-        do
-            folder = std::filesystem::temp_directory_path() / ("qzl_fuzz_" + std::to_string(random()));
-        while (!std::filesystem::create_directory(folder));
-        xError::SetWarningHandler([](const xError::eReport&) {});
+        xError::SetWarningHandler([this](const xError::eReport& report) {
+            warnings += 1;
+            values += report.message.ends_with("truncated to 0") || report.message.ends_with("parsed correctly.");
+        });
     }
-    ~eFiles() {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder, ignored);
+
+    bool Convert(std::string_view json) {
+        warnings = values = 0;
+        folder.Write("in.json", json);
+        folder.Write("out.sdl", kOld);
+        return JsonToSdl(folder.Name("in.json"), folder.Name("out.sdl"));
     }
-    eFiles(const eFiles&) = delete;
-    eFiles& operator=(const eFiles&) = delete;
 
-    eFileName Name(const char* name) const { return (folder / name).generic_string(); }
+    const eWorkFolder folder;
+    int warnings = 0;
+    int values = 0; // warnings about values
+};
 
-    std::filesystem::path folder;
+eFiles& Files() {
+    static eFiles files;
+    return files;
+}
+
+// The text of a document, composed item by item.
+class eSdlText : public eJsonContent {
+public:
+    std::string Finished() {
+        if (lineEnds && !text.empty())
+            EndLine();
+        return text;
+    }
+
+    void BeginObject() override { Enter('o'); }
+    void Name(const std::string& name) override {
+        Item('{' + std::string(name.c_str()));
+        ++depth;
+    }
+    void EndMember() override {
+        --depth;
+        isSpaced = false;
+        Item("}");
+        lineEnds = true;
+    }
+    void EndObject() override { Leave(); }
+    void BeginArray() override { Enter('a'); }
+    void EndArray() override { Leave(); }
+
+    void String(const std::string& string) override {
+        std::string escaped = string.c_str();
+        ConvertEscSequence(&escaped, true);
+        Scalar('"' + escaped + '"');
+    }
+    void Integer(const std::string& digits) override {
+        const double value = std::strtod(digits.c_str(), nullptr);
+        if (value >= -2147483648.0 && value <= 4294967295.0)
+            Scalar(ToString(static_cast<int>(std::stoll(digits)), false));
+        else if (value >= -9223372036854775808.0 && value < 18446744073709551616.0)
+            Scalar("0");
+        else
+            Float(value);
+    }
+    void Float(double value) override {
+        const auto narrowed = static_cast<float>(value);
+        Scalar(ToString(std::isfinite(narrowed) ? narrowed : 0.0f));
+    }
+    void Bool(bool value) override { Scalar(value ? "1" : "0"); }
+    void Null() override { EndValue(); }
+
+private:
+    bool IsElement() const { return !around.empty() && around.back() == 'a'; }
+
+    void EndLine() { text += "\r\n" + std::string(depth, '\t'); }
+
+    void Item(const std::string& item) {
+        if (lineEnds)
+            EndLine();
+        else if (isSpaced)
+            text += ' ';
+        text += item;
+        lineEnds = false;
+        isSpaced = true;
+    }
+
+    void Scalar(const std::string& item) {
+        Item(item);
+        EndValue();
+    }
+    void EndValue() { lineEnds = lineEnds || IsElement(); }
+
+    // A container in an array is a block; one in an object is the content of the member's block.
+    void Enter(char kind) {
+        if (IsElement()) {
+            Item("{");
+            isSpaced = false;
+            ++depth;
+        }
+        lineEnds = lineEnds || !around.empty();
+        around += kind;
+    }
+    void Leave() {
+        around.pop_back();
+        lineEnds = lineEnds || !around.empty();
+        if (IsElement()) {
+            --depth;
+            isSpaced = false;
+            Item("}");
+            lineEnds = true;
+        }
+    }
+
+    std::string text;
+    std::string around; // the kinds of the containers
+    std::size_t depth = 0;
+    bool lineEnds = false;
+    bool isSpaced = false;
 };
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const eFiles files;
-    const eFileName json = files.Name("in.json");
-    const eFileName sdl = files.Name("out.sdl");
-    std::ofstream(json.str(), std::ios::binary)
-        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    if (!JsonToSdl(json, sdl))
-        return 0;
-    try {
-        eTokens(sdl, nullptr).ReadAll();
-    } catch (const xError::eException&) {
-        return 0;
+void Check(std::string_view input) {
+    eFiles& files = Files();
+    if (!files.Convert(input)) {
+        Require(files.warnings == 1 && files.values == 0, "a conversion that fails makes one warning");
+        RequireEqual(files.folder.Read("out.sdl"), std::string(kOld), "the target of a conversion that failed");
+        return;
     }
-    return 0;
+    Require(files.warnings == files.values, "a conversion that succeeds warns of values only");
+    const std::string json = ToString(ToStringW(std::string(input)));
+    eSdlText expected;
+    try {
+        eJsonWalker(json, &expected);
+    } catch (const std::exception&) {
+        return; // the parser takes comments, too
+    }
+    RequireEqual(files.folder.Read("out.sdl"), expected.Finished(), "the converted text");
+}
+
+void Work(std::string_view input) {
+    Files().Convert(input);
 }

@@ -1,17 +1,16 @@
-#include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <iostream>
 #include <string>
 #include <string_view>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_io/sdl.h>
+
+#include "require.h"
+#include "script.h"
+#include "target.h"
 
 // The bytes are a list of calls to a writer; a reader with the same list finds every value again.
 
@@ -21,44 +20,10 @@ eSDLKeyword* words;
 eSDLKeyword itemWord(words, "item", 1);
 eSDLKeyword sizeWord(words, "size", 2);
 
-void Require(bool promise, const char* what) {
-    if (promise)
-        return;
-    std::cerr << "not read back as written: " << what << '\n';
-    std::abort();
+std::string TextIn(eScript& calls) {
+    const std::string text(calls.Text());
+    return text.substr(0, text.find('\0'));
 }
-
-// Splits the bytes into calls.
-class eCalls {
-public:
-    explicit eCalls(std::string_view bytes) : rest(bytes) {}
-
-    bool Next() { return !rest.empty(); }
-
-    std::uint8_t Byte() {
-        if (rest.empty())
-            return 0;
-        const auto byte = static_cast<std::uint8_t>(rest.front());
-        rest.remove_prefix(1);
-        return byte;
-    }
-
-    std::uint32_t Word() {
-        std::uint32_t word = 0;
-        for (int byte = 0; byte < 4; ++byte)
-            word = word << 8 | Byte();
-        return word;
-    }
-
-    std::string Text() {
-        const std::string text(rest.substr(0, Byte()));
-        rest.remove_prefix(std::min(rest.size(), text.size()));
-        return text.substr(0, text.find('\0'));
-    }
-
-private:
-    std::string_view rest;
-};
 
 class eWriting {
 public:
@@ -106,32 +71,37 @@ private:
     eSDLReader reader;
 };
 
+// Lines are as long as they are deep, so blocks are not nested deeper.
+constexpr int kDeepest = 100;
+
 // Makes the calls, and closes blocks that are left open at the end.
 template <class eTarget>
-void Make(eCalls calls, eTarget& target) {
+void Make(eScript calls, eTarget& target) {
     constexpr bool reading = requires {
         target.Finish();
     };
     int depth = 0;
-    while (calls.Next()) {
-        const std::uint8_t call = calls.Byte();
+    while (!calls.IsOver()) {
+        const unsigned call = calls.Byte();
         const int id = call & 0x10 ? 2 : 1;
         switch (call & 0x07) {
         case 0:
-            target.Int(static_cast<int>(calls.Word()), (call & 0x10) != 0);
+            target.Int(static_cast<int>(calls.Number(4)), (call & 0x10) != 0);
             break;
         case 1:
-            target.Float(std::bit_cast<float>(calls.Word()));
+            target.Float(std::bit_cast<float>(static_cast<std::uint32_t>(calls.Number(4))));
             break;
         case 2:
-            target.String(calls.Text());
+            target.String(TextIn(calls));
             break;
         case 3:
-            target.Wide(calls.Text());
+            target.Wide(TextIn(calls));
             break;
         case 4:
-            target.Begin(id, false);
-            ++depth;
+            if (depth < kDeepest) {
+                target.Begin(id, false);
+                ++depth;
+            }
             break;
         case 5:
             if (depth > 0) {
@@ -159,9 +129,9 @@ void Make(eCalls calls, eTarget& target) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void Check(std::string_view input) {
     [[maybe_unused]] static const auto replaced = xError::SetWarningHandler([](const xError::eReport&) {});
-    const eCalls calls(std::string_view(reinterpret_cast<const char*>(data), size));
+    const eScript calls(input);
     IO::eMemoryStream stream;
     {
         eWriting writing(&stream);
@@ -171,5 +141,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     eReading reading(&stream);
     Make(calls, reading);
     reading.Finish();
-    return 0;
+}
+
+void Work(std::string_view input) {
+    IO::eMemoryStream stream;
+    eWriting writing(&stream);
+    Make(eScript(input), writing);
 }

@@ -1,0 +1,45 @@
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "require.h"
+#include "target.h"
+
+// Passes inputs to the target. One input in 4096, chosen by its content so that a finding can be replayed, is also
+// repeated to a megabyte, on which the library may work for a second of the processor; the sanitizers take at least
+// three times as long.
+
+namespace {
+
+constexpr std::size_t kGrownSize = std::size_t{1} << 20;
+constexpr std::size_t kOneIn = 4096;
+constexpr std::clock_t kLongest = 3 * CLOCKS_PER_SEC;
+
+std::string Repeated(std::string_view input) {
+    std::string grown;
+    grown.reserve(kGrownSize + input.size());
+    while (grown.size() < kGrownSize)
+        grown += input;
+    return grown;
+}
+
+void CheckTime(std::string_view input) {
+    const std::string grown = Repeated(input);
+    const std::clock_t begin = std::clock();
+    Work(grown);
+    const std::clock_t taken = std::clock() - begin;
+    Require(taken <= kLongest, "a megabyte takes " + std::to_string(taken * 1000 / CLOCKS_PER_SEC) + " ms");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    Check(input);
+    if (size != 0 && std::hash<std::string_view>()(input) % kOneIn == 0)
+        CheckTime(input);
+    return 0;
+}

@@ -1,0 +1,55 @@
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "platform/pure/search_mask.h"
+
+#include "services/mask_model.h"
+
+#include "require.h"
+#include "script.h"
+#include "target.h"
+
+// The bytes are a name and a search pattern, which are compared as the system compares them.
+
+namespace {
+
+std::wstring Folded(std::wstring text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c; });
+    return text;
+}
+
+// The operators of the system's expressions are not characters of masks or names.
+bool HasOperators(const std::wstring& text) {
+    return text.find_first_of(L"<>\"") != text.npos;
+}
+
+} // namespace
+
+void Check(std::string_view input) {
+    eScript script(input);
+    const std::wstring name = WideText(script.Text());
+    const std::wstring pattern = WideText(script.Rest());
+    const IO::eSearchPattern<wchar_t> parts(pattern);
+    RequireEqual(std::wstring(parts.folder) + std::wstring(parts.mask), pattern, "folder and mask together");
+    Require(parts.mask.find(L'/') == parts.mask.npos, "a mask with a slash");
+    Require(parts.folder.empty() || parts.folder.ends_with(L'/'), "a folder without a slash");
+
+    const IO::eSearchMask mask(parts.mask);
+    const bool matches = mask.Matches(name);
+    if (!HasOperators(pattern) && !HasOperators(name) && !name.empty())
+        Require(matches == MatchesInTheSystem(Folded(std::wstring(parts.mask)), Folded(name)),
+                "the match of " + Shown(parts.mask) + " and " + Shown(name));
+    Require(!mask.MatchesAll() || matches, "a mask that matches all");
+}
+
+// Names have at most 255 characters in file systems. A comparison takes time for each of them and each of the mask's.
+void Work(std::string_view input) {
+    constexpr std::size_t kLongestName = 255, kUsualMask = 16;
+    for (; input.size() > kLongestName + kUsualMask; input.remove_prefix(kLongestName + kUsualMask)) {
+        const std::wstring mask = WideText(input.substr(0, kUsualMask));
+        IO::eSearchMask(mask).Matches(WideText(input.substr(kUsualMask, kLongestName)));
+    }
+}
