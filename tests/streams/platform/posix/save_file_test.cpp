@@ -20,49 +20,14 @@
 
 #include <qzl_io/streams.h>
 
+#include "streams/platform/posix/saved_file.h"
 #include "streams/whole_document.h"
 #include "support/long_tests.h"
 #include "support/platform/posix/as_nobody.h"
 #include "support/platform/posix/fault.h"
 #include "support/platform/posix/open_descriptors.h"
-#include "support/temp_folder.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-class SavedFile : public testing::Test {
-protected:
-    eFileName Name(const std::string& name) const { return eFileName(folder.Name(name)); }
-
-    bool Save(const std::string& name, std::string_view document) const {
-        IO::eSaveFile file(Name(name));
-        file.Write(document.data(), document.size());
-        return file.Commit();
-    }
-
-    std::set<std::string> Entries() const {
-        std::set<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder.Path()))
-            names.insert(entry.path().filename().string());
-        return names;
-    }
-
-    void Clear() const {
-        for (const auto& entry : fs::directory_iterator(folder.Path()))
-            fs::remove_all(entry);
-    }
-
-    struct stat Facts(const std::string& name) const {
-        struct stat facts {};
-        EXPECT_EQ(0, ::lstat(folder.Name(name).c_str(), &facts));
-        return facts;
-    }
-
-    eTempFolder folder;
-};
-
-} // namespace
 
 TEST_F(SavedFile, KeepsItsPermissionsAndItsOwner) {
     for (const mode_t mode : {0600u, 0640u, 0644u, 0755u, 0666u}) {

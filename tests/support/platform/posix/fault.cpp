@@ -115,6 +115,7 @@ WATCHED(int, fchmod, (int file, mode_t mode), file, mode)
 WATCHED(int, fchown, (int file, uid_t user, gid_t group), file, user, group)
 WATCHED(ssize_t, flistxattr, (int file, char* names, std::size_t n), file, names, n)
 WATCHED(ssize_t, fgetxattr, (int file, const char* name, void* value, std::size_t n), file, name, value, n)
+WATCHED(int, fremovexattr, (int file, const char* name), file, name)
 WATCHED(int, fsetxattr, (int file, const char* name, const void* value, std::size_t n, int flags), file, name, value, n,
         flags)
 

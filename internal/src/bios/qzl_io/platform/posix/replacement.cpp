@@ -57,23 +57,19 @@ bool RenameToFree(int folder, const char* from, const char* to) {
     return errno == ENOENT && Uninterrupted([=] { return ::renameat(folder, from, folder, to); }) == 0;
 }
 
-// Empty if the file system has no attributes.
-std::vector<char> AttributeNames(int file) {
-    std::vector<char> names;
-    AskSized(&names, [file](char* list, std::size_t size) { return ::flistxattr(file, list, size); });
-    return names;
-}
-
 bool CopyAttribute(int from, int to, const char* name) {
     std::vector<char> value;
     return AskSized(&value, [=](char* bytes, std::size_t size) { return ::fgetxattr(from, name, bytes, size); }) &&
            Uninterrupted([&] { return ::fsetxattr(to, name, value.data(), value.size(), 0); }) == 0;
 }
 
-// Calls `each` with every name, and returns whether all calls returned true.
+// Calls `each` with the name of every attribute, none if the file system has no attributes. False if the system does
+// not tell the names, or if a call returned false.
 template <class Each>
-bool ForAll(const std::vector<char>& names, Each each) {
-    bool all = true;
+bool ForAttributes(int file, Each each) {
+    std::vector<char> names;
+    bool all = AskSized(&names, [=](char* list, std::size_t size) { return ::flistxattr(file, list, size); }) ||
+               errno == ENOTSUP || errno == ENOSYS;
     for (std::size_t at = 0; at < names.size(); at += std::string_view(names.data() + at).size() + 1)
         all = each(names.data() + at) && all;
     return all;
@@ -147,12 +143,12 @@ bool eReplacement::Resemble(int replaced, const struct stat& facts) {
     if (!owned && Uninterrupted([&] { return ::fchown(Get(), facts.st_uid, facts.st_gid); }) != 0)
         return false;
     // The folder may give its new files rights that the replaced file does not have.
-    const bool plain = ForAll(AttributeNames(Get()), [this](std::string_view attribute) {
+    const bool plain = ForAttributes(Get(), [this](std::string_view attribute) {
         return attribute != kAccessList || Uninterrupted([&] { return ::fremovexattr(Get(), kAccessList); }) == 0;
     });
     if (!plain || Uninterrupted([&] { return ::fchmod(Get(), facts.st_mode & kPermissionBits); }) != 0)
         return false;
-    return ForAll(AttributeNames(replaced), [&](const char* attribute) {
+    return ForAttributes(replaced, [&](const char* attribute) {
         return SpeaksOfContent(attribute) || CopyAttribute(replaced, Get(), attribute) || !SpeaksOfAccess(attribute);
     });
 }
