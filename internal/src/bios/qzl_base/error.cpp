@@ -33,15 +33,14 @@ private:
     std::shared_ptr<const eHandler> handler;
 };
 
-// The slots are never destroyed, since static objects may report while they are destroyed.
-eHandlerSlot& ErrorSlot() {
-    static eHandlerSlot& slot = *new eHandlerSlot;
-    return slot;
-}
+struct eSlots {
+    eHandlerSlot errors, warnings;
+};
 
-eHandlerSlot& WarningSlot() {
-    static eHandlerSlot& slot = *new eHandlerSlot;
-    return slot;
+// Never destroyed, since static objects may report while they are destroyed.
+eSlots& Slots() {
+    static eSlots& slots = *new eSlots;
+    return slots;
 }
 
 [[noreturn]] void ThrowReport(const eReport& report) {
@@ -61,7 +60,7 @@ eReport MakeReport(const char* file, int line, const std::string& message) {
 }
 
 void Raise(const eReport& report) {
-    if (const auto handler = ErrorSlot().Current())
+    if (const auto handler = Slots().errors.Current())
         (*handler)(report);
     else
         ThrowReport(report);
@@ -85,11 +84,11 @@ const eReport& eException::Report() const noexcept {
 }
 
 eHandler SetErrorHandler(eHandler handler) {
-    return ErrorSlot().Exchange(std::move(handler));
+    return Slots().errors.Exchange(std::move(handler));
 }
 
 eHandler SetWarningHandler(eHandler handler) {
-    return WarningSlot().Exchange(std::move(handler));
+    return Slots().warnings.Exchange(std::move(handler));
 }
 
 void Error(const char* file, int line, const std::string& message, bool) {
@@ -108,7 +107,7 @@ void Fatal(const char* file, int line, const std::string& message) {
 
 void Warning(const char* file, int line, const std::string& message, int) {
     const eReport report = MakeReport(file, line, message);
-    if (const auto handler = WarningSlot().Current())
+    if (const auto handler = Slots().warnings.Current())
         (*handler)(report);
     else
         PrintReport(report);

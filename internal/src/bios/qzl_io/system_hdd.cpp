@@ -20,6 +20,17 @@ constexpr int kNoSerialLine = 92;
 
 constexpr int kWindows1252 = 1252;
 
+struct eSerial {
+    eCachedText<char> text;
+    eCachedText<wchar_t> textW;
+};
+
+// Never destroyed, since destructors of an application's static objects may ask for it, too.
+eSerial& Serial() {
+    static eSerial& serial = *new eSerial;
+    return serial;
+}
+
 std::string AskSerial() {
     std::string serial;
     const unsigned int failure = Platform::AskDiskSerial(&serial);
@@ -33,13 +44,11 @@ std::string AskSerial() {
 } // namespace
 
 const std::string& HDDSerialNumber() {
-    static eCachedText<char>& serial = *new eCachedText<char>;
-    return serial.Get(AskSerial);
+    return Serial().text.Get(AskSerial);
 }
 
 const std::wstring& HDDSerialNumberW() {
-    static eCachedText<wchar_t>& serial = *new eCachedText<wchar_t>;
-    return serial.Get([] { return StringToWideChar(AskSerial(), kWindows1252); });
+    return Serial().textW.Get([] { return StringToWideChar(AskSerial(), kWindows1252); });
 }
 
 } // namespace IO::System

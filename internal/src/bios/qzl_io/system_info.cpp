@@ -13,6 +13,17 @@ namespace IO::System {
 
 namespace {
 
+struct eFacts {
+    eCachedText<char> machineName, userName, productId, version;
+    eCachedText<wchar_t> machineNameW, userNameW, productIdW, versionW;
+};
+
+// Never destroyed, since destructors of an application's static objects may ask for facts, too.
+eFacts& Facts() {
+    static eFacts& facts = *new eFacts;
+    return facts;
+}
+
 template <class Char>
 std::basic_string<Char> LowerCased(std::basic_string<Char> text) {
     Platform::LowerCase(&text);
@@ -40,43 +51,35 @@ const xCollectors::xGlobal::eGlobalFunctionRegistrator fillNames("app", &FillNam
 } // namespace
 
 const std::string& MachineName() {
-    static eCachedText<char>& name = *new eCachedText<char>;
-    return name.Get([] { return LowerCased(Platform::ComputerName<char>()); });
+    return Facts().machineName.Get([] { return LowerCased(Platform::ComputerName<char>()); });
 }
 
 const std::wstring& MachineNameW() {
-    static eCachedText<wchar_t>& name = *new eCachedText<wchar_t>;
-    return name.Get([] { return LowerCased(Platform::ComputerName<wchar_t>()); });
+    return Facts().machineNameW.Get([] { return LowerCased(Platform::ComputerName<wchar_t>()); });
 }
 
 const std::string& UserName() {
-    static eCachedText<char>& name = *new eCachedText<char>;
-    return name.Get([] { return LowerCased(Platform::AccountName<char>()); });
+    return Facts().userName.Get([] { return LowerCased(Platform::AccountName<char>()); });
 }
 
 const std::wstring& UserNameW() {
-    static eCachedText<wchar_t>& name = *new eCachedText<wchar_t>;
-    return name.Get([] { return LowerCased(Platform::AccountName<wchar_t>()); });
+    return Facts().userNameW.Get([] { return LowerCased(Platform::AccountName<wchar_t>()); });
 }
 
 const std::string& ProductId() {
-    static eCachedText<char>& id = *new eCachedText<char>;
-    return id.Get(AskProductId<char>);
+    return Facts().productId.Get(AskProductId<char>);
 }
 
 const std::wstring& ProductIdW() {
-    static eCachedText<wchar_t>& id = *new eCachedText<wchar_t>;
-    return id.Get(AskProductId<wchar_t>);
+    return Facts().productIdW.Get(AskProductId<wchar_t>);
 }
 
 const std::string& WindowsVersion() {
-    static eCachedText<char>& name = *new eCachedText<char>;
-    return name.Get(AskVersionName);
+    return Facts().version.Get(AskVersionName);
 }
 
 const std::wstring& WindowsVersionW() {
-    static eCachedText<wchar_t>& name = *new eCachedText<wchar_t>;
-    return name.Get([] { return ToStringW(AskVersionName()); });
+    return Facts().versionW.Get([] { return ToStringW(AskVersionName()); });
 }
 
 } // namespace IO::System

@@ -7,9 +7,7 @@
 
 namespace IO::System {
 
-// A text that is queried once. Invariant: once `filled` is set, the text is not empty and never changes. Texts that
-// last as long as the process are never destroyed, since destructors of an application's static objects may ask for
-// them, too.
+// A text that is queried once. Invariant: once `filled` is set, the text is not empty and never changes.
 template <class Char>
 class eCachedText {
 public:
@@ -17,7 +15,6 @@ public:
     // first result that is not empty is kept. An empty result returns a separate text, which stays empty.
     template <class Ask>
     const std::basic_string<Char>& Get(Ask ask) {
-        static const auto& none = *new std::basic_string<Char>;
         if (!filled.load(std::memory_order_acquire))
             Keep(ask());
         return filled.load(std::memory_order_acquire) ? text : none;
@@ -35,6 +32,7 @@ private:
     std::mutex filling;
     std::atomic<bool> filled = false;
     std::basic_string<Char> text;
+    const std::basic_string<Char> none;
 };
 
 } // namespace IO::System
