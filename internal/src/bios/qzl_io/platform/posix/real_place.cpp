@@ -35,6 +35,7 @@ std::optional<eRealPlace> RealPlace(ePlace place) {
             return {};
         real.name.assign(text.data(), static_cast<std::size_t>(length));
     }
+    errno = ELOOP;
     return {};
 }
 
