@@ -123,10 +123,10 @@ void Check(std::string_view input) {
 void Work(std::string_view input) {
     eOpenReader reader{std::string(input)};
     reader.PushKeywords(readerWords);
-    for (bool more = true; more;)
-        try {
-            more = reader.Get() && reader.Token().type != sdlError;
-        } catch (const xError::eException&) {
-            // An arithmetic block that is not complete.
+    try {
+        while (reader.Get() && reader.Token().type != sdlError) {
         }
+    } catch (const xError::eException&) {
+        // An arithmetic block that is not complete.
+    }
 }

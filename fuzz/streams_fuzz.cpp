@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <qzl_base/error.h>
@@ -55,12 +56,20 @@ void RunThrowing(const eOperation& operation) {
     Reporting().throwing = false;
 }
 
-// A stream, its twin whose reports throw, their model, and the stored contents of both streams.
+// A stream of the given class as a copy or, if it is moved, as itself in another place.
+template <class eClass>
+std::unique_ptr<IO::eStream> AnotherOf(IO::eStream& stream, bool moved) {
+    auto& original = static_cast<eClass&>(stream);
+    return moved ? std::make_unique<eClass>(std::move(original)) : std::make_unique<eClass>(original);
+}
+
+// A stream, its twin whose reports throw, their model, and what their class does.
 struct eTrio {
     std::unique_ptr<IO::eStream> stream;
     std::unique_ptr<IO::eStream> twin;
     std::unique_ptr<ePlainStream> plain;
     std::string (*stored)(const IO::eStream& stream, bool ofTwin) = nullptr;
+    std::unique_ptr<IO::eStream> (*another)(IO::eStream& stream, bool moved) = nullptr;
     std::unique_ptr<std::string> bytes = {}; // of views
     std::unique_ptr<std::string> twinBytes = {};
 };
@@ -78,7 +87,7 @@ eTrio MemoryTrio(eScript& script) {
     const unsigned long long size = 1 + script.Below(48);
     const unsigned long long growth = script.Below(3) == 0 ? 1 + script.Below(50) : 0;
     return {std::make_unique<IO::eMemoryStream>(size, growth), std::make_unique<IO::eMemoryStream>(size, growth),
-            std::make_unique<ePlainMemory>(size, growth), StoredInMemory};
+            std::make_unique<ePlainMemory>(size, growth), StoredInMemory, AnotherOf<IO::eMemoryStream>};
 }
 
 eTrio ViewTrio(eScript& script) {
@@ -91,8 +100,13 @@ eTrio ViewTrio(eScript& script) {
         return std::make_unique<IO::eBufferStream>(reinterpret_cast<const unsigned char*>(of.data()), of.size(), used);
     };
     auto stream = view(*bytes), twin = view(*twinBytes);
-    return {std::move(stream), std::move(twin),  std::make_unique<ePlainView>(text, used),
-            AllOfView,         std::move(bytes), std::move(twinBytes)};
+    return {std::move(stream),
+            std::move(twin),
+            std::make_unique<ePlainView>(text, used),
+            AllOfView,
+            AnotherOf<IO::eBufferStream>,
+            std::move(bytes),
+            std::move(twinBytes)};
 }
 
 const eWorkFolder& WorkFolder() {
@@ -113,7 +127,8 @@ eTrio FileTrio(eScript& script) {
     stream->Open(name, mode);
     twin->Open(twinName, mode);
     return {std::move(stream), std::move(twin), std::make_unique<ePlainFile>(name, content, mode),
-            [](const IO::eStream&, bool ofTwin) { return WorkFolder().Read(ofTwin ? "twin" : "file"); }};
+            [](const IO::eStream&, bool ofTwin) { return WorkFolder().Read(ofTwin ? "twin" : "file"); },
+            AnotherOf<IO::eFileStream>};
 }
 
 eTrio TrioOf(eScript& script) {
@@ -136,8 +151,8 @@ public:
         : trio(streams),
           plain(*streams.plain),
           script(source),
-          memory(dynamic_cast<IO::eMemoryStream*>(streams.stream.get())),
-          file(dynamic_cast<IO::eFileStreamBase*>(streams.stream.get())) {}
+          memory(dynamic_cast<IO::eMemoryStream*>(streams.stream.get()) != nullptr),
+          file(dynamic_cast<IO::eFileStreamBase*>(streams.stream.get()) != nullptr) {}
 
     void Run() {
         constexpr int kMostSteps = 200;
@@ -439,13 +454,27 @@ private:
         CompareStored();
     }
 
+    // Goes on with a copy of each stream, or with the streams in another place. The originals live until the end or are
+    // destroyed at once.
+    void Exchange() {
+        const bool moved = script.Flag(), kept = script.Flag() && originals.size() < kMostOriginals;
+        for (std::unique_ptr<IO::eStream>* stream : {&trio.stream, &trio.twin}) {
+            std::unique_ptr<IO::eStream> another = trio.another(**stream, moved);
+            std::swap(*stream, another);
+            if (kept)
+                originals.push_back(std::move(another));
+        }
+    }
+
+    static constexpr std::size_t kMostOriginals = 8;
+
     eTrio& trio;
     ePlainStream& plain;
     eScript& script;
-    IO::eMemoryStream* memory; // null for others
-    IO::eFileStreamBase* file; // null for others
-    std::size_t reported = 0;  // by the model, before the operation
+    const bool memory, file;
+    std::size_t reported = 0; // by the model, before the operation
     bool strayed = false;
+    std::vector<std::unique_ptr<IO::eStream>> originals;
     const char* what = ""; // the operation
 };
 
@@ -477,6 +506,7 @@ std::span<const eComparison::eOperation> eComparison::Operations() {
         {"GetLine of a file", false, &eComparison::GetFileLine},
         {"ResizeBuffer", false, &eComparison::Resize},
         {"ShiftLeft", false, &eComparison::ShiftLeft},
+        {"a copy", false, &eComparison::Exchange},
     };
     return operations;
 }
