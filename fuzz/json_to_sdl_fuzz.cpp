@@ -161,6 +161,9 @@ void Check(std::string_view input) {
     RequireEqual(files.folder.Read("out.sdl"), expected.Finished(), "the converted text");
 }
 
+// The input as a document, and as the elements of an array with a name as long as the input.
 void Work(std::string_view input) {
     Files().Convert(input);
+    std::string name(input.size(), 'n');
+    Files().Convert("{\"" + name + "\":[" + std::string(input) + "1]}");
 }

@@ -154,6 +154,28 @@ TEST_F(JsonToSdlTest, TellsThePlaceOfANumberThatItWarnsOf) {
     EXPECT_THAT(contexts, testing::ElementsAre(title + "/1/a b/1/id\n", title + "/1/a b/2\n", title + "/2\n"));
 }
 
+// Otherwise a document of a megabyte, half of it a name, half of it numbers, would take seconds.
+TEST_F(JsonToSdlTest, ShowsTheFirstHundredBytesOfALongNameInAWarning) {
+    const std::string shown(100, 'n'), euro = "\xE2\x82\xAC";
+    const struct {
+        std::string name, place;
+    } rows[] = {
+        {shown, shown},
+        {shown + "n", shown + "..."},
+        {shown + std::string(100'000, 'n'), shown + "..."},
+        {shown.substr(3) + euro, shown.substr(3) + euro},
+        {shown.substr(3) + euro + "n", shown.substr(3) + euro + "..."},
+        {shown.substr(1) + euro, shown.substr(1) + "..."},
+        {shown.substr(2) + euro, shown.substr(2) + "..."},
+    };
+    for (const auto& row : rows) {
+        reports.Clear();
+        EXPECT_TRUE(Convert("{\"" + row.name + "\":[4294967296]}"));
+        ASSERT_EQ(reports.warnings().size(), 1U);
+        EXPECT_TRUE(reports.warnings()[0].context.ends_with(", /" + row.place + "/0\n")) << row.place;
+    }
+}
+
 TEST_F(JsonToSdlTest, WarnsOfNumbersBeyondTheFloatsAndGoesOn) {
     const eCase rows[] = {{"1e400", "inf"}, {"-1e400", "-inf"}, {"1e39", "inf"}, {"3.5e38", "inf"}};
     for (const eCase& row : rows) {

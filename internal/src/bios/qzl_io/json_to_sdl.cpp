@@ -33,6 +33,18 @@ constexpr int kWalkingLine = 80;
 constexpr int kWritingLine = 100;
 } // namespace ConversionReport
 
+// The beginning of a name, as warnings show it. A document may cause as many warnings as it has values, so they must
+// not grow with its names.
+std::string ShownName(std::string_view name) {
+    constexpr std::size_t kMost = 100;
+    if (name.size() <= kMost)
+        return std::string(name);
+    std::size_t end = kMost;
+    while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) // within a character
+        --end;
+    return std::string(name.substr(0, end)) + "...";
+}
+
 // The containers around the value that is being converted; the document itself is the first.
 class eJsonPlace {
 public:
@@ -61,7 +73,7 @@ private:
         std::string_view name; // of an object's current member
         std::size_t index;     // of an array's current element
 
-        std::string Step() const { return kind == eKind::Array ? std::to_string(index) : std::string(name); }
+        std::string Step() const { return kind == eKind::Array ? std::to_string(index) : ShownName(name); }
     };
 
     std::vector<eContainer> around;
