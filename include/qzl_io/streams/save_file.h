@@ -66,6 +66,7 @@ private:
     using eFileStreamBase::Open;
 
     eSaveFile(std::unique_ptr<eSave> begun, eSaveEnd end);
+    void Abandon();
 
     std::unique_ptr<eSave> save;
     eSaveEnd saveEnd;

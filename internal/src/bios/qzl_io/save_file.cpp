@@ -37,13 +37,22 @@ eSaveFile::eSaveFile(const eFileNameW& target, eSaveEnd end)
 eSaveFile::eSaveFile(std::unique_ptr<eSave> begun, eSaveEnd end) : save(std::move(begun)), saveEnd(end) {
     if (!save->file)
         failure = FailureText("\"" + save->name + "\" cannot be saved");
-    Open(kMode);
+    try {
+        Open(kMode);
+    } catch (...) {
+        Abandon();
+        throw;
+    }
     if (IsOpen())
         Enable(StreamMode::Errors);
 }
 
-// The document is of no use any more: its last bytes need not be written.
 eSaveFile::~eSaveFile() {
+    Abandon();
+}
+
+// The document is of no use any more: its last bytes need not be written. The file is closed before it is removed.
+void eSaveFile::Abandon() {
     Disable(StreamMode::Write | StreamMode::Modified);
     Close();
 }
@@ -59,12 +68,11 @@ bool eSaveFile::Commit() {
         handle.Leave();
         saved = file->TakePlace(written, saveEnd == eSaveEnd::OnDisk);
     }
+    Abandon();
     if (!saved)
         failure = FailureText("\"" + save->name + "\" was not saved");
     if (!file->Kept().empty())
         failure += " The document is in \"" + file->Kept() + "\".";
-    Disable(StreamMode::Write | StreamMode::Modified);
-    Close();
     return saved;
 }
 

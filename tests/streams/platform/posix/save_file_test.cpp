@@ -389,6 +389,18 @@ TEST_F(SaveFault, AFileWithTwoNamesIsWholeOrItsDocumentIsKept) {
         }
 }
 
+TEST_F(SaveFault, WhatCannotBeKeptUnderALastingNameIsNotWrittenInPlace) {
+    folder.Write("file", "old");
+    fs::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    const eFault fault("renameat2", EIO);
+    IO::eSaveFile file(Name("file"));
+    file << 'n';
+    EXPECT_FALSE(file.Commit());
+    EXPECT_EQ("old", folder.Read("other"));
+    EXPECT_EQ("n", folder.Read(".file.saving"));
+    EXPECT_NE(std::string::npos, file.Failure().find("/.file.saving\".")) << file.Failure();
+}
+
 // The document that is given up is never put over another one, whether or not the file system can tell by itself.
 TEST_F(SaveFault, DocumentsThatAreKeptHaveNamesOfTheirOwn) {
     for (const int error : {0, EINVAL, ENOSYS}) {

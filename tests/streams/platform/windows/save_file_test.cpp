@@ -208,6 +208,28 @@ TEST_F(RefusedReplacement, IsGivenUpAtOnceForWhatDoesNotPass) {
     }
 }
 
+namespace {
+
+BOOL WINAPI RefuseToRename(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    if (flags != 0)
+        return systemsMove(from, to, flags);
+    ::SetLastError(ERROR_GEN_FAILURE);
+    return FALSE;
+}
+
+} // namespace
+
+TEST_F(SavedFile, WhatCannotBeKeptUnderALastingNameIsNotWrittenInPlace) {
+    folder.Write("file", "old");
+    fs::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    const eReplacedCall renaming("qzl_io.dll", "MoveFileExW", &RefuseToRename, &systemsMove);
+    std::string failure;
+    EXPECT_FALSE(Save("file", "new", &failure));
+    EXPECT_EQ("old", folder.Read("other"));
+    EXPECT_EQ("new", folder.Read(".file.saving"));
+    EXPECT_NE(std::string::npos, failure.find("/.file.saving\".")) << failure;
+}
+
 // --- Programs that end in the middle ---
 
 namespace {

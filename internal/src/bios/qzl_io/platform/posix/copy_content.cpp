@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <memory>
+#include <new>
 
 #include <sys/sendfile.h>
 #include <unistd.h>
@@ -35,7 +36,11 @@ bool WriteAll(int target, const char* bytes, std::size_t count) {
 
 long long PlainStep(int source, int target, std::size_t limit) {
     const std::size_t most = limit < kPlainStep ? limit : kPlainStep;
-    const auto buffer = std::make_unique_for_overwrite<char[]>(most);
+    const std::unique_ptr<char[]> buffer(new (std::nothrow) char[most]);
+    if (!buffer) {
+        errno = ENOMEM;
+        return -1;
+    }
     const ssize_t count = Uninterrupted([&] { return ::read(source, buffer.get(), most); });
     if (count > 0 && !WriteAll(target, buffer.get(), static_cast<std::size_t>(count)))
         return -1;

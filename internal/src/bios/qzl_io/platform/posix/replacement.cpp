@@ -165,20 +165,21 @@ bool eReplacement::TakePlace() {
     return true;
 }
 
-const std::string& eReplacement::Keep() {
+bool eReplacement::Keep() {
     constexpr unsigned kMostTries = 1000;
     const int folder = place.folder.Get();
-    pending = false;
     for (unsigned number = 0; number < kMostTries; ++number) {
-        const std::string kept = System::BesideName("", place.name, ".unsaved", number);
+        std::string kept = System::BesideName("", place.name, ".unsaved", number);
         if (RenameToFree(folder, name.c_str(), kept.c_str())) {
-            name = kept;
-            break;
+            pending = false;
+            name.swap(kept);
+            return true;
         }
         if (errno != EEXIST)
             break;
     }
-    return name;
+    pending = false;
+    return false;
 }
 
 } // namespace IO::Platform

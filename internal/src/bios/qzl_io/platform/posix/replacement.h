@@ -27,6 +27,7 @@ public:
 
     bool IsOpen() const { return file.IsOpen(); }
     int Get() const { return file.Get(); }
+    const std::string& Name() const { return name; }
 
     // Copies owner, permissions and attributes of the file that is to be replaced. False if any of those that control
     // access could not be copied.
@@ -36,8 +37,8 @@ public:
     bool TakePlace();
 
     // Keeps the file under a name that no replacement removes: the target's with ".unsaved" after it, and a number if
-    // that exists. Returns the name, which is the old one if the system refuses.
-    const std::string& Keep();
+    // that exists. False, with errno, if the system refuses; the file then stays under its temporary name.
+    bool Keep();
     // Removes the file, kept or not.
     void Discard();
 

@@ -85,21 +85,28 @@ private:
     }
 
     bool KeepRefused(int error) {
-        kept = FolderName() + beside.Keep();
+        Keep();
         return Refused(error);
     }
 
     // While the target is neither the old document nor the new one, the document has a name that no save removes.
     bool WriteInPlace(bool toDisk) {
-        const std::string lasting = beside.Keep();
-        const bool isKept = !toDisk || SyncFolder(place, beside.Get());
+        const bool isKept = Keep() && (!toDisk || SyncFolder(place, beside.Get()));
         if (isKept && CopyInto(existing.Get()) && (!toDisk || Sync(existing.Get())) && existing.Close()) {
             beside.Discard();
+            kept.clear();
             return true;
         }
-        const int refusal = errno;
-        kept = FolderName() + lasting;
-        return Refused(refusal);
+        return Refused(errno);
+    }
+
+    // The room for the name comes before the renaming, so that no file is kept that is not told of.
+    bool Keep() {
+        kept = FolderName();
+        kept.reserve(kept.size() + NAME_MAX);
+        const bool lasts = beside.Keep();
+        kept += beside.Name();
+        return lasts;
     }
 
     // The target's folder with a slash after it; empty if the system does not tell it.
@@ -141,8 +148,9 @@ std::unique_ptr<eSavedFile> BeginBeside(const char* target, eDescriptor existing
 }
 
 std::unique_ptr<eSavedFile> BeginAtOnce(const char* target, int* handle) {
+    auto saved = std::make_unique<eWrittenAtOnce>();
     *handle = OpenFile(target, kOpenCreate);
-    return *handle == -1 ? nullptr : std::make_unique<eWrittenAtOnce>();
+    return *handle == -1 ? nullptr : std::move(saved);
 }
 
 std::unique_ptr<eSavedFile> BeginOnce(const char* target, int* handle) {
@@ -187,8 +195,8 @@ bool PrepareSave(const Char* target) {
     const bool told = AskFacts(handle, &facts);
     CloseFile(handle);
     const auto place = told ? RealPlace({AT_FDCWD, name.c_str()}) : std::nullopt;
-    const bool takesFiles =
-        place && (!S_ISREG(facts.st_mode) || ::faccessat(place->folder.Get(), ".", W_OK | X_OK, AT_EACCESS) == 0);
+    const auto ask = [&] { return ::faccessat(place->folder.Get(), ".", W_OK | X_OK, AT_EACCESS); };
+    const bool takesFiles = place && (!S_ISREG(facts.st_mode) || Uninterrupted(ask) == 0);
     return takesFiles || Refused(errno);
 }
 

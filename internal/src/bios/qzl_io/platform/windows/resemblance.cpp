@@ -2,12 +2,12 @@
 
 #include <memory>
 #include <string_view>
-#include <vector>
 
 #include <windows.h>
 
 #include <aclapi.h>
 
+#include "platform/windows/copied_bytes.h"
 #include "platform/windows/failure.h"
 #include "platform/windows/owned_handle.h"
 
@@ -46,18 +46,12 @@ bool TakeRights(std::wstring from, std::wstring to) {
 }
 
 bool CopyStream(const std::wstring& from, const std::wstring& to) {
-    constexpr DWORD kStep = 64 << 10;
     const eOpenHandle source(::CreateFileW(from.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
     const eOpenHandle target(
         ::CreateFileW(to.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr));
     if (!source.IsOpen() || !target.IsOpen())
         return Refused(::GetLastError());
-    std::vector<char> piece(kStep);
-    for (DWORD arrived = 1, written = 0; arrived != 0;)
-        if (!::ReadFile(source.Get(), piece.data(), kStep, &arrived, nullptr) ||
-            !::WriteFile(target.Get(), piece.data(), arrived, &written, nullptr))
-            return Refused(::GetLastError());
-    return true;
+    return CopyBytes(source.Get(), target.Get());
 }
 
 // On a volume without streams the search finds nothing.

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <utility>
-#include <vector>
 
 #include <windows.h>
 
@@ -18,6 +18,7 @@
 #include "platform/pure/beside_name.h"
 #include "platform/pure/patience.h"
 #include "platform/unattended.h"
+#include "platform/windows/copied_bytes.h"
 #include "platform/windows/failure.h"
 #include "platform/windows/file_numbers.h"
 #include "platform/windows/native_name.h"
@@ -82,6 +83,18 @@ std::string ShownName(std::wstring name) {
     return ToString(name);
 }
 
+struct eRunTimeHandle {
+    explicit eRunTimeHandle(int opened) : handle(opened) {}
+    ~eRunTimeHandle() {
+        if (handle != -1)
+            CloseFile(handle);
+    }
+    eRunTimeHandle(const eRunTimeHandle&) = delete;
+    eRunTimeHandle& operator=(const eRunTimeHandle&) = delete;
+
+    const int handle;
+};
+
 // A device or a pipe.
 class eWrittenAtOnce : public eSavedFile {
 public:
@@ -110,7 +123,7 @@ public:
 
     ~eWrittenBeside() override {
         if (pending)
-            ::DeleteFileW(beside.c_str());
+            Remove();
     }
 
     // -1 where the folder takes no new file.
@@ -142,7 +155,7 @@ public:
         if (!inOneStep)
             return WriteInPlace(toDisk);
         if (!Insist(place.Full(), [&] { return Move(toDisk); })) {
-            Keep();
+            KeepRefused();
             return false;
         }
         pending = false;
@@ -180,48 +193,63 @@ private:
         return ::MoveFileExW(beside.c_str(), place.Full().c_str(), flags);
     }
 
-    // Renames the temporary file to a name that no save removes.
-    void Keep() {
-        pending = false;
-        for (unsigned number = 0; number < kMostTries; ++number) {
-            const std::wstring lasting = place.Beside(L"", L".unsaved", number);
-            if (::MoveFileExW(beside.c_str(), lasting.c_str(), 0)) {
-                beside = lasting;
-                break;
-            }
-            if (::GetLastError() != ERROR_ALREADY_EXISTS && ::GetLastError() != ERROR_FILE_EXISTS)
-                break;
-        }
+    // Tries twice, since nobody else would remove the file soon.
+    void Remove() const {
+        if (!::DeleteFileW(beside.c_str()))
+            ::DeleteFileW(beside.c_str());
+    }
+
+    // Gives the temporary file a name that no save removes. False, with the reason noted, if the system refuses; it
+    // then stays where it is. Whatever takes memory comes before the renaming, so that no file is kept that is not told
+    // of.
+    bool Keep() {
         kept = ShownName(beside);
+        DWORD error = ERROR_FILE_EXISTS;
+        for (unsigned number = 0; number < kMostTries && IsThereAlready(error); ++number) {
+            std::wstring lasting = place.Beside(L"", L".unsaved", number);
+            std::string shown = ShownName(lasting);
+            if (::MoveFileExW(beside.c_str(), lasting.c_str(), 0)) {
+                pending = false;
+                beside.swap(lasting);
+                kept.swap(shown);
+                return true;
+            }
+            error = ::GetLastError();
+        }
+        pending = false;
+        return Refused(error);
+    }
+
+    static bool IsThereAlready(DWORD error) { return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS; }
+
+    // The reason why the document was not put in place is the one to be told.
+    void KeepRefused() {
+        const unsigned long reason = lastFailure;
+        Keep();
+        Refused(reason);
     }
 
     // While the target is neither the old document nor the new one, the document has a name that no save removes.
     bool WriteInPlace(bool toDisk) {
-        Keep();
+        const std::wstring name = place.Full();
         eOpenHandle target;
         const auto open = [&] {
-            target = Open(place.Full(), GENERIC_WRITE, kShareAll, OPEN_EXISTING);
+            target = Open(name, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
             return target.IsOpen();
         };
-        if (!Insist(place.Full(), open) || !CopyInto(target.Get(), toDisk))
+        if (!Keep() || !Insist(name, open) || !CopyInto(target.Get(), toDisk))
             return false;
-        ::DeleteFileW(beside.c_str());
+        Remove();
         kept.clear();
         return true;
     }
 
     bool CopyInto(HANDLE target, bool toDisk) const {
-        constexpr DWORD kStep = 1 << 20;
         const eOpenHandle source = Open(beside, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
-        std::vector<char> piece(kStep);
-        for (DWORD arrived = 1, written = 0; arrived != 0;) {
-            if (!::ReadFile(source.Get(), piece.data(), kStep, &arrived, nullptr) ||
-                !::WriteFile(target, piece.data(), arrived, &written, nullptr))
-                return Refused(::GetLastError());
-            if (written != arrived)
-                return Refused(ERROR_DISK_FULL);
-        }
-        return (::SetEndOfFile(target) && (!toDisk || ::FlushFileBuffers(target))) || Refused(::GetLastError());
+        if (!source.IsOpen())
+            return Refused(::GetLastError());
+        return CopyBytes(source.Get(), target) &&
+               ((::SetEndOfFile(target) && (!toDisk || ::FlushFileBuffers(target))) || Refused(::GetLastError()));
     }
 
     ePlace place;
@@ -288,18 +316,22 @@ std::unique_ptr<eSavedFile> BeginSave(const Char* target, int* handle) {
     if (!IsDevice(existing))
         return BeginExisting(target, existing, handle);
     existing.Close();
+    auto saved = std::make_unique<eWrittenAtOnce>();
     *handle = OpenFile(target, kOpenCreate);
-    return *handle == -1 ? nullptr : std::make_unique<eWrittenAtOnce>();
+    return *handle == -1 ? nullptr : std::move(saved);
 }
 
 template <class Char>
 bool PrepareSave(const Char* target) {
-    const int handle = OpenFile(target, kOpenWrite);
-    if (handle == -1)
-        return false;
-    const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(handle));
-    const std::wstring told = ::GetFileType(file) == FILE_TYPE_DISK ? FinalName(file) : std::wstring();
-    CloseFile(handle);
+    std::wstring told;
+    {
+        const eRunTimeHandle opened{OpenFile(target, kOpenWrite)};
+        if (opened.handle == -1)
+            return false;
+        const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(opened.handle));
+        if (::GetFileType(file) == FILE_TYPE_DISK)
+            told = FinalName(file);
+    }
     const auto mayAddFile = [&] {
         return Open(ePlace(told).folder, FILE_ADD_FILE, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS).IsOpen();
     };
