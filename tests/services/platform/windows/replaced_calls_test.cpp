@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -6,6 +7,8 @@
 #include <vector>
 
 #include <windows.h>
+
+#include <io.h>
 
 #include <gtest/gtest.h>
 
@@ -497,6 +500,18 @@ TEST_F(BusySystem, CopyExLooksAtTheFlagWheneverTheSystemReportsProgress) {
     EXPECT_FALSE(theStopped.hasFlag);
     EXPECT_EQ(DWORD{PROGRESS_CONTINUE}, theStopped.beforehand);
     EXPECT_EQ(DWORD{PROGRESS_CANCEL}, theStopped.afterwards);
+}
+
+decltype(&::_filelengthi64) systemsLength;
+long long __cdecl NoLength(int) {
+    errno = EIO;
+    return -1;
+}
+
+TEST_F(BusySystem, AFileWhoseLengthTheSystemDoesNotTellHasNone) {
+    const eReplacedCall asking(kLibrary, "_filelengthi64", &NoLength, &systemsLength);
+    MakeFile("file", "content");
+    EXPECT_EQ(0u, IO::System::FileW::Size(Named("file")));
 }
 
 } // namespace

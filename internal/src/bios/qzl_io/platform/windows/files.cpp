@@ -61,7 +61,7 @@ unsigned long long FileSize(const Char* name) {
         return 0;
     const long long length = ::_filelengthi64(file);
     ::_close(file);
-    return static_cast<unsigned long long>(length);
+    return length > 0 ? static_cast<unsigned long long>(length) : 0;
 }
 
 template bool MayAccess(const char*, int);
