@@ -180,7 +180,7 @@ private:
 
     void Start(std::unique_ptr<eTarget> target);
     void Release();
-    void CloseQuietly();
+    void CloseQuietly() noexcept;
     const char* KeywordName(int id) const;
 
     std::shared_ptr<eDocument> document;

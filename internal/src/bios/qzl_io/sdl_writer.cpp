@@ -427,10 +427,10 @@ void eSDLWriter::Close() {
         closing.target->Take(*closing.text, cipher, saveEnd);
 }
 
-void eSDLWriter::CloseQuietly() {
-    const eDocument closing = std::exchange(*document, eDocument());
-    if (closing.target)
-        closing.target->TakeQuietly(*closing.text, cipher);
+// The document is about to be released. Closing it as Close does would take memory, and nothing may be thrown here.
+void eSDLWriter::CloseQuietly() noexcept {
+    if (document->target)
+        document->target->TakeQuietly(*document->text, cipher);
 }
 
 // --- eSDLWriter: items ---

@@ -6,13 +6,11 @@
 #include <string>
 #include <vector>
 
-// Failures of the system on demand. The test program defines the system functions that the libraries call, and these
-// definitions take precedence over the system's. They pass on every call except those that an eFault of the calling
-// thread takes.
+#include "support/platform/posix/watched_calls.h"
 
 // During its lifetime, counts this thread's calls of a function and makes some of them fail. A failing call is not
 // passed on, but a failing close still closes. If several exist, only the latest is in effect.
-class eFault {
+class eFault : private eCallWatcher {
 public:
     static constexpr int kAlways = std::numeric_limits<int>::max();
 
@@ -37,10 +35,8 @@ public:
     // does; a test then says that it is skipped.
     static bool ReachesLibraries();
 
-    // For the functions that replace the system's.
-    static bool Takes(const char* function);
-
 private:
+    bool Takes(eWatchedCall& call) override;
     bool Counts(const char* function);
 
     const std::string watched;
@@ -48,7 +44,7 @@ private:
     const int firstCall = 0;
     const int lastCall = 0;
     const std::function<void()> action;
-    eFault* const previous;
+    eCallWatcher* const previous;
     int calls = 0;
     bool struck = false;
     std::vector<std::string> trace;
