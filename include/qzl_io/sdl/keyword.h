@@ -58,7 +58,7 @@ private:
     const xSDL::eKeywordIndex& RefreshIndex(bool withNumbers) const;
 
     eSDLKeyword* table;                              // the table's first entry, as found by the constructor
-    std::size_t place;                               // number of entries before this one
+    std::size_t place = 0;                           // number of entries before this one
     eSDLKeyword* last;                               // in the first entry only: the last entry
     mutable std::atomic<xSDL::eKeywordIndex*> index; // in the first entry only: built by the first search
 };

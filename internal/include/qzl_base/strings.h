@@ -24,6 +24,7 @@ public:
     std::size_t size() const noexcept { return text.size(); } // in characters
 
     friend bool operator==(const eStringKeyBase&, const eStringKeyBase&) = default;
+    // NOLINTNEXTLINE(modernize-use-nullptr): taken for one that the compiler makes of the default
     friend std::strong_ordering operator<=>(const eStringKeyBase&, const eStringKeyBase&) = default;
 
 private:

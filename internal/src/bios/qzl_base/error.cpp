@@ -52,7 +52,7 @@ void PrintReport(const eReport& report) {
     std::replace_if(
         text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
     text += '\n';
-    std::fputs(text.c_str(), stderr);
+    static_cast<void>(std::fputs(text.c_str(), stderr));
 }
 
 eReport MakeReport(const char* file, int line, const std::string& message) {

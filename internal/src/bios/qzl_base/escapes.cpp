@@ -18,7 +18,7 @@ constexpr std::size_t kLongestEscape = 4; // "\xHH"
 // For each byte the letter of its short escape sequence, 'x' for a hexadecimal one, or 0 if it needs none.
 constexpr std::array<char, 256> kEscapes = [] {
     std::array<char, 256> letters{};
-    for (std::size_t c = 0; c < letters.size(); ++c)
+    for (std::size_t c = 0; c != letters.size(); ++c)
         letters[c] = escapes::IsNeeded(static_cast<char>(c)) ? 'x' : '\0';
     letters['\n'] = 'n';
     letters['\r'] = 'r';

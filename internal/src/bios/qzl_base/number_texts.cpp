@@ -117,14 +117,14 @@ struct eFewPlaces {
 // Tries one to eight places at once, since a loop over them would end unpredictably. The products are exact: a float's
 // 24 bits and 5^8 fit into a double. Adding and subtracting 2^52 rounds to an integer, a half to the even one.
 eFewPlaces FewestPlaces(float value) {
-    static constexpr int kPairs = 4;
+    static constexpr std::size_t kPairs = 4;
     static constexpr auto& kPowers = decimal::kPowersOfTen<double, 2 * kPairs + 1>;
     alignas(16) double decimals[2 * kPairs];
     const eHalfGaps gaps = HalfGapsOf(value);
     const __m128d rounder = _mm_set1_pd(0x1p52);
     unsigned found = 0;
-    for (int pair = 0; pair < kPairs; ++pair) {
-        const __m128d power = _mm_loadu_pd(&kPowers[static_cast<std::size_t>(2 * pair + 1)]);
+    for (std::size_t pair = 0; pair < kPairs; ++pair) {
+        const __m128d power = _mm_loadu_pd(&kPowers[2 * pair + 1]);
         const __m128d scaled = _mm_mul_pd(_mm_set1_pd(double{value}), power);
         const __m128d nearest = _mm_sub_pd(_mm_add_pd(scaled, rounder), rounder);
         const __m128d difference = _mm_sub_pd(nearest, scaled);

@@ -197,6 +197,7 @@ eStackEntry::eStackEntry(const eStackEntry& other) : oneOfMany(other.oneOfMany) 
     EnterStack();
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): changes nothing
 eStackEntry& eStackEntry::operator=(const eStackEntry&) noexcept {
     return *this;
 }

@@ -27,7 +27,8 @@ private:
 
 template <class Name>
 bool CopyFile(const Name& from, const Name& to) {
-    const eForwardName source(from), target(to);
+    const eForwardName source(from);
+    const eForwardName target(to);
     if (!Platform::MayAccess(source.c_str(), File::Exist))
         return false;
     Platform::CopyWhole(source.c_str(), target.c_str());
@@ -36,7 +37,8 @@ bool CopyFile(const Name& from, const Name& to) {
 
 template <class Name>
 bool CopyFileStoppable(const Name& from, const Name& to, const bool* cancel) {
-    const eForwardName source(from), target(to);
+    const eForwardName source(from);
+    const eForwardName target(to);
     if (!Platform::MayAccess(source.c_str(), File::Exist))
         return false;
     Platform::CopyStoppable(source.c_str(), target.c_str(), cancel);

@@ -80,9 +80,8 @@ void eFileNameBase<T>::Add(const eText& other) {
 
 template <class T>
 void eFileNameBase<T>::Trim(const eText& base) {
-    const std::size_t length = base.size();
-    if (length <= text.size() && StrNCmp(text.c_str(), base.c_str(), length) == 0)
-        text.erase(0, length);
+    if (base.size() <= text.size() && StrNCmp(text.c_str(), base.c_str(), base.size()) == 0)
+        text.erase(0, base.size());
 }
 
 template <class T>

@@ -146,7 +146,7 @@ struct eConvertedText {
 };
 
 // Writes the events of a document as SDL. Meanwhile reports about the file name the place.
-class eSdlFromJson : public eJsonSink {
+class eSdlFromJson final : public eJsonSink {
 public:
     eSdlFromJson(eConvertedText* target, eFileAtWork* source)
         : text(target->end), beginning(target->beginning), file(*source) {

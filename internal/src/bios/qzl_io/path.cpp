@@ -128,7 +128,7 @@ template <class Char>
 std::basic_string<Char> CutPath(const std::basic_string<Char>& path, std::basic_string<Char>* drive,
                                 std::basic_string<Char>* dir, std::basic_string<Char>* name,
                                 std::basic_string<Char>* ext) {
-    const std::basic_string<Char> text = path;
+    std::basic_string<Char> text = path;
     if (text.empty())
         return text;
     const ePathParts<Char> parts(text, &IsLead<Char>);

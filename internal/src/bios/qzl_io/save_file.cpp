@@ -20,9 +20,9 @@ namespace {
 constexpr int kMode = StreamMode::Write | StreamMode::Create;
 
 template <class Save, class Name>
-std::unique_ptr<Save> Begin(const Name& target, std::string text) {
+std::unique_ptr<Save> Begin(const Name& target, const std::string& text) {
     auto save = std::make_unique<Save>();
-    save->name = std::move(text);
+    save->name = text;
     save->file = Platform::BeginSave(target.c_str(), &save->handle);
     return save;
 }

@@ -27,7 +27,7 @@ constexpr int kCloseRequiredLine = 306;
 } // namespace ParserReport
 
 // The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = std::size_t{64} * 1024;
 
 constexpr std::size_t kContextLines = 5;
 constexpr char kContextMark = '\xAB';

@@ -50,6 +50,7 @@ constexpr int kControlBlockStartLine = 577;
 } // namespace ReaderReport
 
 // Each thread's parser state from before the control block that is being executed.
+// NOLINTNEXTLINE(cert-err58-cpp): without memory for it at its start, a program ends
 eCriticalResource<eSDLParserState> stateBeforeControlBlock;
 
 void LowerCase(std::string* text) {
@@ -365,7 +366,7 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
 // The character that tells what is next; 0 if only reading can tell. Reading a block start and going back preserves the
 // marks only if there are none.
 [[gnu::always_inline]] inline char eSDLReader::SeePlainToken() {
-    return AreMarksKept() ? 0 : eSDLParser::eCutter(*parsers.back()).See(parsers.size() > 1);
+    return AreMarksKept() ? '\0' : eSDLParser::eCutter(*parsers.back()).See(parsers.size() > 1);
 }
 
 bool eSDLReader::Start() {
@@ -680,7 +681,7 @@ std::function<void()> eSDLReader::EnteringSources() const {
 
 void eSDLReader::Fail(int line, const std::string& message) {
     EnterSources();
-    const auto told = std::exchange(unopened, {}); // shown once, and only while they exist
+    [[maybe_unused]] const auto told = std::exchange(unopened, {}); // shown once, and only while they exist
     xError::Fatal(ReaderReport::kSource, line, message);
 }
 

@@ -33,6 +33,7 @@ eStream::eStream(const eStream& other) noexcept {
     *this = other;
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): plain values
 eStream& eStream::operator=(const eStream& other) noexcept {
     buffer = other.buffer;
     bufferSize = other.bufferSize;
@@ -45,6 +46,7 @@ eStream& eStream::operator=(const eStream& other) noexcept {
     return *this;
 }
 
+// NOLINTNEXTLINE(performance-move-constructor-init): a copy of plain values
 eStream::eStream(eStream&& other) noexcept : eStream(std::as_const(other)) {
     const eStream none;
     other = none;

@@ -66,7 +66,7 @@ eMemoryStream& eMemoryStream::operator=(const eMemoryStream& other) {
 eMemoryStream& eMemoryStream::operator=(eMemoryStream&& other) noexcept {
     if (this != &other) {
         ReleaseBuffer();
-        eStream::operator=(std::move(other));
+        eStream::operator=(static_cast<eStream&&>(other));
         growBy = other.growBy;
         bufferBlock = std::move(other.bufferBlock);
         fromHeap = other.fromHeap;

@@ -46,6 +46,7 @@ void FillNames() {
     UserName();
 }
 
+// NOLINTNEXTLINE(cert-err58-cpp): without memory for it at its start, a program ends
 const xCollectors::xGlobal::eGlobalFunctionRegistrator fillNames("app", &FillNames, nullptr);
 
 } // namespace

@@ -44,7 +44,8 @@ struct ePathParts {
         const std::size_t driveEnd = path.size() >= kDriveRoom && path[1] == Char(':') ? kDriveRoom : 0;
         drive = path.substr(0, driveEnd);
         path.remove_prefix(driveEnd);
-        std::size_t dirEnd = 0, nameEnd = path.npos;
+        std::size_t dirEnd = 0;
+        std::size_t nameEnd = path.npos;
         EachSingle(path, isLead, [&](std::size_t at) {
             if (IsSlash(path[at]))
                 dirEnd = at + 1;

@@ -58,7 +58,7 @@ value Parsed(std::string&& text) {
     const std::size_t plain = json_text::PlainBlocks(text);
     if (json_text::HasLoneSurrogate(std::string_view(text).substr(plain)))
         throw std::range_error("Json text has an escaped surrogate without its other half.");
-    const utility::string_t parserText = ParserText<utility::string_t>(std::move(text), plain);
+    const auto parserText = ParserText<utility::string_t>(std::move(text), plain);
     const eDocumentOrder documentOrder;
     return value::parse(parserText);
 }

@@ -22,9 +22,9 @@ public:
     // Removes the temporary file, unless it has replaced the target or was kept. Close the handle first.
     virtual ~eSavedFile() = default;
 
-    // Closes the handle from BeginSave and puts the document in the target's place. With `toDisk` it is on the disk when
-    // this returns. False if the system refused; TakeFailureReason then tells why, and a complete document is kept in the
-    // file that Kept names.
+    // Closes the handle from BeginSave and puts the document in the target's place. With `toDisk` it is on the disk
+    // when this returns. False if the system refused; TakeFailureReason then tells why, and a complete document is kept
+    // in the file that Kept names.
     virtual bool TakePlace(int handle, bool toDisk) = 0;
 
     // The file that keeps a document that could not be put in place, as UTF-8 text for people; empty if there is none.

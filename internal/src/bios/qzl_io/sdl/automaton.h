@@ -70,10 +70,10 @@ private:
 };
 
 struct eTransition {
-    eLexerState from;
+    eLexerState from{};
     eCharClass on;
-    eLexerState to;
-    eAction action;
+    eLexerState to{};
+    eAction action{};
     eSDLParserLexType type = sdlNone; // of the token, for transitions to stAccept
 };
 

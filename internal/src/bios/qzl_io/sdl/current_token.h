@@ -20,7 +20,7 @@ inline constexpr std::size_t kShortText = 15;
 inline void eCurrentToken::Start(const char* position) {
     now = {};
     now.position = position;
-    text = {{position, 0}, ePlace::Copied};
+    text = {{position, position}, ePlace::Copied};
     before = {};
     textBefore = {};
 }

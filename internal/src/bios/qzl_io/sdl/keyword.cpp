@@ -150,7 +150,7 @@ std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) con
 // Never inlined: `next` is set only by static storage, and a compiler that sees the whole program would take it for
 // undefined.
 [[gnu::noinline]] eSDLKeyword::eSDLKeyword(eSDLKeyword*& head, const char* keywordName, int keywordId)
-    : name(keywordName), id(keywordId), table(head ? head->table : this), place(0), last(this), index(nullptr) {
+    : name(keywordName), id(keywordId), table(head ? head->table : this), last(this), index(nullptr) {
     if (!head) {
         head = this;
         return;

@@ -151,7 +151,7 @@ constexpr eBegins FindBegins(const eStep& step) {
 
 inline constexpr std::array<eBegins, 256> kBegins = [] {
     std::array<eBegins, 256> begins{};
-    for (std::size_t c = 0; c < begins.size(); ++c)
+    for (std::size_t c = 0; c != begins.size(); ++c)
         begins[c] = FindBegins(kAutomaton[stBetween][c]);
     return begins;
 }();

@@ -102,7 +102,7 @@ private:
             at = block + std::countr_zero(stop);
             if (*at == ';' && !(inside & stop))
                 PassComments(block, masks.Stops(AllIf(true)) & ~(stop - 1));
-            else if (!(inside & stop ? PassRestOfString(block, masks.Quotes() & left & (stop - 1)) : Pass(*at)))
+            else if (!((inside & stop) ? PassRestOfString(block, masks.Quotes() & left & (stop - 1)) : Pass(*at)))
                 return false;
             if (at - block >= 64) {
                 CountLines();

@@ -20,7 +20,7 @@ eDescriptor OpenLeased(int folder, const char* name, int flags) noexcept {
         !S_ISREG(status.st_mode))
         return eDescriptor();
     std::array<char, 32> own{};
-    std::snprintf(own.data(), own.size(), "/proc/self/fd/%d", place.Get());
+    static_cast<void>(std::snprintf(own.data(), own.size(), "/proc/self/fd/%d", place.Get()));
     return eDescriptor(Uninterrupted([&] { return ::open(own.data(), (flags & ~O_NOFOLLOW) | O_CLOEXEC); }));
 }
 

@@ -72,8 +72,8 @@ public:
     eBrokenPipeSurvived& operator=(const eBrokenPipeSurvived&) = delete;
 
 private:
-    sigset_t signal;
-    sigset_t before;
+    sigset_t signal{};
+    sigset_t before{};
     bool wasPending;
 };
 

@@ -16,7 +16,8 @@ namespace {
 
 template <class Char>
 void CopyNamed(const Char* from, const Char* to, const bool* cancel) {
-    const eNativeName source(from), target(to);
+    const eNativeName source(from);
+    const eNativeName target(to);
     CopyRegularFile({AT_FDCWD, source.c_str()}, {AT_FDCWD, target.c_str()}, cancel);
 }
 

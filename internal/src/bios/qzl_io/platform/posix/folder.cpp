@@ -230,8 +230,8 @@ eAnswer RemoveFolder(const Char* name) {
 template <class Char>
 bool RemoveFolderLink(const Char* name) {
     const std::string link = OwnName(eNativeName(name).c_str());
-    struct stat own {
-    }, target{};
+    struct stat own {};
+    struct stat target {};
     const bool isLink = Worked([&] { return ::lstat(link.c_str(), &own); }) && S_ISLNK(own.st_mode);
     const bool leadsToFolder =
         isLink && Worked([&] { return ::stat(link.c_str(), &target); }) && S_ISDIR(target.st_mode);

@@ -102,8 +102,8 @@ bool NextEntry(eListing& listing, eListedEntry<Char>* entry) {
 template <class Char>
 void CompleteKind(eListing& listing, eListedEntry<Char>* entry) {
     entry->kindPending = false;
-    struct stat own {
-    }, target{};
+    struct stat own {};
+    struct stat target {};
     if (!Ask(listing, *entry, AT_SYMLINK_NOFOLLOW, &own))
         return;
     entry->isLink = S_ISLNK(own.st_mode);

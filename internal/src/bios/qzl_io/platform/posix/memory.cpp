@@ -8,7 +8,7 @@
 namespace IO::Platform {
 namespace {
 
-constexpr std::uintptr_t kLargePage = 2 * 1024 * 1024;
+constexpr std::uintptr_t kLargePage = std::uintptr_t{2} * 1024 * 1024;
 
 std::uintptr_t RoundedDown(std::uintptr_t address, std::uintptr_t page) noexcept {
     return address / page * page;

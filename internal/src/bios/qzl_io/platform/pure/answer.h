@@ -19,8 +19,11 @@ enum class eAnswer : unsigned char { Done, Refused, Busy, Full };
 // | 303   | deletion pending  | Busy                         | a deletion of that name is not complete          |
 // | other |                   | Refused                      |                                                  |
 constexpr eAnswer AnswerTo(unsigned long error, bool forGood) {
-    constexpr unsigned long kAccessDenied = 5, kSharingViolation = 32, kLockViolation = 33, kNotEmpty = 145,
-                            kDeletionPending = 303;
+    constexpr unsigned long kAccessDenied = 5;
+    constexpr unsigned long kSharingViolation = 32;
+    constexpr unsigned long kLockViolation = 33;
+    constexpr unsigned long kNotEmpty = 145;
+    constexpr unsigned long kDeletionPending = 303;
     switch (error) {
     case kAccessDenied:
         return forGood ? eAnswer::Refused : eAnswer::Busy;

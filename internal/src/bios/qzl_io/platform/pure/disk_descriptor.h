@@ -30,7 +30,7 @@ inline std::string SerialInPage80(std::span<const unsigned char> page) {
     constexpr std::size_t kTextAt = 4;
     if (page.size() < kTextAt || page[1] != 0x80)
         return {};
-    const std::size_t length = static_cast<std::size_t>(page[2] << 8 | page[3]);
+    const auto length = static_cast<std::size_t>(page[2] << 8 | page[3]);
     const auto text = page.subspan(kTextAt, std::min(length, page.size() - kTextAt));
     return {text.begin(), std::find(text.begin(), text.end(), 0)};
 }

@@ -21,7 +21,8 @@ constexpr bool IsDots(const Char* name) {
 // compressed, in a layer. A reparse point with an unknown tag (0) counts as a link, so that nothing leads out of a
 // tree.
 constexpr bool IsListedLink(unsigned long attributes, unsigned long tag) {
-    constexpr unsigned long kReparsePoint = 0x400, kNameSurrogate = 0x20000000;
+    constexpr unsigned long kReparsePoint = 0x400;
+    constexpr unsigned long kNameSurrogate = 0x20000000;
     return (attributes & kReparsePoint) != 0 && (tag == 0 || (tag & kNameSurrogate) != 0);
 }
 

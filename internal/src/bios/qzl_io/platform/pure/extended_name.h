@@ -39,7 +39,7 @@ inline constexpr std::wstring_view kExtendedStart = L"\\\\?\\";
 inline constexpr std::wstring_view kExtendedShareStart = L"\\\\?\\UNC\\";
 
 constexpr bool IsSlashAt(std::wstring_view name, std::size_t at) {
-    return at < name.size() && kSlashes.find(name[at]) != kSlashes.npos;
+    return at < name.size() && kSlashes.find(name[at]) != std::wstring_view::npos;
 }
 
 constexpr bool EndsInSlash(std::wstring_view name) {
@@ -143,7 +143,7 @@ constexpr bool IsPlainEnough(std::wstring_view name, std::wstring_view literal, 
 // The start of the mask in a pattern.
 constexpr std::size_t MaskStart(std::wstring_view pattern) {
     const std::size_t slash = pattern.find_last_of(kSlashes);
-    if (slash != pattern.npos)
+    if (slash != std::wstring_view::npos)
         return slash + 1;
     return KindOfName(pattern) == eNameKind::OnDrive ? 2 : 0;
 }
@@ -183,8 +183,9 @@ inline std::wstring SystemName(std::wstring_view name, std::wstring_view current
 // forms.
 inline std::wstring SystemPattern(std::wstring_view pattern, std::wstring_view current) {
     const std::size_t cut = NameSteps::MaskStart(pattern);
-    const std::wstring_view folder = pattern.substr(0, cut), mask = pattern.substr(cut);
-    if (mask.find_first_of(L"*?") == mask.npos)
+    const std::wstring_view folder = pattern.substr(0, cut);
+    const std::wstring_view mask = pattern.substr(cut);
+    if (mask.find_first_of(L"*?") == std::wstring_view::npos)
         return SystemName(pattern, current);
     if (NameSteps::IsPlainEnough(pattern, folder, current))
         return std::wstring(pattern);

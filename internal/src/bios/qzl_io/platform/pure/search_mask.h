@@ -75,7 +75,7 @@ private:
 
     // A mask without wild cards is a name, and names may end in anything.
     static constexpr std::wstring_view WithoutEnd(std::wstring_view mask) {
-        const bool wild = mask.find_first_of(L"*?") != mask.npos;
+        const bool wild = mask.find_first_of(L"*?") != std::wstring_view::npos;
         return wild ? mask.substr(0, mask.find_last_not_of(L". ") + 1) : mask;
     }
 
