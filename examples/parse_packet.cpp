@@ -34,7 +34,8 @@ int main() {
     sent << "boiler" << 7 << 81.5f;
     const std::string text(reinterpret_cast<const char*>(sent.Buffer()), sent.Size());
 
-    eMeasurement first, second;
+    eMeasurement first;
+    eMeasurement second;
     if (!FromText(text, &first) || !FromBytes(sent.Buffer(), sent.Size(), &second)) {
         std::cerr << "The packet is broken.\n";
         return 1;

@@ -22,7 +22,7 @@ void PrintMachine(std::ostream& out) {
     PrintFact(out, "user", IO::System::UserName());
     PrintFact(out, "version", IO::System::WindowsVersion());
     // The id ends at its first zero, but the text that holds it does not.
-    PrintFact(out, "product id", IO::System::ProductId().c_str());
+    PrintFact(out, "product id", IO::System::ProductId());
     PrintFact(out, "disk serial", IO::System::HDDSerialNumber());
 }
 
@@ -60,7 +60,9 @@ void PrintEntry(std::ostream& out, const IO::eSearch& entry) {
 }
 
 void PrintCurrentFolder(std::ostream& out) {
-    unsigned long long files = 0, bytes = 0, folders = 0;
+    unsigned long long files = 0;
+    unsigned long long bytes = 0;
+    unsigned long long folders = 0;
     out << "current folder\n";
     for (IO::eSearch search("./", "*.*"); search.Valid(); search.Next()) {
         if (!search.IsFile() && !search.IsSubfolder())

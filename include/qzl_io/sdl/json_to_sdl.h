@@ -16,8 +16,8 @@
 //   range of floats is written as 0, with the warning of eSDLWriter;
 // - names and strings end at their first NUL character.
 //
-// The context of a warning about a value names the input and the place of the value, as in /items/3/name. Of a name that
-// has more than 100 bytes the beginning is shown.
+// The context of a warning about a value names the input and the place of the value, as in /items/3/name. Of a name
+// that has more than 100 bytes the beginning is shown.
 //
 // Returns true if the whole text is in `output`, which it replaces in one step (IO::eSaveFile tells how). Otherwise
 // makes one warning, whose message is that of the failure and whose context names the file, and returns false; `output`

@@ -50,7 +50,6 @@ constexpr int kControlBlockStartLine = 577;
 } // namespace ReaderReport
 
 // Each thread's parser state from before the control block that is being executed.
-// NOLINTNEXTLINE(cert-err58-cpp): without memory for it at its start, a program ends
 eCriticalResource<eSDLParserState> stateBeforeControlBlock;
 
 void LowerCase(std::string* text) {

@@ -46,7 +46,6 @@ void FillNames() {
     UserName();
 }
 
-// NOLINTNEXTLINE(cert-err58-cpp): without memory for it at its start, a program ends
 const xCollectors::xGlobal::eGlobalFunctionRegistrator fillNames("app", &FillNames, nullptr);
 
 } // namespace

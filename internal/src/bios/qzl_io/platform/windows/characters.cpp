@@ -1,8 +1,8 @@
 #include "platform/characters.h"
 
+#include <cstring>
+#include <cwchar>
 #include <mbctype.h>
-#include <string.h>
-#include <wchar.h>
 
 namespace IO::Platform {
 

@@ -38,7 +38,7 @@ DWORD QueryDevice(HANDLE device, void* answer, DWORD size) {
 
 unsigned int AskDiskSerial(std::string* serial) {
     constexpr DWORD kMostBytes = 1 << 20;
-    const std::string name = "\\\\.\\" + SystemDrive() + ":";
+    const std::string name = R"(\\.\)" + SystemDrive() + ":";
     const eOpenHandle device(
         ::CreateFileA(name.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
     if (!device.IsOpen())

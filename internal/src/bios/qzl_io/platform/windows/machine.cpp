@@ -57,7 +57,7 @@ std::basic_string<Char> AskName(BOOL (*ask)(Char*, DWORD*)) {
 }
 
 const char* ProductKey(char) {
-    return "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
+    return R"(SOFTWARE\Microsoft\Windows NT\CurrentVersion)";
 }
 const wchar_t* ProductKey(wchar_t) {
     return L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";

@@ -117,7 +117,7 @@ bool NarrowName(std::wstring_view name, std::string* narrow) {
         return false;
     const bool ascii = IsAscii(name);
     std::string converted = ascii ? std::string(name.begin(), name.end()) : Narrowed(name);
-    if (converted.find('\\') != converted.npos || (!ascii && Widened(converted) != name))
+    if (converted.find('\\') != std::string::npos || (!ascii && Widened(converted) != name))
         return false;
     *narrow = std::move(converted);
     return true;
@@ -142,7 +142,7 @@ std::wstring FolderName(const wchar_t* name) {
 
 bool ListedName(const WIN32_FIND_DATAW& entry, std::string* name) {
     for (const std::wstring_view given : {entry.cFileName, entry.cAlternateFileName})
-        if (!given.empty() && given.find_first_of(L"/:*?\"<>|") == given.npos && NarrowName(given, name))
+        if (!given.empty() && given.find_first_of(L"/:*?\"<>|") == std::wstring_view::npos && NarrowName(given, name))
             return true;
     return false;
 }
