@@ -146,6 +146,13 @@ TEST(SystemPattern, IsThePatternItselfWhereThatWillDo) {
         EXPECT_EQ(pattern, SystemPattern(pattern, kWork)) << testing::PrintToString(pattern);
 }
 
+TEST(SystemPattern, IsThePatternItselfWhereItsFolderHasNoExtendedForm) {
+    for (const std::wstring pattern : {L"//server./*.", L"//server. /a*.", L"//?./*. "})
+        EXPECT_EQ(pattern, SystemPattern(pattern, kWork)) << testing::PrintToString(pattern);
+    for (const std::wstring current : {L"", L"work"})
+        EXPECT_EQ(L"dot./*.", SystemPattern(L"dot./*.", current)) << testing::PrintToString(current);
+}
+
 TEST(SystemPattern, HasAnExtendedFolderAndAMaskOfTheSameMeaning) {
     const std::wstring folder = L"c:/dot./", extended = L"\\\\?\\c:\\dot.\\";
     const struct {

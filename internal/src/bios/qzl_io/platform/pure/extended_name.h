@@ -190,6 +190,8 @@ inline std::wstring SystemPattern(std::wstring_view pattern, std::wstring_view c
     if (NameSteps::IsPlainEnough(pattern, folder, current))
         return std::wstring(pattern);
     std::wstring extended = ExtendedName(folder.empty() ? L"." : folder, current);
+    if (KindOfName(extended) != eNameKind::Extended)
+        return std::wstring(pattern);
     if (!NameSteps::EndsInSlash(extended))
         extended += NameSteps::kSlashes[0];
     return extended += NameSteps::ExtendedMask(mask);
