@@ -1,9 +1,12 @@
+#include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
@@ -77,13 +80,15 @@ public:
         Scalar('"' + escaped + '"');
     }
     void Integer(const std::string& digits) override {
-        const double value = std::strtod(digits.c_str(), nullptr);
-        if (value >= -2147483648.0 && value <= 4294967295.0)
-            Scalar(ToString(static_cast<int>(std::stoll(digits)), false));
-        else if (value >= -9223372036854775808.0 && value < 18446744073709551616.0)
+        const char *const begin = digits.data(), *const end = begin + digits.size();
+        std::int64_t value = 0;
+        std::uint64_t large = 0;
+        if (std::from_chars(begin, end, value).ec == std::errc())
+            Scalar(value >= INT32_MIN && value <= UINT32_MAX ? ToString(static_cast<int>(value), false) : "0");
+        else if (std::from_chars(begin, end, large).ec == std::errc())
             Scalar("0");
         else
-            Float(value);
+            Float(std::strtod(digits.c_str(), nullptr));
     }
     void Float(double value) override {
         const auto narrowed = static_cast<float>(value);

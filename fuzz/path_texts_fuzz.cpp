@@ -96,27 +96,84 @@ void CheckFolder(const std::basic_string<Char>& executable) {
     Require(plain.find(Char('\\')) == plain.npos && plain.size() <= executable.size(), "a plain name");
 }
 
+bool IsSlashAt(const std::wstring& name, std::size_t at) {
+    return at < name.size() && (name[at] == L'/' || name[at] == L'\\');
+}
+
+// The name below a root that only extended names and devices have.
+bool IsBelowDevice(const std::wstring& name) {
+    return IsSlashAt(name, 0) && IsSlashAt(name, 1) && IsSlashAt(name, 3) && (name[2] == L'?' || name[2] == L'.');
+}
+
+bool IsOnDrive(const std::wstring& name) {
+    return name.size() > 1 && name[1] == L':' && !IsSlashAt(name, 0);
+}
+
+bool IsAbsoluteName(const std::wstring& name) {
+    return (IsSlashAt(name, 0) && IsSlashAt(name, 1)) || (IsOnDrive(name) && IsSlashAt(name, 2));
+}
+
+// The components of an absolute name. The first `*root` of them are never removed.
+std::vector<std::wstring> PlainComponents(std::wstring name, std::size_t* root) {
+    bool share = IsSlashAt(name, 0);
+    if (IsBelowDevice(name)) {
+        name.erase(0, 4);
+        share = name.starts_with(L"UNC") && IsSlashAt(name, 3);
+        name.erase(0, share ? 3 : 0);
+    }
+    *root = share ? 2 : 1;
+    std::vector<std::wstring> components(1);
+    for (std::size_t at = 0; at < name.size(); ++at)
+        if (IsSlashAt(name, at))
+            components.emplace_back();
+        else
+            components.back() += name[at];
+    return components;
+}
+
+std::wstring PlainlyExtended(const std::wstring& name, const std::wstring& current) {
+    const bool absolute = IsAbsoluteName(name);
+    if (name.empty() || name.starts_with(L"\\\\?\\") || (!absolute && !IsAbsoluteName(current)))
+        return name;
+    std::size_t root = 0;
+    std::vector<std::wstring> all = PlainComponents(absolute ? name : current, &root);
+    std::vector<std::wstring> kept;
+    const auto keep = [&](const std::vector<std::wstring>& components) {
+        for (const std::wstring& component : components)
+            if (component == L"..")
+                kept.resize(kept.size() > root ? kept.size() - 1 : kept.size());
+            else if (!component.empty() && component != L".")
+                kept.push_back(component);
+    };
+    keep(all);
+    if (!absolute) {
+        const bool rooted = IsSlashAt(name, 0);
+        kept.resize(rooted ? std::min(kept.size(), root) : kept.size());
+        std::size_t none = 0;
+        keep(PlainComponents(L'.' + std::wstring(1, L'/') + (!rooted && IsOnDrive(name) ? name.substr(2) : name),
+                             &none));
+    }
+    if (kept.size() < root)
+        return name;
+    std::wstring extended = root == 2 ? L"\\\\?\\UNC" : L"\\\\?";
+    for (const std::wstring& component : kept)
+        extended += L'\\' + component;
+    const bool driveRoot = kept.size() == 1 && kept.front().ends_with(L':');
+    return driveRoot || IsSlashAt(name, name.size() - 1) ? extended + L'\\' : extended;
+}
+
 void CheckExtended(const std::wstring& name, const std::wstring& current) {
     const std::wstring start = NameSteps::kExtendedStart.data();
     const std::wstring extended = ExtendedName(name, current);
+    RequireEqual(extended, PlainlyExtended(name, current), "the extended form");
     RequireEqual(ExtendedName(extended, current), extended, "the extended form of an extended name");
-    if (extended != name) {
-        Require(extended.starts_with(start), "an extended name begins otherwise");
-        Require(extended.find(L'/') == extended.npos, "an extended name with a forward slash");
-        const std::wstring_view parts = std::wstring_view(extended).substr(start.size());
-        Require(parts.find(L"\\\\") == parts.npos && !parts.starts_with(L'\\'), "an extended name with an empty part");
-        const bool dots =
-            NameSteps::AnyPart(parts, [](std::wstring_view part) { return part == L"." || part == L".."; });
-        Require(!dots || KindOfName(name) == eNameKind::Device || KindOfName(current) == eNameKind::Extended,
-                "an extended name with dots: " + Shown(extended) + " of " + Shown(name) + " in " + Shown(current));
-    }
     const std::wstring system = SystemName(name, current);
     Require(system == name || system == extended, "a system name of neither form");
     Require(system == extended || name.size() <= kPlainRoom || KindOfName(name) == eNameKind::Extended,
             "a plain name that is too long");
     const std::wstring pattern = SystemPattern(name, current);
     Require(pattern == name || pattern.starts_with(start) || ExtendedName(L".", current) == L".",
-            "a system pattern of neither form");
+            "a system pattern of neither form: " + Shown(pattern) + " for " + Shown(name) + " in " + Shown(current));
 }
 
 template <class Char>

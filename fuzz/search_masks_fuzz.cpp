@@ -21,6 +21,17 @@ std::wstring Folded(std::wstring text) {
     return text;
 }
 
+// Most masks and names are made of the few characters that mean something, so that they match now and then.
+std::wstring MaskText(std::string_view bytes, bool few) {
+    constexpr std::wstring_view kFew = L"ab.*?. A";
+    if (!few)
+        return WideText(bytes);
+    std::wstring text;
+    for (const char byte : bytes)
+        text += kFew[static_cast<unsigned char>(byte) % kFew.size()];
+    return text;
+}
+
 // The operators of the system's expressions are not characters of masks or names.
 bool HasOperators(const std::wstring& text) {
     return text.find_first_of(L"<>\"") != text.npos;
@@ -30,8 +41,9 @@ bool HasOperators(const std::wstring& text) {
 
 void Check(std::string_view input) {
     eScript script(input);
-    const std::wstring name = WideText(script.Text());
-    const std::wstring pattern = WideText(script.Rest());
+    const bool few = script.Below(4) != 0;
+    const std::wstring name = MaskText(script.Text(), few);
+    const std::wstring pattern = MaskText(script.Rest(), few);
     const IO::eSearchPattern<wchar_t> parts(pattern);
     RequireEqual(std::wstring(parts.folder) + std::wstring(parts.mask), pattern, "folder and mask together");
     Require(parts.mask.find(L'/') == parts.mask.npos, "a mask with a slash");
