@@ -4,6 +4,7 @@
 #include <new>
 #include <random>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -283,6 +284,28 @@ TEST(SdlKeyword, ManyThreadsSearchOneTableAtOnce) {
             threads.emplace_back([&, first] {
                 for (int id = first; id <= 300; ++id)
                     wrong += table.head->Find(("Name" + std::to_string(id)).c_str()) != id;
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(wrong, 0);
+    }
+}
+
+TEST(SdlKeyword, ThreadsSearchFromAnyEntryWhileOthersSearchByIdForTheFirstTime) {
+    for (int round = 0; round < 20; ++round) {
+        eTable table;
+        for (int word = 0; word < 200; ++word)
+            table.Add("name" + std::to_string(word), 1 + word % 50);
+        EXPECT_EQ(table.head->Find("name7"), 8);
+        std::atomic<int> wrong = 0;
+        std::vector<std::thread> threads;
+        for (const bool byId : {true, false, true, false})
+            threads.emplace_back([&, byId] {
+                for (std::size_t at = 0; at < 150; ++at) {
+                    const std::string name = "name" + std::to_string(at);
+                    wrong += byId ? table.At(at).Find(1 + static_cast<int>(at % 50)) != std::string_view(name)
+                                  : table.At(at / 2).Find(name.c_str()) != 1 + static_cast<int>(at % 50);
+                }
             });
         for (std::thread& thread : threads)
             thread.join();

@@ -58,6 +58,7 @@ eKeywordIndex::eKeywordIndex(const eSDLKeyword* first)
       mask(std::max(kLeastCapacity, std::bit_ceil(CountFrom(first) * kRoomForEach)) - 1),
       slots(std::make_unique<eSlot[]>(mask + 1)),
       entries(std::make_unique_for_overwrite<const eSDLKeyword*[]>(Room())),
+      sameName(std::make_unique<eFollowing[]>(Room())),
       last(first) {
     Insert(first);
     Extend();
@@ -71,7 +72,7 @@ bool eKeywordIndex::Extend() {
     return !newest->next;
 }
 
-void eKeywordIndex::Insert(const eSDLKeyword* entry) {
+void eKeywordIndex::Insert(const eSDLKeyword* entry) noexcept {
     inOrder = inOrder && entry->table == table && entry->place == count;
     entries[count++] = entry;
     if (entry->name)
@@ -80,12 +81,12 @@ void eKeywordIndex::Insert(const eSDLKeyword* entry) {
         InsertId(count);
 }
 
-void eKeywordIndex::InsertName(const eSDLKeyword* entry) {
+void eKeywordIndex::InsertName(const eSDLKeyword* entry) noexcept {
     const char* const name = entry->name;
     const std::size_t length = std::strlen(name);
     eSlot& slot = slots[PlaceOf(name, length)];
     if (slot.entry) {
-        Chain(slot.entry->place, count, &eFollowing::nextOfName, &eFollowing::lastOfName);
+        Chain(sameName.get(), slot.entry->place, count);
         return;
     }
     slot.head = FoldCase(LoadUpTo8(name, length));
@@ -97,46 +98,46 @@ void eKeywordIndex::InsertName(const eSDLKeyword* entry) {
 void eKeywordIndex::MakeNumbers() {
     if (numbers)
         return;
+    sameId = std::make_unique<eFollowing[]>(Room());
     numbers = std::make_unique<eNumbered[]>(mask + 1);
     for (std::size_t number = 1; number <= count; ++number)
         InsertId(number);
     hasNumbers.store(true, std::memory_order_release);
 }
 
-void eKeywordIndex::InsertId(std::size_t number) {
+void eKeywordIndex::InsertId(std::size_t number) noexcept {
     const eSDLKeyword* const entry = entries[number - 1];
     eNumbered& slot = numbers[PlaceOf(entry->id)];
     if (slot.entry)
-        Chain(slot.entry->place, number, &eFollowing::nextOfId, &eFollowing::lastOfId);
+        Chain(sameId.get(), slot.entry->place, number);
     else
         slot = {entry, entry->id};
 }
 
 // Adds an entry, by its number counted from 1, to the chain that begins with the first one.
-void eKeywordIndex::Chain(std::size_t first, std::size_t added, eNext next, eNext lastOfChain) {
+void eKeywordIndex::Chain(eFollowing* chains, std::size_t first, std::size_t added) const noexcept {
     if (!inOrder)
         return;
-    if (following.empty())
-        following.resize(Room());
-    unsigned& tail = following[first].*lastOfChain;
-    following[tail != 0 ? tail - 1 : first].*next = static_cast<unsigned>(added);
+    unsigned& tail = chains[first].last;
+    chains[tail != 0 ? tail - 1 : first].next = static_cast<unsigned>(added);
     tail = static_cast<unsigned>(added);
 }
 
-const eSDLKeyword* eKeywordIndex::From(const eSDLKeyword& entry, const eSDLKeyword* first, eNext next) const {
+const eSDLKeyword* eKeywordIndex::From(const eSDLKeyword& entry, const eSDLKeyword* first,
+                                       const eFollowing* chains) const {
     while (first && first->place < entry.place) {
-        const unsigned number = following.empty() ? 0 : following[first->place].*next;
+        const unsigned number = chains[first->place].next;
         first = number != 0 ? entries[number - 1] : nullptr;
     }
     return first;
 }
 
 const eSDLKeyword* eKeywordIndex::FindFrom(const eSDLKeyword& entry, const char* name, std::size_t length) const {
-    return From(entry, Find(name, length), &eFollowing::nextOfName);
+    return From(entry, Find(name, length), sameName.get());
 }
 
 const eSDLKeyword* eKeywordIndex::FindFrom(const eSDLKeyword& entry, int id) const {
-    return From(entry, Find(id), &eFollowing::nextOfId);
+    return From(entry, Find(id), sameId.get());
 }
 
 std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) const {

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 #include <qzl_io/sdl/keyword.h>
 
@@ -39,8 +38,9 @@ inline std::uint64_t LoadLast8(const char* name, std::size_t length) {
 // Both hash tables use open addressing and are at most a quarter full. The table of names compares names of up to 16
 // characters in its slots: most searches, even unsuccessful ones, touch one slot, however large the table is. Entries
 // of one name, or of one id, form a chain, so that a search from any of them finds the next one. Searching takes no
-// lock: an entry is added before the last one is published, and an index that has become too small stays alive, owned
-// by the larger one that replaces it.
+// lock: an entry is added before the last one is published, ids before they are, and an index that has become too small
+// stays alive, owned by the larger one that replaces it. All memory is there before the first entry is added, so that
+// no addition is left half done.
 class eKeywordIndex {
 public:
     // An index of the table that begins with `first`.
@@ -86,16 +86,12 @@ private:
         int id = 0;
     };
 
-    // The next entries of the same name and of the same id, counted from 1; 0 for none. The first one of a chain knows
-    // the last.
+    // The next entry of the same name or of the same id, by its number counted from 1; 0 for none. The first one of a
+    // chain knows the last.
     struct eFollowing {
-        unsigned nextOfName = 0;
-        unsigned lastOfName = 0;
-        unsigned nextOfId = 0;
-        unsigned lastOfId = 0;
+        unsigned next = 0;
+        unsigned last = 0;
     };
-
-    using eNext = unsigned eFollowing::*;
 
     std::size_t Room() const { return (mask + 1) / kRoomForEach; }
 
@@ -133,21 +129,22 @@ private:
         return at;
     }
 
-    void Insert(const eSDLKeyword* entry);
-    void InsertName(const eSDLKeyword* entry);
-    void InsertId(std::size_t number);
-    void Chain(std::size_t first, std::size_t added, eNext next, eNext lastOfChain);
-    const eSDLKeyword* From(const eSDLKeyword& entry, const eSDLKeyword* first, eNext next) const;
+    void Insert(const eSDLKeyword* entry) noexcept;
+    void InsertName(const eSDLKeyword* entry) noexcept;
+    void InsertId(std::size_t number) noexcept;
+    void Chain(eFollowing* chains, std::size_t first, std::size_t added) const noexcept;
+    const eSDLKeyword* From(const eSDLKeyword& entry, const eSDLKeyword* first, const eFollowing* chains) const;
 
     const eSDLKeyword* table;
     std::size_t mask;
     std::unique_ptr<eSlot[]> slots;
     std::unique_ptr<eNumbered[]> numbers;
+    std::unique_ptr<eFollowing[]> sameId; // of each entry, made together with `numbers`
     std::atomic<bool> hasNumbers = false;
     std::unique_ptr<const eSDLKeyword*[]> entries; // in the order of the table
+    std::unique_ptr<eFollowing[]> sameName;        // of each entry
     std::size_t count = 0;
-    std::vector<eFollowing> following; // of each entry; empty while no two entries share a name or an id
-    bool inOrder = true;               // every entry was constructed for this table and is where it was put
+    bool inOrder = true; // every entry was constructed for this table and is where it was put
     std::atomic<const eSDLKeyword*> last;
     std::unique_ptr<eKeywordIndex> replaced; // searches that began in it may still be running
 };
