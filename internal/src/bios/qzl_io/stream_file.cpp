@@ -389,11 +389,24 @@ void eFileStreamW::WriteStr(const wchar_t* text) {
 
 // --- Factory ---
 
+namespace {
+
+template <class Stream, class Name>
+eStream* NewStream(const Name& name, int mode) {
+    try {
+        return new Stream(name, mode);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+} // namespace
+
 eStream* GetStream(const eFileName& name, int mode) {
-    return new (std::nothrow) eFileStream(name, mode);
+    return NewStream<eFileStream>(name, mode);
 }
 eStream* GetStream(const eFileNameW& name, int mode) {
-    return new (std::nothrow) eFileStreamW(name, mode);
+    return NewStream<eFileStreamW>(name, mode);
 }
 
 } // namespace IO
