@@ -1,6 +1,11 @@
 // Documents are read and written while everything that this takes fails.
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
+#include <memory>
+#include <new>
 #include <optional>
 #include <set>
 #include <string>
@@ -207,6 +212,118 @@ private:
     bool whole = false;
 };
 
+// --- Words ---
+
+// Several words share an id, and several share a name if there are fewer names than words.
+constexpr int kWords = 50;
+
+template <int different>
+class eWords : public eScenario {
+public:
+    eWords() {
+        for (int word = 0; word < kWords; ++word)
+            Name(word) = "a word with the number " + std::to_string(word % different);
+        for (int word = 0; word < kWords; ++word)
+            new (&At(word)) eSDLKeyword(head, Name(word).c_str(), 1 + word % 20);
+    }
+    ~eWords() override {
+        for (int word = 0; word < kWords; ++word)
+            At(word).~eSDLKeyword();
+    }
+    eWords(const eWords&) = delete;
+    eWords& operator=(const eWords&) = delete;
+
+    bool Run() override {
+        wrong = 0;
+        for (int word = 0; word < kWords; ++word) {
+            const int first = word % different;
+            wrong += head->Find(Name(word).c_str()) != 1 + first % 20;
+            wrong += At(word).Find(Name(word).c_str()) != 1 + word % 20;
+            wrong += !IsName(head->Find(1 + word % 20), word % 20);
+            wrong += !IsName(At(word).Find(1 + word % 20), word);
+        }
+        return wrong == 0;
+    }
+
+    void Look(const eAftermath& after) override { EXPECT_TRUE(wrong == 0 || !after.complete) << wrong; }
+
+    bool Expects(std::string_view) const override { return false; }
+
+private:
+    bool IsName(const char* found, int word) { return found && found == Name(word); }
+    std::string& Name(int word) { return names[static_cast<std::size_t>(word)]; }
+    eSDLKeyword& At(int word) { return reinterpret_cast<eSDLKeyword*>(memory)[word]; }
+
+    std::array<std::string, kWords> names;
+    alignas(eSDLKeyword) unsigned char memory[kWords * sizeof(eSDLKeyword)] = {}; // as static storage is
+    eSDLKeyword* head = nullptr;
+    int wrong = 0;
+};
+
+// --- Everything else that a reader and a writer hold ---
+
+eSDLKeyword* words;
+eSDLKeyword sceneWord(words, "scene", 1);
+eSDLKeyword entryWord(words, "an_entry_with_a_rather_long_name", 2);
+
+class eTurning : public eSDLCipher {
+public:
+    std::size_t GetEncodedSize(std::size_t size) override { return size; }
+    std::size_t Encode(void* target, std::size_t capacity, const void* source, std::size_t size) override {
+        const std::size_t turned = std::min(capacity, size);
+        for (std::size_t at = 0; at < turned; ++at)
+            static_cast<char*>(target)[at] = static_cast<char>(~static_cast<const char*>(source)[at]);
+        return turned;
+    }
+};
+
+class eRoundTrip : public eScenario {
+public:
+    eRoundTrip() : name(folder.NameW(L"a scene with a rather long name.sdl")) {}
+
+    bool Run() override {
+        right = false;
+        const auto cipher = std::make_shared<eTurning>();
+        const int before = eNoted::Warnings();
+        {
+            eSDLWriter writer(name, cipher);
+            writer.PushKeywords(words);
+            eSDLWriter copy(writer);
+            writer << block{sceneWord.id};
+            copy << block{entryWord.id} << std::wstring(100, L'w') << "escaped \"text\"" << 1.25f << endb;
+            writer << endb;
+        }
+        if (eNoted::Warnings() != before)
+            return false;
+        eSDLReader reader(name, "scene", cipher);
+        reader.PushKeywords(words);
+        eSDLReader copy(reader);
+        const bool block = copy.GetBlock() == entryWord.id;
+        const bool wide = copy.GetStringW() == std::wstring(100, L'w');
+        copy.Back();
+        reader = copy;
+        eStrings strings;
+        reader >> strings;
+        right = block && wide && strings.size() == 2 && strings[1].str() == "escaped \"text\"" &&
+                reader.GetFloat() == 1.25f;
+        reader >> endb;
+        return right;
+    }
+
+    void Look(const eAftermath& after) override { EXPECT_TRUE(right || !after.complete); }
+
+    bool Expects(std::string_view message) const override {
+        return message.find("cannot be saved") != message.npos || message.find("was not saved") != message.npos ||
+               message.ends_with(" - read error!") || message == "Not SDL file!" || message == "SDLWriter: Not open!" ||
+               message == "Not enough memory!";
+    }
+
+private:
+    eWorkFolder folder;
+    const eFileNameW name;
+    bool right = false;
+};
+
 } // namespace
 
 TEST(Faults, ReadingADocument) {
@@ -226,6 +343,15 @@ TEST(Faults, WritingADocumentToMemory) {
     Torture<eWritingStream>("write SDL of 1 MB to memory");
 }
 
+TEST(Faults, SearchingForWords) {
+    Torture<eWords<kWords>>("search a table of keywords");
+    Torture<eWords<30>>("search a table of keywords that have names in common");
+}
+
+TEST(Faults, RoundTrip) {
+    Torture<eRoundTrip>("write and read SDL with keywords, a cipher and copies");
+}
+
 // --- Findings ---
 
 TEST(Faults, AWriterThatAnExceptionDestroysWhileThereIsNoMemoryEndsQuietly) {
@@ -242,4 +368,16 @@ TEST(Faults, AWriterThatAnExceptionDestroysWhileThereIsNoMemoryEndsQuietly) {
     }
     noMemory.reset();
     EXPECT_EQ(7, caught);
+}
+
+TEST(Faults, ATableOfKeywordsFindsAllOfThemAfterThereWasNoMemory) {
+    eWords<kWords> table;
+    for (unsigned long long n = 1; n <= 5; ++n) {
+        const eInjection once(kNoMemoryOnce, n);
+        try {
+            table.Run();
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    EXPECT_TRUE(table.Run());
 }

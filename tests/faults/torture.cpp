@@ -8,6 +8,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <span>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -22,7 +23,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kSampleTime = std::chrono::milliseconds(20); // for a kind of fault
+constexpr auto kTimeForAKind = std::chrono::milliseconds(15);
+constexpr auto kTimeForAScenario = std::chrono::milliseconds(150);
 
 // --- The reports ---
 
@@ -31,7 +33,7 @@ struct eNotes {
     int errors = 0;
     int warnings = 0;
     std::array<char, 200> unexpected{};
-    std::array<char, 500> lastWarning{};
+    std::array<char, 2000> lastWarning{};
 };
 
 eNotes notes;
@@ -53,7 +55,8 @@ public:
         });
         xError::SetWarningHandler([](const xError::eReport& report) {
             Note(report, &notes.warnings);
-            std::strncpy(notes.lastWarning.data(), report.message.c_str(), notes.lastWarning.size() - 1);
+            std::snprintf(notes.lastWarning.data(), notes.lastWarning.size(), "%s\n%s", report.message.c_str(),
+                          report.context.c_str());
         });
     }
     ~eNoting() {
@@ -104,26 +107,36 @@ public:
         all = uses;
     }
 
-    void All(const eFaultMode& mode) {
-        for (unsigned long long n = 1; Check(mode, n); ++n)
-            ;
+    void All() {
+        for (const eFaultMode& mode : FaultModes())
+            for (unsigned long long n = 1; !testing::Test::HasFailure() && Check(mode, n); ++n)
+                ;
     }
 
+    // Where there is not time enough for every kind, each scenario begins with another one.
+    void Sample() {
+        static std::size_t begin = 0;
+        const std::span<const eFaultMode> modes = FaultModes();
+        const auto end = Clock::now() + kTimeForAScenario;
+        for (std::size_t done = 0; done < modes.size() && Clock::now() < end; ++done)
+            Sample(modes[begin++ % modes.size()]);
+    }
+
+private:
     // Steps of the golden ratio spread over all uses, however many there are.
     void Sample(const eFaultMode& mode) {
         constexpr double kGoldenRatio = 0.618033988749895;
         const unsigned long long last = all[static_cast<std::size_t>(mode.use)];
-        const auto end = Clock::now() + kSampleTime;
+        const auto end = Clock::now() + kTimeForAKind;
         double place = kGoldenRatio;
         for (unsigned long long done = 0; done < last && (done == 0 || Clock::now() < end); ++done) {
-            Check(mode, 1 + static_cast<unsigned long long>(place * static_cast<double>(last)));
             if (testing::Test::HasFailure())
                 return;
+            Check(mode, 1 + static_cast<unsigned long long>(place * static_cast<double>(last)));
             place += kGoldenRatio - (place + kGoldenRatio < 1 ? 0 : 1);
         }
     }
 
-private:
     // What is left over after a fault.
     struct eLeft {
         bool struck = false;
@@ -159,10 +172,12 @@ private:
     void Work(const eFaultMode& mode, unsigned long long n, bool* struck) {
         const auto scenario = make();
         const char* function = "";
-        const bool complete = Run(*scenario, mode, n, struck, &function);
-        if (!complete) {
-            EXPECT_TRUE(*struck && !mode.harmless) << function << " made it fail";
+        const bool succeeded = Run(*scenario, mode, n, struck, &function);
+        const bool harmed = *struck && !mode.harmless;
+        if (!succeeded) {
+            EXPECT_TRUE(harmed) << function << " made it fail";
         }
+        const bool complete = succeeded && (scenario->Tells() || !harmed);
         EXPECT_STREQ("", notes.unexpected.data()) << "reported when " << function << " failed";
         scenario->Look({complete, mode.effect == eEffect::Cuts, IsNoMemoryAtAll(mode)});
         if (!*struck)
@@ -234,13 +249,14 @@ void Torture(const std::string& name, const std::function<std::unique_ptr<eScena
     WatchForCrashes();
     eTorture torture(name, make);
     torture.Count();
-    for (const eFaultMode& mode : FaultModes())
-        if (testing::Test::HasFailure())
-            return;
-        else if (LongTests())
-            torture.All(mode);
-        else
-            torture.Sample(mode);
-    eSum::Add(torture.Faults());
-    std::printf("%s: %llu faults\n", name.c_str(), torture.Faults());
+    if (LongTests())
+        torture.All();
+    else
+        torture.Sample();
+    CountFaults(name, torture.Faults());
+}
+
+void CountFaults(const std::string& name, unsigned long long faults) {
+    eSum::Add(faults);
+    std::printf("%s: %llu faults\n", name.c_str(), faults);
 }

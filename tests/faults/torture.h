@@ -29,6 +29,9 @@ public:
     // Whether a report with this message may be made when something has failed.
     virtual bool Expects(std::string_view message) const = 0;
 
+    // Whether the results of the calls tell what was done. If not, only a run in which nothing failed must be complete.
+    virtual bool Tells() const { return true; }
+
     // Whether the error handler returns.
     virtual bool Returns() const { return false; }
 };
@@ -38,7 +41,7 @@ class eNoted {
 public:
     static int Errors();
     static int Warnings();
-    static const char* LastWarning(); // the beginning of its message
+    static const char* LastWarning(); // its message and its context, a line each
 };
 
 // Strikes every use of every kind in turn until a run passes without a fault, or a sample of them unless long tests are
@@ -50,3 +53,6 @@ template <std::derived_from<eScenario> Scenario>
 void Torture(const std::string& name) {
     Torture(name, [] { return std::make_unique<Scenario>(); });
 }
+
+// Prints the number, and adds it to the sum.
+void CountFaults(const std::string& name, unsigned long long faults);

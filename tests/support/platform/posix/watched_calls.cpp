@@ -134,7 +134,7 @@ DEFINED(int, close, (int file)) {
 
 DEFINED(iconv_t, iconv_open, (const char* to, const char* from)) {
     THE_SYSTEMS(iconv_t, iconv_open, (const char*, const char*));
-    return Takes("iconv_open", OnName()) ? reinterpret_cast<iconv_t>(-1) : passOn(to, from);
+    return Takes("iconv_open", Unstoppable()) ? reinterpret_cast<iconv_t>(-1) : passOn(to, from);
 }
 
 DEFINED(void*, mmap, (void* place, std::size_t n, int protection, int flags, int file, off_t at)) {
