@@ -26,7 +26,8 @@ enum class eSaveEnd : int {
 // The document is written to a temporary file beside the target, ".NAME.saving", which then replaces the target. So the
 // folder needs room for both files and the permission to create one. A temporary file that a program left when it was
 // killed is removed by the next save to the same target. The target keeps its permissions, owner and attributes; on
-// Windows its access rights, attributes, time of creation and named streams.
+// Windows its access rights, attributes, time of creation and named streams. If the target's folder is exchanged for a
+// link meanwhile, the document is saved in the folder in which the save began; Windows refuses the exchange.
 //
 // | target                                                  | result                                                 |
 // |---------------------------------------------------------|--------------------------------------------------------|

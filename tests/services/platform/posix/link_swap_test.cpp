@@ -170,7 +170,9 @@ private:
             return;
         if (::renameat2(all, kSpare, place.parent, place.name.c_str(), RENAME_EXCHANGE) == 0) {
             ++shared->folders;
-            const auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 200);
+            // As short as possible, or long enough for a walk to meet it.
+            const std::chrono::microseconds pause(random() % 2 == 0 ? random() % 100 : 0);
+            const auto until = std::chrono::steady_clock::now() + pause;
             while (std::chrono::steady_clock::now() < until) {
             }
             if (::renameat2(all, kSpare, place.parent, place.name.c_str(), RENAME_EXCHANGE) != 0)

@@ -1,12 +1,14 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
+#include "support/platform/windows/import_table.h"
 #include "support/wine.h"
 
 #include "../../real_tree.h"
@@ -73,6 +75,12 @@ public:
         RunBelowWine(L"ln", {"-s", UnixName(target), place});
         WaitUntil([&] { return IsShownAsLink(link); });
         return IsShownAsLink(link);
+    }
+
+    // Makes a link lead elsewhere.
+    bool Lead(const std::filesystem::path& target, const std::filesystem::path& link) {
+        Remove(link);
+        return Make(target, link);
     }
 
 private:
@@ -184,6 +192,33 @@ TYPED_TEST(WindowsServices, CopyingFollowsNoLink) {
     }
     TypeParam::Delete(this->Named("to"), true);
     EXPECT_EQ("content", this->Content("outside/file"));
+}
+
+// What happens when the library next begins a listing.
+std::function<void()> atNextListing;
+
+decltype(&::FindFirstFileW) systemsFindFirstFile;
+HANDLE WINAPI FindFirstFileAfterwards(LPCWSTR pattern, LPWIN32_FIND_DATAW found) {
+    if (const auto happens = std::exchange(atNextListing, nullptr))
+        happens();
+    return systemsFindFirstFile(pattern, found);
+}
+
+TYPED_TEST(WindowsServices, AWalkStaysInItsTreeThoughALinkAboveIsLedElsewhere) {
+    this->MakeFile("outside/root/sub/file", "precious");
+    this->MakeFile("outside/root/file", "precious");
+    this->MakeFile("real/root/sub/file");
+    this->MakeFile("real/root/file");
+    if (!this->MakeLink("real", "way"))
+        GTEST_SKIP() << "no symbolic links can be made here";
+    const eReplacedCall listing("qzl_io.dll", "FindFirstFileW", &FindFirstFileAfterwards, &systemsFindFirstFile);
+    bool led = false;
+    // The first search looks whether the root is a link, before the root is held.
+    atNextListing = [&] { atNextListing = [&] { led = this->links.Lead(this->At("outside"), this->At("way")); }; };
+    TypeParam::Delete(this->Named("way/root"), true);
+    EXPECT_TRUE(led);
+    EXPECT_EQ((eNames{"root/", "root/file", "root/sub/", "root/sub/file"}), this->Tree("outside"));
+    EXPECT_EQ(eNames{"root/"}, this->Tree("real"));
 }
 
 TYPED_TEST(WindowsServices, PurgingLeavesLinksAndWhatTheyPointToAlone) {

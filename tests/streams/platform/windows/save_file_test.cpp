@@ -124,6 +124,39 @@ TEST_F(SavedFile, HeldByAnotherIsTheOldDocumentOrTheNewOne) {
         }
 }
 
+TEST_F(SavedFile, NobodyCanExchangeItsFolderMeanwhile) {
+    for (const bool exists : {true, false}) {
+        fs::create_directories(folder.Path() / "docs/inner");
+        if (exists)
+            folder.Write("docs/inner/file", "old");
+        {
+            IO::eSaveFile file(Name("docs/inner/file"));
+            file.Write("new", 3);
+            EXPECT_FALSE(::MoveFileExW(NameW("docs/inner").c_str(), NameW("docs/moved").c_str(), 0)) << exists;
+            EXPECT_TRUE(file.Commit()) << file.Failure();
+        }
+        EXPECT_EQ("new", folder.Read("docs/inner/file"));
+        EXPECT_TRUE(::MoveFileExW(NameW("docs/inner").c_str(), NameW("docs/moved").c_str(), 0)) << exists;
+        fs::remove_all(folder.Path() / "docs");
+    }
+}
+
+// The document of a target with two names is written into it: not into another file that has taken its name.
+TEST_F(SavedFile, IsKeptWhenAnotherFileHasTakenTheNameOfATargetWithTwo) {
+    folder.Write("file", "old");
+    folder.Write("precious", "precious");
+    fs::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    IO::eSaveFile file(Name("file"));
+    file.Write("new", 3);
+    ASSERT_TRUE(::DeleteFileW(NameW("file").c_str()));
+    fs::create_hard_link(folder.Path() / "precious", folder.Path() / "file");
+    EXPECT_FALSE(file.Commit());
+    EXPECT_NE(std::string::npos, file.Failure().find("/file.unsaved")) << file.Failure();
+    EXPECT_EQ("precious", folder.Read("precious"));
+    EXPECT_EQ("old", folder.Read("other"));
+    EXPECT_EQ("new", folder.Read("file.unsaved"));
+}
+
 TEST_F(SavedFile, IsSavedWhenAnotherLetsGoInTime) {
     folder.Write("file", "old");
     const HANDLE held = Hold("file", GENERIC_READ, 0);

@@ -11,21 +11,14 @@
 #include "platform/windows/file_numbers.h"
 #include "platform/windows/native_name.h"
 #include "platform/windows/owned_handle.h"
+#include "platform/windows/pinned_folder.h"
 
 namespace IO::Platform {
 
 namespace {
 
 constexpr DWORD kLinkFlag = 0x800; // COPY_FILE_COPY_SYMLINK
-constexpr DWORD kFolderFlags = FILE_FLAG_BACKUP_SEMANTICS;
 constexpr DWORD kNoLinks = FILE_FLAG_OPEN_REPARSE_POINT;
-
-// Opens without FILE_SHARE_DELETE: while the handle is open, nobody can remove, rename or replace the folder. The right
-// to read the list makes the system check the sharing.
-eOpenHandle Pin(const std::wstring& name, DWORD flags) {
-    return eOpenHandle(::CreateFileW(name.c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                     OPEN_EXISTING, kFolderFlags | flags, nullptr));
-}
 
 // For a handle that was opened on the folder or link itself.
 bool IsRealFolder(const eOpenHandle& opened) {
@@ -60,13 +53,6 @@ bool LeadsAway(const wchar_t* name) {
     return IsDots(name) || std::wstring_view(name).find_first_of(L"\\/") != std::wstring_view::npos;
 }
 
-// A root already has its slash.
-std::wstring WithSlash(std::wstring name) {
-    if (!name.ends_with(L'\\'))
-        name += L'\\';
-    return name;
-}
-
 bool IsLink(const std::wstring& name) {
     WIN32_FIND_DATAW data;
     const eFindHandle found(::FindFirstFileW(name.c_str(), &data));
@@ -79,14 +65,13 @@ public:
     // Takes a path in extended form that ends in a backslash.
     eWindowsFolder(std::wstring fullPath, eOpenHandle opened) : path(std::move(fullPath)), pin(std::move(opened)) {}
 
-    static eAnswer Open(const std::wstring& name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
-        eOpenHandle pin = Pin(name, link == eNamedLink::Refuse ? kNoLinks : 0);
-        if (!pin.IsOpen())
-            return Told(FALSE, name, kAnyAttribute);
-        if (!IsRealFolder(pin))
-            return eAnswer::Refused;
-        *opened = std::make_unique<eWindowsFolder>(WithSlash(name), std::move(pin));
-        return eAnswer::Done;
+    // Opens the root of a walk.
+    static eAnswer OpenRoot(const std::wstring& name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
+        eOpenHandle pin;
+        const eAnswer answer = OpenReal(name, link, &pin);
+        if (answer == eAnswer::Done)
+            *opened = std::make_unique<eWindowsFolder>(PinnedName(pin, name), std::move(pin));
+        return answer;
     }
 
     bool Next(eEntry* entry) override {
@@ -100,7 +85,12 @@ public:
     }
 
     eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) override {
-        return Open(Named(entry), eNamedLink::Refuse, opened);
+        const std::wstring name = Named(entry);
+        eOpenHandle inner;
+        const eAnswer answer = OpenReal(name, eNamedLink::Refuse, &inner);
+        if (answer == eAnswer::Done)
+            *opened = std::make_unique<eWindowsFolder>(WithSlash(name), std::move(inner));
+        return answer;
     }
 
     eAnswer RemoveFile(const eEntry& entry) override {
@@ -155,6 +145,13 @@ public:
     void Wake(eFolder&) override {}
 
 private:
+    static eAnswer OpenReal(const std::wstring& name, eNamedLink link, eOpenHandle* opened) {
+        *opened = PinFolder(name, link == eNamedLink::Refuse ? kNoLinks : 0);
+        if (!opened->IsOpen())
+            return Told(FALSE, name, kAnyAttribute);
+        return IsRealFolder(*opened) ? eAnswer::Done : eAnswer::Refused;
+    }
+
     bool Advance() {
         if (search.IsOpen())
             return ::FindNextFileW(search.Get(), &data) != FALSE;
@@ -184,7 +181,7 @@ eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* 
     const std::wstring folder = FolderName(name);
     if (link == eNamedLink::Refuse && IsLink(folder))
         return eAnswer::Refused;
-    return eWindowsFolder::Open(folder, link, opened);
+    return eWindowsFolder::OpenRoot(folder, link, opened);
 }
 
 template <class Char>

@@ -23,6 +23,7 @@
 #include "platform/windows/file_numbers.h"
 #include "platform/windows/native_name.h"
 #include "platform/windows/owned_handle.h"
+#include "platform/windows/pinned_folder.h"
 #include "platform/windows/resemblance.h"
 
 namespace IO::Platform {
@@ -33,6 +34,7 @@ using System::ePatience;
 constexpr int kOpenCreate = 0x8302;
 constexpr int kOpenWrite = 0x8102;
 constexpr unsigned kMostTries = 100;
+constexpr DWORD kExchanged = ERROR_FILE_INVALID; // another file has taken the target's name
 
 eOpenHandle Open(const std::wstring& name, DWORD access, DWORD share, DWORD how, DWORD flags = 0) {
     return eOpenHandle(::CreateFileW(name.c_str(), access, share, nullptr, how, flags, nullptr));
@@ -108,12 +110,16 @@ private:
 // While the temporary file is open, nobody else may write or remove it: one that can be removed was left by a program
 // that was killed.
 //
+// The folder is held, too, so that all names lead to it until the end, whatever others do to it or to those above it.
+// They may exchange the target itself.
+//
 // ReplaceFile takes two steps, between which the target is missing. Moving a file takes one, so the temporary file gets
 // what the target has besides its content, and is moved.
 class eWrittenBeside : public eSavedFile {
 public:
-    // `facts` is null where the target is missing.
-    eWrittenBeside(const std::wstring& target, const BY_HANDLE_FILE_INFORMATION* facts) : place(target) {
+    // `facts` is null, and the identity empty, where the target is missing.
+    eWrittenBeside(const std::wstring& target, const BY_HANDLE_FILE_INFORMATION* facts, const eFileId& found)
+        : place(target), id(found) {
         if (facts) {
             created = facts->ftCreationTime;
             attributes = facts->dwFileAttributes & kKeptAttributes;
@@ -128,6 +134,8 @@ public:
 
     // -1 where the folder takes no new file.
     int NewHandle(bool exists) {
+        if (!HoldFolder())
+            return -1;
         eOpenHandle file = Create();
         if (!file.IsOpen()) {
             Refused(::GetLastError());
@@ -167,6 +175,18 @@ public:
 private:
     static constexpr DWORD kKeptAttributes =
         FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+
+    // Not refused where the folder cannot be held: one that may be changed, but not listed.
+    bool HoldFolder() {
+        folder = PinFolder(place.folder, 0);
+        if (folder.IsOpen())
+            place.folder = PinnedName(folder, place.folder);
+        const eOpenHandle there = Open(place.Full(), 0, kShareAll, OPEN_EXISTING);
+        return !there.IsOpen() || IsTarget(there) || Refused(kExchanged);
+    }
+
+    // Whether a file that was opened by the target's name may be the target that was there in the beginning.
+    bool IsTarget(const eOpenHandle& file) const { return MayBeOneFile(id, NumberedId(file.Get())); }
 
     eOpenHandle Create() {
         for (unsigned tries = 0;; ++tries) {
@@ -237,7 +257,11 @@ private:
             target = Open(name, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
             return target.IsOpen();
         };
-        if (!Keep() || !Insist(name, open) || !CopyInto(target.Get(), toDisk))
+        if (!Keep() || !Insist(name, open))
+            return false;
+        if (!IsTarget(target))
+            return Refused(kExchanged);
+        if (!CopyInto(target.Get(), toDisk))
             return false;
         Remove();
         kept.clear();
@@ -253,6 +277,8 @@ private:
     }
 
     ePlace place;
+    eFileId id;
+    eOpenHandle folder;
     FILETIME created{}; // zero for a new file
     DWORD attributes = FILE_ATTRIBUTE_NORMAL;
     bool inOneStep = true;
@@ -262,8 +288,8 @@ private:
 };
 
 std::unique_ptr<eSavedFile> BeginBeside(const std::wstring& target, const BY_HANDLE_FILE_INFORMATION* facts,
-                                        int* handle) {
-    auto saved = std::make_unique<eWrittenBeside>(target, facts);
+                                        const eFileId& id, int* handle) {
+    auto saved = std::make_unique<eWrittenBeside>(target, facts, id);
     *handle = saved->NewHandle(facts != nullptr);
     return *handle != -1 ? std::move(saved) : nullptr;
 }
@@ -281,14 +307,14 @@ std::unique_ptr<eSavedFile> BeginExisting(const Char* target, const eOpenHandle&
         return nullptr;
     }
     const std::wstring told = FinalName(existing.Get());
-    return BeginBeside(told.empty() ? FolderName(target) : told, &facts, handle);
+    return BeginBeside(told.empty() ? FolderName(target) : told, &facts, NumberedId(existing.Get()), handle);
 }
 
 template <class Char>
 std::unique_ptr<eSavedFile> BeginMissing(const Char* target, int* handle) {
     const std::wstring name = FolderName(target);
     if (!IsThere(name))
-        return BeginBeside(name, nullptr, handle);
+        return BeginBeside(name, nullptr, {}, handle);
     Refused(ERROR_CANT_RESOLVE_FILENAME);
     return nullptr;
 }
@@ -297,11 +323,8 @@ bool IsDevice(const eOpenHandle& file) {
     return ::GetFileType(file.Get()) != FILE_TYPE_DISK;
 }
 
-} // namespace
-
 template <class Char>
-std::unique_ptr<eSavedFile> BeginSave(const Char* target, int* handle) {
-    const eUnattended unattended;
+std::unique_ptr<eSavedFile> BeginOnce(const Char* target, int* handle) {
     const std::wstring name = eNativeName(target).c_str();
     *handle = -1;
     eOpenHandle existing;
@@ -319,6 +342,18 @@ std::unique_ptr<eSavedFile> BeginSave(const Char* target, int* handle) {
     auto saved = std::make_unique<eWrittenAtOnce>();
     *handle = OpenFile(target, kOpenCreate);
     return *handle == -1 ? nullptr : std::move(saved);
+}
+
+} // namespace
+
+template <class Char>
+std::unique_ptr<eSavedFile> BeginSave(const Char* target, int* handle) {
+    const eUnattended unattended;
+    auto saved = BeginOnce(target, handle);
+    // Another save may replace the target after it was opened.
+    for (unsigned tries = 1; !saved && lastFailure == kExchanged && tries < kMostTries; ++tries)
+        saved = BeginOnce(target, handle);
+    return saved;
 }
 
 template <class Char>
