@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
@@ -179,6 +180,42 @@ TEST_F(SavedFile, IsInTheFolderInWhichItBeganThoughALinkHasTakenTheFoldersName) 
         EXPECT_EQ(1, count("outside"));
         EXPECT_EQ(row.hasSecondName ? 2 : 1, count("moved again"));
         Clear();
+    }
+}
+
+TEST_F(SavedFile, MayHaveAnyNameThatTheSystemTakes) {
+    for (const std::string& name :
+         {std::string("two\nlines"), std::string("tab\t"), std::string(" blanks "), std::string("-rf"),
+          std::string("..."), std::string("..hidden"), std::string("a:b"), std::string("*?\"|<>"),
+          std::string("\xff\xfe not UTF-8"), std::string("file.unsaved"), std::string(".file.saving"),
+          std::string(255, 'n'), std::string(127, '\xc3') + "\xa9", std::string("con"), std::string("$(file)")}) {
+        SCOPED_TRACE(name);
+        EXPECT_TRUE(Save(name, "old"));
+        EXPECT_TRUE(Save(name, "new"));
+        EXPECT_EQ("new", folder.Read(name));
+        EXPECT_EQ(std::set<std::string>{name}, Entries());
+        fs::remove(folder.Path() / name);
+    }
+}
+
+TEST_F(SavedFile, NamesOfNoFileAreRefusedWithAReason) {
+    folder.Write("file", "precious");
+    fs::create_directory(folder.Path() / "docs");
+    fs::create_directory_symlink("missing/", folder.Path() / "link");
+    const std::set<std::string> before = Entries();
+    for (const std::string& name :
+         {std::string(), std::string("."), std::string(".."), std::string("docs"), std::string("docs/"),
+          std::string("docs/."), std::string("docs/.."), std::string("file/"), std::string("file/x"),
+          std::string("missing/"), std::string("missing/x"), std::string("link"), std::string("link/"),
+          std::string(256, 'n'), std::string(5000, 'n')}) {
+        SCOPED_TRACE(name);
+        errno = 0;
+        IO::eSaveFile file(Name(name));
+        EXPECT_FALSE(file.IsOpen());
+        EXPECT_FALSE(file.Commit());
+        EXPECT_EQ(std::string::npos, file.Failure().find("cannot be saved.")) << "no reason: " << file.Failure();
+        EXPECT_NE(std::string::npos, file.Failure().find("cannot be saved: ")) << file.Failure();
+        EXPECT_EQ(before, Entries());
     }
 }
 
