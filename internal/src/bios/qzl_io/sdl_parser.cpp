@@ -69,14 +69,10 @@ void AnalyseHex(xSDL::eCurrentToken* token, std::string_view digits) {
     token->OwnString() = ToString(token->Int(), false);
 }
 
-// Gives a token that has just been cut its final type and values.
-[[gnu::always_inline]] inline void Analyse(xSDL::eCurrentToken* token, const xSDL::eLexeme& lexeme,
-                                           const eSDLKeyword* table) {
+// Gives a token that has just been cut, and is no word, its values.
+[[gnu::always_inline]] inline void Analyse(xSDL::eCurrentToken* token, const xSDL::eLexeme& lexeme) {
     const std::string_view source(lexeme.begin, lexeme.length);
     switch (lexeme.type) {
-    case sdlIdent:
-        AnalyseWord(token, source, table);
-        break;
     case sdlInt:
         token->SetInt(lexeme.exact ? xSDL::NearestInt(lexeme.digits, source.front() == '-') : xSDL::TextToInt(source));
         break;
@@ -90,17 +86,7 @@ void AnalyseHex(xSDL::eCurrentToken* token, std::string_view digits) {
     case sdlHex:
         AnalyseHex(token, source);
         break;
-    case sdlError:
-    case sdlNone:
-    case sdlKeyword:
-    case sdlString:
-    case sdlBlockStart:
-    case sdlBlockEnd:
-    case sdlBlockId:
-    case sdlOpen:
-    case sdlClose:
-    case sdlNumber:
-    case sdlOperator:
+    default:
         break;
     }
 }
@@ -251,8 +237,8 @@ bool eSDLParser::Cut() {
     return taken || CutAny(begin.line, begin.at);
 }
 
-// Takes any token that begins there. A string may contain line feeds after backslashes, so the line is known only after
-// the cut.
+// Takes any token but a word, which Cut has taken. A string may contain line feeds after backslashes, so the line is
+// known only after the cut.
 bool eSDLParser::CutAny(int line, const char* begin) {
     xSDL::eLexeme lexeme{.begin = begin};
     const char* const next = xSDL::CutAt(begin, &line, &lexeme);
@@ -262,7 +248,7 @@ bool eSDLParser::CutAny(int line, const char* begin) {
     }
     current.Accept(lexeme.type, TextOf(lexeme), line, next);
     escaped = lexeme.escaped;
-    Analyse(&current, lexeme, Keywords());
+    Analyse(&current, lexeme);
     return true;
 }
 

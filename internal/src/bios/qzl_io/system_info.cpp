@@ -33,7 +33,9 @@ std::basic_string<Char> LowerCased(std::basic_string<Char> text) {
 template <class Char>
 std::basic_string<Char> AskProductId() {
     const Platform::eProductIdQuery query = Platform::OpenProductId<Char>();
-    return query ? AskGrowing<Char>(query) : std::basic_string<Char>();
+    if (!query)
+        return {};
+    return AskGrowing<Char>(query);
 }
 
 std::string AskVersionName() {

@@ -64,11 +64,12 @@ value Parsed(std::string&& text) {
 }
 
 // The parser's texts are UTF-8 on one system and UTF-16 on the other.
-[[maybe_unused]] const std::string& Utf8(const std::string& text) {
-    return text;
-}
-[[maybe_unused]] std::string Utf8(const std::wstring& text) {
-    return ToString(text);
+template <class T>
+decltype(auto) Utf8(const T& text) {
+    if constexpr (std::is_same_v<T, std::wstring>)
+        return ToString(text);
+    else
+        return (text);
 }
 
 // Takes a document apart: each object and array is freed after it has been fed, while it is in the cache.

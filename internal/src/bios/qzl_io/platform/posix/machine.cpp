@@ -19,7 +19,9 @@ namespace {
 
 std::string HostName() {
     std::array<char, 256> name{};
-    return ::gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data()) : std::string();
+    if (::gethostname(name.data(), name.size() - 1) != 0)
+        return {};
+    return name.data();
 }
 
 std::string EffectiveUser() {
@@ -35,13 +37,17 @@ std::string EffectiveUser() {
             return failure == 0 ? 0 : -1;
         });
     }
-    return failure == 0 && found && found->pw_name ? std::string(found->pw_name) : std::string();
+    if (failure != 0 || !found || !found->pw_name)
+        return {};
+    return found->pw_name;
 }
 
 std::string ExecutableBytes() {
     std::vector<char> name(PATH_MAX);
     const ssize_t length = Uninterrupted([&] { return ::readlink("/proc/self/exe", name.data(), name.size()); });
-    return length > 0 ? std::string(name.data(), static_cast<std::size_t>(length)) : std::string();
+    if (length < 0)
+        return {};
+    return {name.data(), static_cast<std::size_t>(length)};
 }
 
 } // namespace

@@ -113,9 +113,9 @@ private:
         case eKind::One:
             return beforeDot || atEnd;
         case eKind::DotOrEnd:
-            return atEnd;
+            break;
         }
-        return false;
+        return atEnd;
     }
 
     ePlaces After(const ePlaces& places, wchar_t letter, bool isLastDot) const {
@@ -140,9 +140,9 @@ private:
         case eKind::One:
             return letter != L'.';
         case eKind::DotOrEnd:
-            return letter == L'.';
+            break;
         }
-        return false;
+        return letter == L'.';
     }
 
     std::vector<eItem> items;
