@@ -166,3 +166,18 @@ TEST(LookAheadInFiles, AnUnterminatedStringEndsAnIncludedFile) {
 }
 
 } // namespace
+
+// The block continues in the including source.
+TEST(LookAheadInFiles, ABlockIsSkippedOverTheEscapesAtTheEndOfAnIncludedFile) {
+    const eTempFolder folder;
+    const eFileName included(folder.Write("open.sdl", "{ 1 \"a\\tb\""));
+    eSDLReader reader = ReaderOf("{a } 7 } 8");
+    reader >> begb;
+    reader.GetIdent();
+    reader.Include(included);
+    reader >> begb;
+    reader.SkipBlock();
+    EXPECT_EQ(reader.GetInt(), 7);
+    reader >> endb;
+    EXPECT_EQ(reader.GetInt(), 8);
+}

@@ -101,11 +101,21 @@ TEST_F(CodePage, ThatCannotBeOpenedForWantOfDescriptorsIsReported) {
             const eFault fault(function, error);
             EXPECT_EQ(L"", StringToWideChar(kNarrow, 866)) << function;
             EXPECT_TRUE(fault.Struck());
+            const eFault another(function, error);
+            EXPECT_EQ("", WideCharToString(kWide, 866)) << function;
+            EXPECT_TRUE(another.Struck());
         }
     }
-    ASSERT_EQ(4u, reports.errors().size());
+    ASSERT_EQ(8u, reports.errors().size());
     for (const xError::eReport& report : reports.errors())
         EXPECT_EQ(kError, report.message);
+}
+
+// The system says of a page that it cannot load that it does not know it.
+TEST_F(CodePage, ThatMayBeUnknownOnlyForWantOfRoomThrowsBadAlloc) {
+    const eFault fault("mmap", ENOMEM);
+    EXPECT_THROW(StringToWideChar("a\x80", 99999), std::bad_alloc);
+    EXPECT_TRUE(fault.Struck());
 }
 
 TEST_F(CodePage, ThatTheSystemDoesNotKnowIsNoError) {

@@ -251,6 +251,17 @@ TEST_F(CopiedFile, StoppedLeavesNoTargetAndNothingBesides) {
     }
 }
 
+TEST_F(CopiedFile, WithHolesStopsToo) {
+    MakeFile("from", "x");
+    fs::resize_file(At("from"), 9'000'000);
+    bool cancel = true;
+    EXPECT_TRUE(IO::System::File::CopyEx(Named("from"), Named("to"), &cancel));
+    EXPECT_EQ((eNames{"from"}), Tree(""));
+    cancel = false;
+    EXPECT_TRUE(IO::System::File::CopyEx(Named("from"), Named("to"), &cancel));
+    EXPECT_EQ(9'000'000u, Content("to").size());
+}
+
 // --- Other kinds of files ---
 
 TEST_F(CopiedFile, GoesToAPipeThatIsRead) {

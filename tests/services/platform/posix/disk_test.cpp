@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/platform/posix/fault.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -79,4 +80,13 @@ TEST_F(Disk, IsFoundBelowTheLayersThatStandOnIt) {
 TEST_F(Disk, IsNotSoughtThroughLayersWithoutEnd) {
     MakeLayer("dm-0", "dm-0");
     EXPECT_EQ("failure " + std::to_string(ENOENT), SerialOf("dm-0"));
+}
+
+TEST_F(Disk, OfTheRootIsUnknownWithTheSystemsErrorWhereTheRootCannotBeAskedAbout) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "calls do not pass through the test program";
+    const eFault fault("stat", EACCES);
+    std::string serial;
+    EXPECT_EQ(static_cast<unsigned int>(EACCES), IO::Platform::AskDiskSerialHere(&serial));
+    EXPECT_EQ("", serial);
 }

@@ -57,6 +57,18 @@ TEST_F(FileFault, AReadThatTheSystemRefusesSetsBad) {
     EXPECT_TRUE(stream.Enabled(Mode::Bad));
 }
 
+// A device is opened without waiting for it, and then told to wait.
+TEST_F(FileFault, ADeviceThatDoesNotWaitForItsBytesIsNotOpened) {
+    const int before = OpenDescriptors();
+    {
+        const eFault fault("fcntl", EIO);
+        EXPECT_FALSE(IO::eFileStream("/dev/zero", Mode::Read).IsOpen());
+        EXPECT_TRUE(fault.Struck());
+    }
+    EXPECT_EQ(before, OpenDescriptors());
+    EXPECT_TRUE(IO::eFileStream("/dev/zero", Mode::Read).IsOpen());
+}
+
 TEST_F(FileFault, AFileWhoseLengthTheSystemDoesNotTellIsNotOpened) {
     const std::string name = folder.Write("file", "0123456789");
     const int before = OpenDescriptors();
