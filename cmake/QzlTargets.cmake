@@ -25,6 +25,13 @@ function(qzl_add_library name)
     qzl_own_target(${name})
     target_compile_features(${name} PUBLIC cxx_std_20)
     target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-semantic-interposition>)
+    # A function that is forced into others would be counted in each of them.
+    target_compile_definitions(${name} PRIVATE $<$<BOOL:${QZL_COVERAGE}>:always_inline=noinline>)
+    if(QZL_COVERAGE STREQUAL "libraries")
+        target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:--coverage> $<$<COMPILE_LANGUAGE:CXX>:-O0>
+            $<$<COMPILE_LANGUAGE:CXX>:-fprofile-update=atomic>)
+        target_link_options(${name} PRIVATE --coverage)
+    endif()
     target_include_directories(${name} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     set_target_properties(${name} PROPERTIES
