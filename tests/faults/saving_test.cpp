@@ -46,8 +46,8 @@ public:
         IO::eSaveFile file(name);
         file.Write(kNew.data(), kNew.size());
         const bool saved = file.Commit();
-        reasonGiven = saved == file.Failure().empty();
-        failure = file.Failure();
+        reasonGiven = saved == !file.Failure();
+        failure = file.Failure().text;
         return saved;
     }
 

@@ -625,7 +625,7 @@ TEST(SdlParser, HasNoPlaceToShowWhileItsTextIsStillBeingRead) {
     EXPECT_THROW(eSDLParser("cut.sdl", stream, tables, {}, nullptr), xError::eException);
     ASSERT_EQ(reports.errors().size(), 2u);
     EXPECT_EQ(reports.errors()[0].message, "Attempt to read beyond the stream!");
-    EXPECT_EQ(reports.errors()[0].context, "\"cut.sdl\", 1\n");
+    EXPECT_EQ(reports.errors()[0].context, "BufferStream(off:0, ptr:4, end:4, eos:9, buff:4)\n\"cut.sdl\", 1\n");
     EXPECT_EQ(reports.errors()[1].message, "cut.sdl - read error!");
 }
 

@@ -853,7 +853,7 @@ TEST(FileStream, ALineThatCrossesTheEndOfTheBufferMovesToItsStart) {
     }
 }
 
-TEST(FileStream, AFileThatShrinksMeanwhileReadsAsZerosAndIsBad) {
+TEST(FileStream, AFileThatShrinksMeanwhileGivesWhatIsLeftOfItAndIsBad) {
     const eTempFolder folder;
     const eReports reports;
     for (const std::size_t piece : {200000u, 20000u}) {
@@ -862,8 +862,11 @@ TEST(FileStream, AFileThatShrinksMeanwhileReadsAsZerosAndIsBad) {
         std::string read(200000, '?');
         for (std::size_t at = 0; at < read.size(); at += piece)
             stream.Read(read.data() + at, piece);
-        EXPECT_TRUE(read == Pattern(40000) + std::string(160000, '\0')) << piece;
+        EXPECT_TRUE(read == Pattern(40000) + std::string(160000, '?')) << piece;
+        EXPECT_EQ(stream.Position(), 40000u);
         EXPECT_TRUE(stream.Enabled(Mode::Bad)) << piece;
+        EXPECT_EQ(stream.Failure().text, "The file is shorter than when it was opened.");
+        EXPECT_EQ(stream.Failure().number, 0);
     }
     EXPECT_TRUE(reports.errors().empty());
 }

@@ -68,10 +68,10 @@ TYPED_TEST(SaveFile, CommitPutsTheWholeDocumentInTheTargetsPlace) {
             const std::string document = Document(size);
             this->folder.Write("file", "the old document, longer than some of the new ones");
             IO::eSaveFile file(this->Name("file"), end);
-            ASSERT_TRUE(file.IsOpen()) << file.Failure();
+            ASSERT_TRUE(file.IsOpen()) << file.Failure().text;
             file.Write(document.data(), document.size());
-            EXPECT_TRUE(file.Commit()) << file.Failure();
-            EXPECT_EQ("", file.Failure());
+            EXPECT_TRUE(file.Commit()) << file.Failure().text;
+            EXPECT_FALSE(file.Failure());
             EXPECT_EQ(document, this->folder.Read("file"));
             EXPECT_EQ((std::set<std::string>{"file"}), this->Entries());
         }
@@ -139,7 +139,7 @@ TYPED_TEST(SaveFile, ABadStreamIsNotCommitted) {
     file.Seek(1000, IO::eSeekDir::Begin);
     ASSERT_TRUE(file.Enabled(Mode::Bad));
     EXPECT_FALSE(file.Commit());
-    EXPECT_NE("", file.Failure());
+    EXPECT_TRUE(file.Failure());
     EXPECT_EQ("old", this->folder.Read("file"));
     EXPECT_EQ((std::set<std::string>{"file"}), this->Entries());
 }
@@ -152,7 +152,7 @@ TYPED_TEST(SaveFile, BytesAmongThoseWrittenCanBeWrittenAgain) {
     file.Seek(0, IO::eSeekDir::Begin);
     file << static_cast<int>(document.size());
     file.Seek(0, IO::eSeekDir::End);
-    ASSERT_TRUE(file.Commit()) << file.Failure();
+    ASSERT_TRUE(file.Commit()) << file.Failure().text;
     const std::string saved = this->folder.Read("file");
     int size = 0;
     std::memcpy(&size, saved.data(), sizeof(size));
@@ -166,7 +166,7 @@ TYPED_TEST(SaveFile, AFolderIsNotSaved) {
     fs::create_directory(this->folder.Path() / "sub");
     IO::eSaveFile file(this->Name("sub"));
     EXPECT_FALSE(file.IsOpen());
-    EXPECT_NE(std::string::npos, file.Failure().find("sub\" cannot be saved: ")) << file.Failure();
+    EXPECT_NE(std::string::npos, file.Failure().text.find("sub\" cannot be saved: ")) << file.Failure().text;
     EXPECT_FALSE(file.Commit());
     EXPECT_EQ((std::set<std::string>{"sub"}), this->Entries());
 }
@@ -174,7 +174,7 @@ TYPED_TEST(SaveFile, AFolderIsNotSaved) {
 TYPED_TEST(SaveFile, AMissingFolderIsNotMade) {
     IO::eSaveFile file(this->Name("missing/file"));
     EXPECT_FALSE(file.IsOpen());
-    EXPECT_NE("", file.Failure());
+    EXPECT_TRUE(file.Failure());
     EXPECT_FALSE(file.Commit());
     EXPECT_TRUE(this->Entries().empty());
 }
@@ -199,7 +199,7 @@ TYPED_TEST(SaveFile, WhatAKilledProgramLeftIsRemovedByTheNextSave) {
     {
         IO::eSaveFile file(this->Name("file"));
         file << 'a';
-        EXPECT_TRUE(file.Commit()) << file.Failure();
+        EXPECT_TRUE(file.Commit()) << file.Failure().text;
     }
     EXPECT_EQ("a", this->folder.Read("file"));
     EXPECT_EQ((std::set<std::string>{"file"}), this->Entries());
@@ -228,7 +228,7 @@ TYPED_TEST(SaveFile, ATargetRemovedMeanwhileIsThereAgain) {
     IO::eSaveFile file(this->Name("file"));
     file << 'a';
     fs::remove(this->folder.Path() / "file");
-    EXPECT_TRUE(file.Commit()) << file.Failure();
+    EXPECT_TRUE(file.Commit()) << file.Failure().text;
     EXPECT_EQ("a", this->folder.Read("file"));
 }
 
@@ -238,7 +238,7 @@ TYPED_TEST(SaveFile, LongNamesAreSaved) {
         for (int time = 0; time < 2; ++time) {
             IO::eSaveFile file(this->Name(name));
             file << 'a';
-            EXPECT_TRUE(file.Commit()) << file.Failure();
+            EXPECT_TRUE(file.Commit()) << file.Failure().text;
         }
         EXPECT_EQ("a", this->folder.Read(name));
     }
@@ -253,12 +253,12 @@ TYPED_TEST(SaveFile, AFileWithTwoNamesKeepsThem) {
     const std::string document = Document(3'000'000);
     file.Write(document.data(), document.size());
     EXPECT_EQ("the old document, which is longer", this->folder.Read("other"));
-    ASSERT_TRUE(file.Commit()) << file.Failure();
+    ASSERT_TRUE(file.Commit()) << file.Failure().text;
     EXPECT_EQ(document, this->folder.Read("file"));
     EXPECT_EQ(document, this->folder.Read("other"));
     EXPECT_EQ((std::set<std::string>{"file", "other"}), this->Entries());
     IO::eSaveFile shorter(this->Name("other"));
     shorter << 'a';
-    ASSERT_TRUE(shorter.Commit()) << shorter.Failure();
+    ASSERT_TRUE(shorter.Commit()) << shorter.Failure().text;
     EXPECT_EQ("a", this->folder.Read("file"));
 }

@@ -26,7 +26,7 @@ inline unsigned char* eStream::Shifted(unsigned char* from, unsigned long long n
 inline long long eStream::Distance(const unsigned char* from, const unsigned char* to) noexcept {
     return static_cast<long long>(Address(to) - Address(from));
 }
-inline long long eStream::Remaining() const noexcept {
+inline long long eStream::ToEnd() const noexcept {
     return Distance(ptr, eos);
 }
 inline unsigned long long eStream::RoomInBuffer() const noexcept {
@@ -47,11 +47,16 @@ inline unsigned long long eStream::Size() const noexcept {
 inline bool eStream::BeforeStart() const noexcept {
     return static_cast<long long>(Position()) < 0;
 }
+inline unsigned long long eStream::Remaining() const noexcept {
+    return ToEnd() > 0 && !BeforeStart() ? static_cast<unsigned long long>(ToEnd()) : 0;
+}
 inline void eStream::Enable(unsigned short bits) noexcept {
     flags = static_cast<unsigned short>(flags | bits);
 }
 inline void eStream::Disable(unsigned short bits) noexcept {
     flags = static_cast<unsigned short>(flags & ~bits);
+    if ((bits & StreamMode::Bad) != 0)
+        loss = {};
 }
 inline bool eStream::Enabled(unsigned short bits) const noexcept {
     return (flags & bits) != 0;
@@ -60,7 +65,7 @@ inline bool eStream::Disabled(unsigned short bits) const noexcept {
     return (flags & bits) == 0;
 }
 inline bool eStream::Eos() const noexcept {
-    return Remaining() <= 0 || Enabled(StreamMode::Failed | StreamMode::Bad);
+    return ToEnd() <= 0 || Enabled(StreamMode::Failed | StreamMode::Bad);
 }
 inline bool eStream::IsOpen() const noexcept {
     return flags != 0 && Disabled(StreamMode::Failed);
@@ -93,7 +98,7 @@ struct eStreamInline {
     static void Replace(eStream& stream, std::size_t n, Store store) noexcept {
         unsigned char* const place = stream.ptr;
         unsigned char* const end = place + n;
-        if (stream.Remaining() < static_cast<long long>(n))
+        if (stream.ToEnd() < static_cast<long long>(n))
             stream.eos = end;
         SetModified(stream);
         store(place);
@@ -297,7 +302,7 @@ eStream& eStream::operator>>(T& value) {
 }
 inline eStream& eStream::operator>>(std::string& text) {
     using way = eStreamInline;
-    if (way::Shows(*this, 1) && *ptr != way::kLongText && way::Shows(*this, *ptr + 1u) && Remaining() > *ptr + 1)
+    if (way::Shows(*this, 1) && *ptr != way::kLongText && way::Shows(*this, *ptr + 1u) && ToEnd() > *ptr + 1)
         [[likely]] {
         const std::size_t length = *ptr;
         way::AssignText(&text, ptr + 1, length);

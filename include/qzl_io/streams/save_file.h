@@ -21,7 +21,7 @@ enum class eSaveEnd : int {
 //     IO::eSaveFile file("settings.bin");
 //     file << version << settings;
 //     if (!file.Commit())
-//         Show(file.Failure());
+//         Show(file.Failure().text);
 //
 // The document is written to a temporary file beside the target, ".NAME.saving", which then replaces the target. So the
 // folder needs room for both files and the permission to create one. A temporary file that a program left when it was
@@ -48,13 +48,11 @@ public:
     eSaveFile& operator=(const eSaveFile&) = delete;
 
     // Closes the stream and puts the document in the target's place. True if every byte is there, as the save's end
-    // says. False if the stream is Bad or the system refuses, and on every call after the first; Failure tells why. On
-    // Windows a target that is in use (by a virus scanner, an indexer) is waited for, half a second at most. A complete
-    // document that cannot be put in place is kept beside the target, in "NAME.unsaved", and Failure names that file.
+    // says. False if the stream is Bad or the system refuses, and on every call after the first; Failure names the
+    // target and tells why. On Windows a target that is in use (by a virus scanner, an indexer) is waited for, half a
+    // second at most. A complete document that cannot be put in place is kept beside the target, in "NAME.unsaved", and
+    // Failure names that file.
     bool Commit();
-
-    // Why the stream is not open or Commit returned false, as UTF-8 sentences for people; empty if nothing went wrong.
-    const std::string& Failure() const { return failure; }
 
 protected:
     int CreateHandle(int openFlags) const override;
@@ -68,10 +66,10 @@ private:
 
     eSaveFile(std::unique_ptr<eSave> begun, eSaveEnd end);
     void Abandon();
+    void TellNotSaved(int refusal, const std::string& kept);
 
     std::unique_ptr<eSave> save;
     eSaveEnd saveEnd;
-    std::string failure;
 };
 
 } // namespace IO

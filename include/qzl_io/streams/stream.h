@@ -7,6 +7,7 @@
 #include <qzl_base/strings.h>
 #include <qzl_io/detail/value_types.h>
 #include <qzl_io/export.h>
+#include <qzl_io/streams/failure.h>
 
 // Buffered byte streams and the values on them.
 //
@@ -51,14 +52,15 @@ enum class eSeekDir : int {
 // An error sets Bad and, if Errors is set, is reported by xError::Error with a fixed message. xError::SetErrorHandler
 // (<qzl_base/error.h>) installs what receives reports; it may return, or throw, as it does by default. Bad stays set
 // through Reset and Clear until the application calls Disable(Bad) or the flags are replaced, as by Open or assignment.
-// It makes Eos() true, so that GetLine and >> of a list end at once; all else works as if it were clear.
+// It makes Eos() true, so that GetLine and >> of a list end at once; all else works as if it were clear. The context of
+// a report describes the stream (Dump) and tells what Failure tells.
 //
 // An operation, which is one call of a function of eStream, makes its reports at its end, when the bytes are stored,
 // the position is moved and the target of >> is assigned. So the stream is the same whether a report returns or throws;
 // but the result of a Get function is then lost, and so are reports that would have followed. An exception from
 // Overflow or Underflow is held back until after the reports; meanwhile the operation calls no more hooks and makes do
-// with the buffer as it is. One from Trunc, Skip, or Flush before a move ends the operation at once. CopyTo, << of a
-// list and an application's own functions are several operations: if one throws, the next ones are not carried out.
+// with the buffer as it is. One from Trunc, Skip, or Flush before a move ends the operation. CopyTo, << of a list and
+// an application's own functions are several operations: if one throws, the next ones are not carried out.
 //
 // Without a buffer, or with the position before the start of the stream, reading and writing are errors ("Attempt to
 // read beyond the stream!", "Attempt to write beyond the stream!"): the position stays, and values are zero or empty.
@@ -73,20 +75,29 @@ public:
     unsigned char* Buffer() const noexcept;
     unsigned long long Position() const noexcept; // in bytes from the start of the stream; may exceed Size()
     unsigned long long Size() const noexcept;     // of the data, in bytes
+    // The bytes of data from the position on; 0 beyond the data and before the start of the stream.
+    unsigned long long Remaining() const noexcept;
     bool Eos() const noexcept; // the position is at or beyond the end of the data, or the stream is Failed or Bad
     // True if any flag is set and Failed is not, whether or not there is a buffer: so Enable makes it true for a stream
     // that was never opened, and it stays true after a file stream's Close.
     bool IsOpen() const noexcept;
 
     void Enable(unsigned short bits) noexcept;         // sets all of the bits
-    void Disable(unsigned short bits) noexcept;        // clears all of the bits
+    void Disable(unsigned short bits) noexcept;        // clears all of the bits; with Bad, forgets the failure
     bool Enabled(unsigned short bits) const noexcept;  // any of the bits is set
     bool Disabled(unsigned short bits) const noexcept; // none of the bits is set
+
+    // Why bytes did not arrive: the first time since the stream was opened, or since Disable(Bad), that the system
+    // refused to open, read, write, truncate or close a file, that a file was shorter than when it was opened, or that
+    // bytes that were written found no room. Says nothing if all has arrived. Bytes that still wait in the buffer have
+    // not been refused: ask after Flush, or after Close. Reading beyond the data is an error, but no failure.
+    eFailure Failure() const;
 
     // --- Bytes. Position() before and after a call tells how many were read, written or (in the target) copied. ---
 
     // Reads n bytes. If fewer remain (none beyond the data), only these are read, the rest of the target does not
-    // change, and it is an error ("Attempt to read beyond the stream!"). n = 0 does nothing.
+    // change, and it is an error ("Attempt to read beyond the stream!"). Fewer are read, too, and Bad is set without a
+    // report, if the system refuses the rest. n = 0 does nothing.
     eStream& Read(void* target, unsigned long long n);
     // Appends to the text the data that are already in the buffer, at most n bytes, and moves the position past them.
     // Returns their number; reports nothing. If it is 0, no data remain, or Read has to fill the buffer first.
@@ -117,8 +128,9 @@ public:
     eStream& CopyFrom(eStream& source, unsigned long long n); // source.CopyTo(*this, n); returns this stream
 
     // --- Writing values. The position moves past the value, and the data grow if it passes their end. If there is no
-    // room for a value, its last bytes are dropped, but counted by Position() and Size(); whether that is an error is
-    // up to Overflow (it is for a buffer stream). The characters of a text are written as by Write. ---
+    // room for a value, its last bytes are dropped, but counted by Position() and Size(), and Failure tells; whether
+    // that is an error is up to Overflow (it is for a buffer stream). The characters of a text are written as by Write,
+    // unless nothing can be written to the stream. ---
 
     eStream& operator<<(bool value); // one byte, 0 or 1
     eStream& operator<<(char value);
@@ -238,8 +250,9 @@ public:
     // Underflow with StreamMode::Read and PlaceBuffer without.
     virtual void Overflow();
     // Refills the buffer. eStream::Underflow calls PlaceBuffer and CheckReadLocation; a subclass calls it first and
-    // then reads its storage from offset on. Called by Overflow and, after a flush if Modified is set, when data remain
-    // but Read, >> of a text or CopyTo have used up the buffer; these end if no data are at the position even then.
+    // then reads its storage from offset on. If data are missing there, it ends the buffer before them (SetCapacity)
+    // and calls Lose. Called by Overflow and, after a flush if Modified is set, when data remain but Read, >> of a text
+    // or CopyTo have used up the buffer; these end if no data are at the position even then.
     virtual void Underflow();
     // Moves the position like Seek(n, Current). CopyTo calls it to move the source.
     virtual eStream& Skip(unsigned long long n);
@@ -296,6 +309,10 @@ protected:
     // identify the check; the source is a literal, the message is copied. An error that Overflow or Underflow makes, or
     // shows by setting Bad where it was clear, replaces that of the operation.
     void Fail(const char* source, int line, const char* message);
+    // Makes it known that bytes did not arrive: sets Bad, and Failure tells it unless it tells something earlier.
+    // `what` is a literal, a sentence without its full stop; the number is the system's, or 0. Reports nothing; for the
+    // operation it is an error that the hook has made, like one of Fail.
+    void Lose(const char* what, int number) noexcept;
 
     // A pointer n bytes further on, which may be outside every block of memory and is then only a number.
     static unsigned char* Shifted(unsigned char* from, unsigned long long n) noexcept;
@@ -326,11 +343,20 @@ private:
     friend class eStreamSteps;
     friend class eStreamOperation;
     friend class eHookRun;
+    friend class eReportedStream;
     friend class eFileStreamBase;
     friend class eMemoryStream;
+    friend class eSaveFile;
+
+    // What Failure tells: `what`, the system's reason for `number`, and `more`, another sentence.
+    struct eLoss {
+        const char* what = nullptr;
+        int number = 0;
+        const char* more = nullptr;
+    };
 
     static unsigned long long Address(const unsigned char* place) noexcept;
-    long long Remaining() const noexcept;
+    long long ToEnd() const noexcept;                 // bytes to the end of the data; negative beyond it
     unsigned long long DataInBuffer() const noexcept; // what can be read without a hook
     unsigned long long RoomInBuffer() const noexcept; // what can be written without a hook
     bool OutsideBuffer() const noexcept;
@@ -340,12 +366,14 @@ private:
     eStream& FinishMove();
     void Refill();
     void Report(const char* source, int line, const std::string& message);
+    void NoteLoss(const char* what, int number) noexcept;
 
     const struct eStreamMeans* means = nullptr; // what the class can do besides its hooks
     unsigned long long lastCapacity = 0;        // the capacity while bufferEnd is null
     bool hookRuns = false;                      // bufferEnd is then not null
     class eStreamOperation* underWay = nullptr; // the innermost operation that has begun and not ended
     std::unique_ptr<unsigned char[]> apart;     // the block that replaces bytes outside the buffer
+    eLoss loss;                                 // the first one; without one, `what` is null
 };
 
 } // namespace IO

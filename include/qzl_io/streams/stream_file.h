@@ -19,7 +19,9 @@ namespace IO {
 // length the system does not tell is not opened.
 //
 // Copies share the handle, and the buffer until one of them refills it; the last owner closes the handle and releases
-// the buffer. Reads that the system cuts short and writes that fail are not reported; they set Bad.
+// the buffer. Reads that the system cuts short and writes that fail are not reported; they set Bad, and Failure tells
+// why. Bytes that could not be read are never written back: where the buffer cannot be filled, what is written goes to
+// the file directly, and no byte beside it changes.
 class QZL_IO_API eFileStreamBase : public eStream {
 public:
     ~eFileStreamBase() override; // closes
@@ -28,8 +30,8 @@ public:
     // opened, Failed is set; with Errors, CreateHandleError reports it, and each time the report returns, opening is
     // tried again.
     void Open(int mode);
-    // Flushes if the stream writes, and releases file and buffer. The flags, and so IsOpen(), do not change, nor do
-    // offset and bufferSize.
+    // Flushes if the stream writes, and releases file and buffer. Bad apart, the flags, and so IsOpen(), do not change,
+    // nor do offset and bufferSize. Failure then tells whether all that was written has reached the system.
     void Close();
     // Reads the buffer from the file again, after flushing unflushed bytes.
     void Fresh();
@@ -83,6 +85,9 @@ private:
     void ReleaseBuffer() noexcept;
     // Gives the stream its own buffer if copies share it.
     void Detach();
+    // Reads up to n bytes of the file; fewer than the promised ones are lost. Returns the number that arrived.
+    unsigned long long ReadPromised(void* target, unsigned long long n, unsigned long long at,
+                                    unsigned long long promised);
     // Reads the buffer from the file.
     void Fill();
     void FillIfDataRemain();

@@ -18,7 +18,6 @@
 #include <qzl_io/sdl/writer.h>
 #include <qzl_io/streams.h>
 
-#include "files/failure_text.h"
 #include "json/sink.h"
 #include "json/text_pieces.h"
 
@@ -115,25 +114,24 @@ private:
 constexpr char kOpenError[] = "%1% - open error!";
 
 std::string ReadFile(eFileAtWork* file) {
-    IO::Platform::TakeFailureReason(); // of an earlier call
     IO::eFileStream stream(file->Name(), IO::StreamMode::Read);
     if (!stream.IsOpen())
-        file->Fail(kOpenError, FailureText("The file could not be opened"));
-    std::string text(stream.Size() - stream.Position(), '\0');
+        file->Fail(kOpenError, stream.Failure().text);
+    std::string text(stream.Remaining(), '\0');
     stream.Read(text.data(), text.size());
     if (stream.Enabled(IO::StreamMode::Bad))
-        file->Fail("%1% - read error!", FailureText("The file could not be read to its end"));
+        file->Fail("%1% - read error!", stream.Failure().text);
     return text;
 }
 
 void WriteFile(eFileAtWork* file, const eTextPieces& beginning, eSDLWriter::eWriteStream* rest) {
     IO::eSaveFile stream(file->Name());
     if (!stream.IsOpen())
-        file->Fail(kOpenError, stream.Failure());
+        file->Fail(kOpenError, stream.Failure().text);
     beginning.WriteTo(&stream);
     rest->Flush(&stream, nullptr);
     if (!stream.Commit())
-        file->Fail("%1% - write error!", stream.Failure());
+        file->Fail("%1% - write error!", stream.Failure().text);
 }
 
 // --- The text ---

@@ -4,15 +4,20 @@
 
 #include <qzl_base/convert.h>
 
-#include "files/failure_text.h"
+#include "platform/file_handle.h"
 #include "platform/saved_file.h"
 
 namespace IO {
 
 struct eSaveFile::eSave {
-    std::string name; // of the target, in UTF-8
     std::unique_ptr<Platform::eSavedFile> file;
     int handle = -1; // until the stream takes it
+    int refusal = 0; // the system's number for why there is no file
+
+    // What Failure tells.
+    std::string notBegun;
+    std::string notSaved;
+    std::string kept;
 };
 
 namespace {
@@ -22,8 +27,11 @@ constexpr int kMode = StreamMode::Write | StreamMode::Create;
 template <class Save, class Name>
 std::unique_ptr<Save> Begin(const Name& target, const std::string& text) {
     auto save = std::make_unique<Save>();
-    save->name = text;
+    save->notBegun = "\"" + text + "\" cannot be saved";
+    save->notSaved = "\"" + text + "\" was not saved";
     save->file = Platform::BeginSave(target.c_str(), &save->handle);
+    if (!save->file)
+        save->refusal = Platform::TakeRefusal();
     return save;
 }
 
@@ -35,8 +43,6 @@ eSaveFile::eSaveFile(const eFileNameW& target, eSaveEnd end)
     : eSaveFile(Begin<eSave>(target, ToString(target.str())), end) {}
 
 eSaveFile::eSaveFile(std::unique_ptr<eSave> begun, eSaveEnd end) : save(std::move(begun)), saveEnd(end) {
-    if (!save->file)
-        failure = FailureText("\"" + save->name + "\" cannot be saved");
     try {
         Open(kMode);
     } catch (...) {
@@ -45,6 +51,8 @@ eSaveFile::eSaveFile(std::unique_ptr<eSave> begun, eSaveEnd end) : save(std::mov
     }
     if (IsOpen())
         Enable(StreamMode::Errors);
+    else
+        loss = {save->notBegun.c_str(), save->file ? loss.number : save->refusal, nullptr};
 }
 
 eSaveFile::~eSaveFile() {
@@ -58,22 +66,29 @@ void eSaveFile::Abandon() {
 }
 
 bool eSaveFile::Commit() {
-    if (!save->file)
+    if (handle == -1)
         return false;
     Flush();
     const auto file = std::move(save->file);
-    bool saved = Disabled(StreamMode::Bad);
+    bool saved = Disabled(StreamMode::Bad) && !loss.what;
+    int refusal = loss.number;
     if (saved) {
         const int written = handle;
         handle.Leave();
         saved = file->TakePlace(written, saveEnd == eSaveEnd::OnDisk);
+        refusal = Platform::TakeRefusal();
     }
     Abandon();
     if (!saved)
-        failure = FailureText("\"" + save->name + "\" was not saved");
-    if (!file->Kept().empty())
-        failure += " The document is in \"" + file->Kept() + "\".";
+        TellNotSaved(refusal, file->Kept());
     return saved;
+}
+
+void eSaveFile::TellNotSaved(int refusal, const std::string& kept) {
+    if (!kept.empty())
+        save->kept = " The document is in \"" + kept + "\".";
+    Enable(StreamMode::Bad);
+    loss = {save->notSaved.c_str(), refusal, save->kept.c_str()};
 }
 
 int eSaveFile::CreateHandle(int) const {

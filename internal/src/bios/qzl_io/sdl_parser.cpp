@@ -9,7 +9,6 @@
 #include <qzl_base/format.h>
 #include <qzl_io/streams.h>
 
-#include "files/failure_text.h"
 #include "platform/memory.h"
 #include "qzl_base/shared/decimal_float.h"
 #include "qzl_base/shared/unicode.h"
@@ -43,10 +42,10 @@ std::string Replaced(const std::string& text, const std::string& pattern, const 
     return result.append(text, from);
 }
 
-std::size_t RemainingSize(const IO::eStream& stream) {
-    const auto size = stream.Size();
-    const auto position = stream.Position();
-    return size > position ? static_cast<std::size_t>(size - position) : 0;
+// Why the stream did not give its bytes; that of an application may not tell.
+std::string ReasonOf(const IO::eStream& stream, const char* otherwise) {
+    const IO::eFailure failure = stream.Failure();
+    return failure ? failure.text : otherwise;
 }
 
 // The text of a block start is its mark without the first #.
@@ -105,10 +104,8 @@ eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const
     : eStackEntry(eNumber::Many), isFile(!parserName.empty()), keywords(&tables), name(parserName) {
     // The source is empty instead of an error: the reader reports if it misses something, and the reason is shown then.
     if (!stream.IsOpen())
-        failure = FailureText("The file could not be opened");
-    else if (stream.Disabled(IO::StreamMode::Bad))
-        IO::Platform::TakeFailureReason(); // of an earlier failure, which does not concern this stream
-    if (const std::size_t size = RemainingSize(stream); cipher)
+        failure = ReasonOf(stream, "The file could not be opened.");
+    if (const std::size_t size = static_cast<std::size_t>(stream.Remaining()); cipher)
         DecodeText(stream, size, *cipher, beforeReport);
     else
         ReadText(stream, size, beforeReport);
@@ -121,7 +118,7 @@ eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const
 void eSDLParser::CheckRead(const IO::eStream& stream, const eBeforeReport& beforeReport) {
     if (stream.Disabled(IO::StreamMode::Bad))
         return;
-    failure = FailureText("The source could not be read to its end");
+    failure = ReasonOf(stream, "The source could not be read to its end.");
     Fail(ParserReport::kReadErrorLine, (format("%1% - read error!") % (isFile ? name : "Stream")).str(), beforeReport);
 }
 

@@ -11,7 +11,6 @@
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/streams.h>
 
-#include "platform/file_handle.h"
 #include "qzl_base/shared/ascii.h"
 #include "sdl/cutter.h"
 #include "sdl/skim.h"
@@ -64,7 +63,6 @@ std::string LowerCased(std::string text) {
 
 template <class Name>
 std::unique_ptr<IO::eStream> OpenSource(const Name& file) {
-    IO::Platform::TakeFailureReason(); // of an earlier failure, which does not concern this file
     std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
     if (!stream)
         throw std::bad_alloc();

@@ -325,7 +325,7 @@ public:
         if (file.IsOpen())
             text.Flush(&file, transform);
         if (!file.Commit())
-            xError::Warning(WriterReport::kSource, WriterReport::kNotSavedLine, file.Failure(), 0);
+            xError::Warning(WriterReport::kSource, WriterReport::kNotSavedLine, file.Failure().text, 0);
     }
 
     // A document that may not be complete is not saved.

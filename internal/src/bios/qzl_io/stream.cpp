@@ -8,7 +8,9 @@
 #include <qzl_base/error.h>
 
 #include "platform/memory.h"
+#include "streams/failure_text.h"
 #include "streams/means.h"
+#include "streams/reported.h"
 #include "streams/reports.h"
 #include "streams/steps.h"
 
@@ -42,6 +44,7 @@ eStream& eStream::operator=(const eStream& other) noexcept {
     ptr = other.ptr;
     flags = other.flags;
     means = other.means;
+    loss = other.loss;
     SetCapacity(other.Capacity());
     return *this;
 }
@@ -94,14 +97,14 @@ void eStream::UseBuffer(unsigned char* block, unsigned long long size, unsigned 
 }
 
 void eStream::RaiseEnd() noexcept {
-    if (Remaining() < 0)
+    if (ToEnd() < 0)
         eos = ptr;
 }
 
 void eStream::PlaceBuffer() {
     if (ptr == buffer)
         return;
-    if ((Distance(buffer, ptr) < 0 && BeforeStart()) || Remaining() < 0)
+    if ((Distance(buffer, ptr) < 0 && BeforeStart()) || ToEnd() < 0)
         Report(kSource, kPlaceBufferLine, kPlaceBuffer + Dump());
     const unsigned long long size = Capacity();
     const unsigned long long shift = Address(ptr) - Address(buffer);
@@ -119,7 +122,7 @@ bool eStream::OutsideBuffer() const noexcept {
 }
 
 unsigned long long eStream::DataInBuffer() const noexcept {
-    return std::min(RoomInBuffer(), static_cast<unsigned long long>(std::max(Remaining(), 0ll)));
+    return std::min(RoomInBuffer(), static_cast<unsigned long long>(std::max(ToEnd(), 0ll)));
 }
 
 std::string eStream::Dump() const {
@@ -161,7 +164,7 @@ eStream& eStream::Skip(unsigned long long n) {
 }
 
 void eStream::CheckReadLocation() {
-    if (Remaining() < 0)
+    if (ToEnd() < 0)
         Fail(kSource, kInvalidReadLine, kInvalidRead);
 }
 
@@ -173,12 +176,31 @@ void eStream::Fail(const char* source, int line, const char* message) {
         Report(source, line, message);
 }
 
+void eStream::Lose(const char* what, int number) noexcept {
+    Enable(StreamMode::Bad);
+    if (underWay)
+        underWay->CountFailure();
+    NoteLoss(what, number);
+}
+
+void eStream::NoteLoss(const char* what, int number) noexcept {
+    if (!loss.what)
+        loss = {what, number, nullptr};
+}
+
+eFailure eStream::Failure() const {
+    if (!loss.what)
+        return {};
+    return {loss.number, FailureText(loss.what, loss.number) + (loss.more ? loss.more : "")};
+}
+
 void eStream::Report(const char* source, int line, const std::string& message) {
     if (underWay) {
         underWay->Keep(source, line, message);
         return;
     }
     const eHookRun none(*this, false);
+    const eReportedStream context(*this);
     xError::Error(source, line, message, true);
 }
 
@@ -209,10 +231,10 @@ void eStream::FlushBeforeMove() {
 }
 
 eStream& eStream::FinishMove() {
-    if (Remaining() >= 0 && !OutsideBuffer())
+    if (ToEnd() >= 0 && !OutsideBuffer())
         return *this;
     eStreamOperation operation(*this);
-    if (Remaining() < 0)
+    if (ToEnd() < 0)
         Fail(kSource, kInvalidSeekLine, kInvalidSeek);
     if (OutsideBuffer())
         operation.Fails(&eStream::Overflow);
@@ -243,8 +265,10 @@ eStream& eStream::Reset() {
 
 eStream& eStream::Clear() {
     eStreamOperation operation(*this);
-    Reset();
-    Trunc();
+    operation.Hold([this] {
+        Reset();
+        Trunc();
+    });
     operation.End();
     return *this;
 }
@@ -300,14 +324,14 @@ eStream& eStream::WriteReleasing(void* block, unsigned long long n) {
 eStream& eStream::CopyTo(eStream& target, unsigned long long n) {
     if (n == 0 || Size() == 0)
         n = Address(eos) - Address(ptr);
-    while (n > 0 && Remaining() > 0) {
+    while (n > 0 && ToEnd() > 0) {
         if (DataInBuffer() == 0 &&
             (!eStreamSteps::CopyDirect(*this, target, &n) || !eStreamSteps::HasMoreToCopy(*this)))
             break;
         const unsigned long long chunk = std::min(n, DataInBuffer());
         eStreamSteps writing(target);
         const bool written = writing.WriteAll(ptr, chunk);
-        Skip(chunk);
+        writing.Hold([this, chunk] { Skip(chunk); });
         n -= chunk;
         writing.End();
         if (!written)
@@ -343,10 +367,12 @@ unsigned char* eStreamInline::PlaceSlowly(eStream& stream, unsigned long long n)
     eStreamSteps steps(stream);
     const bool reached = steps.ReachToWrite(n);
     steps.End();
-    if (!reached)
-        return steps.Apart(n);
-    unsigned char* const place = n <= stream.RoomInBuffer() ? stream.ptr : steps.Apart(n);
-    steps.PassWritten(n);
+    const bool fits = reached && n <= stream.RoomInBuffer();
+    unsigned char* const place = fits ? stream.ptr : steps.Apart(n);
+    if (!fits)
+        stream.NoteLoss(kNoRoom, 0);
+    if (reached)
+        steps.PassWritten(n);
     return place;
 }
 

@@ -13,6 +13,7 @@
 
 #include "platform/file_handle.h"
 #include "streams/means.h"
+#include "streams/reported.h"
 #include "streams/reports.h"
 #include "streams/steps.h"
 #include "streams/wide_units.h"
@@ -27,6 +28,16 @@ constexpr int kOpenErrorLine = 20;
 constexpr int kOpenErrorWideLine = 21;
 constexpr char kOpenError[] = "%1% - open error!";
 } // namespace FileReport
+
+// What Failure tells.
+namespace FileLoss {
+constexpr char kNotOpened[] = "The file could not be opened";
+constexpr char kNotRead[] = "The file could not be read to its end";
+constexpr char kShortened[] = "The file is shorter than when it was opened";
+constexpr char kNotWritten[] = "Not all bytes could be written to the file";
+constexpr char kReadOnly[] = "The file is open for reading alone, and takes no bytes";
+constexpr char kNotTruncated[] = "The file could not be truncated";
+} // namespace FileLoss
 
 constexpr unsigned long long kLargestBuffer = 32768;
 
@@ -58,10 +69,13 @@ void AppendWithoutLineEnds(std::string* line, const unsigned char* from, unsigne
 
 struct eFileStreamBase::eDirectWays {
     static bool Serves(const eStream& stream);
-    static void Read(eStream& stream, void* target, unsigned long long at, unsigned long long n);
+    static unsigned long long Read(eStream& stream, void* target, unsigned long long at, unsigned long long n);
     static void Write(eStream& stream, const void* source, unsigned long long at, unsigned long long n);
     static bool AreApart(const eStream& source, const eStream& target);
     static unsigned long long Copy(eStream& source, eStream& target, unsigned long long n);
+
+    static_assert(kOpenRead == Platform::kOpenRead && kOpenWrite == Platform::kOpenWrite &&
+                  kOpenCreate == Platform::kOpenCreate);
 
     static constexpr eStreamDirect kDirect = {Serves, Read, Write, AreApart, Copy};
     static constexpr eStreamMeans kMeans = {&kDirect, nullptr};
@@ -73,20 +87,16 @@ bool eFileStreamBase::eDirectWays::Serves(const eStream& stream) {
     return ours && static_cast<const eFileStreamBase&>(stream).handle != -1;
 }
 
-void eFileStreamBase::eDirectWays::Read(eStream& stream, void* target, unsigned long long at, unsigned long long n) {
-    auto& file = static_cast<eFileStreamBase&>(stream);
-    const unsigned long long arrived = Platform::ReadAt(file.handle, target, n, at);
-    if (arrived == n)
-        return;
-    std::memset(static_cast<unsigned char*>(target) + arrived, 0, n - arrived);
-    file.Enable(StreamMode::Bad);
+unsigned long long eFileStreamBase::eDirectWays::Read(eStream& stream, void* target, unsigned long long at,
+                                                      unsigned long long n) {
+    return static_cast<eFileStreamBase&>(stream).ReadPromised(target, n, at, n);
 }
 
 void eFileStreamBase::eDirectWays::Write(eStream& stream, const void* source, unsigned long long at,
                                          unsigned long long n) {
     auto& file = static_cast<eFileStreamBase&>(stream);
     if (!Platform::WriteAt(file.handle, source, n, at))
-        file.Enable(StreamMode::Bad);
+        file.Lose(FileLoss::kNotWritten, Platform::TakeRefusal());
 }
 
 bool eFileStreamBase::eDirectWays::AreApart(const eStream& source, const eStream& target) {
@@ -138,15 +148,20 @@ void eFileStreamBase::Open(int mode) {
     const int openFlags = !writes ? kOpenRead : Enabled(StreamMode::Create) ? kOpenCreate : kOpenWrite;
     unsigned long long length = 0;
     const auto openFile = [&] {
+        Platform::TakeRefusal(); // of an earlier call
         handle = eShare<eClosing>(CreateHandle(openFlags));
         if (handle != -1 && !Platform::FileLength(handle, &length))
             handle.Reset();
+        loss = {};
+        if (handle == -1)
+            NoteLoss(FileLoss::kNotOpened, Platform::TakeRefusal());
         return handle != -1;
     };
     while (!openFile()) {
         Enable(StreamMode::Failed);
         if (Disabled(StreamMode::Errors))
             return;
+        const eReportedStream context(*this);
         CreateHandleError();
     }
     flags = static_cast<unsigned short>(mode);
@@ -158,7 +173,9 @@ void eFileStreamBase::Open(int mode) {
 void eFileStreamBase::Close() {
     if (handle != -1 && Enabled(StreamMode::Write | StreamMode::Modified))
         RunHook(&eStream::Flush);
-    handle.Reset();
+    const int closing = handle;
+    if (handle.Leave() && closing != -1 && !Platform::CloseFile(closing) && Enabled(StreamMode::Write))
+        Lose(FileLoss::kNotWritten, Platform::TakeRefusal());
     ReleaseBuffer();
 }
 
@@ -197,30 +214,44 @@ void eFileStreamBase::ReleaseBuffer() noexcept {
 void eFileStreamBase::Detach() {
     if (!buffer || bufferBlock.Sole())
         return;
-    const unsigned long long capacity = Capacity();
+    const unsigned long long held = Capacity();
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);
-    unsigned char* const block = NewBlock(capacity);
+    unsigned char* const block = NewBlock(bufferSize);
     if (block)
-        std::memcpy(block, buffer, capacity);
-    UseBlock(block, capacity, static_cast<unsigned long long>(length));
+        std::memcpy(block, buffer, held);
+    UseBlock(block, bufferSize, static_cast<unsigned long long>(length));
+    SetCapacity(held);
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));
     if (!block)
         Report(FileReport::kSource, FileReport::kNoMemoryLine, StreamReport::kNoMemory);
 }
 
+unsigned long long eFileStreamBase::ReadPromised(void* target, unsigned long long n, unsigned long long at,
+                                                 unsigned long long promised) {
+    unsigned long long arrived = 0;
+    const bool read = Platform::ReadAt(handle, target, n, at, &arrived);
+    if (arrived < promised)
+        Lose(read ? FileLoss::kShortened : FileLoss::kNotRead, read ? 0 : Platform::TakeRefusal());
+    return arrived;
+}
+
+// The buffer ends where data are missing: a flush then writes no bytes that were never read.
 void eFileStreamBase::Fill() {
     if (handle == -1 || !buffer || static_cast<long long>(offset) < 0)
         return;
-    const unsigned long long arrived = Platform::ReadAt(handle, buffer, bufferSize, offset);
+    const auto data = static_cast<unsigned long long>(std::max(Distance(buffer, eos), 0ll));
+    const unsigned long long promised = std::min(data, bufferSize);
+    const unsigned long long arrived = ReadPromised(buffer, bufferSize, offset, promised);
     std::memset(buffer + arrived, 0, bufferSize - arrived);
-    if (arrived < bufferSize && Distance(buffer + arrived, eos) > 0)
-        Enable(StreamMode::Bad);
+    SetCapacity(arrived < promised ? arrived : bufferSize);
 }
 
 void eFileStreamBase::FillIfDataRemain() {
     if (Distance(buffer, eos) > 0)
         Fill();
+    else if (buffer)
+        SetCapacity(bufferSize);
 }
 
 void eFileStreamBase::Fresh() {
@@ -254,7 +285,9 @@ void eFileStreamBase::Flush() {
     if (handle != -1 && placed && Enabled(StreamMode::Write)) {
         const auto held = std::min(static_cast<unsigned long long>(Distance(buffer, ptr)), Capacity());
         if (!Platform::WriteAt(handle, buffer, held, offset))
-            Enable(StreamMode::Bad);
+            Lose(FileLoss::kNotWritten, Platform::TakeRefusal());
+    } else if (handle != -1 && placed && Enabled(StreamMode::Modified)) {
+        NoteLoss(FileLoss::kReadOnly, 0);
     }
     eStream::Flush();
 }
@@ -265,7 +298,7 @@ void eFileStreamBase::Trunc() {
         return;
     Flush();
     if (handle != -1 && !Platform::SetFileLength(handle, Position()))
-        Enable(StreamMode::Bad);
+        Lose(FileLoss::kNotTruncated, Platform::TakeRefusal());
 }
 
 // --- Lines ---
@@ -280,10 +313,10 @@ unsigned long long eFileStreamBase::LineInBuffer(bool* complete) const noexcept 
 // A line that crosses the end of the buffer is moved to its beginning, so that the line is in one piece if it fits.
 unsigned long long eFileStreamBase::LinePiece(eStreamSteps& steps, bool* complete) {
     *complete = true;
-    if (Remaining() <= 0 || (DataInBuffer() == 0 && !steps.MakeData()))
+    if (ToEnd() <= 0 || (DataInBuffer() == 0 && !steps.MakeData()))
         return 0;
     const unsigned long long piece = LineInBuffer(complete);
-    if (*complete || ptr == buffer || Remaining() <= static_cast<long long>(piece))
+    if (*complete || ptr == buffer || ToEnd() <= static_cast<long long>(piece))
         return piece;
     steps.Fails(&eStream::Refill);
     return LineInBuffer(complete);

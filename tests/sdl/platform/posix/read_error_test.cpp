@@ -106,7 +106,7 @@ TEST_F(ReadErrors, AFileThatEndsEarlyIsOneWithoutAReasonOfTheSystems) {
         GTEST_SKIP() << "no file that is shorter than it says";
     const auto load = [&] { eSDLReader reader(eFileName(shorter), nullptr); };
     EXPECT_EQ(FailureOf(load).message, shorter + " - read error!");
-    EXPECT_THAT(ContextOf(load), HasSubstr("could not be read to its end."));
+    EXPECT_THAT(ContextOf(load), HasSubstr("\nThe file is shorter than when it was opened.\n"));
 }
 
 TEST_F(ReadErrors, TheReasonIsNotThatOfAnEarlierFailure) {

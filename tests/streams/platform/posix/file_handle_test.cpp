@@ -18,6 +18,7 @@ struct eSystem {
     int interruptions = 0;              // calls that are interrupted before one is served
     std::size_t most = ~std::size_t{0}; // bytes served by one call
     std::size_t room = ~std::size_t{0}; // bytes of the file before the disk is full
+    std::size_t bad = ~std::size_t{0};  // the first byte that cannot be read
     bool sequential = false;            // the file has no positions
     int calls = 0;
     std::string file;
@@ -66,7 +67,11 @@ ssize_t simulated_pread(int, void* target, std::size_t n, off_t at) {
     if (Interrupts())
         return -1;
     const auto from = std::min(static_cast<std::size_t>(at), theSystem.file.size());
-    n = std::min({n, theSystem.most, theSystem.file.size() - from});
+    if (from >= theSystem.bad) {
+        errno = EIO;
+        return -1;
+    }
+    n = std::min({n, theSystem.most, theSystem.file.size() - from, theSystem.bad - from});
     std::memcpy(target, theSystem.file.data() + from, n);
     return static_cast<ssize_t>(n);
 }
@@ -154,7 +159,7 @@ TEST_F(FileHandle, OpeningIsRepeatedAfterAnInterruption) {
 }
 
 TEST_F(FileHandle, ClosingIsNeverRepeated) {
-    Platform::CloseFile(77);
+    EXPECT_TRUE(Platform::CloseFile(77));
     EXPECT_EQ(theSystem.calls, 1);
 }
 
@@ -164,11 +169,30 @@ TEST_F(FileHandle, ReadingSurvivesInterruptionAndShortCounts) {
         theSystem.interruptions = 2;
         theSystem.most = most;
         std::string target(20, '?');
-        EXPECT_EQ(Platform::ReadAt(77, target.data(), 20, 2), 8u);
+        unsigned long long arrived = 0;
+        EXPECT_TRUE(Platform::ReadAt(77, target.data(), 20, 2, &arrived));
+        EXPECT_EQ(arrived, 8u);
         EXPECT_EQ(target, "23456789" + std::string(12, '?')) << most;
-        EXPECT_EQ(Platform::ReadAt(77, target.data(), 4, 5), 4u);
+        EXPECT_TRUE(Platform::ReadAt(77, target.data(), 4, 5, &arrived));
+        EXPECT_EQ(arrived, 4u);
         EXPECT_EQ(target.substr(0, 4), "5678");
     }
+}
+
+TEST_F(FileHandle, ARefusedReadIsToldFromOneAtTheEndOfTheFile) {
+    theSystem.file = "0123456789";
+    std::string target(20, '?');
+    unsigned long long arrived = 0;
+    EXPECT_TRUE(Platform::ReadAt(77, target.data(), 20, 10, &arrived));
+    EXPECT_EQ(arrived, 0u);
+    EXPECT_EQ(Platform::TakeRefusal(), 0);
+    theSystem.bad = 5;
+    EXPECT_FALSE(Platform::ReadAt(77, target.data(), 20, 2, &arrived));
+    EXPECT_EQ(arrived, 3u);
+    EXPECT_EQ(Platform::TakeRefusal(), EIO);
+    EXPECT_EQ(Platform::TakeRefusal(), 0);
+    EXPECT_EQ(Platform::RefusalText(EIO), "Input/output error");
+    EXPECT_EQ(Platform::RefusalText(0), "");
 }
 
 TEST_F(FileHandle, WritingSurvivesInterruptionAndShortCounts) {

@@ -83,7 +83,7 @@ TEST_F(SavedFile, ALoopOfLinksIsRefused) {
     fs::create_symlink("a", folder.Path() / "b");
     IO::eSaveFile file(Name("a"));
     EXPECT_FALSE(file.IsOpen());
-    EXPECT_NE("", file.Failure());
+    EXPECT_TRUE(file.Failure());
 }
 
 TEST_F(SavedFile, AReadOnlyTargetAndAFolderWithoutPermissionAreRefusedWithTheReason) {
@@ -96,7 +96,7 @@ TEST_F(SavedFile, AReadOnlyTargetAndAFolderWithoutPermissionAreRefusedWithTheRea
     const int held = AsNobody([this] {
         for (const char* name : {"readOnly", "closed/file", "closed/new"}) {
             IO::eSaveFile file(Name(name));
-            if (file.IsOpen() || file.Commit() || file.Failure().find("Permission denied") == std::string::npos)
+            if (file.IsOpen() || file.Commit() || file.Failure().text.find("Permission denied") == std::string::npos)
                 return 1;
         }
         return kHeldInChild;
@@ -135,7 +135,7 @@ TEST_F(SavedFile, DevicesAndPipesAreWrittenTo) {
     IO::eSaveFile full(eFileName("/dev/full"));
     full << 1;
     EXPECT_FALSE(full.Commit());
-    EXPECT_NE(std::string::npos, full.Failure().find("No space left")) << full.Failure();
+    EXPECT_NE(std::string::npos, full.Failure().text.find("No space left")) << full.Failure().text;
 }
 
 TEST_F(SavedFile, ALinkPlantedBesideTheTargetIsNotFollowed) {
@@ -166,7 +166,7 @@ TEST_F(SavedFile, IsInTheFolderInWhichItBeganThoughALinkHasTakenTheFoldersName) 
             file.Write("new", 3);
             fs::rename(folder.Path() / "docs", folder.Path() / "moved");
             fs::create_directory_symlink("outside", folder.Path() / "docs");
-            EXPECT_TRUE(file.Commit()) << file.Failure();
+            EXPECT_TRUE(file.Commit()) << file.Failure().text;
         }
         EXPECT_EQ("new", folder.Read("moved/file"));
         EXPECT_EQ("precious", folder.Read("outside/file"));
@@ -213,8 +213,9 @@ TEST_F(SavedFile, NamesOfNoFileAreRefusedWithAReason) {
         IO::eSaveFile file(Name(name));
         EXPECT_FALSE(file.IsOpen());
         EXPECT_FALSE(file.Commit());
-        EXPECT_EQ(std::string::npos, file.Failure().find("cannot be saved.")) << "no reason: " << file.Failure();
-        EXPECT_NE(std::string::npos, file.Failure().find("cannot be saved: ")) << file.Failure();
+        EXPECT_EQ(std::string::npos, file.Failure().text.find("cannot be saved."))
+            << "no reason: " << file.Failure().text;
+        EXPECT_NE(std::string::npos, file.Failure().text.find("cannot be saved: ")) << file.Failure().text;
         EXPECT_EQ(before, Entries());
     }
 }
@@ -371,7 +372,7 @@ protected:
         IO::eSaveFile file(Name("file"));
         file.Write(document.data(), document.size());
         const bool saved = file.Commit();
-        return {saved, fault.Struck(), file.Failure()};
+        return {saved, fault.Struck(), file.Failure().text};
     }
 };
 
@@ -435,7 +436,7 @@ TEST_F(SaveFault, WhatCannotBeKeptUnderALastingNameIsNotWrittenInPlace) {
     EXPECT_FALSE(file.Commit());
     EXPECT_EQ("old", folder.Read("other"));
     EXPECT_EQ("n", folder.Read(".file.saving"));
-    EXPECT_NE(std::string::npos, file.Failure().find("/.file.saving\".")) << file.Failure();
+    EXPECT_NE(std::string::npos, file.Failure().text.find("/.file.saving\".")) << file.Failure().text;
 }
 
 // The document that is given up is never put over another one, whether or not the file system can tell by itself.
@@ -453,7 +454,8 @@ TEST_F(SaveFault, DocumentsThatAreKeptHaveNamesOfTheirOwn) {
             EXPECT_FALSE(file.Commit());
             fs::remove(folder.Path() / "file");
             EXPECT_GT(begun, OpenDescriptors());
-            EXPECT_NE(std::string::npos, file.Failure().find(std::string("/") + kept + "\".")) << file.Failure();
+            EXPECT_NE(std::string::npos, file.Failure().text.find(std::string("/") + kept + "\"."))
+                << file.Failure().text;
             EXPECT_EQ("n", folder.Read(kept));
         }
         EXPECT_EQ((std::set<std::string>{"file.unsaved", "file.unsaved1", "file.unsaved2"}), Entries());
@@ -497,7 +499,7 @@ TEST_F(SavedFile, AFullDiskAtEveryByteLeavesTheOldDocument) {
             ::setrlimit(RLIMIT_FSIZE, &size);
             IO::eSaveFile file(Name("file"));
             file.Write(document.data(), document.size());
-            if (file.Commit() || file.Failure().empty())
+            if (file.Commit() || !file.Failure())
                 return 1;
         }
         return kHeldInChild;

@@ -33,7 +33,7 @@ protected:
     std::string Refusal(const std::string& name, IO::eSaveEnd end = IO::eSaveEnd::OnDisk) const {
         IO::eSaveFile file(Name(name), end);
         file << 'n';
-        return file.Commit() ? "" : file.Failure();
+        return file.Commit() ? "" : file.Failure().text;
     }
 
     void Remove(const char* name) const { fs::remove(folder.Path() / name); }
@@ -199,7 +199,7 @@ TEST_F(BesideFault, ADocumentIsNamedWithoutItsFolderWhereTheSystemDoesNotTellIt)
         const eFault fault("ftruncate", EIO);
         EXPECT_FALSE(file.Commit());
     }
-    EXPECT_NE(std::string::npos, file.Failure().find("The document is in \"")) << file.Failure();
+    EXPECT_NE(std::string::npos, file.Failure().text.find("The document is in \"")) << file.Failure().text;
 }
 
 // A folder with a mask that lets nobody list it is flushed with its whole file system.
@@ -247,7 +247,7 @@ TEST_F(SavedBeside, APipeMayGetItsReaderWhileTheDocumentIsWritten) {
         IO::eSaveFile file(Name("pipe"), end);
         const int reader = ::open(folder.Name("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
         file << 'n';
-        EXPECT_TRUE(file.Commit()) << file.Failure();
+        EXPECT_TRUE(file.Commit()) << file.Failure().text;
         char bytes[8] = {};
         EXPECT_EQ(1, ::read(reader, bytes, sizeof bytes));
         EXPECT_STREQ("n", bytes);
@@ -263,7 +263,7 @@ TEST_F(BesideFault, ADeviceThatCannotBeFlushedIsWrittenAndOneThatFailsIsReported
         file << 'n';
         const bool done = file.Commit();
         EXPECT_TRUE(fault.Struck()) << function;
-        EXPECT_EQ(done, file.Failure().empty());
+        EXPECT_EQ(done, !file.Failure());
         return done;
     };
     EXPECT_TRUE(saved("fsync", EINVAL, 1));

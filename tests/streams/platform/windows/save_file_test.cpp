@@ -33,7 +33,7 @@ protected:
         file.Write(document.data(), document.size());
         const bool saved = file.Commit();
         if (failure)
-            *failure = file.Failure();
+            *failure = file.Failure().text;
         return saved;
     }
 
@@ -97,7 +97,7 @@ TEST_F(SavedFile, AReadOnlyFileIsRefused) {
     {
         IO::eSaveFile file(Name("file"));
         EXPECT_FALSE(file.IsOpen());
-        EXPECT_NE("", file.Failure());
+        EXPECT_TRUE(file.Failure());
     }
     ::SetFileAttributesW(NameW("file").c_str(), FILE_ATTRIBUTE_NORMAL);
     EXPECT_EQ("old", folder.Read("file"));
@@ -133,7 +133,7 @@ TEST_F(SavedFile, NobodyCanExchangeItsFolderMeanwhile) {
             IO::eSaveFile file(Name("docs/inner/file"));
             file.Write("new", 3);
             EXPECT_FALSE(::MoveFileExW(NameW("docs/inner").c_str(), NameW("docs/moved").c_str(), 0)) << exists;
-            EXPECT_TRUE(file.Commit()) << file.Failure();
+            EXPECT_TRUE(file.Commit()) << file.Failure().text;
         }
         EXPECT_EQ("new", folder.Read("docs/inner/file"));
         EXPECT_TRUE(::MoveFileExW(NameW("docs/inner").c_str(), NameW("docs/moved").c_str(), 0)) << exists;
@@ -151,7 +151,7 @@ TEST_F(SavedFile, IsKeptWhenAnotherFileHasTakenTheNameOfATargetWithTwo) {
     ASSERT_TRUE(::DeleteFileW(NameW("file").c_str()));
     fs::create_hard_link(folder.Path() / "precious", folder.Path() / "file");
     EXPECT_FALSE(file.Commit());
-    EXPECT_NE(std::string::npos, file.Failure().find("/file.unsaved")) << file.Failure();
+    EXPECT_NE(std::string::npos, file.Failure().text.find("/file.unsaved")) << file.Failure().text;
     EXPECT_EQ("precious", folder.Read("precious"));
     EXPECT_EQ("old", folder.Read("other"));
     EXPECT_EQ("new", folder.Read("file.unsaved"));
@@ -296,7 +296,7 @@ TEST(Saver, DISABLED_SavesForever) {
         IO::eSaveFile file(eFileName{target}, seed % 2 ? IO::eSaveEnd::OnDisk : IO::eSaveEnd::InMemory);
         const std::string document = WholeDocument(seed, std::size_t{1000} << random() % 15);
         file.Write(document.data(), document.size());
-        ASSERT_TRUE(file.Commit()) << file.Failure();
+        ASSERT_TRUE(file.Commit()) << file.Failure().text;
     }
 }
 

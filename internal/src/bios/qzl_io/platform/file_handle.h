@@ -7,23 +7,30 @@
 
 namespace IO::Platform {
 
+// How a file is opened, in the flags of the run-time.
+inline constexpr int kOpenRead = 0x8000;   // binary, read only
+inline constexpr int kOpenWrite = 0x8102;  // binary, read and write; a missing file is created
+inline constexpr int kOpenCreate = 0x8302; // the same, and the file is truncated to length 0
+
 // Returns a handle of the C run-time for the file; -1 if it cannot be opened, is a folder, or is a pipe to be read
-// (opening would wait). The flags are those of the run-time's binary mode: 0x8000 reads; 0x8102 reads and writes, and
-// creates a missing file; 0x8302 also truncates to length 0. Other processes may open the file meanwhile. Where names
-// are bytes, wide names are UTF-8.
+// (opening would wait). Other processes may open the file meanwhile. Where names are bytes, wide names are UTF-8.
 int OpenFile(const char* name, int openFlags);
 int OpenFile(const wchar_t* name, int openFlags);
 
-// The system's own words for why it refused this thread's last failed OpenFile, ReadAt or WriteAt; empty if none has
-// failed since the last call of this function.
-std::string TakeFailureReason();
+// The system's number for why it refused this thread's last failed call of a function of this header; 0 if none has
+// failed since the last call of this function, or if the system gave no reason.
+int TakeRefusal() noexcept;
 
-// Closes the file. Never repeated: the handle is invalid even if the system reports a failure.
-void CloseFile(int handle) noexcept;
+// The system's own words for such a number; empty for 0.
+std::string RefusalText(int refusal);
 
-// Reads up to n bytes from a position on. Returns the number read, which is less than n at the end of the file or on a
-// failure.
-unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept;
+// Closes the file. False if the system could not keep what was written. Never repeated: the handle is invalid even so.
+bool CloseFile(int handle) noexcept;
+
+// Reads up to n bytes from a position on and tells how many arrived: fewer than n at the end of the file, or with false
+// if the system refused the rest.
+bool ReadAt(int handle, void* target, unsigned long long n, unsigned long long position,
+            unsigned long long* arrived) noexcept;
 
 // Writes n bytes from a position on, and extends the file where needed. False if the system refused some of them; the
 // bytes before those are then written. A file without positions (a terminal, a pipe) gets the bytes in order.

@@ -23,8 +23,8 @@ public:
     virtual ~eSavedFile() = default;
 
     // Closes the handle from BeginSave and puts the document in the target's place. With `toDisk` it is on the disk
-    // when this returns. False if the system refused; TakeFailureReason then tells why, and a complete document is kept
-    // in the file that Kept names.
+    // when this returns. False if the system refused; TakeRefusal then tells why, and a complete document is kept in
+    // the file that Kept names.
     virtual bool TakePlace(int handle, bool toDisk) = 0;
 
     // The file that keeps a document that could not be put in place, as UTF-8 text for people; empty if there is none.
@@ -32,12 +32,12 @@ public:
 };
 
 // Creates the temporary file and opens it. Null if the target is read-only or a folder, or if its folder takes no new
-// file; TakeFailureReason then tells why. The target is not touched.
+// file; TakeRefusal then tells why. The target is not touched.
 template <class Char>
 std::unique_ptr<eSavedFile> BeginSave(const Char* target, int* handle);
 
 // Whether the target can be saved to. Creates a missing target without content; an existing one stays as it is.
-// TakeFailureReason tells why not.
+// TakeRefusal tells why not.
 template <class Char>
 bool PrepareSave(const Char* target);
 

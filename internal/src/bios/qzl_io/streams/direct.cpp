@@ -20,21 +20,21 @@ unsigned long long eStreamSteps::WholeBuffers(const eStream& stream, unsigned lo
 }
 
 unsigned long long eStreamSteps::ReadDirect(unsigned char* target, unsigned long long n) {
-    const auto data = static_cast<unsigned long long>(stream.Remaining());
+    const auto data = static_cast<unsigned long long>(stream.ToEnd());
     const unsigned long long whole = WholeBuffers(stream, std::min(n, data));
     const eStreamDirect* const direct = whole > 0 && !stream.Blocked() ? Direct(stream) : nullptr;
     if (!direct)
         return 0;
     stream.FlushIfModified();
-    direct->read(stream, target, stream.Position(), whole);
-    stream.MoveTo(eStream::Shifted(stream.ptr, whole));
-    return whole;
+    const unsigned long long arrived = direct->read(stream, target, stream.Position(), whole);
+    stream.MoveTo(eStream::Shifted(stream.ptr, arrived));
+    return arrived;
 }
 
 // A position beyond the data is left to Overflow, which reports it.
 bool eStreamSteps::TakesWholeBuffers(const eStream& stream) {
     const bool empty = stream.ptr == stream.buffer || stream.RoomInBuffer() == 0;
-    return empty && stream.Remaining() >= 0 && !stream.Blocked() && stream.Enabled(StreamMode::Write) && Direct(stream);
+    return empty && stream.ToEnd() >= 0 && !stream.Blocked() && stream.Enabled(StreamMode::Write) && Direct(stream);
 }
 
 // Moves the position past whole buffers that were written directly.
@@ -58,7 +58,7 @@ unsigned long long eStreamSteps::WriteDirect(const unsigned char* source, unsign
 // follow.
 unsigned long long eStreamSteps::CopyInSystem(eStream& source, eStream& target, unsigned long long n) {
     const unsigned long long size = target.Capacity();
-    if (n < size || !TakesWholeBuffers(target) || target.means != source.means)
+    if (size == 0 || n < size || !TakesWholeBuffers(target) || target.means != source.means)
         return 0;
     target.FlushIfModified();
     const unsigned long long copied = source.means->direct->copy(source, target, n / size * size) / size * size;
@@ -68,28 +68,31 @@ unsigned long long eStreamSteps::CopyInSystem(eStream& source, eStream& target, 
 }
 
 bool eStreamSteps::CopyDirect(eStream& source, eStream& target, unsigned long long* n) {
-    const auto data = static_cast<unsigned long long>(source.Remaining());
+    const auto data = static_cast<unsigned long long>(source.ToEnd());
     unsigned long long whole = WholeBuffers(source, std::min(*n, data));
     const eStreamDirect* const direct = whole > 0 && !source.Blocked() && &target != &source ? Direct(source) : nullptr;
     if (!direct || !direct->apart(source, target))
         return true;
     source.FlushIfModified();
     eStreamSteps writing(target);
-    while (whole > 0) {
+    bool arrives = true;
+    while (arrives && whole > 0) {
         unsigned long long run = CopyInSystem(source, target, whole);
         if (run == 0) {
             if (target.RoomInBuffer() == 0 && !writing.MakeRoom(whole))
                 break;
-            run = std::min(whole, target.RoomInBuffer());
-            direct->read(source, target.ptr, source.Position(), run);
+            const unsigned long long asked = std::min(whole, target.RoomInBuffer());
+            run = direct->read(source, target.ptr, source.Position(), asked);
+            arrives = run == asked;
             eStreamInline::Written(target, run);
         }
         source.MoveTo(eStream::Shifted(source.ptr, run));
         whole -= run;
         *n -= run;
     }
+    const bool goesOn = arrives && (whole == 0 || writing.TakesBytesPastBuffer());
     writing.End();
-    return whole == 0;
+    return goesOn;
 }
 
 } // namespace IO

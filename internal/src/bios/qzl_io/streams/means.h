@@ -9,9 +9,9 @@ class eStream;
 struct eStreamDirect {
     // True while the stream's flushes and refills are the library's own and its file is open.
     bool (*serves)(const eStream& stream);
-    // Read or write n bytes at a position of the stream. Bytes that cannot be read are zero, bytes that cannot be
-    // written are dropped; both set Bad.
-    void (*read)(eStream& stream, void* target, unsigned long long at, unsigned long long n);
+    // Read or write n bytes at a position of the stream; bytes that cannot be read or written are lost (eStream::Lose).
+    // Reading returns the number of bytes that arrived.
+    unsigned long long (*read)(eStream& stream, void* target, unsigned long long at, unsigned long long n);
     void (*write)(eStream& stream, const void* source, unsigned long long at, unsigned long long n);
     // True unless writing to the target may change what is still to be read from the source.
     bool (*apart)(const eStream& source, const eStream& target);

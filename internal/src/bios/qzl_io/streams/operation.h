@@ -8,6 +8,8 @@
 #include <qzl_base/error.h>
 #include <qzl_io/streams/stream.h>
 
+#include "streams/reported.h"
+
 namespace IO {
 
 // While a hook runs, bufferEnd is the end of the buffer wherever the position is. Otherwise, and while a handler runs
@@ -54,14 +56,20 @@ public:
             return true;
         const int failuresBefore = failures;
         const bool bad = stream.Enabled(StreamMode::Bad);
-        try {
-            work();
-        } catch (...) {
-            thrown = std::current_exception();
-        }
+        Hold(work);
         return thrown || failures != failuresBefore || (!bad && stream.Enabled(StreamMode::Bad));
     }
     bool Threw() const noexcept { return thrown != nullptr; }
+    // Does work that may throw, and that comes before the reports; the first exception is held back until after them.
+    template <class Work>
+    void Hold(Work work) {
+        try {
+            work();
+        } catch (...) {
+            if (!thrown)
+                thrown = std::current_exception();
+        }
+    }
 
     void CountFailure() noexcept { ++failures; }
     void Keep(const char* source, int line, const std::string& message) {
@@ -78,7 +86,7 @@ public:
             if (next)
                 next->Keep(report.source, report.line, report.message);
             else
-                xError::Error(report.source, report.line, report.message, true);
+                Make(report);
         if (next)
             next->failures += failures;
         if (thrown)
@@ -95,6 +103,10 @@ private:
         std::string message;
     };
 
+    void Make(const eReport& report) const {
+        const eReportedStream context(stream);
+        xError::Error(report.source, report.line, report.message, true);
+    }
     void Leave() noexcept {
         if (!std::exchange(ended, true))
             stream.underWay = outer;

@@ -12,6 +12,7 @@ inline constexpr char kInvalidSeek[] = "Invalid seek location!";
 inline constexpr char kInvalidRead[] = "Invalid read location!";
 inline constexpr char kPlaceBuffer[] = "Stream.PlaceBuffer: ";
 inline constexpr char kNoMemory[] = "Not enough memory!";
+inline constexpr char kNoRoom[] = "The stream had no room for all bytes"; // told by Failure
 
 inline constexpr int kPlaceBufferLine = 10;
 inline constexpr int kInvalidReadLine = 20;

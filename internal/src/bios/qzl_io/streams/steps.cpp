@@ -56,17 +56,19 @@ bool eStreamSteps::MakeRoom(unsigned long long n) {
     return false;
 }
 
-void eStreamSteps::ReadAll(void* target, unsigned long long n) {
+bool eStreamSteps::ReadAll(void* target, unsigned long long n) {
     auto* to = static_cast<unsigned char*>(target);
     while (n > 0) {
-        if (stream.Remaining() <= 0)
-            return stream.Fail(kSource, kReadEndLine, kReadBeyond);
+        if (stream.ToEnd() <= 0) {
+            stream.Fail(kSource, kReadEndLine, kReadBeyond);
+            return false;
+        }
         if (stream.DataInBuffer() == 0) {
             const unsigned long long past = ReadDirect(to, n);
             to += past;
             n -= past;
             if (!MakeData())
-                return;
+                return false;
         }
         const unsigned long long run = std::min(n, stream.DataInBuffer());
         std::memmove(to, stream.ptr, run);
@@ -74,6 +76,7 @@ void eStreamSteps::ReadAll(void* target, unsigned long long n) {
         to += run;
         n -= run;
     }
+    return true;
 }
 
 // Growth releases the buffer, and a refill changes it, so bytes of the stream itself are copied first.
@@ -95,14 +98,34 @@ bool eStreamSteps::WritePieces(const unsigned char* source, unsigned long long n
         const unsigned long long past = WriteDirect(source, n);
         source += past;
         n -= past;
-        if (stream.RoomInBuffer() == 0 && !MakeRoom(n))
-            return false;
+        if (stream.RoomInBuffer() == 0 && !MakeRoom(n)) {
+            if (!WritePastBuffer(source, 0, n))
+                return false;
+            PassWritten(n);
+            return true;
+        }
         const unsigned long long run = std::min(n, stream.RoomInBuffer());
         std::memmove(stream.ptr, source, run);
         eStreamInline::Written(stream, run);
         source += run;
         n -= run;
     }
+    return true;
+}
+
+// A buffer that could not be filled holds no more bytes than were read, so that a flush writes no others. A file then
+// takes what is written directly.
+bool eStreamSteps::TakesBytesPastBuffer() const {
+    return !stream.Blocked() && stream.Enabled(StreamMode::Write) && Direct(stream);
+}
+
+// Writes n bytes that belong `at` bytes after the position. False if they are dropped.
+bool eStreamSteps::WritePastBuffer(const unsigned char* source, unsigned long long at, unsigned long long n) {
+    if (!TakesBytesPastBuffer()) {
+        stream.NoteLoss(kNoRoom, 0);
+        return false;
+    }
+    stream.means->direct->write(stream, source, stream.Position() + at, n);
     return true;
 }
 
@@ -170,22 +193,26 @@ unsigned long long eStreamSteps::TakeBits(unsigned long long n) {
     return bits;
 }
 
-void eStreamSteps::PutBits(unsigned long long bits, unsigned long long n) {
-    if (!eStreamInline::Fits(stream, n) && !ReachToWrite(n))
-        return;
+bool eStreamSteps::PutBits(unsigned long long bits, unsigned long long n) {
+    if (!eStreamInline::Fits(stream, n) && !ReachToWrite(n)) {
+        stream.NoteLoss(kNoRoom, 0);
+        return false;
+    }
     const unsigned long long fits = std::min(n, stream.RoomInBuffer());
     if (fits > 0)
         std::memcpy(stream.ptr, &bits, fits);
+    if (fits < n)
+        WritePastBuffer(reinterpret_cast<const unsigned char*>(&bits) + fits, fits, n - fits);
     PassWritten(n);
+    return true;
 }
 
 // --- Texts ---
 
-void eStreamSteps::PutLength(unsigned long long length) {
+bool eStreamSteps::PutLength(unsigned long long length) {
     if (length < kLongMark)
         return PutBits(length, 1);
-    PutBits(kLongMark, 1);
-    PutBits(length & kTbyteMask, kLongLengthBytes);
+    return PutBits(kLongMark, 1) && PutBits(length & kTbyteMask, kLongLengthBytes);
 }
 
 bool eStreamSteps::GetLength(unsigned int* length) {
@@ -193,8 +220,7 @@ bool eStreamSteps::GetLength(unsigned int* length) {
     if (*length != kLongMark)
         return true;
     unsigned char bytes[kLongLengthBytes] = {};
-    const bool complete = stream.Remaining() >= static_cast<long long>(kLongLengthBytes);
-    ReadAll(bytes, kLongLengthBytes);
+    const bool complete = ReadAll(bytes, kLongLengthBytes);
     *length = bytes[0];
     return complete;
 }
@@ -207,10 +233,8 @@ bool eStreamSteps::GetText(std::string* text) {
         stream.ptr = eStream::Shifted(stream.ptr, length);
         return measured;
     }
-    const bool complete = measured && stream.Remaining() >= static_cast<long long>(length);
     text->assign(length, '\0');
-    ReadAll(text->data(), length);
-    return complete;
+    return ReadAll(text->data(), length) && measured;
 }
 
 bool eStreamSteps::AppendUpTo(eStream& stream, char delimiter, std::string* line) {

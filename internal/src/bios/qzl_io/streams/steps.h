@@ -19,15 +19,15 @@ public:
     // is nothing.
     bool MakeData();
     bool MakeRoom(unsigned long long n);
-    // Read to the end of the data, or write while there is room, at most n bytes. Fewer are reported, and Write then
-    // returns false.
-    void ReadAll(void* target, unsigned long long n);
+    // Read to the end of the data, or write while there is room, at most n bytes. Fewer are reported, and the result is
+    // false.
+    bool ReadAll(void* target, unsigned long long n);
     bool WriteAll(const unsigned char* source, unsigned long long n);
 
     // Whether a copy from the stream continues, after a refill; its end is not reported.
     static bool HasMoreToCopy(eStream& source);
-    // Copies what bypasses the source's buffer, and subtracts it from n. False, after a report, if the target has no
-    // room.
+    // Copies what bypasses the source's buffer, and subtracts it from n. False if the copy ends there: the source
+    // cannot be read to its end, or, after a report, the target has no room.
     static bool CopyDirect(eStream& source, eStream& target, unsigned long long* n);
 
     // --- Values ---
@@ -42,12 +42,12 @@ public:
     // Moves the position past a value of which a part may have been dropped.
     void PassWritten(unsigned long long n);
 
-    // A value is the low bytes of `bits`.
+    // A value is the low bytes of `bits`. Put returns false, after a report, if nothing can be written.
     unsigned long long BitsHere(unsigned long long n) const noexcept;
     unsigned long long TakeBits(unsigned long long n);
-    void PutBits(unsigned long long bits, unsigned long long n);
+    bool PutBits(unsigned long long bits, unsigned long long n);
 
-    void PutLength(unsigned long long length);
+    bool PutLength(unsigned long long length);
     // False, after a report, if the data ended before the length or the text did.
     bool GetLength(unsigned int* length);
     bool GetText(std::string* text);
@@ -58,6 +58,8 @@ public:
 private:
     bool Reach(int line, const char* message);
     bool WritePieces(const unsigned char* source, unsigned long long n);
+    bool TakesBytesPastBuffer() const;
+    bool WritePastBuffer(const unsigned char* source, unsigned long long at, unsigned long long n);
     bool HoldsInBuffer(const unsigned char* place) const noexcept;
 
     static const eStreamDirect* Direct(const eStream& stream);

@@ -25,8 +25,8 @@ bool IsByteCount(int n) {
 
 void PutUnits(eStream& stream, const void* units, unsigned long long count) {
     eStreamSteps steps(stream);
-    steps.PutLength(count);
-    steps.WriteAll(static_cast<const unsigned char*>(units), count * sizeof(char16_t));
+    if (steps.PutLength(count))
+        steps.WriteAll(static_cast<const unsigned char*>(units), count * sizeof(char16_t));
     steps.End();
 }
 
@@ -121,8 +121,8 @@ bool ShortText::CopyLong(unsigned char* to, const char* from, std::size_t n) noe
 eStream& eStreamInline::PutTextSlowly(eStream& stream, const char* text) {
     const std::size_t length = text ? std::strlen(text) : 0;
     eStreamSteps steps(stream);
-    steps.PutLength(length);
-    steps.WriteAll(reinterpret_cast<const unsigned char*>(text), length);
+    if (steps.PutLength(length))
+        steps.WriteAll(reinterpret_cast<const unsigned char*>(text), length);
     steps.End();
     return stream;
 }
@@ -181,7 +181,7 @@ eStream& eStream::operator>>(eStrings& texts) {
         texts.Reserve(static_cast<std::size_t>(std::min(count, possible)));
     bool complete = true;
     for (unsigned long long read = 0; read < count && complete; ++read) {
-        if (Enabled(StreamMode::Bad) || Remaining() <= 0) {
+        if (Enabled(StreamMode::Bad) || ToEnd() <= 0) {
             Fail(kSource, kListEndLine, kReadBeyond);
             break;
         }

@@ -59,28 +59,33 @@ int OpenFile(const wchar_t* name, int openFlags) {
     return OpenFile(eNativeName(name).c_str(), openFlags);
 }
 
-std::string TakeFailureReason() {
-    const int failure = std::exchange(lastFailure, 0);
-    return failure != 0 ? std::system_category().message(failure) : std::string();
+int TakeRefusal() noexcept {
+    return std::exchange(lastFailure, 0);
 }
 
-void CloseFile(int handle) noexcept {
-    ::close(handle);
+std::string RefusalText(int refusal) {
+    return refusal != 0 ? std::system_category().message(refusal) : std::string();
 }
 
-unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept {
-    unsigned long long done = 0;
-    while (done < n) {
+bool CloseFile(int handle) noexcept {
+    return eDescriptor(handle).Close() || Refused(errno);
+}
+
+bool ReadAt(int handle, void* target, unsigned long long n, unsigned long long position,
+            unsigned long long* arrived) noexcept {
+    *arrived = 0;
+    while (*arrived < n) {
         const ssize_t read = Uninterrupted([&] {
-            return ::pread(handle, static_cast<char*>(target) + done, n - done, static_cast<off_t>(position + done));
+            return ::pread(handle, static_cast<char*>(target) + *arrived, n - *arrived,
+                           static_cast<off_t>(position + *arrived));
         });
         if (read < 0)
-            Refused(errno);
-        if (read <= 0)
+            return Refused(errno);
+        if (read == 0)
             break;
-        done += static_cast<unsigned long long>(read);
+        *arrived += static_cast<unsigned long long>(read);
     }
-    return done;
+    return true;
 }
 
 bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept {
@@ -126,13 +131,13 @@ bool MayBeOneFile(int one, int other) noexcept {
 bool FileLength(int handle, unsigned long long* length) noexcept {
     struct stat facts = {};
     if (!AskFacts(handle, &facts))
-        return false;
+        return Refused(errno);
     *length = static_cast<unsigned long long>(facts.st_size);
     return true;
 }
 
 bool SetFileLength(int handle, unsigned long long length) noexcept {
-    return Uninterrupted([&] { return ::ftruncate(handle, static_cast<off_t>(length)); }) == 0;
+    return Uninterrupted([&] { return ::ftruncate(handle, static_cast<off_t>(length)); }) == 0 || Refused(errno);
 }
 
 } // namespace IO::Platform

@@ -19,9 +19,6 @@
 namespace IO::Platform {
 namespace {
 
-constexpr int kOpenCreate = 0x8302;
-constexpr int kOpenWrite = 0x8102;
-
 bool Sync(int file) {
     return Uninterrupted([=] { return ::fsync(file); }) == 0;
 }

@@ -2,7 +2,7 @@
 
 namespace IO::Platform {
 
-// The system's error number for TakeFailureReason; 0 for none.
+// The system's error number for TakeRefusal; 0 for none.
 inline thread_local unsigned long lastFailure = 0;
 
 // Notes why the system refused a call. Always false, so that a caller can return it.

@@ -56,31 +56,32 @@ int OpenFile(const wchar_t* name, int openFlags) {
     return Open(eNativeName(name), openFlags);
 }
 
-std::string TakeFailureReason() {
-    const unsigned long failure = std::exchange(lastFailure, 0);
-    return failure != 0 ? std::system_category().message(static_cast<int>(failure)) : std::string();
+int TakeRefusal() noexcept {
+    return static_cast<int>(std::exchange(lastFailure, 0));
 }
 
-void CloseFile(int handle) noexcept {
-    _close(handle);
+std::string RefusalText(int refusal) {
+    return refusal != 0 ? std::system_category().message(refusal) : std::string();
 }
 
-unsigned long long ReadAt(int handle, void* target, unsigned long long n, unsigned long long position) noexcept {
-    unsigned long long done = 0;
-    if (!MoveTo(handle, position)) {
-        Refused(_doserrno);
-        return 0;
-    }
-    while (done < n) {
-        const int read = _read(handle, static_cast<char*>(target) + done, Piece(n - done));
-        if (read <= 0) {
-            if (read < 0)
-                Refused(_doserrno);
+bool CloseFile(int handle) noexcept {
+    return _close(handle) == 0 || Refused(_doserrno);
+}
+
+bool ReadAt(int handle, void* target, unsigned long long n, unsigned long long position,
+            unsigned long long* arrived) noexcept {
+    *arrived = 0;
+    if (!MoveTo(handle, position))
+        return Refused(_doserrno);
+    while (*arrived < n) {
+        const int read = _read(handle, static_cast<char*>(target) + *arrived, Piece(n - *arrived));
+        if (read < 0)
+            return Refused(_doserrno);
+        if (read == 0)
             break;
-        }
-        done += static_cast<unsigned long long>(read);
+        *arrived += static_cast<unsigned long long>(read);
     }
-    return done;
+    return true;
 }
 
 bool WriteAt(int handle, const void* source, unsigned long long n, unsigned long long position) noexcept {
@@ -109,11 +110,11 @@ bool FileLength(int handle, unsigned long long* length) noexcept {
     const long long told = _filelengthi64(handle);
     *length = told > 0 ? static_cast<unsigned long long>(told) : 0;
     const DWORD kind = told < 0 ? GetFileType(SystemHandle(handle)) : FILE_TYPE_DISK;
-    return told >= 0 || kind == FILE_TYPE_CHAR || kind == FILE_TYPE_PIPE;
+    return told >= 0 || kind == FILE_TYPE_CHAR || kind == FILE_TYPE_PIPE || Refused(_doserrno);
 }
 
 bool SetFileLength(int handle, unsigned long long length) noexcept {
-    return _chsize_s(handle, static_cast<long long>(length)) == 0;
+    return _chsize_s(handle, static_cast<long long>(length)) == 0 || Refused(_doserrno);
 }
 
 } // namespace IO::Platform

@@ -31,8 +31,6 @@ namespace {
 
 using System::ePatience;
 
-constexpr int kOpenCreate = 0x8302;
-constexpr int kOpenWrite = 0x8102;
 constexpr unsigned kMostTries = 100;
 constexpr DWORD kExchanged = ERROR_FILE_INVALID; // another file has taken the target's name
 
