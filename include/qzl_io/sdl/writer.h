@@ -41,9 +41,8 @@ struct ident {
 //
 // A closed writer takes no items: writing to it reports "SDLWriter: Not open!" and throws.
 //
-// A target that takes only a part of the text (a full disk) is not reported here; a file stream then sets its `Bad`
-// flag. An application that must know opens the stream itself, passes it in, closes the writer, flushes the stream and
-// checks the flag.
+// A file that was opened by name and cannot be saved is a warning. A stream that takes only a part of the text is not
+// reported here. `Failure` tells of both.
 class QZL_IO_API eSDLWriter {
 public:
     // Turns the items into text. A writer passes every item to one.
@@ -111,6 +110,11 @@ public:
     // True while the writer has a target.
     bool Opened() const { return document->target != nullptr; }
 
+    // Why the target could not be opened, or why not all of the text arrived when the writer was closed; says nothing
+    // if all of it did. Of a stream it is what the stream's Failure tells: that one may still hold bytes in its buffer,
+    // so flush it and ask it again. Copies tell the same; `Open` forgets.
+    IO::eFailure Failure() const { return document->failure; }
+
     // Writes the text to the target. A file that cannot be saved is reported as a warning with the system's reason; it
     // then has its old content. May be called again.
     void Close();
@@ -173,12 +177,12 @@ private:
 
         std::unique_ptr<eTarget> target;
         std::unique_ptr<eWriteStream> text;
+        IO::eFailure failure;
     };
 
     template <class eName>
-    static std::unique_ptr<eTarget> OpenFile(const eName& path);
-
-    void Start(std::unique_ptr<eTarget> target);
+    void StartFile(const eName& path);
+    void Start(std::unique_ptr<eTarget> target, IO::eFailure failure = {});
     void Release();
     void CloseQuietly() noexcept;
     const char* KeywordName(int id) const;

@@ -14,8 +14,10 @@
 #include <qzl_base/format.h>
 #include <qzl_io/streams/save_file.h>
 
+#include "platform/file_handle.h"
 #include "platform/saved_file.h"
 #include "sdl/copy.h"
+#include "streams/failure_text.h"
 
 namespace {
 
@@ -62,6 +64,18 @@ void WriteEncoded(IO::eStream& target, eSDLCipher& cipher, const void* text, std
     const std::unique_ptr<unsigned char[]> encoded(capacity ? new unsigned char[capacity] : nullptr);
     const std::size_t encodedSize = cipher.Encode(encoded.get(), capacity, text, size);
     target.Write(encoded.get(), std::min(encodedSize, capacity));
+}
+
+IO::eFailure CannotBeSaved(const std::string& name) {
+    const int refusal = IO::Platform::TakeRefusal();
+    return {refusal, FailureText("\"" + name + "\" cannot be saved", refusal)};
+}
+
+std::string Narrow(const eFileName& name) {
+    return name.str();
+}
+std::string Narrow(const eFileNameW& name) {
+    return ToString(name.str());
 }
 
 void WarnOfInvalid(float value) {
@@ -286,7 +300,9 @@ void eSDLTextStream::Empty() {
 class eSDLWriter::eTarget {
 public:
     virtual ~eTarget() = default;
-    virtual void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd end) = 0;
+    // Returns why not all of the text arrived.
+    virtual IO::eFailure Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd end) = 0;
+    virtual bool WarnsOfFailure() const = 0;
     // Takes the text while another exception unwinds the stack.
     virtual void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform) noexcept = 0;
 };
@@ -295,9 +311,11 @@ class eSDLWriter::eStreamTarget : public eTarget {
 public:
     explicit eStreamTarget(IO::eStream* target) : stream(target) {}
 
-    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd) override {
+    IO::eFailure Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd) override {
         text.Flush(stream, transform);
+        return stream->Failure();
     }
+    bool WarnsOfFailure() const override { return false; }
 
     void TakeQuietly(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform) noexcept override {
         const bool reports = stream->Enabled(IO::StreamMode::Errors);
@@ -320,13 +338,14 @@ class eSDLWriter::eFileTarget : public eTarget {
 public:
     explicit eFileTarget(const eName& path) : name(path) {}
 
-    void Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd end) override {
+    IO::eFailure Take(eWriteStream& text, const std::shared_ptr<eSDLCipher>& transform, IO::eSaveEnd end) override {
         IO::eSaveFile file(name, end);
         if (file.IsOpen())
             text.Flush(&file, transform);
-        if (!file.Commit())
-            xError::Warning(WriterReport::kSource, WriterReport::kNotSavedLine, file.Failure().text, 0);
+        file.Commit();
+        return file.Failure();
     }
+    bool WarnsOfFailure() const override { return true; }
 
     // A document that may not be complete is not saved.
     void TakeQuietly(eWriteStream&, const std::shared_ptr<eSDLCipher>&) noexcept override {}
@@ -341,8 +360,11 @@ eSDLWriter::eDocument& eSDLWriter::eDocument::operator=(eDocument&&) noexcept = 
 eSDLWriter::eDocument::~eDocument() = default;
 
 template <class eName>
-std::unique_ptr<eSDLWriter::eTarget> eSDLWriter::OpenFile(const eName& path) {
-    return IO::Platform::PrepareSave(path.c_str()) ? std::make_unique<eFileTarget<eName>>(path) : nullptr;
+void eSDLWriter::StartFile(const eName& path) {
+    if (IO::Platform::PrepareSave(path.c_str()))
+        Start(std::make_unique<eFileTarget<eName>>(path));
+    else
+        Start(nullptr, CannotBeSaved(Narrow(path)));
 }
 
 eSDLWriter::eSDLWriter() : eSDLWriter(std::shared_ptr<eSDLCipher>()) {}
@@ -352,12 +374,12 @@ eSDLWriter::eSDLWriter(std::shared_ptr<eSDLCipher> transform)
 
 eSDLWriter::eSDLWriter(const eFileName& path, std::shared_ptr<eSDLCipher> transform)
     : eSDLWriter(std::move(transform)) {
-    Start(OpenFile(path));
+    StartFile(path);
 }
 
 eSDLWriter::eSDLWriter(const eFileNameW& path, std::shared_ptr<eSDLCipher> transform)
     : eSDLWriter(std::move(transform)) {
-    Start(OpenFile(path));
+    StartFile(path);
 }
 
 eSDLWriter::eSDLWriter(IO::eStream* stream, std::shared_ptr<eSDLCipher> transform) : eSDLWriter(std::move(transform)) {
@@ -396,9 +418,10 @@ void eSDLWriter::Init() {
 }
 
 // Copies of a closed document do not follow this writer to its new one.
-void eSDLWriter::Start(std::unique_ptr<eTarget> target) {
+void eSDLWriter::Start(std::unique_ptr<eTarget> target, IO::eFailure failure) {
     auto started = std::make_shared<eDocument>();
     started->target = std::move(target);
+    started->failure = std::move(failure);
     started->text = std::make_unique<eSDLTextStream>();
     document = std::move(started);
 }
@@ -410,21 +433,28 @@ void eSDLWriter::Open(IO::eStream* stream) {
 
 bool eSDLWriter::Open(const eFileName& path) {
     Close();
-    Start(OpenFile(path));
+    StartFile(path);
     return Opened();
 }
 
 bool eSDLWriter::Open(const eFileNameW& path) {
     Close();
-    Start(OpenFile(path));
+    StartFile(path);
     return Opened();
 }
 
 // The document counts as closed from the start: if writing it throws, nothing is written twice.
 void eSDLWriter::Close() {
-    const eDocument closing = std::exchange(*document, eDocument());
-    if (closing.target)
-        closing.target->Take(*closing.text, cipher, saveEnd);
+    eDocument closing = std::exchange(*document, eDocument());
+    IO::eFailure& failure = document->failure;
+    if (!closing.target) {
+        failure = std::move(closing.failure);
+        return;
+    }
+    failure.text = "Not all of the text was written."; // told if writing it throws
+    failure = closing.target->Take(*closing.text, cipher, saveEnd);
+    if (failure && closing.target->WarnsOfFailure())
+        xError::Warning(WriterReport::kSource, WriterReport::kNotSavedLine, failure.text, 0);
 }
 
 // The document is about to be released. Closing it as Close does would take memory, and nothing may be thrown here.

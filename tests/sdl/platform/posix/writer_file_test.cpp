@@ -1,8 +1,10 @@
 // What a writer makes of files that are no plain files, or that cannot be saved.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,6 +13,7 @@
 #include <qzl_io/sdl.h>
 
 #include "support/platform/posix/as_nobody.h"
+#include "support/platform/posix/fault.h"
 #include "support/reports.h"
 #include "support/temp_folder.h"
 
@@ -26,6 +29,49 @@ TEST(WriterFile, AFullDiskIsOneWarningWithFileAndReason) {
     EXPECT_EQ("\"/dev/full\" was not saved: No space left on device.", reports.warnings()[0].message);
     EXPECT_EQ("internal/src/bios/qzl_io/sdl_writer", reports.warnings()[0].file);
     EXPECT_TRUE(reports.errors().empty());
+}
+
+TEST(WriterFile, APipeThatTakesNoMoreIsOneWarning) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    const eTempFolder folder;
+    const eReports reports;
+    ASSERT_EQ(0, ::mkfifo(folder.Name("pipe").c_str(), 0666));
+    const int reader = ::open(folder.Name("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    eSDLWriter writer(eFileName(folder.Name("pipe")));
+    ASSERT_TRUE(writer.Opened());
+    writer << "text";
+    {
+        const eFault fault("write", EPIPE);
+        writer.Close();
+        EXPECT_TRUE(fault.Struck());
+    }
+    ::close(reader);
+    EXPECT_EQ(EPIPE, writer.Failure().number);
+    EXPECT_EQ('"' + folder.Name("pipe") + "\" was not saved: Broken pipe.", writer.Failure().text);
+    EXPECT_EQ(MessagesOf(reports.warnings()), std::vector<std::string>{writer.Failure().text});
+    EXPECT_TRUE(reports.errors().empty());
+}
+
+TEST(WriterFile, AFileWithTwoNamesThatCannotBeWrittenIsOneWarningThatSaysWhereTheDocumentIs) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    const eTempFolder folder;
+    const eReports reports;
+    const std::string name = folder.Write("file", "old");
+    std::filesystem::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    eSDLWriter writer{eFileName(name)};
+    writer << "text";
+    {
+        const eFault fault("ftruncate", EIO);
+        writer.Close();
+        EXPECT_TRUE(fault.Struck());
+    }
+    EXPECT_EQ(EIO, writer.Failure().number);
+    EXPECT_EQ('"' + name + "\" was not saved: Input/output error. The document is in \"" + name + ".unsaved\".",
+              writer.Failure().text);
+    EXPECT_EQ(MessagesOf(reports.warnings()), std::vector<std::string>{writer.Failure().text});
+    EXPECT_EQ("\"text\"", folder.Read("file.unsaved"));
 }
 
 TEST(WriterFile, APipeIsWrittenTo) {
