@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bit>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -171,6 +172,13 @@ struct eStreamInline {
         return stream;
     }
     template <class T>
+    static bool TryGet(eStream& stream, T& value) {
+        if (!Shows(stream, sizeof(T)) || stream.ToEnd() < static_cast<long long>(sizeof(T))) [[unlikely]]
+            return TryGetSlowly(stream, &value, sizeof(T));
+        value = TakeShown<T>(stream);
+        return true;
+    }
+    template <class T>
     static T Peek(eStream& stream) {
         if (Shows(stream, sizeof(T))) [[likely]]
             return Shown<T>(stream);
@@ -202,6 +210,7 @@ struct eStreamInline {
     QZL_IO_API static unsigned long long GetSlowly(eStream& stream, unsigned long long n);
     QZL_IO_API static void GetToSlowly(eStream& stream, void* target, unsigned long long n);
     QZL_IO_API static void GetToSlowly(eStream& stream, bool* target);
+    QZL_IO_API static bool TryGetSlowly(eStream& stream, void* target, unsigned long long n);
     QZL_IO_API static unsigned long long PeekSlowly(eStream& stream, unsigned long long n);
     // Writes the characters up to the first NUL.
     QZL_IO_API static eStream& PutTextSlowly(eStream& stream, const char* text);
@@ -310,6 +319,19 @@ inline eStream& eStream::operator>>(std::string& text) {
         return *this;
     }
     return way::GetTextSlowly(*this, &text);
+}
+
+template <eFixedWidth T>
+bool eStream::TryGet(T& value) {
+    if constexpr (std::same_as<T, bool>) {
+        unsigned char byte = 0;
+        if (!eStreamInline::TryGet(*this, byte))
+            return false;
+        value = byte != 0;
+        return true;
+    } else {
+        return eStreamInline::TryGet(*this, value);
+    }
 }
 
 inline bool eStream::GetBool() {

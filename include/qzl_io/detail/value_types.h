@@ -23,4 +23,12 @@ concept eNotAValue = eWrittenTooWide<T> || std::is_member_pointer_v<T> || requir
 template <class T>
 concept eLongOf64Bits = sizeof(T) == 8 && (std::same_as<T, long> || std::same_as<T, unsigned long>);
 
+template <class T, class... Types>
+concept eOneOf = (std::same_as<T, Types> || ...);
+
+// The types whose values always take the same number of bytes.
+template <class T>
+concept eFixedWidth = eLongOf64Bits<T> || eOneOf<T, bool, char, unsigned char, short, unsigned short, int, unsigned int,
+                                                 long long, unsigned long long, float, double>;
+
 } // namespace IO

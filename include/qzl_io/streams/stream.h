@@ -186,6 +186,13 @@ public:
     template <eLongOf64Bits T>
     eStream& operator>>(T& value);
 
+    // Reads a value that may be missing. If the data end within it, returns false, and neither the position nor the
+    // value changes; nothing is reported, even if the value ends at the last byte of a buffer stream. False, with Bad,
+    // also if the system refuses to read bytes that should be there. For bool, char, unsigned char, and the integers
+    // and floating-point numbers of 2, 4 and 8 bytes that >> reads.
+    template <eFixedWidth T>
+    bool TryGet(T& value);
+
     // Reads a text. Its length is the first byte (past the end of the data, too, what the buffer contains) or, if that
     // is 255, the first of the three bytes after it; the other two are skipped, so of a longer text only a part is
     // read. If the data end within the text, the missing characters are NUL, and it is an error ("Attempt to read
@@ -344,6 +351,7 @@ private:
     friend class eStreamOperation;
     friend class eHookRun;
     friend class eReportedStream;
+    friend class eReadTransaction;
     friend class eFileStreamBase;
     friend class eMemoryStream;
     friend class eSaveFile;
@@ -367,6 +375,7 @@ private:
     void Refill();
     void Report(const char* source, int line, const std::string& message);
     void NoteLoss(const char* what, int number) noexcept;
+    void ReturnTo(unsigned long long position);
 
     const struct eStreamMeans* means = nullptr; // what the class can do besides its hooks
     unsigned long long lastCapacity = 0;        // the capacity while bufferEnd is null

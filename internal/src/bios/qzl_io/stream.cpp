@@ -273,6 +273,14 @@ eStream& eStream::Clear() {
     return *this;
 }
 
+// The place may be outside the buffer: the next operation there finds it blocked and calls its hook.
+void eStream::ReturnTo(unsigned long long position) {
+    eStreamOperation operation(*this);
+    operation.Hold([this] { FlushIfModified(); });
+    MoveTo(Shifted(buffer, position - offset));
+    operation.End();
+}
+
 // --- Bulk operations ---
 
 eStream& eStream::Read(void* target, unsigned long long n) {

@@ -301,6 +301,9 @@ TEST_F(LostBytes, AReadIsRefusedWithoutAReportHoweverOftenItIsTried) {
         stream.Read(read.data(), read.size());
         EXPECT_EQ(stream.Position(), 32768u);
     }
+    int value = -77;
+    EXPECT_FALSE(stream.TryGet(value));
+    EXPECT_EQ(value, -77);
     EXPECT_EQ(stream.GetInt32(), 0);
     EXPECT_EQ(stream.Position(), 32772u);
     EXPECT_TRUE(reports.errors().empty());

@@ -79,6 +79,17 @@ bool eStreamSteps::ReadAll(void* target, unsigned long long n) {
     return true;
 }
 
+bool eStreamSteps::TryReadAll(void* target, unsigned long long n) {
+    const unsigned long long start = stream.Position();
+    if (stream.Remaining() < n)
+        return false;
+    if (ReadAll(target, n))
+        return true;
+    DropReports();
+    stream.MoveTo(eStream::Shifted(stream.ptr, start - stream.Position()));
+    return false;
+}
+
 // Growth releases the buffer, and a refill changes it, so bytes of the stream itself are copied first.
 bool eStreamSteps::WriteAll(const unsigned char* source, unsigned long long n) {
     if (n <= stream.RoomInBuffer() || !HoldsInBuffer(source))

@@ -22,6 +22,8 @@ public:
     // Read to the end of the data, or write while there is room, at most n bytes. Fewer are reported, and the result is
     // false.
     bool ReadAll(void* target, unsigned long long n);
+    // Reads n bytes, or none without a report.
+    bool TryReadAll(void* target, unsigned long long n);
     bool WriteAll(const unsigned char* source, unsigned long long n);
 
     // Whether a copy from the stream continues, after a refill; its end is not reported.

@@ -66,6 +66,16 @@ void eStreamInline::GetToSlowly(eStream& stream, bool* target) {
     steps.End();
 }
 
+bool eStreamInline::TryGetSlowly(eStream& stream, void* target, unsigned long long n) {
+    eStreamSteps steps(stream);
+    unsigned char bytes[sizeof(unsigned long long)] = {};
+    const bool there = steps.TryReadAll(bytes, n);
+    if (there)
+        std::memcpy(target, bytes, n);
+    steps.End();
+    return there;
+}
+
 eStream& eStream::Bytes(int n, unsigned int value) {
     if (!IsByteCount(n))
         return *this;
