@@ -1,7 +1,8 @@
 // Reports, thread storage and conversions while everything that they use fails.
-#include <atomic>
+#include <condition_variable>
 #include <cstring>
 #include <functional>
+#include <mutex>
 #include <new>
 #include <string>
 #include <string_view>
@@ -90,10 +91,10 @@ private:
 class eOtherThread {
 public:
     explicit eOtherThread(std::function<void()> theWork) : work(std::move(theWork)), thread([this] { Serve(); }) {
-        step.wait(eStep::Start);
+        Await(eStep::Wait);
     }
     ~eOtherThread() {
-        Tell(eStep::End);
+        Go(eStep::End);
         thread.join();
     }
     eOtherThread(const eOtherThread&) = delete;
@@ -101,30 +102,40 @@ public:
 
     // Has the work done once, and waits for it.
     void Do() {
-        Tell(eStep::Work);
-        step.wait(eStep::Work);
+        Go(eStep::Work);
+        Await(eStep::Wait);
     }
 
 private:
     enum class eStep { Start, Wait, Work, End };
 
-    void Tell(eStep next) {
+    void Go(eStep next) {
+        const std::lock_guard lock(mutex);
         step = next;
-        step.notify_all();
+        changed.notify_all();
+    }
+
+    void Await(eStep wanted) {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return step == wanted; });
+    }
+
+    // True if there is work, false at the end.
+    bool AwaitWork() {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return step != eStep::Wait; });
+        return step == eStep::Work;
     }
 
     void Serve() {
-        for (;;) {
-            Tell(eStep::Wait);
-            step.wait(eStep::Wait);
-            if (step == eStep::End)
-                return;
+        for (Go(eStep::Wait); AwaitWork(); Go(eStep::Wait))
             work();
-        }
     }
 
     const std::function<void()> work;
-    std::atomic<eStep> step = eStep::Start;
+    std::mutex mutex;
+    std::condition_variable changed;
+    eStep step = eStep::Start;
     std::thread thread;
 };
 
