@@ -6,8 +6,8 @@
 #include <iterator>
 #include <string>
 
-// Runs a fuzz target on every named file, and on every file of a named folder, so that earlier findings are tried again
-// in an ordinary test without a fuzzing engine.
+// Runs a fuzz target on every named file, and on every file below a named folder, so that earlier findings are tried
+// again in an ordinary test without a fuzzing engine.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -30,8 +30,9 @@ int main(int count, char** names) {
         if (!std::filesystem::is_directory(name))
             Replay(name);
         else
-            for (const auto& entry : std::filesystem::directory_iterator(name))
-                Replay(entry.path());
+            for (const auto& entry : std::filesystem::recursive_directory_iterator(name))
+                if (entry.is_regular_file())
+                    Replay(entry.path());
     }
     std::cout << replayed << " inputs replayed\n";
     return replayed > 0 ? 0 : 1;
