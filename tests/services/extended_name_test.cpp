@@ -23,6 +23,15 @@ void PrintTo(const eRow& row, std::ostream* out) {
     *out << testing::PrintToString(row.name) << " in " << testing::PrintToString(row.current);
 }
 
+TEST(ExtendedName, OfAStreamIsToldByTheColonInItsLastComponent) {
+    for (const wchar_t* const stream : {L"file:notes", L"c:/x/file:notes", L"c:file:notes",
+                                        L"\\\\?\\C:\\x\\file:notes:$DATA", L"x/:notes", L"file::$DATA"})
+        EXPECT_TRUE(IO::System::NamesStream(stream)) << stream;
+    for (const wchar_t* const none :
+         {L"", L"file", L"c:file", L"c:/file", L"c:", L"c:/", L"\\\\?\\C:\\file", L"//server/share/file", L"a:b/file"})
+        EXPECT_FALSE(IO::System::NamesStream(none)) << none;
+}
+
 TEST(ExtendedName, IsAbsoluteAndResolved) {
     const eRow rows[] = {
         {L"c:/x", kWork, L"\\\\?\\c:\\x"},

@@ -14,7 +14,7 @@ namespace IO::Platform {
 // | a link                                            | the file it leads to is saved; on Linux that may be missing  |
 // | a file with several names, or one whose owner or  | copied from the complete temporary file, not in one step     |
 // | access rights a new file cannot have              |                                                              |
-// | a device or a pipe                                | written directly; there is no temporary file                 |
+// | a device, a pipe; on Windows a stream of a file   | written directly; there is no temporary file                 |
 //
 // A temporary file that a program left when it was killed is removed by the next save to the same target.
 class eSavedFile {

@@ -16,6 +16,7 @@
 #include "platform/file_handle.h"
 #include "platform/pure/answer.h"
 #include "platform/pure/beside_name.h"
+#include "platform/pure/extended_name.h"
 #include "platform/pure/patience.h"
 #include "platform/unattended.h"
 #include "platform/windows/copied_bytes.h"
@@ -95,10 +96,15 @@ struct eRunTimeHandle {
     const int handle;
 };
 
-// A device or a pipe.
+// A device, a pipe or a stream within a file.
 class eWrittenAtOnce : public eSavedFile {
 public:
-    bool TakePlace(int handle, bool) override { return _close(handle) == 0 || Refused(_doserrno); }
+    bool TakePlace(int handle, bool toDisk) override {
+        const bool isOnDisk = ::GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(handle))) == FILE_TYPE_DISK;
+        const bool written = !toDisk || !isOnDisk || _commit(handle) == 0 || Refused(_doserrno);
+        const bool closed = _close(handle) == 0 || Refused(_doserrno);
+        return written && closed;
+    }
     const std::string& Kept() const override { return none; }
 
 private:
@@ -322,9 +328,18 @@ bool IsDevice(const eOpenHandle& file) {
 }
 
 template <class Char>
+std::unique_ptr<eSavedFile> BeginAtOnce(const Char* target, int* handle) {
+    auto saved = std::make_unique<eWrittenAtOnce>();
+    *handle = OpenFile(target, kOpenCreate);
+    return *handle == -1 ? nullptr : std::move(saved);
+}
+
+template <class Char>
 std::unique_ptr<eSavedFile> BeginOnce(const Char* target, int* handle) {
     const std::wstring name = eNativeName(target).c_str();
     *handle = -1;
+    if (System::NamesStream(name))
+        return BeginAtOnce(target, handle);
     eOpenHandle existing;
     const auto open = [&] {
         existing = Open(name, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
@@ -337,9 +352,7 @@ std::unique_ptr<eSavedFile> BeginOnce(const Char* target, int* handle) {
     if (!IsDevice(existing))
         return BeginExisting(target, existing, handle);
     existing.Close();
-    auto saved = std::make_unique<eWrittenAtOnce>();
-    *handle = OpenFile(target, kOpenCreate);
-    return *handle == -1 ? nullptr : std::move(saved);
+    return BeginAtOnce(target, handle);
 }
 
 } // namespace
