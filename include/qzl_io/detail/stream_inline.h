@@ -311,12 +311,14 @@ eStream& eStream::operator>>(T& value) {
 }
 inline eStream& eStream::operator>>(std::string& text) {
     using way = eStreamInline;
-    if (way::Shows(*this, 1) && *ptr != way::kLongText && way::Shows(*this, *ptr + 1u) && ToEnd() > *ptr + 1)
-        [[likely]] {
+    if (way::Shows(*this, 1)) [[likely]] {
         const std::size_t length = *ptr;
-        way::AssignText(&text, ptr + 1, length);
-        ptr += length + 1;
-        return *this;
+        if (length < inlineTexts && way::Shows(*this, length + 1) && ToEnd() > static_cast<long long>(length + 1))
+            [[likely]] {
+            way::AssignText(&text, ptr + 1, length);
+            ptr += length + 1;
+            return *this;
+        }
     }
     return way::GetTextSlowly(*this, &text);
 }

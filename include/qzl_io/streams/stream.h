@@ -35,6 +35,15 @@ inline constexpr unsigned short Modified = 0x4000; // the buffer holds bytes tha
 inline constexpr unsigned short Bad = 0x8000;      // there has been an error
 } // namespace StreamMode
 
+// What may be read from a stream that a stranger wrote. Unless an application sets it, nothing is limited.
+struct eStreamLimits {
+    static constexpr unsigned long long kNone = ~0ULL;
+
+    unsigned long long textBytes =
+        kNone; // of a text (two for each UTF-16 unit) or a line, without length and delimiter
+    unsigned long long listBytes = kNone; // of a list of texts as it is stored, with its count and all lengths
+};
+
 // Where Seek(n, dir) moves the position.
 enum class eSeekDir : int {
     Begin = 0,   // to n
@@ -92,6 +101,13 @@ public:
     // bytes that were written found no room. Says nothing if all has arrived. Bytes that still wait in the buffer have
     // not been refused: ask after Flush, or after Close. Reading beyond the data is an error, but no failure.
     eFailure Failure() const;
+
+    // Limits what >> of a text or a list, GetString and GetLine read from now on. What exceeds a limit is an error
+    // ("Attempt to read beyond the limit!"), and nothing more of it is read: a text is empty, and the position after
+    // its length; a list ends with the last text that it admits, or without any if its count alone tells; a line ends,
+    // and the position is after as many characters as the limit admits. Copies of the stream have the same limits.
+    void SetLimits(const eStreamLimits& most) noexcept;
+    const eStreamLimits& Limits() const noexcept { return readLimits; }
 
     // --- Bytes. Position() before and after a call tells how many were read, written or (in the target) copied. ---
 
@@ -380,9 +396,11 @@ private:
     const struct eStreamMeans* means = nullptr; // what the class can do besides its hooks
     unsigned long long lastCapacity = 0;        // the capacity while bufferEnd is null
     bool hookRuns = false;                      // bufferEnd is then not null
+    unsigned int inlineTexts = 255;             // texts of at least this length take the slow path
     class eStreamOperation* underWay = nullptr; // the innermost operation that has begun and not ended
     std::unique_ptr<unsigned char[]> apart;     // the block that replaces bytes outside the buffer
     eLoss loss;                                 // the first one; without one, `what` is null
+    eStreamLimits readLimits;
 };
 
 } // namespace IO

@@ -21,6 +21,7 @@ using namespace StreamReport;
 namespace {
 
 constexpr unsigned long long kReleasedAtOnce = 2ULL << 20;
+constexpr unsigned long long kLongestInline = 254; // of texts that may be read without a call
 
 std::string Decimal(long long value) {
     const auto magnitude = static_cast<unsigned long long>(value);
@@ -45,6 +46,7 @@ eStream& eStream::operator=(const eStream& other) noexcept {
     flags = other.flags;
     means = other.means;
     loss = other.loss;
+    SetLimits(other.readLimits);
     SetCapacity(other.Capacity());
     return *this;
 }
@@ -65,6 +67,11 @@ eStream& eStream::operator=(eStream&& other) noexcept {
 
 eStream::~eStream() {
     buffer = nullptr;
+}
+
+void eStream::SetLimits(const eStreamLimits& most) noexcept {
+    readLimits = most;
+    inlineTexts = static_cast<unsigned int>(std::min(most.textBytes, kLongestInline) + 1);
 }
 
 // --- The buffer ---

@@ -7,6 +7,7 @@ namespace IO::StreamReport {
 inline constexpr char kSource[] = "internal/src/bios/qzl_io/stream";
 
 inline constexpr char kReadBeyond[] = "Attempt to read beyond the stream!";
+inline constexpr char kReadBeyondLimit[] = "Attempt to read beyond the limit!";
 inline constexpr char kWriteBeyond[] = "Attempt to write beyond the stream!";
 inline constexpr char kInvalidSeek[] = "Invalid seek location!";
 inline constexpr char kInvalidRead[] = "Invalid read location!";
@@ -24,5 +25,9 @@ inline constexpr int kValueReadLine = 60; // a value before the start or without
 inline constexpr int kValueWriteLine = 61;
 inline constexpr int kTruncLine = 62;   // ending the data before the start
 inline constexpr int kListEndLine = 70; // fewer texts than the count of the list
+inline constexpr int kTextLimitLine = 80;
+inline constexpr int kWideTextLimitLine = 81;
+inline constexpr int kListLimitLine = 82;
+inline constexpr int kLineLimitLine = 83;
 
 } // namespace IO::StreamReport

@@ -239,17 +239,26 @@ bool eStreamSteps::GetLength(unsigned int* length) {
 bool eStreamSteps::GetText(std::string* text) {
     unsigned int length = 0;
     const bool measured = GetLength(&length);
+    if (length <= stream.readLimits.textBytes)
+        return GetCharacters(text, length) && measured;
+    text->clear();
+    stream.Fail(kSource, kTextLimitLine, kReadBeyondLimit);
+    return false;
+}
+
+bool eStreamSteps::GetCharacters(std::string* text, unsigned int length) {
     if (length <= stream.DataInBuffer()) {
         eStreamInline::AssignText(text, stream.ptr, length);
         stream.ptr = eStream::Shifted(stream.ptr, length);
-        return measured;
+        return true;
     }
     text->assign(length, '\0');
-    return ReadAll(text->data(), length) && measured;
+    return ReadAll(text->data(), length);
 }
 
 bool eStreamSteps::AppendUpTo(eStream& stream, char delimiter, std::string* line) {
-    const unsigned long long run = std::min(stream.DataInBuffer(), std::max(stream.RoomInBuffer(), 1ull) - 1);
+    const unsigned long long shown = std::min(stream.DataInBuffer(), std::max(stream.RoomInBuffer(), 1ull) - 1);
+    const unsigned long long run = std::min(shown, stream.readLimits.textBytes - line->size());
     if (run == 0)
         return false;
     const auto* const from = reinterpret_cast<const char*>(stream.ptr);

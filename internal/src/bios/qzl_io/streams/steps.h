@@ -50,11 +50,12 @@ public:
     bool PutBits(unsigned long long bits, unsigned long long n);
 
     bool PutLength(unsigned long long length);
-    // False, after a report, if the data ended before the length or the text did.
+    // False, after a report, if the data ended before the length or the text did, or if a text exceeds the limit.
     bool GetLength(unsigned int* length);
     bool GetText(std::string* text);
+    bool GetCharacters(std::string* text, unsigned int length);
     // Takes the bytes up to the delimiter, or to the byte at the end of the buffer, which is left to Overflow. True if
-    // the delimiter was found.
+    // the delimiter was found. The line does not exceed the limit.
     static bool AppendUpTo(eStream& stream, char delimiter, std::string* line);
 
 private:

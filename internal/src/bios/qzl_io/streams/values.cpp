@@ -174,6 +174,10 @@ eStream& eStream::operator>>(std::wstring& text) {
     char16_t units[kLongestShown] = {};
     unsigned int length = 0;
     steps.GetLength(&length);
+    if (length * sizeof(char16_t) > readLimits.textBytes) {
+        length = 0;
+        Fail(kSource, kWideTextLimitLine, kReadBeyondLimit);
+    }
     steps.ReadAll(units, length * sizeof(char16_t));
     if constexpr (sizeof(wchar_t) == sizeof(char16_t))
         text.assign(units, units + length);
@@ -185,8 +189,18 @@ eStream& eStream::operator>>(std::wstring& text) {
 
 eStream& eStream::operator>>(eStrings& texts) {
     eStreamSteps steps(*this);
-    const unsigned long long count = steps.TakeBits(sizeof count);
-    const unsigned long long possible = std::min(DataInBuffer(), kReservedTexts); // a text takes at least one byte
+    const unsigned long long begin = Position();
+    const auto admits = [this, begin](unsigned long long more) {
+        const unsigned long long taken = Position() - begin;
+        const unsigned long long most = readLimits.listBytes;
+        return most == eStreamLimits::kNone || (taken <= most && more <= most - taken);
+    };
+    unsigned long long count = steps.TakeBits(sizeof count);
+    if (!admits(count)) { // a text takes at least one byte
+        Fail(kSource, kListLimitLine, kReadBeyondLimit);
+        count = 0;
+    }
+    const unsigned long long possible = std::min(DataInBuffer(), kReservedTexts);
     if (texts.empty())
         texts.Reserve(static_cast<std::size_t>(std::min(count, possible)));
     bool complete = true;
@@ -195,8 +209,14 @@ eStream& eStream::operator>>(eStrings& texts) {
             Fail(kSource, kListEndLine, kReadBeyond);
             break;
         }
+        unsigned int length = 0;
+        complete = steps.GetLength(&length);
+        if (length > readLimits.textBytes || !admits(length)) {
+            Fail(kSource, kListLimitLine, kReadBeyondLimit);
+            break;
+        }
         std::string text;
-        complete = steps.GetText(&text) && !steps.Threw();
+        complete = steps.GetCharacters(&text, length) && complete && !steps.Threw();
         texts.Add(std::move(text));
     }
     steps.End();
@@ -213,6 +233,11 @@ std::string eStream::GetLine(char delimiter) {
         const char next = readable ? static_cast<char>(steps.TakeBits(1)) : delimiter;
         if (next == delimiter)
             break;
+        if (line.size() == readLimits.textBytes) {
+            MoveTo(Shifted(ptr, 0 - 1ULL));
+            Fail(kSource, kLineLimitLine, kReadBeyondLimit);
+            break;
+        }
         line.push_back(next);
         if (Eos() || eStreamSteps::AppendUpTo(*this, delimiter, &line))
             break;
