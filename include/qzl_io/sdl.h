@@ -4,6 +4,7 @@
 
 #include <qzl_io/sdl/cipher.h>
 #include <qzl_io/sdl/keyword.h>
+#include <qzl_io/sdl/limits.h>
 #include <qzl_io/sdl/parser.h>
 #include <qzl_io/sdl/reader.h>
 #include <qzl_io/sdl/token.h>

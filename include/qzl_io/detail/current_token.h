@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,8 @@ namespace xSDL {
 // Lend lends the token for the parser's life: a caller may keep a reference to it, which shows every token that
 // follows, and may change it. From then on a token that becomes Source is Copied at once.
 //
+// Limit also lends the token. So only tokens that are lent can be too long, and the others do not ask.
+//
 // Invariants: a lent token is not Source. The token before is not Copied. If the position of the token before is null,
 // there is none. Texts in the source are followed there by kTextEnd characters that may be read.
 class eCurrentToken {
@@ -38,8 +41,8 @@ public:
     void Start(const char* position);
 
     // Accepts a token of the type with its text in the source; reading continues at `line` and `next`. The values
-    // remain those of the token before.
-    void Accept(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
+    // remain those of the token before. False if the text exceeds the limit; then nothing has changed.
+    bool Accept(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
     // Accepts the end of the source, which is no token. The text also remains that of the token before.
     void AcceptEnd(int line, const char* next);
     // Continues reading elsewhere.
@@ -58,6 +61,9 @@ public:
     std::string& OwnString();
 
     void Lend();
+    // From now on texts of more bytes are not accepted.
+    void Limit(std::size_t bytes);
+    bool Admits(std::size_t bytes) const { return bytes <= longest; }
     bool IsLent() const { return lent; }
     // The current token. Only for a lent token.
     eSDLParserToken& Token() { return now.token; }
@@ -95,6 +101,7 @@ private:
     eText text;
     eText textBefore;
     bool lent = false;
+    std::size_t longest = std::string::npos; // of the texts that are accepted
 };
 
 } // namespace xSDL

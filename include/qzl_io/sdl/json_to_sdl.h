@@ -25,3 +25,16 @@
 //
 // Conversions may run in several threads at once; they parse one at a time.
 QZL_IO_API bool JsonToSdl(const eFileName& input, const eFileName& output);
+
+// What is accepted of a JSON document that a stranger wrote. Nothing is limited unless it is set; but the parser
+// refuses a depth of more than 127 in any case.
+struct eJsonLimits {
+    static constexpr unsigned long long kNone = ~0ULL;
+
+    unsigned long long bytes = kNone; // of the file
+    unsigned long long depth = kNone; // of objects and arrays within each other: 2 for [[1]]
+};
+
+// JsonToSdl of a document within limits. One that exceeds a limit fails before it is read ("Json size limit exceeded!")
+// or parsed ("Json depth limit exceeded!").
+QZL_IO_API bool JsonToSdlWithin(const eJsonLimits& limits, const eFileName& input, const eFileName& output);

@@ -13,6 +13,7 @@
 #include <qzl_io/export.h>
 #include <qzl_io/sdl/cipher.h>
 #include <qzl_io/sdl/keyword.h>
+#include <qzl_io/sdl/limits.h>
 #include <qzl_io/sdl/token.h>
 
 namespace IO {
@@ -29,7 +30,8 @@ struct eDefine {
 
 // Cuts one SDL source into tokens. The whole text is kept in memory and ends at its first zero byte. A parser knows
 // characters and keyword tables, but no nesting; it does not report bad input but returns sdlError, which the reader
-// judges. During its lifetime it shows its place in error reports (xDebug::eStackEntry).
+// judges, also for a token whose text exceeds the limit. During its lifetime it shows its place in error reports
+// (xDebug::eStackEntry).
 //
 // Tokens are separated by blanks (space, tab, carriage return, line feed and the equals sign) and comments, from ; to
 // the end of the line.
@@ -43,9 +45,17 @@ public:
     // must outlive the parser; its last element, which may be null, is the current table.
     eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher);
+    // Reports "Source limit exceeded!", before anything is read if the stream holds more than the limit, and throws if
+    // the report returns. The depth of includes is up to the reader.
+    eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
+               const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher,
+               const eSDLLimits& limits);
     // A parser of a copy of the define's text, unchanged, named "define 'NAME'".
     eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters);
+    // Likewise reports "Source limit exceeded!".
+    eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& keywords,
+               const std::map<eStringKey, eStringKey>& parameters, const eSDLLimits& limits);
     // A parser at the same place in its own copy of the text.
     eSDLParser(const eSDLParser& other);
     eSDLParser& operator=(const eSDLParser&) = delete;
@@ -60,7 +70,7 @@ public:
     std::string DSE_Full() const override;
 
     // Cuts the next token. At the end of the text, returns false, and the token's type is sdlNone. A character that
-    // begins no token stays unread, so the same sdlError comes again.
+    // begins no token stays unread, so the same sdlError comes again; likewise a token that exceeds the limit.
     bool Get();
 
     // Returns to the state before the last Get. A second call does nothing until the next Get.
@@ -79,7 +89,8 @@ public:
 
     // Reads (...) at the read position, directly from the text, and returns the text between the parentheses: it is not
     // trimmed, and nesting, escapes and line feeds in it do not count. Reports "'(' required" if the next character is
-    // another one and "')' required" if the rest of the text has no ), and throws if the report returns.
+    // another one, "')' required" if the rest of the text has no ), and "Token limit exceeded!" if the text exceeds the
+    // limit of tokens, and throws if the report returns.
     std::string GetParameter();
 
     // At most five lines of text, beginning with the one that contains the read position, each with its number and
@@ -98,7 +109,8 @@ protected:
     void AnalyseToken();
 
     // Replaces each %key in the text by its value, in the order of the keys, and restarts at the beginning of the text.
-    // Without pairs, does nothing.
+    // Without pairs, does nothing. Reports "Source limit exceeded!" before the text would exceed the limit, and throws
+    // if the report returns.
     void ProcessParams(const std::map<eStringKey, eStringKey>& parameters);
 
 private:
@@ -110,8 +122,12 @@ private:
     using eBeforeReport = std::function<void()>;
 
     eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
-               const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher,
+               const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher, const eSDLLimits& limits,
                const eBeforeReport& beforeReport);
+
+    void LimitTokens(unsigned long long bytes);
+    void RequireSourceOf(unsigned long long size, const eBeforeReport& beforeReport);
+    void ReplaceParameters(const std::map<eStringKey, eStringKey>& parameters, const eBeforeReport& beforeReport);
 
     void ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport);
     void DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher, const eBeforeReport& beforeReport);
@@ -120,7 +136,7 @@ private:
     void Rewind();
 
     bool Cut();
-    bool CutAny(int line, const char* begin);
+    bool CutAny(int beginLine, const char* begin);
     const eSDLKeyword* Keywords() const { return keywords->empty() ? nullptr : keywords->back(); }
     std::string TakeParameter(const eBeforeReport& beforeReport);
     void Lend() const;
@@ -135,5 +151,7 @@ private:
     std::string name;
     std::size_t passed = 0; // size of the byte-order mark before the text
     std::string failure;    // what went wrong with the file of the source, as one sentence
-    bool escaped = false;   // the token just cut is a string that contains a backslash
+    unsigned long long sourceLimit = eSDLLimits::kNone;
+    bool escaped = false; // the token just cut is a string that contains a backslash
+    bool tooLong = false; // if the token just cut is sdlError: it is one that exceeds the limit
 };

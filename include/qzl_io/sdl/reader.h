@@ -12,6 +12,7 @@
 #include <qzl_io/file_name.h>
 #include <qzl_io/sdl/cipher.h>
 #include <qzl_io/sdl/keyword.h>
+#include <qzl_io/sdl/limits.h>
 #include <qzl_io/sdl/parser.h>
 
 // Reads an SDL source value by value: the application's calls are the grammar.
@@ -58,6 +59,20 @@ public:
     // A reader of the stream's content from its position on. The stream remains the caller's and may be destroyed at
     // once.
     eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> cipher);
+
+    // Likewise, with limits for these and all included sources. What exceeds one is reported, and nothing more is read:
+    // a source ("Source limit exceeded!", before it is loaded; if its parameters make it larger, before they do), a
+    // token ("Token limit exceeded!"; the tokens of a block that is skipped do not count), or a source pushed on too
+    // many others ("Include limit exceeded!", before its file is opened).
+    eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> cipher,
+               const eSDLLimits& limits);
+    eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> cipher,
+               const eSDLLimits& limits);
+    eSDLReader(const eFileName& file, eSDLKeyword* keywords, std::shared_ptr<eSDLCipher> cipher,
+               const eSDLLimits& limits);
+    eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> cipher, const eSDLLimits& limits);
+    eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> cipher, const eSDLLimits& limits);
+    eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> cipher, const eSDLLimits& limits);
 
     eSDLReader(const eSDLReader& other);
     eSDLReader& operator=(const eSDLReader& other);
@@ -151,10 +166,12 @@ protected:
     // blocks. False at the end of the last source.
     bool Get();
 
-    // Opens the file for a parser that the caller owns and passes to PushParser.
+    // Opens the file for a parser that the caller owns and passes to PushParser. Reports "Source limit exceeded!", and
+    // "Include limit exceeded!" if there is no room for another source.
     eSDLParser* NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters);
     eSDLParser* NewParser(const eFileNameW& file);
-    // Takes ownership of the parser and makes it the current source; leaves the current source, if there is one.
+    // Takes ownership of the parser and makes it the current source, with the reader's limit of tokens; leaves the
+    // current source, if there is one. Reports "Include limit exceeded!"; then the parser has been destroyed.
     void PushParser(eSDLParser* parser);
     void PopParser();
     // The current source, which exists while the reader is in use.
@@ -186,6 +203,9 @@ private:
     void CheckSignature(const char* signature, int notSDLLine);
     const std::string& ReadSignature(int notSDLLine);
     eSDLParserLexType Next();
+    bool Cut();
+    void RequireWithinLimit(const eSDLParser& parser);
+    void RequireRoomForSource();
     char SeePlainToken();
     eSDLParserLexType NextWord();
     bool EnterBlock();
@@ -217,6 +237,7 @@ private:
     std::string blockMark;
     std::string previousBlockMark;
     std::shared_ptr<eSDLCipher> cipher;
+    eSDLLimits sourceLimits;
     std::vector<std::shared_ptr<eUnopened>> unopened; // left since the last report
     xSDL::eUnwinding unwinding;
 };

@@ -19,6 +19,7 @@
 #include <qzl_io/streams.h>
 
 #include "json/sink.h"
+#include "json/text.h"
 #include "json/text_pieces.h"
 
 namespace {
@@ -113,14 +114,18 @@ private:
 
 constexpr char kOpenError[] = "%1% - open error!";
 
-std::string ReadFile(eFileAtWork* file) {
+std::string ReadFile(eFileAtWork* file, const eJsonLimits& limits) {
     IO::eFileStream stream(file->Name(), IO::StreamMode::Read);
     if (!stream.IsOpen())
         file->Fail(kOpenError, stream.Failure().text);
+    if (stream.Size() > limits.bytes)
+        throw std::length_error("Json size limit exceeded!");
     std::string text(stream.Remaining(), '\0');
     stream.Read(text.data(), text.size());
     if (stream.Enabled(IO::StreamMode::Bad))
         file->Fail("%1% - read error!", stream.Failure().text);
+    if (json_text::IsDeeper(text, limits.depth))
+        throw std::length_error("Json depth limit exceeded!");
     return text;
 }
 
@@ -321,12 +326,16 @@ bool Succeeds(const eFileAtWork& file, const eWork& work) {
 } // namespace
 
 bool JsonToSdl(const eFileName& input, const eFileName& output) {
+    return JsonToSdlWithin(eJsonLimits(), input, output);
+}
+
+bool JsonToSdlWithin(const eJsonLimits& limits, const eFileName& input, const eFileName& output) {
     eFileAtWork reading(input, ConversionReport::kReadingLine);
     std::unique_ptr<eConvertedText> text;
     const auto convert = [&] {
         text = std::make_unique<eConvertedText>();
         eSdlFromJson sink(text.get(), &reading);
-        FeedJson(ReadFile(&reading), &sink);
+        FeedJson(ReadFile(&reading, limits), &sink);
     };
     if (!Succeeds(reading, convert))
         return false;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
@@ -21,8 +22,10 @@ namespace {
 namespace ParserReport {
 constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_parser";
 constexpr int kReadErrorLine = 120;
+constexpr int kSourceLimitLine = 130;
 constexpr int kOpenRequiredLine = 301;
 constexpr int kCloseRequiredLine = 306;
+constexpr int kParameterLimitLine = 311;
 } // namespace ParserReport
 
 // The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
@@ -34,12 +37,19 @@ constexpr char kContextMark = '\xAB';
 // Characters of a line that a report shows on either side of the place, as a whole text may be one line.
 constexpr std::size_t kShown = 100;
 
-std::string Replaced(const std::string& text, const std::string& pattern, const std::string& value) {
-    std::string result;
+std::size_t CountOf(std::string_view pattern, std::string_view source) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = source.find(pattern, at)) != source.npos; at += pattern.size())
+        ++count;
+    return count;
+}
+
+// Appends the source with the value in each pattern's place.
+void AppendReplaced(std::string_view source, std::string_view pattern, std::string_view value, std::string* text) {
     std::size_t from = 0;
-    for (std::size_t at; (at = text.find(pattern, from)) != std::string::npos; from = at + pattern.size())
-        result.append(text, from, at - from).append(value);
-    return result.append(text, from);
+    for (std::size_t at; (at = source.find(pattern, from)) != source.npos; from = at + pattern.size())
+        text->append(source, from, at - from).append(value);
+    text->append(source, from);
 }
 
 // Why the stream did not give its bytes; that of an application may not tell.
@@ -96,23 +106,45 @@ eSDLCipher::~eSDLCipher() = default;
 
 eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
                        const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher)
-    : eSDLParser(parserName, stream, tables, parameters, cipher.get(), nullptr) {}
+    : eSDLParser(parserName, stream, tables, parameters, cipher.get(), eSDLLimits(), nullptr) {}
 
 eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
-                       const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher,
+                       const std::map<eStringKey, eStringKey>& parameters, std::shared_ptr<eSDLCipher> cipher,
+                       const eSDLLimits& limits)
+    : eSDLParser(parserName, stream, tables, parameters, cipher.get(), limits, nullptr) {}
+
+eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const std::vector<eSDLKeyword*>& tables,
+                       const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher, const eSDLLimits& limits,
                        const eBeforeReport& beforeReport)
-    : eStackEntry(eNumber::Many), isFile(!parserName.empty()), keywords(&tables), name(parserName) {
+    : eStackEntry(eNumber::Many),
+      isFile(!parserName.empty()),
+      keywords(&tables),
+      name(parserName),
+      sourceLimit(limits.sourceBytes) {
     // The source is empty instead of an error: the reader reports if it misses something, and the reason is shown then.
     if (!stream.IsOpen())
         failure = ReasonOf(stream, "The file could not be opened.");
-    if (const std::size_t size = static_cast<std::size_t>(stream.Remaining()); cipher)
+    const auto size = static_cast<std::size_t>(stream.Remaining());
+    RequireSourceOf(size, beforeReport);
+    if (cipher)
         DecodeText(stream, size, *cipher, beforeReport);
     else
         ReadText(stream, size, beforeReport);
     if (text.starts_with(unicode::kByteOrderMark))
         passed = unicode::kByteOrderMark.size();
     Rewind();
-    ProcessParams(parameters);
+    ReplaceParameters(parameters, beforeReport);
+    LimitTokens(limits.tokenBytes);
+}
+
+void eSDLParser::RequireSourceOf(unsigned long long size, const eBeforeReport& beforeReport) {
+    if (size > sourceLimit)
+        Fail(ParserReport::kSourceLimitLine, "Source limit exceeded!", beforeReport);
+}
+
+void eSDLParser::LimitTokens(unsigned long long bytes) {
+    if (bytes != eSDLLimits::kNone)
+        current.Limit(static_cast<std::size_t>(bytes));
 }
 
 void eSDLParser::CheckRead(const IO::eStream& stream, const eBeforeReport& beforeReport) {
@@ -124,13 +156,20 @@ void eSDLParser::CheckRead(const IO::eStream& stream, const eBeforeReport& befor
 
 eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
                        const std::map<eStringKey, eStringKey>& parameters)
+    : eSDLParser(define, tables, parameters, eSDLLimits()) {}
+
+eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
+                       const std::map<eStringKey, eStringKey>& parameters, const eSDLLimits& limits)
     : eStackEntry(eNumber::Many),
-      text(define.text),
       keywords(&tables),
-      name((format("define '%1%'") % define.name).str()) {
+      name((format("define '%1%'") % define.name).str()),
+      sourceLimit(limits.sourceBytes) {
+    RequireSourceOf(define.text.size(), nullptr);
+    text = define.text;
     EndText();
     Rewind();
     ProcessParams(parameters);
+    LimitTokens(limits.tokenBytes);
 }
 
 // Every place is a pointer into the text, and the copy's text has another address.
@@ -143,7 +182,9 @@ eSDLParser::eSDLParser(const eSDLParser& other)
       name(other.name),
       passed(other.passed),
       failure(other.failure),
-      escaped(other.escaped) {
+      sourceLimit(other.sourceLimit),
+      escaped(other.escaped),
+      tooLong(other.tooLong) {
     current.MoveSource(other.text.data(), text.data());
 }
 
@@ -184,15 +225,31 @@ void eSDLParser::EndText() {
     text.append(xSDL::kTextEnd, '\0');
 }
 
-// The zeros at the end would otherwise be in the middle of the text. All places in the old text become invalid.
 void eSDLParser::ProcessParams(const std::map<eStringKey, eStringKey>& parameters) {
+    ReplaceParameters(parameters, nullptr);
+}
+
+// All places in the old text become invalid. The new one takes exactly the memory that it needs.
+void eSDLParser::ReplaceParameters(const std::map<eStringKey, eStringKey>& parameters,
+                                   const eBeforeReport& beforeReport) {
     if (parameters.empty())
         return;
-    text.resize(text.size() - xSDL::kTextEnd);
-    for (const auto& [key, value] : parameters)
-        text = Replaced(text, "%" + key.str(), value.str());
-    EndText();
     Rewind();
+    for (const auto& [key, value] : parameters) {
+        const std::string pattern = "%" + key.str();
+        const std::string_view source(text.data(), text.size() - xSDL::kTextEnd);
+        const std::size_t count = CountOf(pattern, source);
+        if (count == 0)
+            continue;
+        const std::size_t size = source.size() - count * pattern.size() + count * value.size();
+        RequireSourceOf(size, beforeReport);
+        std::string replaced;
+        replaced.reserve(size + xSDL::kTextEnd);
+        AppendReplaced(source, pattern, value.str(), &replaced);
+        text = std::move(replaced);
+        EndText();
+        Rewind();
+    }
 }
 
 void eSDLParser::Rewind() {
@@ -234,16 +291,19 @@ bool eSDLParser::Cut() {
     return taken || CutAny(begin.line, begin.at);
 }
 
-// Takes any token but a word, which Cut has taken. A string may contain line feeds after backslashes, so the line is
-// known only after the cut.
-bool eSDLParser::CutAny(int line, const char* begin) {
+// Takes any token but a word, which Cut has taken unless it exceeds the limit. A string may contain line feeds after
+// backslashes, so the line is known only after the cut.
+bool eSDLParser::CutAny(int beginLine, const char* begin) {
+    int line = beginLine;
     xSDL::eLexeme lexeme{.begin = begin};
     const char* const next = xSDL::CutAt(begin, &line, &lexeme);
     if (lexeme.type == sdlNone) {
         current.AcceptEnd(line, next);
         return false;
     }
-    current.Accept(lexeme.type, TextOf(lexeme), line, next);
+    tooLong = !current.Accept(lexeme.type, TextOf(lexeme), line, next);
+    if (tooLong)
+        return current.Accept(sdlError, {begin, 0}, beginLine, begin);
     escaped = lexeme.escaped;
     Analyse(&current, lexeme);
     return true;
@@ -304,6 +364,8 @@ std::string eSDLParser::TakeParameter(const eBeforeReport& beforeReport) {
     const char* const end = std::strchr(begin, ')');
     if (!end)
         Fail(ParserReport::kCloseRequiredLine, "')' required", beforeReport);
+    if (!current.Admits(static_cast<std::size_t>(end - begin)))
+        Fail(ParserReport::kParameterLimitLine, xSDL::kTokenLimit, beforeReport);
     current.JumpTo(end + 1, current.Line());
     return std::string(begin, end);
 }

@@ -45,6 +45,8 @@ constexpr int kBlockEndLine = 553;
 constexpr int kControlBlockEndLine = 561;
 constexpr int kBlockStartLine = 569;
 constexpr int kControlBlockStartLine = 577;
+constexpr int kTokenLimitLine = 600;
+constexpr int kIncludeLimitLine = 610;
 
 } // namespace ReaderReport
 
@@ -117,44 +119,65 @@ private:
 };
 
 eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
-    : cipher(std::move(sourceCipher)) {
+    : eSDLReader(file, signature, std::move(sourceCipher), eSDLLimits()) {}
+
+eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
+    : eSDLReader(file, signature, std::move(sourceCipher), eSDLLimits()) {}
+
+eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher)
+    : eSDLReader(file, table, std::move(sourceCipher), eSDLLimits()) {}
+
+eSDLReader::eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> sourceCipher)
+    : eSDLReader(file, std::move(sourceCipher), eSDLLimits()) {}
+
+eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourceCipher)
+    : eSDLReader(file, std::move(sourceCipher), eSDLLimits()) {}
+
+eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher)
+    : eSDLReader(stream, std::move(sourceCipher), eSDLLimits()) {}
+
+eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher,
+                       const eSDLLimits& most)
+    : cipher(std::move(sourceCipher)), sourceLimits(most) {
     Init();
     PushParser(NewParser(file, {}));
     signatureBlock = true;
     CheckSignature(signature, ReaderReport::kFileNotSDLLine);
 }
 
-eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
-    : cipher(std::move(sourceCipher)) {
+eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher,
+                       const eSDLLimits& most)
+    : cipher(std::move(sourceCipher)), sourceLimits(most) {
     Init();
     PushParser(NewParser(file));
     signatureBlock = true;
     CheckSignature(signature, ReaderReport::kWideFileNotSDLLine);
 }
 
-eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher)
-    : cipher(std::move(sourceCipher)) {
+eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher,
+                       const eSDLLimits& most)
+    : cipher(std::move(sourceCipher)), sourceLimits(most) {
     Init();
     PushParser(NewParser(file, {}));
     PushKeywords(table);
 }
 
-eSDLReader::eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> sourceCipher)
-    : cipher(std::move(sourceCipher)) {
+eSDLReader::eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> sourceCipher, const eSDLLimits& most)
+    : cipher(std::move(sourceCipher)), sourceLimits(most) {
     Init();
     PushParser(NewParser(file, {}));
 }
 
-eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourceCipher)
-    : cipher(std::move(sourceCipher)) {
+eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourceCipher, const eSDLLimits& most)
+    : cipher(std::move(sourceCipher)), sourceLimits(most) {
     Init();
     PushParser(NewParser(file));
 }
 
-eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher)
-    : cipher(std::move(sourceCipher)) {
+eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher, const eSDLLimits& most)
+    : cipher(std::move(sourceCipher)), sourceLimits(most) {
     Init();
-    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher.get(), EnteringSources()));
+    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher.get(), sourceLimits, EnteringSources()));
 }
 
 eSDLReader::eSDLReader(const eSDLReader& other) = default;
@@ -411,7 +434,7 @@ bool eSDLReader::SkipInSource(long long* depth) {
     }
     parser.current.JumpTo(skimmed.anchor, xSDL::LinesOn(parser.Line(), xSDL::LinesBefore(skimmed.anchor, skimmed)));
     if (skimmed.end == xSDL::eSkimEnd::EndOfText && parsers.size() > 1) {
-        while (parser.Cut())
+        while (Cut())
             if (parser.escaped)
                 ConvertEscSequence(&parser.current.OwnString(), false);
         return false;
@@ -483,6 +506,8 @@ eSDLParserLexType eSDLReader::Next() {
                 return type;
             break;
         case sdlError:
+            RequireWithinLimit(parser);
+            return type;
         case sdlIdent:
         case sdlKeyword:
         case sdlBlockEnd:
@@ -495,6 +520,19 @@ eSDLParserLexType eSDLReader::Next() {
             return type;
         }
     }
+}
+
+// Cuts a token of the current source, whatever it is.
+bool eSDLReader::Cut() {
+    eSDLParser& parser = Parser();
+    const bool cut = parser.Cut();
+    RequireWithinLimit(parser);
+    return cut;
+}
+
+void eSDLReader::RequireWithinLimit(const eSDLParser& parser) {
+    if (parser.tooLong && parser.current.Type() == sdlError)
+        Fail(ReaderReport::kTokenLimitLine, xSDL::kTokenLimit);
 }
 
 // Like Next, where a word is expected.
@@ -527,18 +565,28 @@ void eSDLReader::RequireBlockEnd() {
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
+    RequireRoomForSource();
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher.get(), EnteringSources());
+    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher.get(), sourceLimits, EnteringSources());
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
+    RequireRoomForSource();
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher.get(), EnteringSources());
+    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher.get(), sourceLimits, EnteringSources());
 }
 
 void eSDLReader::PushParser(eSDLParser* parser) {
     std::shared_ptr<eSDLParser> owned(parser); // before the list grows, which may fail
+    RequireRoomForSource();
+    owned->LimitTokens(sourceLimits.tokenBytes);
     parsers.push_back(std::move(owned));
+}
+
+// The first source is not an included one.
+void eSDLReader::RequireRoomForSource() {
+    if (parsers.size() > sourceLimits.includeDepth)
+        Fail(ReaderReport::kIncludeLimitLine, "Include limit exceeded!");
 }
 
 void eSDLReader::PopParser() {
@@ -565,8 +613,8 @@ eSDLParser& eSDLReader::Parser() const {
 }
 
 void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
-    eSDLParser& parser = Parser();
-    parser.Get();
+    Cut();
+    const eSDLParser& parser = *parsers.back();
     if (const eSDLParserLexType type = parser.current.Type();
         (type == sdlIdent || type == sdlKeyword) && parser.current.Text() == "args")
         TakePositional(parameters);
@@ -579,7 +627,7 @@ void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
 // Read directly from the parser: in an argument list control blocks and escapes are plain text.
 void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
-    for (int index = 0; parser.Get(); ++index) {
+    for (int index = 0; Cut(); ++index) {
         const eSDLParserLexType type = parser.current.Type();
         if (type == sdlClose || type == sdlError)
             return;
@@ -594,17 +642,17 @@ void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
     while (parser.current.Type() == sdlIdent || parser.current.Type() == sdlKeyword) {
         const eStringKey key = std::string(parser.current.Text());
         (*parameters)[key] = parser.TakeParameter(EnteringSources());
-        parser.Get();
+        Cut();
     }
 }
 
 void eSDLReader::GetOperand(eSDLParserToken* token) {
-    Parser().Get();
+    Cut();
     TakeOperand(token);
 }
 
 bool eSDLReader::GetOperandOrEnd(eSDLParserToken* token) {
-    Parser().Get();
+    Cut();
     if (parsers.back()->current.Type() == sdlClose)
         return false;
     TakeOperand(token);
@@ -625,7 +673,7 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
 bool eSDLReader::ProcessControlBlock() {
     eSDLParser& parser = Parser();
     stateBeforeControlBlock.Get() = parser.current.Before();
-    parser.Get();
+    Cut();
     const eSDLParserLexType type = parser.current.Type();
     if (type == sdlOperator) {
         Calculate();

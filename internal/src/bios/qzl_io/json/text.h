@@ -80,4 +80,29 @@ constexpr bool HasLoneSurrogate(std::string_view text) {
     return false;
 }
 
+// Passes a string from after its opening quote, up to after its closing quote or the end of the text.
+constexpr std::size_t StringEnd(std::string_view text, std::size_t at) {
+    for (; at < text.size() && text[at] != '"'; ++at)
+        if (text[at] == '\\')
+            ++at;
+    return at + 1;
+}
+
+// True if somewhere more objects and arrays than `most` are open at once.
+constexpr bool IsDeeper(std::string_view text, unsigned long long most) {
+    if (most >= text.size())
+        return false;
+    unsigned long long depth = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char character = text[at];
+        if (character == '"')
+            at = StringEnd(text, at + 1) - 1;
+        else if ((character == '[' || character == '{') && ++depth > most)
+            return true;
+        else if ((character == ']' || character == '}') && depth > 0)
+            --depth;
+    }
+    return false;
+}
+
 } // namespace json_text

@@ -17,6 +17,9 @@ namespace xSDL {
 // The usual libraries keep this many characters in a std::string without allocating memory.
 inline constexpr std::size_t kShortText = 15;
 
+// Reported of a token that is not accepted.
+inline constexpr char kTokenLimit[] = "Token limit exceeded!";
+
 inline void eCurrentToken::Start(const char* position) {
     now = {};
     now.position = position;
@@ -25,8 +28,10 @@ inline void eCurrentToken::Start(const char* position) {
     textBefore = {};
 }
 
-[[gnu::always_inline]] inline void eCurrentToken::Accept(eSDLParserLexType type, std::string_view textInSource,
+[[gnu::always_inline]] inline bool eCurrentToken::Accept(eSDLParserLexType type, std::string_view textInSource,
                                                          int line, const char* next) {
+    if (lent && textInSource.size() > longest)
+        return false;
     Remember();
     now.token.type = type;
     now.line = line;
@@ -34,6 +39,7 @@ inline void eCurrentToken::Start(const char* position) {
     text = {textInSource, ePlace::Source};
     if (lent)
         Fill();
+    return true;
 }
 
 // The string may now be that of the token before, and is then needed twice.
@@ -125,6 +131,11 @@ inline std::string& eCurrentToken::OwnString() {
 inline void eCurrentToken::Lend() {
     String();
     lent = true;
+}
+
+inline void eCurrentToken::Limit(std::size_t bytes) {
+    longest = bytes;
+    Lend();
 }
 
 // Most texts are short. Assigning one to a string is a call, however short it is, while constructing a string of a

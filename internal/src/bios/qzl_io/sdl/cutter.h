@@ -10,8 +10,8 @@
 #include "sdl/plain.h"
 
 // Makes a parser's next token the current one. A reader's call often determines the kind of the token, so there is a
-// function for each kind. It takes a token of that kind in its most frequent form, or returns false and leaves
-// everything unchanged, for eSDLParser::Cut to take any token. Inline in the parser and the reader.
+// function for each kind. It takes a token of that kind in its most frequent form and within the limit, or returns
+// false and leaves everything unchanged, for eSDLParser::Cut to take any token. Inline in the parser and the reader.
 class eSDLParser::eCutter {
 public:
     // A cutter of the next token. The parser's place does not change.
@@ -37,7 +37,8 @@ public:
         float value;
         if (!decimal::ToFloat(number.digits, number.exponent, IsNegative(), &value))
             return false;
-        Accept(sdlFloat, begin.at, end, end);
+        if (!Accept(sdlFloat, begin.at, end, end))
+            return false;
         parser.current.SetFloat(value);
         return true;
     }
@@ -53,7 +54,8 @@ public:
         if (!end)
             return false;
         const int id = table ? eSDLKeyword::FindIn(table, begin.at, static_cast<std::size_t>(end - begin.at)) : 0;
-        Accept(id != 0 ? sdlKeyword : sdlIdent, begin.at, end, end);
+        if (!Accept(id != 0 ? sdlKeyword : sdlIdent, begin.at, end, end))
+            return false;
         if (id != 0)
             parser.current.SetId(id);
         return true;
@@ -83,12 +85,13 @@ private:
 
     [[gnu::always_inline]] bool Accept(eSDLParserLexType type, const char* textBegin, const char* textEnd,
                                        const char* next) {
-        parser.current.Accept(type, {textBegin, static_cast<std::size_t>(textEnd - textBegin)}, begin.line, next);
-        return true;
+        return parser.current.Accept(type, {textBegin, static_cast<std::size_t>(textEnd - textBegin)}, begin.line,
+                                     next);
     }
 
     [[gnu::always_inline]] bool AcceptInt(unsigned long long digits, const char* end) {
-        Accept(sdlInt, begin.at, end, end);
+        if (!Accept(sdlInt, begin.at, end, end))
+            return false;
         parser.current.SetInt(xSDL::NearestInt(digits, IsNegative()));
         return true;
     }
