@@ -190,15 +190,29 @@ TEST(CurrentToken, TheOneBeforeIsTakenAndGivenWithItsText) {
     for (const ePlace place : {ePlace::Source, ePlace::Copied, ePlace::Own}) {
         eCurrentToken token = TokenIn(place);
         accept.happen(token);
-        const eSDLParserState before = token.Before();
-        EXPECT_EQ(before.token.text, place == ePlace::Own ? "own" : "abc");
+        const eCurrentToken::eBefore before = token.Before();
+        EXPECT_EQ(before.place, place == ePlace::Own ? ePlace::Own : ePlace::Source);
+        EXPECT_EQ(before.state.token.text, place == ePlace::Own ? "own" : "");
         acceptEnd.happen(token);
         token.SetBefore(before);
         token.Back();
-        EXPECT_EQ(token.Text(), before.token.text);
-        EXPECT_EQ(token.Place(), ePlace::Own);
-        EXPECT_EQ(token.Position(), before.position);
+        EXPECT_EQ(token.Text(), place == ePlace::Own ? "own" : "abc");
+        EXPECT_EQ(token.Place(), before.place);
+        EXPECT_EQ(token.Position(), before.state.position);
     }
+}
+
+TEST(CurrentToken, TheOneBeforeCanBeReplacedByAStateWithItsOwnText) {
+    eCurrentToken token = TokenIn(ePlace::Source);
+    accept.happen(token);
+    eSDLParserState state;
+    state.token.text = "other";
+    state.position = source.Begin();
+    token.SetBefore(state);
+    token.Back();
+    EXPECT_EQ(token.Text(), "other");
+    EXPECT_EQ(token.Place(), ePlace::Own);
+    EXPECT_EQ(token.Position(), source.Begin());
 }
 
 TEST(CurrentToken, ACopyOfItGoesOnInACopyOfTheSource) {

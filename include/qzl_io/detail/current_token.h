@@ -41,7 +41,8 @@ public:
     void Start(const char* position);
 
     // Accepts a token of the type with its text in the source; reading continues at `line` and `next`. The values
-    // remain those of the token before. False if the text exceeds the limit; then nothing has changed.
+    // remain those of the token before. False if the text exceeds the limit; the current token is then
+    // as it was, with none before it.
     bool Accept(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
     // Accepts the end of the source, which is no token. The text also remains that of the token before.
     void AcceptEnd(int line, const char* next);
@@ -52,8 +53,15 @@ public:
     void Back();
     void ForgetBefore();
     void SetBefore(const eSDLParserState& state);
-    // The state before the current token, with its text in its string.
-    eSDLParserState Before() const;
+    // The state before the current token, which can be set again while the source is the same. Its string has its text
+    // only if the place is Own.
+    struct eBefore {
+        eSDLParserState state;
+        std::string_view textInSource;
+        ePlace place = ePlace::Source;
+    };
+    eBefore Before() const;
+    void SetBefore(eBefore saved);
 
     // The text, wherever it is; as the token's string; as the token's string, about to be changed.
     std::string_view Text() const;
@@ -61,7 +69,7 @@ public:
     std::string& OwnString();
 
     void Lend();
-    // From now on texts of more bytes are not accepted.
+    // From now on texts of more bytes are not accepted. Forgets the token before, which may have such a text.
     void Limit(std::size_t bytes);
     bool Admits(std::size_t bytes) const { return bytes <= longest; }
     bool IsLent() const { return lent; }
@@ -94,13 +102,18 @@ private:
     void Remember();
     void KeepString();
     bool IsChanged() const;
-    void Fill();
+    bool Fill();
+    bool FillLong();
+
+    // The usual libraries keep this many characters in a std::string without allocating memory.
+    static constexpr std::size_t kShortText = 15;
 
     eSDLParserState now;
     eSDLParserState before;
     eText text;
     eText textBefore;
     bool lent = false;
+    std::size_t filledInline = kShortText;   // bytes up to which the string is filled without a call
     std::size_t longest = std::string::npos; // of the texts that are accepted
 };
 

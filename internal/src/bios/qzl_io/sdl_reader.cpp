@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
-#include <qzl_base/format.h>
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/streams.h>
 
@@ -50,8 +50,21 @@ constexpr int kIncludeLimitLine = 610;
 
 } // namespace ReaderReport
 
-// Each thread's parser state from before the control block that is being executed.
-eCriticalResource<eSDLParserState> stateBeforeControlBlock;
+using eBefore = xSDL::eCurrentToken::eBefore;
+
+// Each thread's state from before the control block that is being calculated.
+eCriticalResource<eBefore> stateBeforeControlBlock;
+
+// Keeps a state there during its lifetime; its text may be a large one.
+class eKeptState {
+public:
+    explicit eKeptState(eBefore state) { stateBeforeControlBlock.Get() = std::move(state); }
+    ~eKeptState() { Take(); }
+    eKeptState(const eKeptState&) = delete;
+    eKeptState& operator=(const eKeptState&) = delete;
+
+    eBefore Take() { return std::exchange(stateBeforeControlBlock.Get(), {}); }
+};
 
 void LowerCase(std::string* text) {
     for (char& c : *text)
@@ -61,6 +74,12 @@ void LowerCase(std::string* text) {
 std::string LowerCased(std::string text) {
     LowerCase(&text);
     return text;
+}
+
+// Of a text that may be a whole source, what a message shows.
+std::string BeginningOf(const std::string& text) {
+    constexpr std::size_t kMostShown = 100;
+    return text.size() <= kMostShown ? text : text.substr(0, kMostShown) + "...";
 }
 
 template <class Name>
@@ -206,10 +225,10 @@ void eSDLReader::Init() {
 
 void eSDLReader::CheckSignature(const char* signature, int notSDLLine) {
     const std::string expected(signature ? signature : "");
-    const std::string read = LowerCased(ReadSignature(notSDLLine));
-    if (read != LowerCased(expected))
+    const std::string& read = ReadSignature(notSDLLine);
+    if (read.size() != expected.size() || LowerCased(read) != LowerCased(expected))
         Fail(ReaderReport::kSignatureMismatchLine,
-             "File signature mismatch (read '" + read + "' instead of '" + expected + "')");
+             "File signature mismatch (read '" + LowerCased(BeginningOf(read)) + "' instead of '" + expected + "')");
 }
 
 const std::string& eSDLReader::ReadSignature(int notSDLLine) {
@@ -631,8 +650,10 @@ void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
         const eSDLParserLexType type = parser.current.Type();
         if (type == sdlClose || type == sdlError)
             return;
-        const std::string& text = parser.current.String();
-        (*parameters)[ToString(index, false)] = type == sdlString ? (format("\"%1%\"") % text).str() : text;
+        const std::string_view text = parser.current.Text(), quote = type == sdlString ? "\"" : "";
+        std::string value;
+        value.reserve(text.size() + 2 * quote.size());
+        (*parameters)[ToString(index, false)] = std::move(value.append(quote).append(text).append(quote));
     }
 }
 
@@ -668,15 +689,17 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
     token->text.assign(parser.current.Text());
 }
 
-// The state before the ( is saved at once, since the next token displaces it. It is saved per thread: only the
+// The state before the ( is saved at once, since the next token displaces it. It is kept per thread: only the
 // calculation uses it, and that ends before another control block can begin.
 bool eSDLReader::ProcessControlBlock() {
     eSDLParser& parser = Parser();
-    stateBeforeControlBlock.Get() = parser.current.Before();
+    eBefore before = parser.current.Before();
     Cut();
     const eSDLParserLexType type = parser.current.Type();
     if (type == sdlOperator) {
+        eKeptState kept(std::move(before));
         Calculate();
+        parser.current.SetBefore(kept.Take());
         return false;
     }
     if (type != sdlString)
@@ -706,7 +729,6 @@ void eSDLReader::Calculate() {
     parser.current.SetType(sdlFloat);
     parser.current.SetFloat(result);
     parser.current.OwnString() = ToString(result);
-    parser.StatePrev(stateBeforeControlBlock.Get());
 }
 
 // Makes the current source the innermost entry of the reporting thread, followed by the files that could not be opened

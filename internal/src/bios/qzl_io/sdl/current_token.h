@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <qzl_io/detail/current_token.h>
 
@@ -13,9 +15,6 @@
 // The functions of eCurrentToken, to be inline in the parser and the reader. Each token passes Accept.
 
 namespace xSDL {
-
-// The usual libraries keep this many characters in a std::string without allocating memory.
-inline constexpr std::size_t kShortText = 15;
 
 // Reported of a token that is not accepted.
 inline constexpr char kTokenLimit[] = "Token limit exceeded!";
@@ -30,16 +29,12 @@ inline void eCurrentToken::Start(const char* position) {
 
 [[gnu::always_inline]] inline bool eCurrentToken::Accept(eSDLParserLexType type, std::string_view textInSource,
                                                          int line, const char* next) {
-    if (lent && textInSource.size() > longest)
-        return false;
     Remember();
     now.token.type = type;
     now.line = line;
     now.position = next;
     text = {textInSource, ePlace::Source};
-    if (lent)
-        Fill();
-    return true;
+    return !lent || Fill();
 }
 
 // The string may now be that of the token before, and is then needed twice.
@@ -105,11 +100,21 @@ inline void eCurrentToken::SetBefore(const eSDLParserState& state) {
     textBefore = {{}, ePlace::Own};
 }
 
-inline eSDLParserState eCurrentToken::Before() const {
-    eSDLParserState state = before;
-    if (textBefore.place == ePlace::Source)
-        state.token.text.assign(textBefore.source);
-    return state;
+inline eCurrentToken::eBefore eCurrentToken::Before() const {
+    eBefore saved{{}, textBefore.source, textBefore.place};
+    saved.state.token.type = before.token.type;
+    saved.state.token.floatValue = before.token.floatValue;
+    saved.state.token.intValue = before.token.intValue;
+    saved.state.line = before.line;
+    saved.state.position = before.position;
+    if (textBefore.place == ePlace::Own)
+        saved.state.token.text = before.token.text;
+    return saved;
+}
+
+inline void eCurrentToken::SetBefore(eBefore saved) {
+    before = std::move(saved.state);
+    textBefore = {saved.textInSource, saved.place};
 }
 
 inline std::string_view eCurrentToken::Text() const {
@@ -134,23 +139,35 @@ inline void eCurrentToken::Lend() {
 }
 
 inline void eCurrentToken::Limit(std::size_t bytes) {
-    longest = bytes;
     Lend();
+    ForgetBefore();
+    longest = bytes;
+    filledInline = std::min(bytes, kShortText);
 }
 
 // Most texts are short. Assigning one to a string is a call, however short it is, while constructing a string of a
 // known number of characters costs a few moves. So the string is constructed anew, from the text and what follows it in
 // the source, and cut to the text's length.
-[[gnu::always_inline]] inline void eCurrentToken::Fill() {
+[[gnu::always_inline]] inline bool eCurrentToken::Fill() {
+    if (text.source.size() > filledInline)
+        return FillLong();
     std::string* const string = &now.token.text;
-    if (text.source.size() <= kShortText) {
-        std::destroy_at(string);
-        std::construct_at(string, text.source.data(), kShortText);
-        string->erase(text.source.size());
-    } else {
-        string->assign(text.source);
-    }
+    std::destroy_at(string);
+    std::construct_at(string, text.source.data(), kShortText);
+    string->erase(text.source.size());
     text.place = ePlace::Copied;
+    return true;
+}
+
+// The limit is looked at here because a short text does not pay for it.
+[[gnu::noinline]] inline bool eCurrentToken::FillLong() {
+    if (text.source.size() > longest) {
+        Back();
+        return false;
+    }
+    now.token.text.assign(text.source);
+    text.place = ePlace::Copied;
+    return true;
 }
 
 [[gnu::always_inline]] inline void eCurrentToken::SetInt(int value) {
