@@ -1,5 +1,6 @@
 #include "platform/folder.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -140,9 +141,13 @@ public:
         return id;
     }
 
-    // Releasing the handle would allow a replacement, and handles are not scarce.
-    void Rest() override {}
-    void Wake(eFolder&) override {}
+    // Releasing the handle would allow a replacement, and handles are not scarce. But the paths of all folders above a
+    // deep one would take the square of its depth, and each path begins that of the folder below.
+    void Rest() override {
+        length = path.size();
+        path = std::wstring();
+    }
+    void Wake(eFolder& child) override { path = Other(child).path.substr(0, length); }
 
 private:
     static eAnswer OpenReal(const std::wstring& name, eNamedLink link, eOpenHandle* opened) {
@@ -166,6 +171,7 @@ private:
     static eWindowsFolder& Other(eFolder& folder) { return static_cast<eWindowsFolder&>(folder); }
 
     std::wstring path;
+    std::size_t length = 0; // of the path, while the folder rests
     eOpenHandle pin;
     eFileId id;
     bool identified = false;
