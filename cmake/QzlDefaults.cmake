@@ -37,6 +37,7 @@ if(QZL_SANITIZE)
 endif()
 if(QZL_COVERAGE AND NOT QZL_COVERAGE STREQUAL "libraries")
     add_compile_options(--coverage -fprofile-update=atomic)
+    add_compile_definitions(always_inline=noinline) # a function that is forced into others would be counted in each of them
     add_link_options(--coverage)
 endif()
 

@@ -25,8 +25,6 @@ function(qzl_add_library name)
     qzl_own_target(${name})
     target_compile_features(${name} PUBLIC cxx_std_20)
     target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-semantic-interposition>)
-    # A function that is forced into others would be counted in each of them.
-    target_compile_definitions(${name} PRIVATE $<$<BOOL:${QZL_COVERAGE}>:always_inline=noinline>)
     if(QZL_COVERAGE STREQUAL "libraries")
         target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:--coverage> $<$<COMPILE_LANGUAGE:CXX>:-O0>
             $<$<COMPILE_LANGUAGE:CXX>:-fprofile-update=atomic>)
