@@ -437,6 +437,7 @@ TEST_F(SaveFault, WhatCannotBeKeptUnderALastingNameIsNotWrittenInPlace) {
     EXPECT_EQ("old", folder.Read("other"));
     EXPECT_EQ("n", folder.Read(".file.saving"));
     EXPECT_NE(std::string::npos, file.Failure().text.find("/.file.saving\".")) << file.Failure().text;
+    EXPECT_NE(std::string::npos, file.Failure().text.find("Input/output error")) << file.Failure().text;
 }
 
 // The document that is given up is never put over another one, whether or not the file system can tell by itself.
