@@ -107,4 +107,14 @@ TEST(PatienceOfItsOwn, ReallyWaits) {
     EXPECT_GE(waited, milliseconds(140));
 }
 
+TEST(PatienceOfItsOwn, OfASaveEndsWithTheSecondInVain) {
+    ePatience patience(ePatience::kPausesOfSave);
+    int asked = 0;
+    for (int refused = 0; refused < 3; ++refused) {
+        asked = 0;
+        EXPECT_FALSE(patience.Get([&asked] { return ++asked, eAnswer::Busy; }));
+    }
+    EXPECT_EQ(1, asked);
+}
+
 } // namespace
