@@ -74,6 +74,13 @@ TEST(WriterFile, AFileWithTwoNamesThatCannotBeWrittenIsOneWarningThatSaysWhereTh
     EXPECT_EQ("\"text\"", folder.Read("file.unsaved"));
 }
 
+TEST(WriterFile, AnOpeningThatIsRefusedTellsTheReason) {
+    const eTempFolder folder;
+    const eSDLWriter writer(eFileName(folder.Name("missing/file")));
+    EXPECT_FALSE(writer.Opened());
+    EXPECT_EQ(ENOENT, writer.Failure().number);
+}
+
 TEST(WriterFile, APipeIsWrittenTo) {
     const eTempFolder folder;
     ASSERT_EQ(0, ::mkfifo(folder.Name("pipe").c_str(), 0666));
