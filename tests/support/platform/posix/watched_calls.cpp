@@ -137,16 +137,21 @@ DEFINED(iconv_t, iconv_open, (const char* to, const char* from)) {
     return Takes("iconv_open", Unstoppable()) ? reinterpret_cast<iconv_t>(-1) : passOn(to, from);
 }
 
+// The thread sanitizer calls it before it has started itself.
+#ifndef __SANITIZE_THREAD__
 DEFINED(void*, mmap, (void* place, std::size_t n, int protection, int flags, int file, off_t at)) {
     THE_SYSTEMS(void*, mmap, (void*, std::size_t, int, int, int, off_t));
     return Takes("mmap", Unstoppable()) ? MAP_FAILED : passOn(place, n, protection, flags, file, at);
 }
+#endif
 
 DEFINED(int, getpwuid_r, (uid_t user, passwd* record, char* room, std::size_t n, passwd** found)) {
     THE_SYSTEMS(int, getpwuid_r, (uid_t, passwd*, char*, std::size_t, passwd**));
     return Takes("getpwuid_r", OnName()) ? errno : passOn(user, record, room, n, found);
 }
 
+// The thread sanitizer calls these before it has started itself.
+#ifndef __SANITIZE_THREAD__
 DEFINED(int, pthread_key_create, (pthread_key_t * key, void (*destroy)(void*))) {
     THE_SYSTEMS(int, pthread_key_create, (pthread_key_t*, void (*)(void*)));
     return Takes("pthread_key_create", Unstoppable()) ? errno : passOn(key, destroy);
@@ -156,3 +161,4 @@ DEFINED(int, pthread_setspecific, (pthread_key_t key, const void* value)) {
     THE_SYSTEMS(int, pthread_setspecific, (pthread_key_t, const void*));
     return Takes("pthread_setspecific", Unstoppable()) ? errno : passOn(key, value);
 }
+#endif
