@@ -25,7 +25,7 @@ static int CountLights(const eFileName& file) {
 
 static bool ReadPlaylist(const eFileName& file, eStrings* titles) {
     IO::eFileStream stream(file, IO::StreamMode::Read); // without Errors: what is wrong only sets Bad
-    stream.SetLimits({.textBytes = 200, .listBytes = 64 * 1024});
+    stream.SetLimits({.textBytes = 200, .listBytes = 65'536});
     if (!stream.IsOpen() || stream.Size() > kMegabyte)
         return false;
     stream >> *titles;
@@ -44,7 +44,7 @@ int main() {
     xError::SetWarningHandler(
         [](const xError::eReport& report) { std::cout << "refused: " << report.message << "\n"; });
 
-    Write("friendly.sdl", "{scene {light \"lamp\" 1.5} {light \"sun\" 1200}}");
+    Write("friendly.sdl", R"({scene {light "lamp" 1.5} {light "sun" 1200}})");
     Write("hostile.sdl", "{scene {" + std::string(10000, 'a') + "}}");
     const int lights = CountLights("friendly.sdl");
     std::cout << lights << " lights\n";

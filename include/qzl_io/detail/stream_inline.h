@@ -313,7 +313,7 @@ inline eStream& eStream::operator>>(std::string& text) {
     using way = eStreamInline;
     if (way::Shows(*this, 1)) [[likely]] {
         const std::size_t length = *ptr;
-        if (length < inlineTexts && way::Shows(*this, length + 1) && ToEnd() > static_cast<long long>(length + 1))
+        if (length < inlineTexts && way::Shows(*this, length + 1) && ToEnd() > static_cast<long long>(length) + 1)
             [[likely]] {
             way::AssignText(&text, ptr + 1, length);
             ptr += length + 1;

@@ -181,7 +181,7 @@ inline std::wstring SystemName(std::wstring_view name, std::wstring_view current
 
 // Whether the name's last component is that of a stream within a file, as in "c:/file:stream".
 constexpr bool NamesStream(std::wstring_view name) {
-    return name.find(L':', NameSteps::MaskStart(name)) != name.npos;
+    return name.find(L':', NameSteps::MaskStart(name)) != std::wstring_view::npos;
 }
 
 // SystemName for the pattern of a search, whose last component may contain wild cards. The mask means the same in both
