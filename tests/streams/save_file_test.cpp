@@ -244,6 +244,16 @@ TYPED_TEST(SaveFile, LongNamesAreSaved) {
     }
 }
 
+TYPED_TEST(SaveFile, OpensOnlyOnce) {
+    this->folder.Write("file", "old");
+    IO::eSaveFile file(this->Name("file"));
+    file << 'a';
+    IO::eFileStreamBase& stream = file;
+    EXPECT_THROW(stream.Open(IO::StreamMode::Write | IO::StreamMode::Errors), xError::eException);
+    EXPECT_FALSE(file.Commit());
+    EXPECT_EQ("old", this->folder.Read("file"));
+}
+
 // --- Hard links ---
 
 TYPED_TEST(SaveFile, AFileWithTwoNamesKeepsThem) {

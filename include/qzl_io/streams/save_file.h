@@ -38,6 +38,9 @@ enum class eSaveEnd : int {
 // | a file with several names, or one whose owner or access | Commit copies the complete document into it, which is  |
 // | rights a new file cannot have                           | not one step; the document is kept until that is done  |
 // | a device or a pipe                                      | written directly                                       |
+//
+// It opens once, in its constructor: Open by its base class is an error that throws if Errors is passed ("A save file
+// opens only once!").
 class QZL_IO_API eSaveFile final : public eFileStreamBase {
 public:
     explicit eSaveFile(const eFileName& target, eSaveEnd end = eSaveEnd::OnDisk);

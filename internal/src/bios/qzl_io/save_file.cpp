@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <qzl_base/convert.h>
+#include <qzl_base/error.h>
 
 #include "platform/file_handle.h"
 #include "platform/saved_file.h"
@@ -21,6 +22,12 @@ struct eSaveFile::eSave {
 };
 
 namespace {
+
+namespace SaveReport {
+constexpr char kSource[] = "internal/src/bios/qzl_io/save_file";
+constexpr int kOpenAgainLine = 10;
+constexpr char kOpenAgain[] = "A save file opens only once!";
+} // namespace SaveReport
 
 constexpr int kMode = StreamMode::Write | StreamMode::Create;
 
@@ -95,7 +102,9 @@ int eSaveFile::CreateHandle(int) const {
     return std::exchange(save->handle, -1);
 }
 
-// Open reports nothing without Errors: Failure tells.
-void eSaveFile::CreateHandleError() const {}
+// The constructor opens without Errors, so this is somebody who opens the stream as an eFileStreamBase.
+void eSaveFile::CreateHandleError() const {
+    xError::Fatal(SaveReport::kSource, SaveReport::kOpenAgainLine, SaveReport::kOpenAgain);
+}
 
 } // namespace IO
