@@ -47,7 +47,7 @@ private:
 std::filesystem::path NewFolder() {
     std::random_device random;
     for (;;) {
-        const auto folder = std::filesystem::temp_directory_path() / ("qzl_demo_" + std::to_string(random()));
+        auto folder = std::filesystem::temp_directory_path() / ("qzl_demo_" + std::to_string(random()));
         if (std::filesystem::create_directory(folder)) {
             std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
             return folder;
@@ -174,6 +174,7 @@ int RunReporting(eArguments arguments) {
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): if there is no memory for the options, nothing has been done yet
 int main(int argc, char** argv) {
     eArguments arguments;
     CLI::App app("Converts a JSON document to SDL, reads it back and shows what is in it.\n"

@@ -39,7 +39,7 @@ constexpr std::size_t kShown = 100;
 
 std::size_t CountOf(std::string_view pattern, std::string_view source) {
     std::size_t count = 0;
-    for (std::size_t at = 0; (at = source.find(pattern, at)) != source.npos; at += pattern.size())
+    for (std::size_t at = 0; (at = source.find(pattern, at)) != std::string_view::npos; at += pattern.size())
         ++count;
     return count;
 }
@@ -47,7 +47,7 @@ std::size_t CountOf(std::string_view pattern, std::string_view source) {
 // Appends the source with the value in each pattern's place.
 void AppendReplaced(std::string_view source, std::string_view pattern, std::string_view value, std::string* text) {
     std::size_t from = 0;
-    for (std::size_t at; (at = source.find(pattern, from)) != source.npos; from = at + pattern.size())
+    for (std::size_t at; (at = source.find(pattern, from)) != std::string_view::npos; from = at + pattern.size())
         text->append(source, from, at - from).append(value);
     text->append(source, from);
 }
@@ -303,7 +303,7 @@ bool eSDLParser::CutAny(int beginLine, const char* begin) {
     }
     tooLong = !current.Accept(lexeme.type, TextOf(lexeme), line, next);
     if (tooLong)
-        return current.Accept(sdlError, {begin, 0}, beginLine, begin);
+        return current.Accept(sdlError, std::string_view(begin, begin), beginLine, begin);
     escaped = lexeme.escaped;
     Analyse(&current, lexeme);
     return true;

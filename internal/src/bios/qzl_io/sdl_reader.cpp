@@ -63,7 +63,7 @@ public:
     eKeptState(const eKeptState&) = delete;
     eKeptState& operator=(const eKeptState&) = delete;
 
-    eBefore Take() { return std::exchange(stateBeforeControlBlock.Get(), {}); }
+    static eBefore Take() { return std::exchange(stateBeforeControlBlock.Get(), {}); }
 };
 
 void LowerCase(std::string* text) {
@@ -650,7 +650,8 @@ void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
         const eSDLParserLexType type = parser.current.Type();
         if (type == sdlClose || type == sdlError)
             return;
-        const std::string_view text = parser.current.Text(), quote = type == sdlString ? "\"" : "";
+        const std::string_view text = parser.current.Text();
+        const std::string_view quote = type == sdlString ? "\"" : "";
         std::string value;
         value.reserve(text.size() + 2 * quote.size());
         (*parameters)[ToString(index, false)] = std::move(value.append(quote).append(text).append(quote));

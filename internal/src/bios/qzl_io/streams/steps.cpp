@@ -95,13 +95,15 @@ bool eStreamSteps::WriteAll(const unsigned char* source, unsigned long long n) {
     if (n <= stream.RoomInBuffer() || !HoldsInBuffer(source))
         return WritePieces(source, n);
     const unsigned long long before = eStream::Address(source) - eStream::Address(stream.buffer);
-    const unsigned long long held = std::min(n, stream.Capacity() - before);
+    const unsigned long long held = before < stream.Capacity() ? std::min(n, stream.Capacity() - before) : 0;
     const std::vector<unsigned char> copy(source, source + held);
     return WritePieces(copy.data(), held);
 }
 
+// The buffer's block is larger than its capacity if it could not be filled.
 bool eStreamSteps::HoldsInBuffer(const unsigned char* place) const noexcept {
-    return stream.buffer && eStream::Address(place) - eStream::Address(stream.buffer) < stream.Capacity();
+    const unsigned long long size = std::max(stream.Capacity(), stream.bufferSize);
+    return stream.buffer && eStream::Address(place) - eStream::Address(stream.buffer) < size;
 }
 
 bool eStreamSteps::WritePieces(const unsigned char* source, unsigned long long n) {
