@@ -700,7 +700,7 @@ bool eSDLReader::ProcessControlBlock() {
     if (type == sdlOperator) {
         eKeptState kept(std::move(before));
         Calculate();
-        parser.current.SetBefore(kept.Take());
+        parser.current.SetBefore(eKeptState::Take());
         return false;
     }
     if (type != sdlString)
