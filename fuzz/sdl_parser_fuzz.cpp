@@ -40,32 +40,13 @@ eParameters ParametersIn(eScript& script) {
     return parameters;
 }
 
-std::string Replaced(std::string text, const eParameters& parameters) {
-    for (const auto& [key, value] : parameters) {
-        const std::string pattern = "%" + key.str();
-        for (std::size_t at = 0; (at = text.find(pattern, at)) != std::string::npos; at += value.size())
-            text.replace(at, pattern.size(), value.str());
-    }
-    return text;
-}
-
-// A parser, its model, and a saved state of each to which Back may return.
-struct ePair {
-    std::unique_ptr<eSDLParser> parser;
-    eModelParser model;
-    std::optional<eSDLParserState> state = {};
-    eModelParser::eState modelState = {};
-
-    ePair Copy() const { return {std::make_unique<eSDLParser>(*parser), model}; }
-};
-
-ePair PairOf(bool isDefine, const std::string& text, const std::vector<eSDLKeyword*>& tables,
-             const eParameters& parameters) {
+eParserPair PairOf(bool isDefine, const std::string& text, const std::vector<eSDLKeyword*>& tables,
+                   const eParameters& parameters) {
     IO::eBufferStream stream(text);
-    ePair pair = isDefine ? ePair{std::make_unique<eSDLParser>(eDefine{"box", text}, tables, parameters),
-                                  eModelParser("define 'box'", Replaced(text, parameters))}
-                          : ePair{std::make_unique<eSDLParser>("", stream, tables, parameters, nullptr),
-                                  eModelParser("", Replaced(TextOf(text), parameters))};
+    eParserPair pair = isDefine ? eParserPair{std::make_unique<eSDLParser>(eDefine{"box", text}, tables, parameters),
+                                              eModelParser("define 'box'", Replaced(text, parameters))}
+                                : eParserPair{std::make_unique<eSDLParser>("", stream, tables, parameters, nullptr),
+                                              eModelParser("", Replaced(TextOf(text), parameters))};
     pair.model.table = tables.empty() ? nullptr : tables.back();
     return pair;
 }
@@ -86,7 +67,7 @@ void ChangeToken(eParser& parser, bool wholly) {
         token.text = "changed";
 }
 
-void Call(unsigned call, ePair& pair) {
+void Call(unsigned call, eParserPair& pair) {
     switch (call % 12) {
     case 0:
     case 1:
@@ -126,7 +107,7 @@ void CheckToken(eSDLParserToken& token, eSDLParserToken& expected) {
     Require(!valued || token.intValue == expected.intValue, "the integer differs");
 }
 
-void CheckPlace(ePair& pair, bool watched) {
+void CheckPlace(eParserPair& pair, bool watched) {
     Require(pair.parser->Line() == pair.model.Line(), "the line differs");
     RequireEqual(pair.parser->Name(), pair.model.Name(), "the name");
     if (!watched)
@@ -144,17 +125,17 @@ void Check(std::string_view input) {
     const bool isDefine = script.Flag();
     const eParameters parameters = ParametersIn(script);
     eScript calls(script.Text());
-    std::vector<ePair> pairs;
+    std::vector<eParserPair> pairs;
     pairs.push_back(PairOf(isDefine, std::string(script.Rest()), tables, parameters));
     while (!calls.IsOver()) {
         const unsigned call = calls.Byte();
         const std::size_t which = call >> 4 & 3;
-        ePair& pair = pairs[which % pairs.size()];
+        eParserPair& pair = pairs[which % pairs.size()];
         if (call % 16 == 15 && pairs.size() < kMostParsers)
             pairs.push_back(pair.Copy());
         else
             Call(call, pair);
-        for (ePair& each : pairs)
+        for (eParserPair& each : pairs)
             CheckPlace(each, call % 3 == 0);
     }
 }

@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -267,4 +270,24 @@ private:
     std::string text;
     eState current;
     eState previous;
+};
+
+// The text as parsers read it: with the value in each parameter's place.
+inline std::string Replaced(std::string text, const std::map<eStringKey, eStringKey>& parameters) {
+    for (const auto& [key, value] : parameters) {
+        const std::string pattern = "%" + key.str();
+        for (std::size_t at = 0; (at = text.find(pattern, at)) != std::string::npos; at += value.size())
+            text.replace(at, pattern.size(), value.str());
+    }
+    return text;
+}
+
+// A parser, its model, and a saved state of each to which Back may return.
+struct eParserPair {
+    std::unique_ptr<eSDLParser> parser;
+    eModelParser model;
+    std::optional<eSDLParserState> state = {};
+    eModelParser::eState modelState = {};
+
+    eParserPair Copy() const { return {std::make_unique<eSDLParser>(*parser), model}; }
 };

@@ -35,34 +35,16 @@ eParameters RandomParameters(std::mt19937& random) {
     return parameters;
 }
 
-std::string Replaced(std::string text, const eParameters& parameters) {
-    for (const auto& [key, value] : parameters) {
-        const std::string pattern = "%" + key.str();
-        for (std::size_t at = 0; (at = text.find(pattern, at)) != std::string::npos; at += value.size())
-            text.replace(at, pattern.size(), value.str());
-    }
-    return text;
-}
-
-// A parser, its model, and a saved state of each to which Back may return.
-struct ePair {
-    std::unique_ptr<eSDLParser> parser;
-    eModelParser model;
-    std::optional<eSDLParserState> state = {};
-    eModelParser::eState modelState = {};
-
-    ePair Copy() const { return {std::make_unique<eSDLParser>(*parser), model}; }
-};
-
-ePair RandomPair(std::mt19937& random, const std::vector<eSDLKeyword*>& tables) {
+eParserPair RandomPair(std::mt19937& random, const std::vector<eSDLKeyword*>& tables) {
     const std::string text = RandomSource(random, 25) + (random() % 6 ? "" : "\"open");
     const eParameters parameters = RandomParameters(random);
     const std::string name = random() % 2 ? "a.sdl" : "";
-    ePair pair = random() % 2 ? ePair{std::make_unique<eSDLParser>(name, *std::make_unique<IO::eBufferStream>(text),
-                                                                   tables, parameters, nullptr),
-                                      eModelParser(name, Replaced(TextOf(text), parameters))}
-                              : ePair{std::make_unique<eSDLParser>(eDefine{"box", text}, tables, parameters),
-                                      eModelParser("define 'box'", Replaced(text, parameters))};
+    eParserPair pair = random() % 2
+                           ? eParserPair{std::make_unique<eSDLParser>(name, *std::make_unique<IO::eBufferStream>(text),
+                                                                      tables, parameters, nullptr),
+                                         eModelParser(name, Replaced(TextOf(text), parameters))}
+                           : eParserPair{std::make_unique<eSDLParser>(eDefine{"box", text}, tables, parameters),
+                                         eModelParser("define 'box'", Replaced(text, parameters))};
     pair.model.table = tables.empty() ? nullptr : tables.back();
     return pair;
 }
@@ -84,7 +66,7 @@ void ChangeToken(eParser& parser, unsigned how) {
 }
 
 // Makes one call of both, whose results must be equal.
-void Call(std::mt19937& random, ePair& pair) {
+void Call(std::mt19937& random, eParserPair& pair) {
     switch (const auto call = random() % 12; call) {
     case 0:
     case 1:
@@ -118,7 +100,7 @@ void Call(std::mt19937& random, ePair& pair) {
     }
 }
 
-void ExpectSamePlace(ePair& pair, bool watched) {
+void ExpectSamePlace(eParserPair& pair, bool watched) {
     ASSERT_EQ(pair.parser->Line(), pair.model.Line());
     ASSERT_EQ(pair.parser->Name(), pair.model.Name());
     ASSERT_EQ(pair.parser->GetContext(), pair.model.GetContext());
@@ -141,13 +123,13 @@ void ExpectSamePlace(ePair& pair, bool watched) {
 void CompareCalls(std::mt19937& random) {
     const std::vector<eSDLKeyword*> allTables[] = {{}, {words}, {words}, {words, nullptr}};
     const std::vector<eSDLKeyword*>& tables = allTables[random() % 4];
-    std::vector<ePair> pairs;
+    std::vector<eParserPair> pairs;
     pairs.push_back(RandomPair(random, tables));
     const bool watching = random() % 2 == 0;
     for (int left = 60; left > 0; --left) {
-        ePair& pair = pairs[random() % pairs.size()];
+        eParserPair& pair = pairs[random() % pairs.size()];
         ASSERT_NO_FATAL_FAILURE(Call(random, pair));
-        for (ePair& each : pairs)
+        for (eParserPair& each : pairs)
             ASSERT_NO_FATAL_FAILURE(ExpectSamePlace(each, watching || random() % 8 == 0));
         if (pairs.size() < 3 && random() % 16 == 0)
             pairs.push_back(pairs[random() % pairs.size()].Copy());
