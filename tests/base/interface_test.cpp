@@ -1,5 +1,6 @@
 #include <functional>
 #include <map>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -35,6 +36,7 @@ static_assert(is_same_v<decltype(xError::eReport::file), std::string>);
 static_assert(is_same_v<decltype(xError::eReport::line), int>);
 static_assert(is_same_v<decltype(xError::eReport::message), std::string>);
 static_assert(is_same_v<decltype(xError::eReport::context), std::string>);
+static_assert(is_same_v<decltype(xError::eReport::diagnostic), std::shared_ptr<const xError::eDiagnostic>>);
 static_assert(std::is_base_of_v<std::runtime_error, xError::eException>);
 static_assert(std::is_constructible_v<xError::eException, const xError::eReport&>);
 static_assert(is_same_v<decltype(std::declval<const xError::eException&>().Report()), const xError::eReport&>);

@@ -15,12 +15,16 @@
 
 namespace xError {
 
+struct eDiagnostic;
+
 // A report, as passed to handlers and stored in eException.
 struct eReport {
     std::string file;    // path of the reporting source unit, without an extension
     int line = 0;        // number of the check in that unit
     std::string message; // one sentence
     std::string context; // text of the reporting thread's diagnostic stack (stack_entry.h), empty if the stack is empty
+    std::shared_ptr<const eDiagnostic> diagnostic =
+        nullptr; // of a mistake in a text, its parts (diagnostic.h), or null
 };
 
 // The exception that the default error handler throws. what() is the report's message alone.
@@ -55,7 +59,8 @@ QZL_BASE_API void Error(const char* file, int line, const char* message, bool);
 QZL_BASE_API void Error(const char* file, int line, const std::string& message, bool);
 
 // Reports an error and never returns: if the handler returns, throws eException with that report.
-[[noreturn]] QZL_BASE_API void Fatal(const char* file, int line, const std::string& message);
+[[noreturn]] QZL_BASE_API void Fatal(const char* file, int line, const std::string& message,
+                                     std::shared_ptr<const eDiagnostic> diagnostic = nullptr);
 
 // Reports a warning to the installed handler, and returns unless the handler throws. The level has no meaning and is 0
 // in every report.

@@ -56,7 +56,7 @@ void PrintReport(const eReport& report) {
 }
 
 eReport MakeReport(const char* file, int line, const std::string& message) {
-    return {file ? file : "", line, message, xDebug::DiagnosticContext()};
+    return {file ? file : "", line, message, xDebug::DiagnosticContext(), nullptr};
 }
 
 void Raise(const eReport& report) {
@@ -99,8 +99,9 @@ void Error(const char* file, int line, const char* message, bool raised) {
     Error(file, line, TextOf(message), raised);
 }
 
-void Fatal(const char* file, int line, const std::string& message) {
-    const eReport report = MakeReport(file, line, message);
+void Fatal(const char* file, int line, const std::string& message, std::shared_ptr<const eDiagnostic> diagnostic) {
+    eReport report = MakeReport(file, line, message);
+    report.diagnostic = std::move(diagnostic);
     Raise(report);
     ThrowReport(report);
 }
