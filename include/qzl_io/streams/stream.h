@@ -8,6 +8,7 @@
 #include <qzl_io/detail/value_types.h>
 #include <qzl_io/export.h>
 #include <qzl_io/streams/failure.h>
+#include <qzl_io/streams/limits.h>
 
 // Buffered byte streams and the values on them.
 //
@@ -34,15 +35,6 @@ inline constexpr unsigned short Failed = 0x2000;   // could not be opened
 inline constexpr unsigned short Modified = 0x4000; // the buffer holds bytes that have not been flushed
 inline constexpr unsigned short Bad = 0x8000;      // there has been an error
 } // namespace StreamMode
-
-// What may be read from a stream that a stranger wrote. Unless an application sets it, nothing is limited.
-struct eStreamLimits {
-    static constexpr unsigned long long kNone = ~0ULL;
-
-    unsigned long long textBytes =
-        kNone; // of a text (two for each UTF-16 unit) or a line, without length and delimiter
-    unsigned long long listBytes = kNone; // of a list of texts as it is stored, with its count and all lengths
-};
 
 // Where Seek(n, dir) moves the position.
 enum class eSeekDir : int {
