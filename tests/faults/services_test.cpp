@@ -2,9 +2,11 @@
 // what failed succeeds afterwards.
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -53,14 +55,17 @@ protected:
 
 class eCopiedFile : public eServiceScenario {
 public:
-    eCopiedFile() : from(folder.Write("from " + kLong, kLarge)), to(folder.Write("to " + kLong, "old")) {}
+    explicit eCopiedFile(std::string text)
+        : content(std::move(text)),
+          from(folder.Write("from " + kLong, content)),
+          to(folder.Write("to " + kLong, "old")) {}
 
     bool Run() override { return File::Copy(from, to); }
 
     void Look(const eAftermath& after) override {
-        EXPECT_EQ(kLarge, folder.Read("from " + kLong));
-        const std::string content = folder.Exists("to " + kLong) ? folder.Read("to " + kLong) : "";
-        EXPECT_TRUE(content == kLarge || (!after.complete && content == "old")) << content.size();
+        EXPECT_EQ(content, folder.Read("from " + kLong));
+        const std::string copy = folder.Exists("to " + kLong) ? folder.Read("to " + kLong) : "";
+        EXPECT_TRUE(copy == content || (!after.complete && copy == "old")) << copy.size();
         std::set<std::string> entries = folder.Entries();
         if (after.handleCut)
             entries.erase(".to " + kLong + ".saving");
@@ -70,6 +75,7 @@ public:
     bool Tells() const override { return false; }
 
 private:
+    const std::string content;
     const eFileName from, to;
 };
 
@@ -272,7 +278,9 @@ public:
 } // namespace
 
 TEST(Faults, CopyingAFile) {
-    Torture<eCopiedFile>("copy a file");
+    for (const auto& [name, content] :
+         {std::pair{"copy a short file", std::string("content")}, {"copy a file", kLarge}})
+        Torture(name, [&] { return std::make_unique<eCopiedFile>(content); });
 }
 
 TEST(Faults, WorkingWithFiles) {

@@ -422,6 +422,23 @@ TEST(ReadTransaction, KeepsWhatWasWrittenMeanwhile) {
     EXPECT_TRUE(folder.Read("file") == content.substr(0, 8) + "abcd" + content.substr(12));
 }
 
+TEST(ReadTransaction, ThatEndsWithoutACommitKeepsAnExceptionOfTheFlush) {
+    struct eRefusing : IO::eMemoryStream {
+        void Flush() override { throw 7; }
+    };
+    eRefusing stream;
+    stream << 1 << 2;
+    {
+        const IO::eReadTransaction transaction(stream);
+        stream << 3;
+    }
+    EXPECT_EQ(stream.Position(), 8u);
+    IO::eReadTransaction transaction(stream);
+    stream << 4;
+    EXPECT_THROW(transaction.RollBack(), int);
+    EXPECT_EQ(stream.Position(), 8u);
+}
+
 TEST(ReadTransaction, MayBeNested) {
     IO::eMemoryStream stream;
     stream << 1 << 2 << 3;
