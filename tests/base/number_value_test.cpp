@@ -238,6 +238,78 @@ TEST(FloatValue, EqualsTheStandardConversion) {
     }
 }
 
+TEST(LongIntValue, IsReadAsFarAsTheTextIsANumber) {
+    constexpr long long kLeast = std::numeric_limits<long long>::min();
+    constexpr long long kMost = std::numeric_limits<long long>::max();
+    constexpr unsigned long long kMostUnsigned = std::numeric_limits<unsigned long long>::max();
+    const struct {
+        const char* text;
+        long long value;
+        bool whole;
+        unsigned long long unsignedValue;
+        bool unsignedWhole;
+    } rows[] = {
+        {"0", 0, true, 0, true},
+        {"-0", 0, true, 0, true},
+        {"+7", 7, true, 7, true},
+        {"-7", -7, true, 0, false},
+        {"-7x", -7, false, 0, false},
+        {"7x", 7, false, 7, false},
+        {"", 0, false, 0, false},
+        {"-", 0, false, 0, false},
+        {"--7", 0, false, 0, false},
+        {"9223372036854775807", kMost, true, 9223372036854775807u, true},
+        {"9223372036854775808", kMost, false, 9223372036854775808u, true},
+        {"-9223372036854775808", kLeast, true, 0, false},
+        {"-9223372036854775809", kLeast, false, 0, false},
+        {"18446744073709551615", kMost, false, kMostUnsigned, true},
+        {"18446744073709551616", kMost, false, kMostUnsigned, false},
+        {"0xffffffffffffffff", -1, true, kMostUnsigned, true},
+        {"0x00ffffffffffffffff", -1, true, kMostUnsigned, true},
+        {"0x1FFFFFFFFFFFFFFFF", -1, false, kMostUnsigned, false},
+        {"0x", 0, false, 0, false},
+    };
+    for (const auto& row : rows) {
+        const std::string embedded = std::string(row.text) + (*row.text ? "77" : "");
+        const char* const end = embedded.data() + std::string(row.text).size();
+        long long value = 5;
+        EXPECT_EQ(_FromString(&value, embedded.data(), end), row.whole) << row.text;
+        EXPECT_EQ(value, row.value) << row.text;
+        unsigned long long unsignedValue = 5;
+        EXPECT_EQ(_FromString(&unsignedValue, embedded.data(), end), row.unsignedWhole) << row.text;
+        EXPECT_EQ(unsignedValue, row.unsignedValue) << row.text;
+    }
+}
+
+TEST(DoubleValue, IsReadAsFarAsTheTextIsANumber) {
+    const struct {
+        const char* text;
+        double value;
+        bool whole;
+    } rows[] = {
+        {"0.1", 0.1, true},
+        {"+.5", 0.5, true},
+        {"1.", 1, true},
+        {"1e+-3", 1, false},
+        {"1e", 1, false},
+        {"inf", 0, false},
+        {"nan", 0, false},
+        {"9007199254740993", 9007199254740992, true},
+        {"1e309", std::numeric_limits<double>::infinity(), true},
+        {"-1e309", -std::numeric_limits<double>::infinity(), true},
+        {"1e-400", 0, true},
+        {"0x1F", 31, true},
+        {"0xffffffffffffffff", 18446744073709551616.0, true},
+        {"0x1ffffffffffffffff", 18446744073709551616.0, false},
+    };
+    for (const auto& row : rows) {
+        const std::string text = row.text;
+        double value = 5;
+        EXPECT_EQ(_FromString(&value, text.data(), text.data() + text.size()), row.whole) << text;
+        EXPECT_EQ(value, row.value) << text;
+    }
+}
+
 TEST(NumberValue, ANullTextIsEmpty) {
     const char* const none = nullptr;
     int integer = 5;
@@ -248,6 +320,13 @@ TEST(NumberValue, ANullTextIsEmpty) {
     EXPECT_FALSE(_FromString(&number, none));
     EXPECT_EQ(0, number);
     EXPECT_FALSE(_FromString(&number, none, none));
+    long long longInteger = 5;
+    EXPECT_FALSE(_FromString(&longInteger, none, none));
+    unsigned long long longUnsigned = 5;
+    EXPECT_FALSE(_FromString(&longUnsigned, none, none));
+    double longNumber = 5;
+    EXPECT_FALSE(_FromString(&longNumber, none, none));
+    EXPECT_EQ(0, longInteger + static_cast<long long>(longUnsigned) + static_cast<long long>(longNumber));
 }
 
 } // namespace

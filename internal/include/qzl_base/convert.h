@@ -36,13 +36,15 @@ requires(sizeof(T) >= sizeof(int)) std::string ToString(T value, bool hexadecima
 // "nan".
 QZL_BASE_API std::string ToString(float value);
 
-// Room for the text of any int and any float.
+// Room for the text of any number of up to 64 bits.
 inline constexpr std::size_t kNumberTextRoom = 24;
 
 // Write the text of ToString to a buffer with room for kNumberTextRoom characters and return the end of the text. No
 // zero is appended. Characters after the text, within that room, are overwritten.
 QZL_BASE_API char* PutInt(char* out, int value, bool hexadecimal = false);
 QZL_BASE_API char* PutFloat(char* out, float value);
+// The same for a double: the shortest text from which the same double is read, by the rules of a float's text.
+QZL_BASE_API char* PutDouble(char* out, double value);
 
 // --- Texts to numbers ---
 //
@@ -60,6 +62,13 @@ QZL_BASE_API bool _FromString(int* value, const char* begin, const char* end);
 // they stand for.
 QZL_BASE_API bool _FromString(float* value, const char* text);
 QZL_BASE_API bool _FromString(float* value, const char* begin, const char* end);
+
+// The same with 64 bits: out of range, a decimal integer gives the nearest value of the type, so a negative one gives 0
+// as an unsigned long long, and a hexadecimal one gives its low 64 bits. Of a double, "0x" and hexadecimal digits give
+// the nearest to the integer without a sign that they stand for.
+QZL_BASE_API bool _FromString(long long* value, const char* begin, const char* end);
+QZL_BASE_API bool _FromString(unsigned long long* value, const char* begin, const char* end);
+QZL_BASE_API bool _FromString(double* value, const char* begin, const char* end);
 
 // --- Escape sequences ---
 

@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::size_t kLongTextRoom = 20;          // of 2^64 - 1 in decimal
 constexpr std::size_t kMostDigits = 9;             // distinguish any two floats
+constexpr std::size_t kMostDoubleDigits = 17;      // distinguish any two doubles
 constexpr float kIntegersEnd = 2147483648.0f;      // the first float beyond the 32-bit integers
 constexpr float kExactIntegersEnd = 16777216.0f;   // below this value the float nearest to an integer is that integer
 constexpr std::ptrdiff_t kShortenedByExponent = 3; // trailing zeros that are longer than "e" and a digit
@@ -67,14 +68,18 @@ std::string HexadecimalText(T bits) {
     return {text.data(), PutInteger(text.data() + 2, bits, 16)};
 }
 
-// A finite positive float as digits * 10^exponent with as few digits as distinguish it from every other float.
-struct eDecimal {
-    std::array<char, kMostDigits> digits;
+// A finite positive number as digits * 10^exponent with as few digits as distinguish it from every other one.
+template <std::size_t most>
+struct eDecimalOf {
+    std::array<char, most> digits;
     int count = 0;
     int exponent = 0;
 
     std::string_view Digits() const { return {digits.data(), static_cast<std::size_t>(count)}; }
 };
+
+using eDecimal = eDecimalOf<kMostDigits>;
+using eDoubleDecimal = eDecimalOf<kMostDoubleDigits>;
 
 eDecimal ShortestDecimal(float value) {
     // "d.dddddddde-dd": one digit before the point (if there is one) and two in the exponent.
@@ -88,6 +93,21 @@ eDecimal ShortestDecimal(float value) {
     decimal.count = std::max(mantissaSize - 1, 1);
     const int magnitude = (end[-2] - '0') * 10 + (end[-1] - '0');
     decimal.exponent = (end[-3] == '-' ? -magnitude : magnitude) - (decimal.count - 1);
+    return decimal;
+}
+
+// Unlike that of a float, its exponent has two or three digits.
+eDoubleDecimal ShortestDecimal(double value) {
+    std::array<char, 32> text{};
+    const char* const end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
+    const char* const exponent = std::find<const char*>(text.data(), end, 'e');
+    eDoubleDecimal decimal;
+    decimal.digits[0] = text[0];
+    std::copy_n(text.data() + 2, kMostDoubleDigits - 1, decimal.digits.data() + 1);
+    decimal.count = std::max(static_cast<int>(exponent - text.data()) - 1, 1);
+    std::from_chars(exponent + (exponent[1] == '+' ? 2 : 1), end, decimal.exponent);
+    decimal.exponent -= decimal.count - 1;
     return decimal;
 }
 
@@ -139,15 +159,17 @@ eFewPlaces FewestPlaces(float value) {
     return {least + 1, static_cast<std::uint64_t>(decimals[least])};
 }
 
-char* PutWithExponent(char* out, const eDecimal& decimal) {
+template <std::size_t most>
+char* PutWithExponent(char* out, const eDecimalOf<most>& decimal) {
     out = PutView(out, decimal.Digits());
     *out++ = 'e';
     return PutInteger(out, decimal.exponent, 10);
 }
 
-int LengthWithExponent(const eDecimal& decimal) {
+template <std::size_t most>
+int LengthWithExponent(const eDecimalOf<most>& decimal) {
     const int magnitude = std::abs(decimal.exponent);
-    return decimal.count + 1 + (decimal.exponent < 0 ? 1 : 0) + (magnitude < 10 ? 1 : 2);
+    return decimal.count + 1 + (decimal.exponent < 0 ? 1 : 0) + (magnitude < 10 ? 1 : magnitude < 100 ? 2 : 3);
 }
 
 // Writes a value below 1. From there up to kExactIntegersEnd, eight places distinguish any two floats.
@@ -202,6 +224,39 @@ char* PutMagnitude(char* out, float magnitude, bool negative) {
     return PutFraction(out, ShortestDecimal(magnitude));
 }
 
+// A point without decimals makes an integer a float to a reader, unless it is within 32 bits.
+char* PutWithPoint(char* out, const eDoubleDecimal& decimal, bool fitsInt) {
+    const std::string_view digits = decimal.Digits();
+    if (decimal.exponent >= 0) {
+        out = std::fill_n(PutView(out, digits), decimal.exponent, '0');
+        return fitsInt ? out : PutView(out, ".");
+    }
+    const int before = decimal.count + decimal.exponent;
+    if (before <= 0)
+        return PutView(std::fill_n(PutView(out, "0."), -before, '0'), digits);
+    const auto point = static_cast<std::size_t>(before);
+    return PutView(PutView(PutView(out, digits.substr(0, point)), "."), digits.substr(point));
+}
+
+int LengthWithPoint(const eDoubleDecimal& decimal, bool fitsInt) {
+    if (decimal.exponent >= 0)
+        return decimal.count + decimal.exponent + (fitsInt ? 0 : 1);
+    return std::max(decimal.count, 1 - decimal.exponent) + 1;
+}
+
+// The signs and the values that have no digits; null for other values.
+template <class T>
+char* PutSpecial(char** out, T value) {
+    if (std::isnan(value))
+        return PutView(*out, "nan");
+    const bool negative = std::signbit(value);
+    if (negative)
+        *(*out)++ = '-';
+    if (std::isinf(value))
+        return PutView(*out, "inf");
+    return value == 0 ? PutView(*out, negative ? "0." : "0") : nullptr;
+}
+
 char* PutDecimal(char* out, int value) {
     auto magnitude = static_cast<std::uint32_t>(value);
     if (value < 0) {
@@ -240,14 +295,17 @@ char* PutInt(char* out, int value, bool hexadecimal) {
 }
 
 char* PutFloat(char* out, float value) {
-    if (std::isnan(value))
-        return PutView(out, "nan");
-    const bool negative = std::signbit(value);
-    if (negative)
-        *out++ = '-';
-    if (std::isinf(value))
-        return PutView(out, "inf");
-    if (value == 0)
-        return PutView(out, negative ? "0." : "0");
-    return PutMagnitude(out, std::fabs(value), negative);
+    if (char* const end = PutSpecial(&out, value))
+        return end;
+    return PutMagnitude(out, std::fabs(value), std::signbit(value));
+}
+
+char* PutDouble(char* out, double value) {
+    if (char* const end = PutSpecial(&out, value))
+        return end;
+    const eDoubleDecimal decimal = ShortestDecimal(std::fabs(value));
+    const bool fitsInt = value >= -2147483648.0 && value <= 2147483647.0;
+    if (LengthWithPoint(decimal, fitsInt) <= LengthWithExponent(decimal))
+        return PutWithPoint(out, decimal, fitsInt);
+    return PutWithExponent(out, decimal);
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <system_error>
+#include <type_traits>
 
 #include "qzl_base/shared/ascii.h"
 #include "qzl_base/shared/decimal_float.h"
@@ -23,33 +24,46 @@ bool IsHexadecimal(const char* begin, const char* end) {
     return end - begin >= 2 && begin[0] == '0' && begin[1] == 'x';
 }
 
-bool HexadecimalFromString(int* value, const char* begin, const char* end) {
+// Gives the low bits of the type.
+template <class T>
+bool HexadecimalFromString(T* value, const char* begin, const char* end) {
+    using eBits = std::make_unsigned_t<T>;
+    constexpr eBits kRoomForDigit = static_cast<eBits>(~eBits{0}) >> 4;
     const char* const digits = begin + 2;
-    unsigned bits = 0;
+    eBits bits = 0;
     bool fits = true;
     const char* at = digits;
     for (int digit = 0; at != end && (digit = HexDigit(*at)) >= 0; ++at) {
-        fits = fits && bits < 0x10000000u;
-        bits = bits << 4 | static_cast<unsigned>(digit);
+        fits = fits && bits <= kRoomForDigit;
+        bits = bits << 4 | static_cast<eBits>(digit);
     }
-    *value = static_cast<int>(bits);
+    *value = static_cast<T>(bits);
     return fits && at == end && at != digits;
 }
 
-bool HexadecimalFromString(float* value, const char* begin, const char* end) {
-    int integer = 0;
+template <class eInteger, class eFloating>
+bool HexadecimalAs(eFloating* value, const char* begin, const char* end) {
+    eInteger integer = 0;
     const bool whole = HexadecimalFromString(&integer, begin, end);
-    *value = static_cast<float>(integer);
+    *value = static_cast<eFloating>(integer);
     return whole;
 }
 
-bool DecimalFromString(int* value, const char* begin, const char* end) {
+template <class T>
+bool DecimalFromString(T* value, const char* begin, const char* end) {
     const auto [stop, failure] = std::from_chars(SkipPlus(begin, end), end, *value);
     if (failure == std::errc::invalid_argument)
         *value = 0;
     if (failure == std::errc::result_out_of_range)
-        *value = *begin == '-' ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+        *value = *begin == '-' ? std::numeric_limits<T>::min() : std::numeric_limits<T>::max();
     return failure == std::errc() && stop == end;
+}
+
+template <class T>
+bool IntegerFromString(T* value, const char* begin, const char* end) {
+    if (IsHexadecimal(begin, end))
+        return HexadecimalFromString(value, begin, end);
+    return DecimalFromString(value, begin, end);
 }
 
 const char* TakeDigits(const char* at, const char* end, std::uint64_t* value) {
@@ -104,7 +118,7 @@ bool BeginsNumber(const char* at, const char* end) {
     return at != end && (IsDigit(*at) || *at == '.');
 }
 
-// For a number out of a float's range: whether it is too large rather than too small.
+// For a number out of its type's range: whether it is too large rather than too small.
 bool TooLarge(const char* at, const char* end) {
     long long magnitude = 0;
     bool pointSeen = false;
@@ -122,19 +136,21 @@ bool TooLarge(const char* at, const char* end) {
     return magnitude + exponent > 0;
 }
 
-float OutOfRange(const char* begin, const char* end) {
-    const float magnitude = TooLarge(begin, end) ? std::numeric_limits<float>::infinity() : 0.0f;
+template <class T>
+T OutOfRange(const char* begin, const char* end) {
+    const T magnitude = TooLarge(begin, end) ? std::numeric_limits<T>::infinity() : T{0};
     return *begin == '-' ? -magnitude : magnitude;
 }
 
-bool AnyFromString(float* value, const char* begin, const char* end) {
+template <class T>
+bool AnyFromString(T* value, const char* begin, const char* end) {
     *value = 0;
     const char* const number = SkipPlus(begin, end);
     if (!BeginsNumber(number, end))
         return false;
     const auto [stop, failure] = std::from_chars(number, end, *value);
     if (failure == std::errc::result_out_of_range)
-        *value = OutOfRange(number, stop);
+        *value = OutOfRange<T>(number, stop);
     return failure != std::errc::invalid_argument && stop == end;
 }
 
@@ -149,9 +165,20 @@ bool _FromString(int* value, const char* text) {
 }
 
 bool _FromString(int* value, const char* begin, const char* end) {
-    if (IsHexadecimal(begin, end))
-        return HexadecimalFromString(value, begin, end);
-    return DecimalFromString(value, begin, end);
+    return IntegerFromString(value, begin, end);
+}
+
+bool _FromString(long long* value, const char* begin, const char* end) {
+    return IntegerFromString(value, begin, end);
+}
+
+// std::from_chars accepts no sign for an unsigned number. "-0" is a zero.
+bool _FromString(unsigned long long* value, const char* begin, const char* end) {
+    if (begin == end || *begin != '-')
+        return IntegerFromString(value, begin, end);
+    const bool whole = DecimalFromString(value, begin + 1, end) && *value == 0;
+    *value = 0;
+    return whole;
 }
 
 bool _FromString(float* value, const char* text) {
@@ -162,6 +189,12 @@ bool _FromString(float* value, const char* begin, const char* end) {
     const bool negative = begin != end && *begin == '-';
     const bool sign = negative || (begin != end && *begin == '+');
     if (const char* const stop = TakeOrdinary(value, negative, begin + sign, end))
-        return stop == end || (IsHexadecimal(begin, end) && HexadecimalFromString(value, begin, end));
+        return stop == end || (IsHexadecimal(begin, end) && HexadecimalAs<int>(value, begin, end));
+    return AnyFromString(value, begin, end);
+}
+
+bool _FromString(double* value, const char* begin, const char* end) {
+    if (IsHexadecimal(begin, end))
+        return HexadecimalAs<unsigned long long>(value, begin, end);
     return AnyFromString(value, begin, end);
 }
