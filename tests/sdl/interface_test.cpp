@@ -1,6 +1,7 @@
 #include <qzl_io/sdl.h>
 
 #include <concepts>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -149,7 +150,9 @@ concept eReadable = requires(eSDLReader& reader, T& value) {
 
 static_assert(eReadable<int> && eReadable<short> && eReadable<char> && eReadable<float> && eReadable<bool>);
 static_assert(eReadable<std::string> && eReadable<std::wstring> && eReadable<eStrings> && eReadable<eStringsW>);
-static_assert(eReadable<eFileName> && !eReadable<double> && !eReadable<unsigned>);
+static_assert(eReadable<eFileName> && eReadable<double> && eReadable<long long> && eReadable<unsigned long long>);
+static_assert(eReadable<std::int64_t> && eReadable<std::uint64_t> && eReadable<std::size_t>);
+static_assert(!eReadable<unsigned> && !eReadable<long double> && !eReadable<wchar_t>);
 
 // --- The writer ---
 

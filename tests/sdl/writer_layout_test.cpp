@@ -260,7 +260,7 @@ concept eWritable = requires(eSDLWriter& writer, T value) {
 };
 
 static_assert(eWritable<int> && eWritable<const char*> && eWritable<char*> && eWritable<std::wstring>);
-static_assert(!eWritable<double> && !eWritable<long long>);
+static_assert(eWritable<double> && eWritable<long long> && !eWritable<long double>);
 static_assert(!eWritable<const wchar_t*> && !eWritable<void*> && !eWritable<unsigned char*>);
 
 TEST(WriterText, GrowsToAnySizeAndDepth) {

@@ -65,6 +65,8 @@ public:
 
     // The text, wherever it is; as the token's string; as the token's string, about to be changed.
     std::string_view Text() const;
+    // The text in the source of the token that was cut last, whatever its string has become.
+    std::string_view SourceText() const { return text.source; }
     const std::string& String();
     std::string& OwnString();
 

@@ -134,6 +134,9 @@ private:
     void CheckRead(const IO::eStream& stream, const eBeforeReport& beforeReport);
     void EndText();
     void Rewind();
+    void PlacePlainNumbers();
+    // From now on the reader's own steps see every number, to check it.
+    void CheckNumbers();
 
     bool Cut();
     bool CutAny(int beginLine, const char* begin);
@@ -147,6 +150,8 @@ private:
     mutable xSDL::eCurrentToken current; // a request for the state may be the first to need its text in the token
     bool isFile = false;
     std::string text; // the source and kTextEnd zeros, so that wide loads from any character of it stay inside
+    const char* plainNumbers = nullptr; // where numbers may be cut without checks: from the text's begin, or its end
+    bool checksNumbers = false;
     const std::vector<eSDLKeyword*>* keywords;
     std::string name;
     std::size_t passed = 0; // size of the byte-order mark before the text

@@ -4,16 +4,32 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include <qzl_base/strings.h>
 #include <qzl_io/detail/unwinding.h>
+#include <qzl_io/detail/value_types.h>
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 #include <qzl_io/sdl/cipher.h>
 #include <qzl_io/sdl/keyword.h>
 #include <qzl_io/sdl/limits.h>
+#include <qzl_io/sdl/names.h>
 #include <qzl_io/sdl/parser.h>
+
+namespace xSDL {
+
+// The token that holds a value of the type; sdlNone if it takes several, or if readers do not read the type.
+template <class T>
+inline constexpr eSDLParserLexType kTokenOf =
+    IO::eOneOf<T, float, double>                                                                   ? sdlNumber
+    : IO::eOneOf<T, bool, char, short, int, long long, unsigned long long> || IO::eLongOf64Bits<T> ? sdlInt
+    : IO::eOneOf<T, std::string, std::wstring, eFileName>                                          ? sdlString
+                                                                                                   : sdlNone;
+
+} // namespace xSDL
 
 // Reads an SDL source value by value: the application's calls are the grammar.
 //
@@ -26,6 +42,18 @@
 //         int count = reader.GetInt();
 //         reader >> endb;
 //     }                                                              // } is read by the destructor
+//
+// Blocks in any order, of which some may be unknown, values that may be missing, and words that stand for values:
+//
+//     for (reader.GetBlock(lightWord.id); !reader.End();)
+//         switch (reader.NextBlock()) {
+//         case powerWord.id: ...
+//         default:                                               // names it and skips it
+//             std::cerr << reader.NextBlockName() << " is unknown\n";
+//             (reader >> begb).SkipBlock();
+//         }
+//     float power = 100; reader.TryGet(power);                    // stays 100 if no number is next
+//     eShading shading = reader.GetName(kShadings);               // names.h
 //
 // The application does not see comments, included files and control blocks. A control block is a comment, arithmetic
 // such as (+ 1 2 3), which reads as one float, or one of the words include, define and mod with anything after it,
@@ -103,11 +131,23 @@ public:
     // "Identifier expected!"
     const std::string& GetSignature();
 
+    // Numbers of 64 bits, read exactly. An integer out of range gives the nearest one, a hexadecimal integer its low 64
+    // bits without a sign. A number that is too large for a double gives an infinity, one that is too small a zero. The
+    // value of a calculation has the 32 bits of a float.
+    long long GetInt64();           // "Integer expected!"
+    unsigned long long GetUint64(); // "Integer expected!"
+    double GetDouble();             // from either kind of number: "Number expected!"
+
     // Read like the Get function of the type; char and short take the low bits of the integer.
     eSDLReader& operator>>(int& value);
     eSDLReader& operator>>(short& value);
     eSDLReader& operator>>(char& value);
     eSDLReader& operator>>(float& value);
+    eSDLReader& operator>>(long long& value);
+    eSDLReader& operator>>(unsigned long long& value);
+    template <IO::eLongOf64Bits T>
+    eSDLReader& operator>>(T& value);
+    eSDLReader& operator>>(double& value);
     eSDLReader& operator>>(bool& value);
     eSDLReader& operator>>(std::string& value);
     eSDLReader& operator>>(std::wstring& value);
@@ -115,6 +155,35 @@ public:
     eSDLReader& operator>>(eStrings& values);
     eSDLReader& operator>>(eStringsW& values);
     eSDLReader& operator>>(eSDLReader& (*manipulator)(eSDLReader&)) { return manipulator(*this); }
+
+    // The value of the word that is next, from a table (names.h): "Identifier expected!", or "Unknown name '%1%'!" with
+    // the word, and with "Did you mean '%2%'?" if a name of the table is near.
+    template <xSDL::eNames T>
+    xSDL::eNamed<T> GetName(const T& names);
+
+    // Whether out-of-range numbers are reported instead of changed: "%1% is out of range!" with the number, if an
+    // integer does not fit into the type that is read, a number too large for a float or double would be an infinity,
+    // or one too small zero. Also for the integers of a calculation and those read as floats. A hexadecimal integer
+    // fits if its digits have no more bits than the type. Initially off.
+    void CheckRange(bool check);
+    bool CheckRange() const { return checkRange; }
+
+    // --- Values that may be missing: false if the next token is not what is asked for; then nothing is read or
+    // reported, and the value does not change. ---
+
+    // For every type that >> reads from one token: an integer for bool and the integer types, either kind of number for
+    // float and double, a string for texts and file names.
+    template <class T>
+    requires(xSDL::kTokenOf<T> != sdlNone) bool TryGet(T& value);
+    // A word, keyword or not.
+    bool TryGetIdent(std::string& value);
+    // A word of the table.
+    template <xSDL::eNames T>
+    bool TryGetName(const T& names, xSDL::eNamed<T>& value);
+    // The keyword with that id.
+    bool TryGetKeyword(int id);
+    // {KEYWORD with that id.
+    bool TryGetBlock(int id);
 
     // --- Looking ahead and structure ---
 
@@ -127,6 +196,12 @@ public:
     // Whether a block is next, and whether the current block ends. Nothing is read.
     bool Start();
     bool End();
+
+    // The id in the current table of the block that is next, as GetBlock would return it, and its name as written: 0
+    // and empty if no block is next; 0 if the name is not a keyword. Nothing is read. The name is valid until the next
+    // read.
+    int NextBlock();
+    std::string_view NextBlockName();
 
     // Unreads the last token, within one source. Only one token can be unread.
     void Back();
@@ -199,6 +274,24 @@ private:
 
     class eSkipping;
     class eUnopened;
+    class eLookAhead;
+
+    struct eBlockName {
+        int id = 0;
+        std::string_view name;
+    };
+    eBlockName SeeBlockName();
+    template <class T>
+    T GetSmall();
+    int NextInt();
+    float NextFloat();
+    template <class T>
+    T NextInteger();
+    std::string_view TakeWord();
+    template <class T>
+    void RequireFits(std::string_view number);
+    void RequireFloatFits();
+    [[noreturn]] void FailName(const std::vector<std::string_view>& names);
 
     void CheckSignature(const char* signature, int notSDLLine);
     const std::string& ReadSignature(int notSDLLine);
@@ -238,6 +331,7 @@ private:
     std::string previousBlockMark;
     std::shared_ptr<eSDLCipher> cipher;
     eSDLLimits sourceLimits;
+    bool checkRange = false;
     std::vector<std::shared_ptr<eUnopened>> unopened; // left since the last report
     xSDL::eUnwinding unwinding;
 };
@@ -251,3 +345,43 @@ QZL_IO_API eSDLReader& begb(eSDLReader& reader); // {: "Block start expected!"
 QZL_IO_API eSDLReader& endb(eSDLReader& reader); // }: "Block terminator expected!"
 QZL_IO_API eSDLReader& begc(eSDLReader& reader); // (: "Control Block start expected!"
 QZL_IO_API eSDLReader& endc(eSDLReader& reader); // ): "Control Block terminator expected!"
+
+template <IO::eLongOf64Bits T>
+eSDLReader& eSDLReader::operator>>(T& value) {
+    if constexpr (std::is_signed_v<T>)
+        value = static_cast<T>(GetInt64());
+    else
+        value = static_cast<T>(GetUint64());
+    return *this;
+}
+
+template <xSDL::eNames T>
+xSDL::eNamed<T> eSDLReader::GetName(const T& names) {
+    if (const auto* entry = xSDL::FindName(names, TakeWord()))
+        return entry->value;
+    std::vector<std::string_view> known;
+    for (const auto& entry : names)
+        known.push_back(entry.name);
+    FailName(known);
+}
+
+template <class T>
+requires(xSDL::kTokenOf<T> != sdlNone) bool eSDLReader::TryGet(T& value) {
+    if (!Test(xSDL::kTokenOf<T>))
+        return false;
+    *this >> value;
+    return true;
+}
+
+template <xSDL::eNames T>
+bool eSDLReader::TryGetName(const T& names, xSDL::eNamed<T>& value) {
+    if (!Test(sdlIdent))
+        return false;
+    const auto* const entry = xSDL::FindName(names, TakeWord());
+    if (!entry) {
+        Back();
+        return false;
+    }
+    value = entry->value;
+    return true;
+}

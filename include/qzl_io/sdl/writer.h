@@ -3,10 +3,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include <qzl_base/strings.h>
 #include <qzl_io/detail/unwinding.h>
+#include <qzl_io/detail/value_types.h>
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
 #include <qzl_io/sdl/cipher.h>
@@ -64,7 +66,7 @@ public:
         // nothing.
         virtual void WriteControl(int code) = 0;
         static constexpr int kNoKeyword = -1;
-        // Writes a word. `id` is that of the keyword, or kNoKeyword for other words.
+        // Writes a word, or a number of 64 bits. `id` is that of the keyword, or kNoKeyword for other words.
         virtual void WriteIdent(const char* name, int id) = 0;
         // Writes "#" and the text: directly after a block's opening, the block's mark. An empty text writes nothing.
         virtual void WriteHashed(const char* text) = 0;
@@ -152,6 +154,14 @@ public:
     // Values above 2147483647 are written as the negative number with the same bits.
     eSDLWriter& operator<<(unsigned int value) { return *this << static_cast<int>(value); }
     inline eSDLWriter& operator<<(float value);
+    // Numbers of 64 bits. A stream gets those that are no int as words. A double is the shortest text from which
+    // GetDouble of a reader makes the same double, and GetFloat the float nearest to it; a NaN or an infinity is
+    // written like that of a float.
+    eSDLWriter& operator<<(long long value);
+    eSDLWriter& operator<<(unsigned long long value);
+    template <IO::eLongOf64Bits T>
+    eSDLWriter& operator<<(T value);
+    eSDLWriter& operator<<(double value);
 
     eSDLWriter& operator<<(eSDLWriter& (*manipulator)(eSDLWriter&)) { return manipulator(*this); }
 
@@ -186,6 +196,8 @@ private:
     void Release();
     void CloseQuietly() noexcept;
     const char* KeywordName(int id) const;
+    template <class T>
+    eSDLWriter& WriteInteger(T value);
 
     std::shared_ptr<eDocument> document;
     std::vector<eSDLKeyword*> keywords;
@@ -273,4 +285,12 @@ inline eSDLWriter& eSDLWriter::operator<<(int value) {
 inline eSDLWriter& eSDLWriter::operator<<(float value) {
     Stream().WriteFloat(value);
     return *this;
+}
+
+template <IO::eLongOf64Bits T>
+eSDLWriter& eSDLWriter::operator<<(T value) {
+    if constexpr (std::is_signed_v<T>)
+        return *this << static_cast<long long>(value);
+    else
+        return *this << static_cast<unsigned long long>(value);
 }

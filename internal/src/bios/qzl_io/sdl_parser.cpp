@@ -178,6 +178,7 @@ eSDLParser::eSDLParser(const eSDLParser& other)
       current(other.current),
       isFile(other.isFile),
       text(other.text),
+      checksNumbers(other.checksNumbers),
       keywords(other.keywords),
       name(other.name),
       passed(other.passed),
@@ -186,6 +187,7 @@ eSDLParser::eSDLParser(const eSDLParser& other)
       escaped(other.escaped),
       tooLong(other.tooLong) {
     current.MoveSource(other.text.data(), text.data());
+    PlacePlainNumbers();
 }
 
 // Another thread may be describing this entry, from members that are about to be destroyed.
@@ -254,6 +256,16 @@ void eSDLParser::ReplaceParameters(const std::map<eStringKey, eStringKey>& param
 
 void eSDLParser::Rewind() {
     current.Start(text.data() + passed);
+    PlacePlainNumbers();
+}
+
+void eSDLParser::PlacePlainNumbers() {
+    plainNumbers = text.data() + (checksNumbers ? text.size() : 0);
+}
+
+void eSDLParser::CheckNumbers() {
+    checksNumbers = true;
+    PlacePlainNumbers();
 }
 
 bool eSDLParser::Get() {

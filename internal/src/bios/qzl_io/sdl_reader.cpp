@@ -8,11 +8,14 @@
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
+#include <qzl_base/format.h>
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/streams.h>
 
 #include "qzl_base/shared/ascii.h"
 #include "sdl/cutter.h"
+#include "sdl/nearest.h"
+#include "sdl/number.h"
 #include "sdl/skim.h"
 
 namespace {
@@ -47,6 +50,8 @@ constexpr int kBlockStartLine = 569;
 constexpr int kControlBlockStartLine = 577;
 constexpr int kTokenLimitLine = 600;
 constexpr int kIncludeLimitLine = 610;
+constexpr int kRangeLine = 620;
+constexpr int kNameLine = 630;
 
 } // namespace ReaderReport
 
@@ -77,9 +82,15 @@ std::string LowerCased(std::string text) {
 }
 
 // Of a text that may be a whole source, what a message shows.
-std::string BeginningOf(const std::string& text) {
+std::string BeginningOf(std::string_view text) {
     constexpr std::size_t kMostShown = 100;
-    return text.size() <= kMostShown ? text : text.substr(0, kMostShown) + "...";
+    return text.size() <= kMostShown ? std::string(text) : std::string(text.substr(0, kMostShown)) + "...";
+}
+
+// The text of a number as it stands in the source. That of a calculation stands nowhere.
+std::string_view NumberText(const xSDL::eCurrentToken& token) {
+    const bool calculated = token.Type() == sdlFloat && token.Place() == xSDL::eCurrentToken::ePlace::Own;
+    return calculated ? token.Text() : token.SourceText();
 }
 
 template <class Name>
@@ -117,6 +128,38 @@ public:
 
 private:
     eSDLReader& reader;
+};
+
+// Lets the reader read ahead, and puts back at the end of its lifetime what that has changed.
+class eSDLReader::eLookAhead {
+public:
+    explicit eLookAhead(eSDLReader& lookingReader)
+        : reader(lookingReader),
+          parsers(reader.parsers),
+          blockMark(reader.blockMark),
+          previousBlockMark(reader.previousBlockMark),
+          unopened(reader.unopened) {
+        for (const auto& parser : parsers)
+            tokens.push_back(parser->current);
+    }
+    ~eLookAhead() {
+        for (std::size_t index = 0; index < parsers.size(); ++index)
+            parsers[index]->current = std::move(tokens[index]);
+        reader.parsers = std::move(parsers);
+        reader.blockMark = std::move(blockMark);
+        reader.previousBlockMark = std::move(previousBlockMark);
+        reader.unopened = std::move(unopened);
+    }
+    eLookAhead(const eLookAhead&) = delete;
+    eLookAhead& operator=(const eLookAhead&) = delete;
+
+private:
+    eSDLReader& reader;
+    std::vector<std::shared_ptr<eSDLParser>> parsers;
+    std::vector<xSDL::eCurrentToken> tokens;
+    std::string blockMark;
+    std::string previousBlockMark;
+    std::vector<std::shared_ptr<eUnopened>> unopened;
 };
 
 // A file to be included that could not be opened, for the next report.
@@ -246,18 +289,92 @@ int eSDLReader::GetInt() {
     eSDLParser& parser = *parsers.back();
     if (eSDLParser::eCutter(parser).TakeInt())
         return parser.current.Int();
+    return NextInt();
+}
+
+int eSDLReader::NextInt() {
     if (Next() != sdlInt)
         Fail(ReaderReport::kIntegerLine, "Integer expected!");
-    return parsers.back()->current.Int();
+    const xSDL::eCurrentToken& token = parsers.back()->current;
+    RequireFits<int>(NumberText(token));
+    return token.Int();
 }
 
 float eSDLReader::GetFloat() {
     eSDLParser& parser = *parsers.back();
     if (eSDLParser::eCutter(parser).TakeNumber())
         return parser.current.Float();
+    return NextFloat();
+}
+
+float eSDLReader::NextFloat() {
     if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
         Fail(ReaderReport::kNumberLine, "Number expected!");
+    RequireFloatFits();
     return parsers.back()->current.Float();
+}
+
+// An integer that is read as a float is an int before.
+void eSDLReader::RequireFloatFits() {
+    if (!checkRange)
+        return;
+    const xSDL::eCurrentToken& token = parsers.back()->current;
+    if (token.Type() == sdlInt)
+        RequireFits<int>(NumberText(token));
+    else
+        RequireFits<float>(NumberText(token));
+}
+
+// The first 15 digits of an integer and each of its forms fit into 64 bits, so nothing is gained by a shorter way.
+template <class T>
+T eSDLReader::NextInteger() {
+    if (Next() != sdlInt)
+        Fail(ReaderReport::kIntegerLine, "Integer expected!");
+    const std::string_view number = NumberText(parsers.back()->current);
+    RequireFits<T>(number);
+    return xSDL::TextTo<T>(number);
+}
+
+long long eSDLReader::GetInt64() {
+    return NextInteger<long long>();
+}
+
+unsigned long long eSDLReader::GetUint64() {
+    return NextInteger<unsigned long long>();
+}
+
+double eSDLReader::GetDouble() {
+    if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
+        Fail(ReaderReport::kNumberLine, "Number expected!");
+    const xSDL::eCurrentToken& token = parsers.back()->current;
+    const std::string_view number = NumberText(token);
+    RequireFits<double>(number);
+    const bool inSource = number.data() == token.SourceText().data();
+    return inSource ? xSDL::TextTo<double>(number) : double{token.Float()};
+}
+
+// An int is checked before it is made a smaller one.
+template <class T>
+T eSDLReader::GetSmall() {
+    eSDLParser& parser = *parsers.back();
+    if (eSDLParser::eCutter(parser).TakeInt())
+        return static_cast<T>(parser.current.Int());
+    const int value = NextInt();
+    RequireFits<T>(NumberText(parsers.back()->current));
+    return static_cast<T>(value);
+}
+
+void eSDLReader::CheckRange(bool check) {
+    checkRange = check;
+    if (check)
+        for (const auto& parser : parsers)
+            parser->CheckNumbers();
+}
+
+template <class T>
+void eSDLReader::RequireFits(std::string_view number) {
+    if (checkRange && !xSDL::Fits<T>(number))
+        Fail(ReaderReport::kRangeLine, (format("%1% is out of range!") % BeginningOf(number)).str());
 }
 
 bool eSDLReader::GetBool() {
@@ -287,6 +404,23 @@ const std::string& eSDLReader::GetIdent(bool lower) {
     if (lower)
         LowerCase(&parsers.back()->current.OwnString());
     return parsers.back()->current.String();
+}
+
+std::string_view eSDLReader::TakeWord() {
+    if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
+        Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
+    return parsers.back()->current.Text();
+}
+
+void eSDLReader::FailName(const std::vector<std::string_view>& names) {
+    const std::string_view word = parsers.back()->current.Text();
+    xSDL::eNearest nearest(word);
+    for (const std::string_view name : names)
+        nearest.Try(name);
+    std::string message = format("Unknown name '%1%'!") % BeginningOf(word);
+    if (!nearest.Word().empty())
+        message += format(" Did you mean '%1%'?") % nearest.Word();
+    Fail(ReaderReport::kNameLine, message);
 }
 
 int eSDLReader::GetKeyword() {
@@ -321,17 +455,32 @@ eSDLReader& eSDLReader::operator>>(int& value) {
 }
 
 eSDLReader& eSDLReader::operator>>(short& value) {
-    value = static_cast<short>(GetInt());
+    value = GetSmall<short>();
     return *this;
 }
 
 eSDLReader& eSDLReader::operator>>(char& value) {
-    value = static_cast<char>(GetInt());
+    value = GetSmall<char>();
     return *this;
 }
 
 eSDLReader& eSDLReader::operator>>(float& value) {
     value = GetFloat();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(long long& value) {
+    value = GetInt64();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(unsigned long long& value) {
+    value = GetUint64();
+    return *this;
+}
+
+eSDLReader& eSDLReader::operator>>(double& value) {
+    value = GetDouble();
     return *this;
 }
 
@@ -416,6 +565,55 @@ bool eSDLReader::Start() {
 bool eSDLReader::End() {
     const char seen = SeePlainToken();
     return seen ? seen == '}' : Test(sdlBlockEnd);
+}
+
+int eSDLReader::NextBlock() {
+    return SeeBlockName().id;
+}
+
+std::string_view eSDLReader::NextBlockName() {
+    return SeeBlockName().name;
+}
+
+// Usually a word directly follows the {. Anything else is left to reading.
+eSDLReader::eBlockName eSDLReader::SeeBlockName() {
+    const char seen = SeePlainToken();
+    if (seen && seen != '{')
+        return {};
+    if (seen) {
+        const std::string_view name = eSDLParser::eCutter(*parsers.back()).SeeBlockName();
+        if (!name.empty())
+            return {Keywords() ? eSDLKeyword::FindIn(Keywords(), name.data(), name.size()) : 0, name};
+    }
+    const eLookAhead lookAhead(*this);
+    if (Next() != sdlBlockStart)
+        return {};
+    const eSDLParserLexType type = NextWord();
+    const xSDL::eCurrentToken& token = parsers.back()->current;
+    if (type != sdlIdent && type != sdlKeyword)
+        return {};
+    return {type == sdlKeyword ? token.Int() : 0, token.SourceText()};
+}
+
+bool eSDLReader::TryGetIdent(std::string& value) {
+    if (!Test(sdlIdent))
+        return false;
+    value = TakeWord();
+    return true;
+}
+
+bool eSDLReader::TryGetKeyword(int id) {
+    if (Check(sdlKeyword, id))
+        return true;
+    Back();
+    return false;
+}
+
+bool eSDLReader::TryGetBlock(int id) {
+    if (id == 0 || NextBlock() != id)
+        return false;
+    GetBlock(id);
+    return true;
 }
 
 // The mark goes back with the start of its block, or with the identifier after it, since GetBlock takes both at once.
@@ -599,6 +797,8 @@ void eSDLReader::PushParser(eSDLParser* parser) {
     std::shared_ptr<eSDLParser> owned(parser); // before the list grows, which may fail
     RequireRoomForSource();
     owned->LimitTokens(sourceLimits.tokenBytes);
+    if (checkRange)
+        owned->CheckNumbers();
     parsers.push_back(std::move(owned));
 }
 
@@ -685,6 +885,7 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
     const eSDLParser& parser = *parsers.back();
     if (parser.current.Type() != sdlInt && parser.current.Type() != sdlFloat)
         Fail(ReaderReport::kNumberLine, "Number expected!");
+    RequireFloatFits();
     token->type = sdlFloat;
     token->floatValue = parser.current.Float();
     token->text.assign(parser.current.Text());

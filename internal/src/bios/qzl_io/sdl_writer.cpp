@@ -497,6 +497,31 @@ eSDLWriter& eSDLWriter::operator<<(const ident& value) {
     return *this;
 }
 
+eSDLWriter& eSDLWriter::operator<<(long long value) {
+    return WriteInteger(value);
+}
+
+eSDLWriter& eSDLWriter::operator<<(unsigned long long value) {
+    return WriteInteger(value);
+}
+
+template <class T>
+eSDLWriter& eSDLWriter::WriteInteger(T value) {
+    if (std::in_range<int>(value))
+        return *this << static_cast<int>(value);
+    const bool hexadecimal = std::exchange(Stream().formatFlag, false);
+    return *this << ident{ToString(value, hexadecimal).c_str()};
+}
+
+// A text stream knows how a float is written that is no number.
+eSDLWriter& eSDLWriter::operator<<(double value) {
+    if (!std::isfinite(value))
+        return *this << static_cast<float>(value);
+    char text[kNumberTextRoom + 1];
+    *PutDouble(text, value) = 0;
+    return *this << ident{text};
+}
+
 eSDLWriter& eSDLWriter::operator<<(const std::wstring& string) {
     return *this << ToString(string);
 }

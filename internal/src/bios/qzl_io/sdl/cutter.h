@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include <qzl_io/sdl/parser.h>
 
@@ -22,14 +23,14 @@ public:
 
     [[gnu::always_inline]] bool TakeInt() {
         unsigned long long digits;
-        const char* const end = xSDL::PassPlainInt(begin.at, parser.text.data(), &digits);
+        const char* const end = xSDL::PassPlainInt(begin.at, parser.plainNumbers, &digits);
         return end && AcceptInt(digits, end);
     }
 
     // Takes a number of either kind.
     [[gnu::always_inline]] bool TakeNumber() {
         xSDL::eLexeme number;
-        const char* const end = xSDL::PassPlainNumber(begin.at, parser.text.data(), &number);
+        const char* const end = xSDL::PassPlainNumber(begin.at, parser.plainNumbers, &number);
         if (!end)
             return false;
         if (number.type == sdlInt)
@@ -78,6 +79,14 @@ public:
         if (seen)
             parser.current.ForgetBefore();
         return seen;
+    }
+
+    // The name of the block that begins here, if it directly follows the { and is within the limit; empty if not.
+    std::string_view SeeBlockName() const {
+        const char* const name = xSDL::FindToken(begin.at + 1, begin.line).at;
+        const char* const end = xSDL::PassWord(name);
+        const auto size = static_cast<std::size_t>(end ? end - name : 0);
+        return parser.current.Admits(size) ? std::string_view(name, size) : std::string_view();
     }
 
 private:

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
+#include <concepts>
 #include <emmintrin.h>
 #include <limits>
 #include <string_view>
+#include <type_traits>
 
 #include <qzl_base/convert.h>
 
@@ -19,16 +22,48 @@ inline int NearestInt(unsigned long long digits, bool negative) {
     return static_cast<int>((magnitude ^ (0 - sign)) + sign);
 }
 
-inline int TextToInt(std::string_view text) {
-    int value = 0;
+template <class T>
+T TextTo(std::string_view text) {
+    T value = 0;
     _FromString(&value, text.data(), text.data() + text.size());
     return value;
 }
 
+inline int TextToInt(std::string_view text) {
+    return TextTo<int>(text);
+}
+
 inline float TextToFloat(std::string_view text) {
-    float value = 0;
-    _FromString(&value, text.data(), text.data() + text.size());
-    return value;
+    return TextTo<float>(text);
+}
+
+inline bool IsHexadecimal(std::string_view text) {
+    return text.starts_with("0x");
+}
+
+// Whether the type has the value of an integer's text. Hexadecimal digits are bits, so an int has 0xffffffff.
+template <std::integral T>
+bool Fits(std::string_view text) {
+    const bool hexadecimal = IsHexadecimal(text);
+    using eBits = std::make_unsigned_t<T>;
+    using eValue = std::conditional_t<std::is_signed_v<T>, long long, unsigned long long>;
+    const auto within = [&]<class eWide, class eNarrow>(eWide, eNarrow) {
+        eWide value = 0;
+        return _FromString(&value, text.data(), text.data() + text.size()) &&
+               value >= std::numeric_limits<eNarrow>::min() && value <= std::numeric_limits<eNarrow>::max();
+    };
+    return hexadecimal ? within(0ULL, eBits()) : within(eValue(), T());
+}
+
+// Whether the value of a number's text is finite in the type, and zero only if all digits are. False for names such as
+// "inf".
+template <std::floating_point T>
+bool Fits(std::string_view text) {
+    if (IsHexadecimal(text))
+        return Fits<unsigned long long>(text);
+    const T value = TextTo<T>(text);
+    const std::string_view digits = text.substr(0, text.find_first_of("eE"));
+    return std::isfinite(value) && (value != 0 || digits.find_first_not_of("+-0.") == std::string_view::npos);
 }
 
 // The value without its fraction, as an int. Values of 2147483648 and more, and NaN, give the smallest int, as does the

@@ -16,8 +16,8 @@ namespace xSDL {
     return (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
 }
 
-// The functions for numbers read up to 16 characters before the end of the digits, so they take none at the beginning
-// of the source. A number has less than 16 characters, without its exponent.
+// The functions for numbers read up to 16 characters before the end of the digits, so they take none before the 16th
+// character of `source`. A number has less than 16 characters, without its exponent.
 [[gnu::always_inline]] inline const char* PassPlainInt(const char* begin, const char* source,
                                                        unsigned long long* value) {
     const unsigned sign = *begin == '-';
