@@ -3,6 +3,7 @@
 // SDL, the structured text format: reading, writing, keyword tables and the conversion from JSON.
 
 #include <qzl_io/sdl/cipher.h>
+#include <qzl_io/sdl/document.h>
 #include <qzl_io/sdl/keyword.h>
 #include <qzl_io/sdl/limits.h>
 #include <qzl_io/sdl/parser.h>

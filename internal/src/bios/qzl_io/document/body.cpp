@@ -1,0 +1,288 @@
+#include "document/body.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace xSDL {
+namespace {
+
+// A text that is too long is not taken.
+std::string Admitted(std::string text, const eSDLLimits& limits, IO::eFailure* failure) {
+    if (text.size() <= limits.sourceBytes)
+        return text;
+    *failure = {0, eDocumentBody::kSourceLimit};
+    return {};
+}
+
+// What follows the parenthesis tells what a control block is to a reader.
+bool IsCalculation(const char* parenthesis) {
+    const char* at = parenthesis + 1;
+    int line = 0;
+    eLexeme head;
+    CutToken(&at, &line, &head);
+    return head.type == sdlOperator;
+}
+
+// Items are what a reader reads.
+bool IsItem(const eFound& found) {
+    switch (found.kind) {
+    case eSDLKind::Block:
+        return !found.hidden;
+    case eSDLKind::Int:
+    case eSDLKind::Float:
+    case eSDLKind::String:
+    case eSDLKind::Word:
+    case eSDLKind::Operator:
+    case eSDLKind::Calculation:
+        return true;
+    default:
+        return false;
+    }
+}
+
+eSDLKind KindOf(eSDLParserLexType type) {
+    switch (type) {
+    case sdlIdent:
+        return eSDLKind::Word;
+    case sdlInt:
+    case sdlHex:
+        return eSDLKind::Int;
+    case sdlFloat:
+        return eSDLKind::Float;
+    case sdlString:
+        return eSDLKind::String;
+    case sdlOperator:
+        return eSDLKind::Operator;
+    default:
+        return eSDLKind::Bad;
+    }
+}
+
+} // namespace
+
+eDocumentBody::eDocumentBody(std::string loaded, std::string itsName, const eSDLLimits& limits)
+    : name(std::move(itsName)), original(Admitted(std::move(loaded), limits, &failure), limits.tokenBytes) {
+    edge.before = edge.next = &edge;
+    if (original.Begin() != original.End())
+        Insert({&original, 0, original.Begin(), original.End()}, &edge);
+}
+
+void eDocumentBody::Insert(ePiece piece, ePiece* next) {
+    const eSpot spot{piece.id, piece.begin};
+    ePiece& inserted = pieces.emplace(spot, piece).first->second;
+    inserted.before = next->before;
+    inserted.next = next;
+    next->before->next = &inserted;
+    next->before = &inserted;
+}
+
+// --- Texts ---
+
+unsigned long long eDocumentBody::Size() const {
+    unsigned long long size = 0;
+    ForEachPart([&size](std::string_view part) { size += part.size(); });
+    return size;
+}
+
+void eDocumentBody::ForEachPart(const std::function<void(std::string_view)>& take) const {
+    take(Before());
+    for (const ePiece* piece = edge.next; piece != &edge; piece = piece->next)
+        take(piece->source->Bytes(piece->begin, piece->end));
+    take(After());
+}
+
+// With room for what a source needs behind it.
+std::string eDocumentBody::Text() const {
+    std::string text;
+    text.reserve(static_cast<std::size_t>(Size()) + kTextEnd);
+    ForEachPart([&text](std::string_view part) { text += part; });
+    return text;
+}
+
+std::string eDocumentBody::TextBetween(const ePosition& begin, const ePosition& end) const {
+    std::string text;
+    std::size_t from = begin.offset;
+    for (const ePiece* piece = begin.piece; piece != end.piece; piece = piece->next, from = piece->begin)
+        text += piece->source->Bytes(from, piece->end);
+    if (!IsEnd(end))
+        text += end.piece->source->Bytes(from, end.offset);
+    return text;
+}
+
+// --- Looking through ---
+
+ePosition eDocumentBody::Normal(const ePiece* piece, std::size_t offset) const {
+    return offset == piece->end ? ePosition{piece->next, piece->next->begin} : ePosition{piece, offset};
+}
+
+ePosition eDocumentBody::Inside(const ePosition& brace, const eFound& found) const {
+    return Normal(brace.piece, brace.offset + found.text.size());
+}
+
+ePosition eDocumentBody::AfterBracket(const ePosition& begin, std::size_t index) const {
+    const eBlockIndex& blocks = begin.piece->source->Blocks();
+    if (!blocks.IsClosed(index))
+        return {&edge, 0};
+    const auto end = static_cast<std::size_t>(blocks.End(index));
+    const ePiece* const piece = end <= begin.piece->end ? begin.piece : PieceOf({begin.piece->id, end - 1});
+    return Normal(piece, end);
+}
+
+std::size_t eDocumentBody::EndedAt(const ePosition& position) {
+    const eBlockIndex& blocks = position.piece->source->Blocks();
+    const std::size_t around = blocks.Around(position.offset);
+    const bool ended = around != eBlockIndex::kNone && blocks.End(around) == position.offset + 1;
+    return ended ? around : eBlockIndex::kNone;
+}
+
+eFound eDocumentBody::See(const ePosition& position, std::size_t* hint) const {
+    if (IsEnd(position))
+        return {};
+    const ePiece& piece = *position.piece;
+    const char* const begin = position.At();
+    const char* const most = piece.source->At(piece.end);
+    const auto found = [&](eSDLKind kind, const char* end) {
+        end = std::min(end, most);
+        return eFound{kind,
+                      {begin, static_cast<std::size_t>(end - begin)},
+                      Normal(&piece, static_cast<std::size_t>(end - piece.source->At(0)))};
+    };
+    int line = 0;
+    switch (*begin) {
+    case ';':
+        return found(eSDLKind::Comment, PassComment(begin + 1));
+    case '}':
+    case ')':
+        return found(EndedAt(position) != eBlockIndex::kNone ? eSDLKind::BlockEnd : eSDLKind::Bad, begin + 1);
+    case '{': {
+        eLexeme mark;
+        eFound block = found(eSDLKind::Block, CutMark(begin + 1, &mark));
+        *hint = piece.source->Blocks().FirstFrom(position.offset, *hint);
+        block.after = AfterBracket(position, *hint);
+        block.closed = piece.source->Blocks().IsClosed(*hint);
+        block.hidden = mark.length > 1 && IsHiddenAt(begin);
+        return block;
+    }
+    case '(': {
+        const eBlockIndex& blocks = piece.source->Blocks();
+        *hint = blocks.FirstFrom(position.offset, *hint);
+        const std::size_t end = blocks.IsClosed(*hint) ? static_cast<std::size_t>(blocks.End(*hint)) : piece.end;
+        return found(IsCalculation(begin) ? eSDLKind::Calculation : eSDLKind::Control, piece.source->At(end));
+    }
+    default:
+        break;
+    }
+    if (Begins(*begin) == eBegins::Gap)
+        return found(eSDLKind::Blank, PassBlanks(begin, &line));
+    if (IsIllegal(*begin))
+        return found(eSDLKind::Bad, PassIllegal(begin));
+    eLexeme token;
+    const char* const end = CutAt(begin, &line, &token);
+    return found(KindOf(token.type), end);
+}
+
+bool eDocumentBody::FindItem(ePosition* position, eFound* found) const {
+    for (std::size_t hint = 0;; *position = found->after) {
+        *found = See(*position, &hint);
+        if (IsItem(*found))
+            return true;
+        if (found->kind == eSDLKind::None || found->kind == eSDLKind::BlockEnd)
+            return false;
+    }
+}
+
+// --- Nodes ---
+
+const ePiece* eDocumentBody::PieceOf(eSpot spot) const {
+    const auto after = pieces.upper_bound(spot);
+    if (after == pieces.begin())
+        return nullptr;
+    const ePiece& piece = std::prev(after)->second;
+    return piece.id == spot.source && spot.offset < piece.end ? &piece : nullptr;
+}
+
+bool eDocumentBody::Locate(const eSDLNode& node, ePosition* position) const {
+    const eSpot spot = Followed({node.source, node.offset});
+    const ePiece* const piece = PieceOf(spot);
+    *position = {piece, static_cast<std::size_t>(spot.offset)};
+    return piece != nullptr;
+}
+
+bool eDocumentBody::Look(const eSDLNode& node, ePosition* position, eFound* found) const {
+    if (!Locate(node, position))
+        return false;
+    std::size_t hint = 0;
+    *found = See(*position, &hint);
+    return true;
+}
+
+eSpot eDocumentBody::Followed(eSpot spot) const {
+    return spot;
+}
+
+bool eDocumentBody::IsSame(const eSDLNode& left, const eSDLNode& right) {
+    if (left.body != right.body || !left.body)
+        return left.body == right.body;
+    return left.body->Followed({left.source, left.offset}) == right.body->Followed({right.source, right.offset});
+}
+
+bool eDocumentBody::FirstItem(const eSDLNode& node, ePosition* position, eFound* found) const {
+    if (IsRoot(node)) {
+        *position = First();
+        return FindItem(position, found);
+    }
+    if (!Look(node, position, found) || found->kind != eSDLKind::Block)
+        return false;
+    *position = Inside(*position, *found);
+    return FindItem(position, found);
+}
+
+bool eDocumentBody::FirstChild(const eSDLNode& node, ePosition* position, eFound* found) const {
+    if (!FirstItem(node, position, found))
+        return false;
+    if (IsRoot(node) || found->kind != eSDLKind::Word)
+        return true;
+    *position = found->after;
+    return FindItem(position, found);
+}
+
+eSDLNode eDocumentBody::Parent(const ePosition& position) const {
+    const eBlockIndex& blocks = position.piece->source->Blocks();
+    if (const std::size_t around = blocks.Around(position.offset); around != eBlockIndex::kNone)
+        return {this, position.piece->id, blocks.Begin(around)};
+    if (position.piece->id == 0)
+        return Root();
+    const eSpot parent = fragments.at(position.piece->id).parent;
+    return {this, parent.source, parent.offset};
+}
+
+// --- The text as it is now ---
+
+const eSource& eDocumentBody::Current() const {
+    if (!edited)
+        return original;
+    if (!current)
+        current = std::make_unique<eSource>(Text(), original.LongestToken());
+    return *current;
+}
+
+std::size_t eDocumentBody::CurrentOffset(const ePosition& position) const {
+    if (currentOffsets.empty()) {
+        std::size_t offset = original.Begin();
+        for (const ePiece* piece = edge.next; piece != &edge; offset += piece->end - piece->begin, piece = piece->next)
+            currentOffsets[piece] = offset;
+    }
+    return currentOffsets.at(position.piece) + position.offset - position.piece->begin;
+}
+
+const eLines& eDocumentBody::Lines() const {
+    if (!lines)
+        lines = std::make_unique<eLines>(Current());
+    return *lines;
+}
+
+xError::eExcerpt eDocumentBody::Excerpt(const ePosition& position, std::size_t length) const {
+    return Lines().Excerpt(name, CurrentOffset(position), length);
+}
+
+} // namespace xSDL

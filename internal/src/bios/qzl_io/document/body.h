@@ -1,0 +1,141 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include <qzl_io/sdl/document.h>
+
+#include "document/lines.h"
+#include "document/source.h"
+
+namespace xSDL {
+
+// A part of a source that is in the document. Its borders are borders of tokens, or within blanks.
+struct ePiece {
+    const eSource* source = nullptr;
+    std::uint64_t id = 0; // of the source
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    ePiece* before = nullptr;
+    ePiece* next = nullptr;
+};
+
+// The place of a character in the document: within a piece, or at the beginning of the edge.
+struct ePosition {
+    const ePiece* piece = nullptr;
+    std::size_t offset = 0;
+
+    const char* At() const { return piece->source->At(offset); }
+    eSpot Spot() const { return {piece->id, offset}; }
+    bool operator==(const ePosition&) const = default;
+};
+
+// What begins at a position.
+struct eFound {
+    eSDLKind kind = eSDLKind::None; // BlockEnd is also the end of a block that is being looked through
+    std::string_view text;          // of a block its brace and mark
+    ePosition after;                // of a block after its end
+    bool hidden = false;            // it is a block that readers skip
+    bool closed = false;            // it is a block that has its end
+};
+
+// The content of a document: pieces of texts that do not change, in the order of the document. The first text is the
+// one that was loaded, and each edit adds a text of its own. A node is a place in one of them, so it outlives edits
+// elsewhere.
+class eDocumentBody {
+public:
+    static constexpr const char* kSourceLimit = "Source limit exceeded!";
+    static constexpr std::uint64_t kRoot = ~std::uint64_t{0}; // the source of the node that is the document
+
+    eDocumentBody(std::string loaded, std::string itsName, const eSDLLimits& limits);
+    eDocumentBody(const eDocumentBody&) = delete;
+    eDocumentBody& operator=(const eDocumentBody&) = delete;
+    ~eDocumentBody() = default;
+
+    const std::string& Name() const { return name; }
+    IO::eFailure& Failure() const { return failure; }
+
+    // --- Texts ---
+
+    unsigned long long Size() const;
+    // Calls the function with all bytes, part by part.
+    void ForEachPart(const std::function<void(std::string_view)>& take) const;
+    std::string Text() const;
+    std::string TextBetween(const ePosition& begin, const ePosition& end) const;
+    // The bytes before and after what is read.
+    std::string_view Before() const { return original.Bytes(0, original.Begin()); }
+    std::string_view After() const { return original.Bytes(original.End(), original.Size()); }
+
+    // --- Looking through ---
+
+    ePosition First() const { return {edge.next, edge.next->begin}; }
+    bool IsEnd(const ePosition& position) const { return position.piece == &edge; }
+    // What begins at a position that is the border of a token. The hint is for the next block.
+    eFound See(const ePosition& position, std::size_t* hint) const;
+    // The position after the brace and mark.
+    ePosition Inside(const ePosition& brace, const eFound& found) const;
+    // The place after some characters of a piece.
+    ePosition Normal(const ePiece* piece, std::size_t offset) const;
+    // The first item from the position on in the same block; false if there is none.
+    bool FindItem(ePosition* position, eFound* found) const;
+    // The bracket that ends with the closing one at the position; kNone if none does.
+    static std::size_t EndedAt(const ePosition& position);
+
+    // --- Nodes ---
+
+    eSDLNode NodeAt(const ePosition& position) const { return {this, position.piece->id, position.offset}; }
+    eSDLNode Root() const { return {this, kRoot, 0}; }
+    static bool IsRoot(const eSDLNode& node) { return node.source == kRoot; }
+    // Where the node is now; false if it has been removed.
+    bool Locate(const eSDLNode& node, ePosition* position) const;
+    // The same, and what is there.
+    bool Look(const eSDLNode& node, ePosition* position, eFound* found) const;
+    static bool IsSame(const eSDLNode& left, const eSDLNode& right);
+    // The first item within a block or the document.
+    bool FirstItem(const eSDLNode& node, ePosition* position, eFound* found) const;
+    // The first that is not a block's name.
+    bool FirstChild(const eSDLNode& node, ePosition* position, eFound* found) const;
+    eSDLNode Parent(const ePosition& position) const;
+
+    // --- The text as it is now ---
+
+    // A text without edits.
+    const eSource& Current() const;
+    // Where the position is in that.
+    std::size_t CurrentOffset(const ePosition& position) const;
+    const eLines& Lines() const;
+    xError::eExcerpt Excerpt(const ePosition& position, std::size_t length) const;
+
+private:
+    struct eFragment {
+        std::unique_ptr<eSource> source;
+        eSpot parent; // the block that it is in
+    };
+
+    const ePiece* PieceOf(eSpot spot) const;
+    eSpot Followed(eSpot spot) const;
+    ePosition AfterBracket(const ePosition& begin, std::size_t index) const;
+    void Insert(ePiece piece, ePiece* next);
+
+    std::string name;
+    mutable IO::eFailure failure;
+    eSource original;
+    std::unordered_map<std::uint64_t, eFragment> fragments;
+    std::map<eSpot, ePiece> pieces; // by their beginnings
+    ePiece edge;                    // before the first piece and after the last one
+    bool edited = false;
+
+    // Made when asked for, until the next edit.
+    mutable std::unique_ptr<eSource> current;
+    mutable std::unordered_map<const ePiece*, std::size_t> currentOffsets;
+    mutable std::unique_ptr<eLines> lines;
+};
+
+} // namespace xSDL

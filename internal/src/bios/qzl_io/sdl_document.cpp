@@ -1,0 +1,452 @@
+#include <qzl_io/sdl/document.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include <qzl_base/convert.h>
+#include <qzl_io/streams.h>
+
+#include "document/body.h"
+#include "document/mistakes.h"
+#include "document/numbers.h"
+#include "document/path.h"
+#include "qzl_base/shared/ascii.h"
+#include "sdl/number.h"
+
+using xSDL::eDocumentBody;
+using xSDL::eFound;
+using xSDL::ePosition;
+
+namespace {
+
+bool IsSameWord(std::string_view left, std::string_view right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return ascii::ToLower(a) == ascii::ToLower(b); });
+}
+
+// A number as a reader takes it as an operand.
+bool ToOperand(const xSDL::eLexeme& token, float* value) {
+    const std::string_view text(token.begin, token.length);
+    switch (token.type) {
+    case sdlInt:
+    case sdlHex:
+        *value = static_cast<float>(xSDL::TextToInt(text));
+        return true;
+    case sdlFloat:
+        *value = xSDL::TextToFloat(text);
+        return true;
+    default:
+        return false;
+    }
+}
+
+float Combined(char operation, float left, float right) {
+    switch (operation) {
+    case '+':
+        return left + right;
+    case '-':
+        return left - right;
+    case '*':
+        return left * right;
+    default:
+        return left / right;
+    }
+}
+
+// The result of (+ 1 2); false if it has none.
+bool Calculate(std::string_view text, float* result) {
+    const std::string copy = std::string(text) + std::string(xSDL::kTextEnd, '\0');
+    const char* at = copy.data() + 1;
+    char operation = 0;
+    bool first = true;
+    for (int line = 0;;) {
+        xSDL::eLexeme token;
+        float operand = 0;
+        if (!xSDL::CutToken(&at, &line, &token))
+            return false;
+        if (token.type == sdlClose)
+            return !first;
+        if (operation == 0) {
+            operation = *token.begin;
+            continue;
+        }
+        if (!ToOperand(token, &operand))
+            return false;
+        *result = first ? operand : Combined(operation, *result, operand);
+        first = false;
+    }
+}
+
+template <class T>
+bool GetNumber(const eFound& found, T* value) {
+    double number = 0;
+    if (found.kind == eSDLKind::Calculation) {
+        float result = 0;
+        if (!Calculate(found.text, &result))
+            return false;
+        number = static_cast<double>(result);
+    } else if ((found.kind != eSDLKind::Int && found.kind != eSDLKind::Float) ||
+               !xSDL::numbers::ToDouble(found.text, &number)) {
+        return false;
+    }
+    *value = static_cast<T>(number);
+    return true;
+}
+
+std::string ReadAll(IO::eStream& stream, std::size_t size) {
+    constexpr std::size_t kPiece = std::size_t{64} * 1024;
+    std::string text;
+    text.reserve(size + xSDL::kTextEnd);
+    auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
+    while (done < size && stream.Disabled(IO::StreamMode::Bad)) {
+        const std::size_t piece = std::min(size - done, kPiece);
+        text.resize(done + piece);
+        stream.Read(text.data() + done, piece);
+        done += piece;
+    }
+    return text;
+}
+
+} // namespace
+
+// --- eSDLNode ---
+
+eSDLKind eSDLNode::Kind() const {
+    if (!body)
+        return eSDLKind::None;
+    if (eDocumentBody::IsRoot(*this))
+        return eSDLKind::Document;
+    ePosition position;
+    eFound found;
+    return body->Look(*this, &position, &found) ? found.kind : eSDLKind::None;
+}
+
+std::string eSDLNode::Text() const {
+    ePosition position;
+    eFound found;
+    if (body && eDocumentBody::IsRoot(*this))
+        return body->Text();
+    if (!body || !body->Look(*this, &position, &found))
+        return {};
+    return found.kind == eSDLKind::Block ? body->TextBetween(position, found.after) : std::string(found.text);
+}
+
+std::string_view eSDLNode::Name() const {
+    ePosition position;
+    eFound found;
+    if (!body || eDocumentBody::IsRoot(*this) || !body->Look(*this, &position, &found))
+        return {};
+    if (found.kind == eSDLKind::Block && !body->FirstItem(*this, &position, &found))
+        return {};
+    return found.kind == eSDLKind::Word ? found.text : std::string_view();
+}
+
+bool eSDLNode::Is(std::string_view name) const {
+    return IsSameWord(Name(), name);
+}
+
+std::string_view eSDLNode::Mark() const {
+    ePosition position;
+    eFound found;
+    if (!body || !body->Look(*this, &position, &found) || found.kind != eSDLKind::Block)
+        return {};
+    return found.text.substr(std::min<std::size_t>(found.text.size(), 2));
+}
+
+bool eSDLNode::IsHidden() const {
+    ePosition position;
+    eFound found;
+    return body && body->Look(*this, &position, &found) && found.hidden;
+}
+
+bool eSDLNode::IsClosed() const {
+    ePosition position;
+    eFound found;
+    return body && body->Look(*this, &position, &found) && found.kind == eSDLKind::Block && found.closed;
+}
+
+eSDLNode::eIterator eSDLNode::begin() const {
+    ePosition position;
+    eFound found;
+    return body && body->FirstChild(*this, &position, &found) ? eIterator(body->NodeAt(position)) : eIterator();
+}
+
+eSDLNode eSDLNode::Next() const {
+    ePosition position;
+    eFound found;
+    if (!body || eDocumentBody::IsRoot(*this) || !body->Look(*this, &position, &found))
+        return {};
+    position = found.after;
+    return body->FindItem(&position, &found) ? body->NodeAt(position) : eSDLNode();
+}
+
+eSDLNode eSDLNode::Parent() const {
+    ePosition position;
+    return body && body->Locate(*this, &position) ? body->Parent(position) : eSDLNode();
+}
+
+eSDLNode eSDLNode::Value(std::size_t index) const {
+    const eSDLKind kind = Kind();
+    if (kind == eSDLKind::Word) {
+        eSDLNode item = Next();
+        for (; index > 0 && item && !item.IsBlock(); --index)
+            item = item.Next();
+        return item.IsBlock() ? eSDLNode() : item;
+    }
+    for (const eSDLNode& child : *this)
+        if (!child.IsBlock() && index-- == 0)
+            return child;
+    return {};
+}
+
+eSDLNode eSDLNode::Find(std::string_view path) const {
+    const std::vector<eSDLNode> found = xSDL::ePath(path).Find(*this, 1);
+    return found.empty() ? eSDLNode() : found.front();
+}
+
+std::vector<eSDLNode> eSDLNode::FindAll(std::string_view path) const {
+    return xSDL::ePath(path).Find(*this, eSDLDocument::kAll);
+}
+
+bool eSDLNode::Get(int* value) const {
+    ePosition position;
+    eFound found;
+    if (!body || !body->Look(*this, &position, &found) || found.kind != eSDLKind::Int)
+        return false;
+    int read = 0;
+    if (found.text != "0x" && !_FromString(&read, found.text.data(), found.text.data() + found.text.size()))
+        return false;
+    *value = read;
+    return true;
+}
+
+bool eSDLNode::Get(long long* value) const {
+    ePosition position;
+    eFound found;
+    long long read = 0;
+    if (!body || !body->Look(*this, &position, &found) || found.kind != eSDLKind::Int ||
+        !xSDL::numbers::ToInteger(found.text, &read))
+        return false;
+    *value = read;
+    return true;
+}
+
+bool eSDLNode::Get(float* value) const {
+    ePosition position;
+    eFound found;
+    float read = 0;
+    if (!body || !body->Look(*this, &position, &found))
+        return false;
+    if (found.kind == eSDLKind::Calculation)
+        return Calculate(found.text, value);
+    if (found.kind != eSDLKind::Int && found.kind != eSDLKind::Float)
+        return false;
+    _FromString(&read, found.text.data(), found.text.data() + found.text.size());
+    if (!std::isfinite(read))
+        return false;
+    *value = read;
+    return true;
+}
+
+bool eSDLNode::Get(double* value) const {
+    ePosition position;
+    eFound found;
+    return body && body->Look(*this, &position, &found) && GetNumber(found, value);
+}
+
+bool eSDLNode::Get(bool* value) const {
+    long long read = 0;
+    if (!Get(&read))
+        return false;
+    *value = read != 0;
+    return true;
+}
+
+bool eSDLNode::Get(std::string* value) const {
+    ePosition position;
+    eFound found;
+    if (!body || !body->Look(*this, &position, &found) || found.kind != eSDLKind::String)
+        return false;
+    value->assign(found.text.substr(1, found.text.size() - 2));
+    ConvertEscSequence(value, false);
+    return true;
+}
+
+xError::ePlace eSDLNode::Place() const {
+    return Excerpt().place;
+}
+
+xError::eExcerpt eSDLNode::Excerpt() const {
+    ePosition position;
+    eFound found;
+    if (!body || !body->Look(*this, &position, &found))
+        return {};
+    return body->Excerpt(position, found.text.size());
+}
+
+bool eSDLNode::operator==(const eSDLNode& other) const {
+    return eDocumentBody::IsSame(*this, other);
+}
+
+// --- eSDLParts ---
+
+eSDLParts::eIterator eSDLParts::begin() const {
+    eIterator first;
+    first.body = body;
+    first.Advance();
+    return first;
+}
+
+void eSDLParts::eIterator::Advance() {
+    if (stage == eStage::Before) {
+        stage = eStage::Within;
+        const ePosition begin = body->First();
+        piece = begin.piece;
+        offset = begin.offset;
+        if (!body->Before().empty()) {
+            part = {eSDLKind::Outside, body->Before(), {}, 0};
+            return;
+        }
+    }
+    const ePosition position{piece, offset};
+    if (stage == eStage::Within && !body->IsEnd(position)) {
+        TakeAt();
+        return;
+    }
+    const bool after = std::exchange(stage, eStage::After) == eStage::Within && !body->After().empty();
+    part = after ? eSDLPart{eSDLKind::Outside, body->After(), {}, 0} : eSDLPart();
+}
+
+void eSDLParts::eIterator::TakeAt() {
+    const ePosition position{piece, offset};
+    const eFound found = body->See(position, &hint);
+    const bool block = found.kind == eSDLKind::Block;
+    if (found.kind == eSDLKind::BlockEnd)
+        --depth;
+    part = {found.kind, found.text, body->NodeAt(position), depth};
+    if (found.kind == eSDLKind::BlockEnd)
+        part.node = body->Parent(position);
+    if (block)
+        ++depth;
+    const ePosition next = block ? body->Inside(position, found) : found.after;
+    piece = next.piece;
+    offset = next.offset;
+}
+
+// --- eSDLDocument ---
+
+eSDLDocument::eSDLDocument() : eSDLDocument(std::string()) {}
+
+eSDLDocument::eSDLDocument(std::string text, std::string name, const eSDLLimits& limits)
+    : body(std::make_unique<eDocumentBody>(std::move(text), std::move(name), limits)) {}
+
+eSDLDocument::eSDLDocument(std::string_view text, std::string name, const eSDLLimits& limits)
+    : eSDLDocument(std::string(text), std::move(name), limits) {}
+
+eSDLDocument::eSDLDocument(const char* text, std::string name, const eSDLLimits& limits)
+    : eSDLDocument(std::string(text ? text : ""), std::move(name), limits) {}
+
+eSDLDocument::eSDLDocument(eSDLDocument&& other) : eSDLDocument() {
+    body.swap(other.body);
+}
+
+eSDLDocument& eSDLDocument::operator=(eSDLDocument&& other) {
+    eSDLDocument taken(std::move(other));
+    body.swap(taken.body);
+    return *this;
+}
+
+eSDLDocument::~eSDLDocument() = default;
+
+bool eSDLDocument::Take(IO::eStream& stream, std::string name, const eSDLLimits& limits) {
+    IO::eFailure failure;
+    std::string text;
+    if (!stream.IsOpen())
+        failure = {0, "The file could not be opened."};
+    else if (stream.Remaining() > limits.sourceBytes)
+        failure = {0, eDocumentBody::kSourceLimit};
+    else
+        text = ReadAll(stream, static_cast<std::size_t>(stream.Remaining()));
+    if (const IO::eFailure told = stream.Failure())
+        failure = told;
+    if (stream.Enabled(IO::StreamMode::Bad) && !failure)
+        failure = {0, "The source could not be read to its end."};
+    if (failure)
+        text.clear();
+    body = std::make_unique<eDocumentBody>(std::move(text), std::move(name), limits);
+    body->Failure() = failure;
+    return !failure;
+}
+
+bool eSDLDocument::Open(const eFileName& file, const eSDLLimits& limits) {
+    const std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
+    return Take(*stream, file.str(), limits);
+}
+
+bool eSDLDocument::Open(const eFileNameW& file, const eSDLLimits& limits) {
+    const std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
+    return Take(*stream, ToString(file.str()), limits);
+}
+
+bool eSDLDocument::Open(IO::eStream& stream, const eSDLLimits& limits) {
+    return Take(stream, {}, limits);
+}
+
+bool eSDLDocument::SaveTo(IO::eSaveFile& file) const {
+    if (file.IsOpen())
+        Write(file);
+    file.Commit();
+    body->Failure() = file.Failure();
+    return !body->Failure();
+}
+
+bool eSDLDocument::Save(const eFileName& name, IO::eSaveEnd end) const {
+    IO::eSaveFile file(name, end);
+    return SaveTo(file);
+}
+
+bool eSDLDocument::Save(const eFileNameW& name, IO::eSaveEnd end) const {
+    IO::eSaveFile file(name, end);
+    return SaveTo(file);
+}
+
+void eSDLDocument::Write(IO::eStream& stream) const {
+    body->ForEachPart([&stream](std::string_view part) { stream.Write(part.data(), part.size()); });
+}
+
+const IO::eFailure& eSDLDocument::Failure() const {
+    return body->Failure();
+}
+
+const std::string& eSDLDocument::Name() const {
+    return body->Name();
+}
+
+std::string eSDLDocument::Text() const {
+    return body->Text();
+}
+
+unsigned long long eSDLDocument::Size() const {
+    return body->Size();
+}
+
+std::vector<xError::eDiagnostic> eSDLDocument::Errors(std::size_t most) const {
+    return xSDL::ListMistakes(body->Current(), body->Lines(), body->Name(), most);
+}
+
+std::size_t eSDLDocument::ErrorCount() const {
+    return body->Current().ErrorCount();
+}
+
+eSDLNode eSDLDocument::Root() const {
+    return body->Root();
+}
+
+std::string eSDLDocument::PathMistake(std::string_view path) {
+    return xSDL::ePath(path).Mistake();
+}
+
+eSDLParts eSDLDocument::Parts() const {
+    return eSDLParts(body.get());
+}

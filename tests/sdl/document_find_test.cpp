@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <qzl_io/sdl/document.h>
+
+namespace {
+
+constexpr const char* kScene = R"({scene ; the file
+  {light name = "sun" power = 1.5}
+  {Light "lamp 1" {name "lamp"} {power 2} {color 1 0.5 (/ 1 4)}}
+  {light {name lamp} mode = Fast}
+  {##draft light {name "hidden"}}
+  {#k mesh {vertex 1} {vertex 2 3}}
+  { {id 7} } {} ("no {item}")
+}
+loose 0x1F)";
+
+struct eFinding {
+    const char* path;
+    std::vector<std::string> texts;
+};
+
+const eFinding kFindings[] = {
+    {"scene/light/power", {"power", "{power 2}"}},
+    {"scene/light[0]/power", {"power"}},
+    {"SCENE / LIGHT [1] / Power", {"{power 2}"}},
+    {"scene/light[3]", {}},
+    {"scene/light[name=\"sun\"]/power", {"power"}},
+    {"scene/light[name=lamp]/mode", {"mode"}},
+    {"scene/light[name=\"lamp\"]/color/2", {"(/ 1 4)"}},
+    {"scene/light[name=lamp][1]", {"{light {name lamp} mode = Fast}"}},
+    {"scene/light[power=2.0]/0", {"\"lamp 1\""}},
+    {"scene/light[mode=FAST]/name", {"{name lamp}"}},
+    {"scene/light[power=\"2\"]", {}},
+    {"scene/mesh/vertex", {"{vertex 1}", "{vertex 2 3}"}},
+    {"scene/mesh/vertex/0", {"1", "2"}},
+    {"scene/mesh/*[1]/1", {"3"}},
+    {"scene/*[4]/id/0", {"7"}},
+    {"*/draft", {}},
+    {"scene/draft", {}},
+    {"scene/*[id=7]", {"{ {id 7} }"}},
+    {"loose", {"loose"}},
+    {"1", {"0x1F"}},
+    {"0", {"loose"}},
+    {"scene/no/such", {}},
+    {"light", {}},
+};
+
+TEST(DocumentFind, APathNamesTheNodesThatTheHeaderSays) {
+    const eSDLDocument document(kScene);
+    EXPECT_EQ(document.ErrorCount(), 0U);
+    for (const eFinding& finding : kFindings) {
+        std::vector<std::string> texts;
+        for (const eSDLNode& node : document.FindAll(finding.path))
+            texts.push_back(node.Text());
+        EXPECT_EQ(eSDLDocument::PathMistake(finding.path), "") << finding.path;
+        EXPECT_EQ(texts, finding.texts) << finding.path;
+        EXPECT_EQ(document.Find(finding.path).Text(), texts.empty() ? "" : texts.front()) << finding.path;
+    }
+}
+
+TEST(DocumentFind, AWrongPathFindsNothingAndTellsItsMistake) {
+    const eSDLDocument document(kScene);
+    const char* const paths[] = {"",
+                                 "/",
+                                 "scene/",
+                                 "/scene",
+                                 "scene//light",
+                                 "scene light",
+                                 "a[",
+                                 "a[]",
+                                 "a[-1]",
+                                 "a[1",
+                                 "a[name]",
+                                 "a[name 1]",
+                                 "a[name=]",
+                                 "a[name=*]",
+                                 "a[\"name\"=1]",
+                                 "a[1.5]",
+                                 "1[0]",
+                                 "-1",
+                                 "a;b",
+                                 "\"a\"",
+                                 "a[name=\"x]",
+                                 "99999999999999999999"};
+    for (const char* const path : paths) {
+        EXPECT_NE(eSDLDocument::PathMistake(path), "") << path;
+        EXPECT_FALSE(document.Find(path)) << path;
+    }
+    EXPECT_NE(eSDLDocument::PathMistake(std::string("a\0b", 3)), "");
+}
+
+TEST(DocumentFind, ValueOfABlockAndOfAWordIsTheSameSetting) {
+    const eSDLDocument document("{light power = 1.5} {light {power 2} 3} {color 1 x {y} z}");
+    EXPECT_EQ(document.Find("light[0]/power").Value().As<float>(), 1.5F);
+    EXPECT_EQ(document.Find("light[1]/power").Value().As<float>(), 2.0F);
+    EXPECT_EQ(document.Find("color").Value(2).Text(), "z");
+    EXPECT_FALSE(document.Find("color").Value(3));
+    EXPECT_EQ(document.Find("color/x").Value().Kind(), eSDLKind::None);
+    EXPECT_EQ(document.Find("light[1]").Value().As<int>(), 3);
+    EXPECT_EQ(document.Root().Value().Kind(), eSDLKind::None);
+}
+
+TEST(DocumentFind, NodesTellWhatTheyAre) {
+    const eSDLDocument document(kScene);
+    const eSDLNode scene = document.Find("scene");
+    const eSDLNode mesh = scene.Find("mesh");
+    EXPECT_EQ(scene.Name(), "scene");
+    EXPECT_TRUE(scene.Is("Scene"));
+    EXPECT_TRUE(scene.IsClosed());
+    EXPECT_EQ(mesh.Mark(), "k");
+    EXPECT_EQ(mesh.Parent(), scene);
+    EXPECT_EQ(scene.Parent(), document.Root());
+    EXPECT_FALSE(document.Root().Parent());
+    EXPECT_EQ(document.Root().Kind(), eSDLKind::Document);
+    EXPECT_EQ(std::distance(scene.begin(), scene.end()), 6);
+    EXPECT_EQ(scene.Find("light[2]/mode").Value().Next().Kind(), eSDLKind::None);
+    EXPECT_EQ(scene.Find("light[1]/color/2").Kind(), eSDLKind::Calculation);
+    EXPECT_EQ(scene.Find("light[1]/color/2").As<float>(), 0.25F);
+    EXPECT_EQ(mesh.Place().line, 6);
+    EXPECT_EQ(mesh.Place().column, 3);
+    EXPECT_FALSE(eSDLNode());
+    EXPECT_FALSE(eSDLNode().Next());
+    EXPECT_FALSE(eSDLNode().Value());
+    EXPECT_TRUE(eSDLNode() == eSDLNode());
+}
+
+} // namespace
