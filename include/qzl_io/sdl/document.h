@@ -100,8 +100,8 @@ public:
 
     // Read a value. False, and nothing is assigned, if it is of another kind or does not fit: integers that are larger
     // than the type, numbers beyond the range of floats. A float or double takes both kinds of number and calculations,
-    // a bool an integer that is not 0. A hexadecimal integer is read as the bits of an int, and otherwise without a
-    // sign. Strings are read with their escapes converted.
+    // a bool an integer that is not 0. A hexadecimal integer gives the bits of an int or a long long, and of other
+    // types the number without a sign. Strings are read with their escapes converted.
     bool Get(int* value) const;
     bool Get(long long* value) const;
     bool Get(float* value) const;
@@ -167,6 +167,51 @@ inline eSDLNode::eIterator eSDLNode::end() const {
     return {};
 }
 
+// What is inserted into a document: a value, a word, a block or a piece of SDL text. A document does not take one that
+// is not good.
+class QZL_IO_API eSDLItem {
+public:
+    eSDLItem(int value);
+    eSDLItem(long long value);
+    // Written as eSDLWriter writes them: the shortest text that reads back to the same bits. An infinity or a NaN gives
+    // an item that is not good.
+    eSDLItem(float value);
+    eSDLItem(double value);
+    // 1 or 0.
+    eSDLItem(bool value);
+    // Strings, with escapes as eSDLWriter writes them.
+    eSDLItem(std::string_view value);
+    eSDLItem(const std::string& value) : eSDLItem(std::string_view(value)) {}
+    eSDLItem(const char* value) : eSDLItem(std::string_view(value ? value : "")) {}
+    eSDLItem(const void*) = delete;
+
+    // Good if the name is an identifier.
+    static eSDLItem Word(std::string_view name);
+    // An empty block, {NAME} or {#MARK NAME}, good if the name is an identifier or empty, and the mark of the
+    // characters that marks consist of.
+    static eSDLItem Block(std::string_view name, std::string_view mark = {});
+    // Any SDL text that has no error, of one item or several, comments included. Its lines take the line ends of the
+    // document and are indented beyond what they are in the text.
+    static eSDLItem Source(std::string_view source);
+
+    bool IsGood() const { return good; }
+    // What would be inserted.
+    const std::string& Text() const { return text; }
+
+private:
+    friend class xSDL::eDocumentBody;
+
+    eSDLItem() = default;
+    eSDLItem(eSDLKind itsFirst, std::string itsText, bool isGood)
+        : text(std::move(itsText)), first(itsFirst), good(isGood) {}
+
+    std::string text;
+    eSDLKind first = eSDLKind::None; // of its items; None if it has only what readers skip
+    bool good = false;
+    bool single = true; // a value or a word
+    bool endsInComment = false;
+};
+
 // A part in a walk over all of them: a block gives one part of its { and mark and, if it is closed, another of its }.
 struct eSDLPart {
     eSDLKind kind = eSDLKind::None;
@@ -208,7 +253,6 @@ public:
         const xSDL::eDocumentBody* body = nullptr;
         const xSDL::ePiece* piece = nullptr; // where the next part begins
         std::size_t offset = 0;
-        std::size_t hint = 0;
         unsigned long long depth = 0;
         enum class eStage : unsigned char { Before, Within, After } stage = eStage::Before;
         eSDLPart part;
@@ -256,16 +300,20 @@ private:
 //   name, block or word, whose first value is that one. Numbers are compared as such, words regardless of case; a word
 //   in a filter also equals a string of the same characters. Filters apply one after the other.
 //
-// Costs, for a document of n bytes:
+// Costs, for a document of n bytes, whatever is in it:
 //
-// | call                        | time                                                                                |
-// |-----------------------------|-------------------------------------------------------------------------------------|
-// | parsing                     | n; memory n and 8 bytes for each { and ( (16 if n is 4 GB or more) | | Next, loops,
-// Value, Find    | what is passed, without the insides of the blocks and control blocks passed         | | Parent,
-// kind, text, value   | the part's own length, and the logarithms of the numbers of blocks and edits        | | an edit
-// | as above, the blanks and comment beside the place, and what stands before the       | | | name of the block; memory
-// for what is inserted and 1 KB                              | | Text, Save, Errors          | n, and once for each
-// edit                                                            |
+// | call                      | takes |
+// |---------------------------|----------------------------------------------------------------------------------------|
+// | parsing                   | time n; memory for the text, a seventh of that and 4 bytes for each { and (: 6n at | |
+// | most (beyond 4 GB 8 bytes, 10n)                                                        | | Next, loops, Value, Find
+// | time for what is passed, without what is in the blocks and control blocks passed       | | Parent, kind, text,
+// value | time for the part itself and the logarithms of the numbers of brackets and edits       | | an edit |
+// likewise, and for the blanks and the comment beside the place and, if it is about a    | | | block's first item, what
+// stands before that; memory for the text inserted and 2 KB      | | Text, Save                | time n, and once for
+// each edit made                                                    | | Errors, ErrorCount, Place | likewise after an
+// edit, and memory for the text once more; otherwise next to nothing   |
+//
+// Nothing is recursive, so depth takes no stack.
 //
 // A document is used by one thread at a time, its nodes included, even if only const functions are called.
 class QZL_IO_API eSDLDocument {
@@ -324,9 +372,35 @@ public:
 
     eSDLParts Parts() const;
 
+    // --- Edits. What is not edited stays byte for byte, and no edit changes what stands beside it: where two tokens
+    // would become one, a blank is put between them. What cannot be done is refused, with false or a node that is not
+    // good, and changes nothing: an item that is not good; a node of another document, a blank or what is outside; what
+    // would take a block's name from it or make a word its name that is not; and what is in or after something that is
+    // not closed. ---
+
+    // Replaces a value, word or operator by a value or a word.
+    bool Set(const eSDLNode& node, const eSDLItem& value);
+    // Gives a block another name, or one at all. The name must be an identifier.
+    bool Rename(const eSDLNode& block, std::string_view name);
+
+    // Insert something before or after a node, which may also be a comment or a control block, and return the first
+    // part of it. If the node stands alone on its line, or its lines, apart from a comment at the end, what is inserted
+    // gets lines of its own, with the same indentation; otherwise it is put on the same line.
+    eSDLNode InsertBefore(const eSDLNode& node, const eSDLItem& item);
+    eSDLNode InsertAfter(const eSDLNode& node, const eSDLItem& item);
+    // Inserts something at the end of a block or of the document. If the block's } begins a line, and always in the
+    // document, it gets a line of its own, indented like the line before; otherwise it is put before the }.
+    eSDLNode Append(const eSDLNode& parent, const eSDLItem& item);
+
+    // Removes a block, an item, a comment, a control block or what is bad. If it stands alone on its line, or its
+    // lines, apart from a comment at the end, these are removed with the comment; otherwise a comment stays, and the
+    // blanks before the part go. Comments on the lines above stay.
+    bool Remove(const eSDLNode& node);
+
 private:
     bool Take(IO::eStream& stream, std::string name, const eSDLLimits& limits);
     bool SaveTo(IO::eSaveFile& file) const;
+    bool IsOwn(const eSDLNode& node) const;
 
     std::unique_ptr<xSDL::eDocumentBody> body;
 };

@@ -94,6 +94,20 @@ bool GetNumber(const eFound& found, T* value) {
     return true;
 }
 
+bool IsIdentifier(std::string_view word) {
+    const std::string text = std::string(word) + std::string(xSDL::kTextEnd, '\0');
+    int line = 0;
+    xSDL::eLexeme token;
+    xSDL::CutAt(text.data(), &line, &token);
+    return token.type == sdlIdent && token.length == word.size();
+}
+
+// As after the # that begins one.
+bool IsMark(std::string_view mark) {
+    const std::string text = std::string(mark) + std::string(xSDL::kTextEnd, '\0');
+    return xSDL::PassMark(text.data()) == text.data() + mark.size();
+}
+
 std::string ReadAll(IO::eStream& stream, std::size_t size) {
     constexpr std::size_t kPiece = std::size_t{64} * 1024;
     std::string text;
@@ -289,6 +303,57 @@ bool eSDLNode::operator==(const eSDLNode& other) const {
     return eDocumentBody::IsSame(*this, other);
 }
 
+// --- eSDLItem ---
+
+eSDLItem::eSDLItem(int value) : eSDLItem(eSDLKind::Int, ToString(value, false), true) {}
+
+eSDLItem::eSDLItem(long long value) : eSDLItem(eSDLKind::Int, ToString(value, false), true) {}
+
+eSDLItem::eSDLItem(float value) : eSDLItem(eSDLKind::Float, ToString(value), std::isfinite(value)) {}
+
+eSDLItem::eSDLItem(double value) : eSDLItem(eSDLKind::Float, xSDL::numbers::ToText(value), std::isfinite(value)) {}
+
+eSDLItem::eSDLItem(bool value) : eSDLItem(eSDLKind::Int, value ? "1" : "0", true) {}
+
+eSDLItem::eSDLItem(std::string_view value) : eSDLItem(eSDLKind::String, "\"", true) {
+    AppendEscaped(&text, value);
+    text += '"';
+}
+
+eSDLItem eSDLItem::Word(std::string_view name) {
+    return {eSDLKind::Word, std::string(name), IsIdentifier(name)};
+}
+
+eSDLItem eSDLItem::Block(std::string_view name, std::string_view mark) {
+    const bool hidden = mark.find('#') != std::string_view::npos;
+    const std::string between = mark.empty() || name.empty() ? "" : " ";
+    const std::string opening = mark.empty() ? "{" : "{#" + std::string(mark);
+    eSDLItem block(hidden ? eSDLKind::None : eSDLKind::Block, opening + between + std::string(name) + "}",
+                   (name.empty() || IsIdentifier(name)) && IsMark(mark));
+    block.single = false;
+    return block;
+}
+
+eSDLItem eSDLItem::Source(std::string_view source) {
+    const auto blank = [](char c) { return c != 0 && xSDL::Has(xSDL::stBetween, c); };
+    while (!source.empty() && blank(source.front()))
+        source.remove_prefix(1);
+    while (!source.empty() && blank(source.back()))
+        source.remove_suffix(1);
+    eSDLItem item(eSDLKind::None, std::string(source), false);
+    const eSDLDocument document(source);
+    for (const eSDLPart& part : document.Parts()) {
+        if (part.kind == eSDLKind::Outside || part.kind == eSDLKind::Bad)
+            return item;
+        item.endsInComment = part.kind == eSDLKind::Comment;
+    }
+    if (const auto first = document.begin(); !(first == document.end()))
+        item.first = first->Kind();
+    item.good = !source.empty() && document.ErrorCount() == 0;
+    item.single = false;
+    return item;
+}
+
 // --- eSDLParts ---
 
 eSDLParts::eIterator eSDLParts::begin() const {
@@ -320,7 +385,7 @@ void eSDLParts::eIterator::Advance() {
 
 void eSDLParts::eIterator::TakeAt() {
     const ePosition position{piece, offset};
-    const eFound found = body->See(position, &hint);
+    const eFound found = body->See(position);
     const bool block = found.kind == eSDLKind::Block;
     if (found.kind == eSDLKind::BlockEnd)
         --depth;
@@ -449,4 +514,32 @@ std::string eSDLDocument::PathMistake(std::string_view path) {
 
 eSDLParts eSDLDocument::Parts() const {
     return eSDLParts(body.get());
+}
+
+bool eSDLDocument::Set(const eSDLNode& node, const eSDLItem& value) {
+    return IsOwn(node) && body->Set(node, value);
+}
+
+bool eSDLDocument::Rename(const eSDLNode& block, std::string_view name) {
+    return IsOwn(block) && body->Rename(block, name);
+}
+
+eSDLNode eSDLDocument::InsertBefore(const eSDLNode& node, const eSDLItem& item) {
+    return IsOwn(node) ? body->InsertBefore(node, item) : eSDLNode();
+}
+
+eSDLNode eSDLDocument::InsertAfter(const eSDLNode& node, const eSDLItem& item) {
+    return IsOwn(node) ? body->InsertAfter(node, item) : eSDLNode();
+}
+
+eSDLNode eSDLDocument::Append(const eSDLNode& parent, const eSDLItem& item) {
+    return IsOwn(parent) ? body->Append(parent, item) : eSDLNode();
+}
+
+bool eSDLDocument::Remove(const eSDLNode& node) {
+    return IsOwn(node) && body->Remove(node);
+}
+
+bool eSDLDocument::IsOwn(const eSDLNode& node) const {
+    return node.body == body.get();
 }

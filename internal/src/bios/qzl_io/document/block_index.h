@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -58,22 +59,25 @@ private:
     eGrowing<std::uint64_t> wideOffsets;
 };
 
-// The brackets of a text that hold something: where each begins and ends, in the order of the beginnings.
+// The brackets of a text that hold something: where each begins and ends, in the order of the beginnings. A text may
+// consist of nothing else, so a beginning is one bit for each byte of the text, and an end takes 4 bytes.
 class eBlockIndex {
 public:
     static constexpr std::size_t kNone = ~std::size_t{0};
 
-    // For a text of that size. Offsets after the end of one that is not closed are size + 1.
-    explicit eBlockIndex(std::uint64_t size, bool wide) : unclosed(size + 1), begins(wide), ends(wide) {}
+    // For a text of that size.
+    eBlockIndex(std::size_t size, bool wide) : unclosed(size + 1), ends(wide) {}
 
     // The beginning and the end of a bracket while the text is read. While it is open, its end stands for the one
     // around it, so that no depth needs memory of its own.
-    void Open(std::uint64_t begin) {
-        begins.Push(begin);
+    void Open(std::size_t begin) {
+        if (begins.empty())
+            begins.resize(unclosed / kWord + 1);
+        begins[begin / kWord] |= std::uint64_t{1} << begin % kWord;
         ends.Push(around);
-        around = begins.Size();
+        around = ends.Size();
     }
-    void Close(std::uint64_t end) {
+    void Close(std::size_t end) {
         const std::size_t closed = around - 1;
         around = static_cast<std::size_t>(ends[closed]);
         ends.Set(closed, end);
@@ -82,68 +86,83 @@ public:
     void Finish() {
         while (around != 0)
             Close(unclosed);
+        CountBegins();
         BuildMaxima();
     }
 
-    std::size_t Size() const { return begins.Size(); }
-    std::uint64_t Begin(std::size_t index) const { return begins[index]; }
+    std::size_t Size() const { return ends.Size(); }
     // The offset after the bracket, after the whole text for one that is not closed.
-    std::uint64_t End(std::size_t index) const { return ends[index]; }
+    std::size_t End(std::size_t index) const { return static_cast<std::size_t>(ends[index]); }
     bool IsClosed(std::size_t index) const { return ends[index] != unclosed; }
 
-    // The first bracket that begins at the offset or after it. As a rule it is near the hint.
-    std::size_t FirstFrom(std::uint64_t offset, std::size_t hint) const {
-        std::size_t low = std::min(hint, Size());
-        if (low > 0 && begins[low - 1] >= offset)
-            low = 0;
-        std::size_t step = 1;
-        std::size_t high = low;
-        while (high < Size() && begins[high] < offset) {
-            low = high + 1;
-            high = std::min(Size(), high + step);
-            step *= 2;
-        }
-        while (low < high) {
-            const std::size_t middle = low + (high - low) / 2;
-            if (begins[middle] < offset)
-                low = middle + 1;
-            else
-                high = middle;
-        }
-        return low;
+    // The number of brackets that begin before the offset: the index of one that begins there.
+    std::size_t IndexAt(std::size_t offset) const {
+        if (begins.empty())
+            return 0;
+        const std::size_t word = offset / kWord;
+        std::size_t index = counts[word / kCounted];
+        for (std::size_t before = word / kCounted * kCounted; before < word; ++before)
+            index += Count(begins[before]);
+        return index + Count(begins[word] & ((std::uint64_t{1} << offset % kWord) - 1));
+    }
+
+    std::size_t Begin(std::size_t index) const {
+        const auto part = std::upper_bound(counts.begin(), counts.end(), index) - counts.begin() - 1;
+        std::size_t word = static_cast<std::size_t>(part) * kCounted;
+        std::size_t left = index - counts[static_cast<std::size_t>(part)];
+        for (; left >= Count(begins[word]); ++word)
+            left -= Count(begins[word]);
+        std::uint64_t bits = begins[word];
+        for (; left > 0; --left)
+            bits &= bits - 1;
+        return word * kWord + static_cast<std::size_t>(std::countr_zero(bits));
     }
 
     // The innermost bracket that begins before the offset and ends after it; kNone if there is none.
-    std::size_t Around(std::uint64_t offset) const {
-        std::size_t below = FirstFrom(offset, 0); // of the level: the first that may not be taken
-        std::size_t level = 0;
-        for (;;) {
-            const std::size_t first = below / kGroup * kGroup;
+    std::size_t Around(std::size_t offset) const { return Around(offset, offset + 1); }
+    // The innermost bracket that begins before the offset and has its end at the other one or after it.
+    std::size_t Around(std::size_t offset, std::size_t end) const {
+        std::size_t below = IndexAt(offset); // of the level: the first that may not be taken
+        for (std::size_t level = 0;; ++level) {
+            const bool last = level == maxima.size();
+            const std::size_t first = last ? 0 : below / kGroup * kGroup;
             while (below > first)
-                if (EndAt(level, --below) > offset)
-                    return Descend(level, below, offset);
-            if (below == 0)
+                if (EndAt(level, --below) >= end)
+                    return Descend(level, below, end);
+            if (last)
                 return kNone;
             below /= kGroup;
-            ++level;
         }
     }
 
 private:
+    static constexpr std::size_t kWord = 64;
+    static constexpr std::size_t kCounted = 8; // words
     static constexpr std::size_t kGroup = 64;
+
+    static std::size_t Count(std::uint64_t bits) { return static_cast<std::size_t>(std::popcount(bits)); }
 
     std::uint64_t EndAt(std::size_t level, std::size_t index) const {
         return level == 0 ? ends[index] : maxima[level - 1][index];
     }
 
-    // The last bracket below an entry of the level that ends after the offset.
-    std::size_t Descend(std::size_t level, std::size_t index, std::uint64_t offset) const {
+    // The last bracket below an entry of the level that has its end there or later.
+    std::size_t Descend(std::size_t level, std::size_t index, std::size_t end) const {
         for (; level > 0; --level) {
             index = std::min((index + 1) * kGroup, level == 1 ? Size() : maxima[level - 2].size()) - 1;
-            while (EndAt(level - 1, index) <= offset)
+            while (EndAt(level - 1, index) < end)
                 --index;
         }
         return index;
+    }
+
+    void CountBegins() {
+        std::size_t count = 0;
+        for (std::size_t word = 0; word < begins.size(); ++word) {
+            if (word % kCounted == 0)
+                counts.push_back(count);
+            count += Count(begins[word]);
+        }
     }
 
     // Of each group the last end, and so on of these until there is one group.
@@ -157,8 +176,9 @@ private:
         }
     }
 
-    std::uint64_t unclosed;
-    eOffsets begins;
+    std::size_t unclosed;
+    std::vector<std::uint64_t> begins; // a bit for each byte
+    std::vector<std::size_t> counts;   // of the bits before each part of kCounted words
     eOffsets ends;
     std::size_t around = 0; // 1 + the innermost open one
     std::vector<std::vector<std::uint64_t>> maxima;

@@ -64,16 +64,7 @@ eDocumentBody::eDocumentBody(std::string loaded, std::string itsName, const eSDL
     : name(std::move(itsName)), original(Admitted(std::move(loaded), limits, &failure), limits.tokenBytes) {
     edge.before = edge.next = &edge;
     if (original.Begin() != original.End())
-        Insert({&original, 0, original.Begin(), original.End()}, &edge);
-}
-
-void eDocumentBody::Insert(ePiece piece, ePiece* next) {
-    const eSpot spot{piece.id, piece.begin};
-    ePiece& inserted = pieces.emplace(spot, piece).first->second;
-    inserted.before = next->before;
-    inserted.next = next;
-    next->before->next = &inserted;
-    next->before = &inserted;
+        Link({&original, 0, original.Begin(), original.End(), nullptr, nullptr}, &edge);
 }
 
 // --- Texts ---
@@ -123,9 +114,17 @@ ePosition eDocumentBody::AfterBracket(const ePosition& begin, std::size_t index)
     const eBlockIndex& blocks = begin.piece->source->Blocks();
     if (!blocks.IsClosed(index))
         return {&edge, 0};
-    const auto end = static_cast<std::size_t>(blocks.End(index));
+    const auto end = blocks.End(index);
     const ePiece* const piece = end <= begin.piece->end ? begin.piece : PieceOf({begin.piece->id, end - 1});
     return Normal(piece, end);
+}
+
+// A control block may also end where the } of the block around it stands.
+bool eDocumentBody::HasOwnEnd(const eSource& source, std::size_t index) {
+    const eBlockIndex& blocks = source.Blocks();
+    const std::uint64_t last = blocks.End(index) - 1;
+    return blocks.IsClosed(index) && last != blocks.Begin(index) && blocks.Around(last) == index &&
+           (*source.At(last) == ')' || *source.At(last) == '}');
 }
 
 std::size_t eDocumentBody::EndedAt(const ePosition& position) {
@@ -135,7 +134,7 @@ std::size_t eDocumentBody::EndedAt(const ePosition& position) {
     return ended ? around : eBlockIndex::kNone;
 }
 
-eFound eDocumentBody::See(const ePosition& position, std::size_t* hint) const {
+eFound eDocumentBody::See(const ePosition& position) const {
     if (IsEnd(position))
         return {};
     const ePiece& piece = *position.piece;
@@ -157,17 +156,19 @@ eFound eDocumentBody::See(const ePosition& position, std::size_t* hint) const {
     case '{': {
         eLexeme mark;
         eFound block = found(eSDLKind::Block, CutMark(begin + 1, &mark));
-        *hint = piece.source->Blocks().FirstFrom(position.offset, *hint);
-        block.after = AfterBracket(position, *hint);
-        block.closed = piece.source->Blocks().IsClosed(*hint);
+        const std::size_t index = piece.source->Blocks().IndexAt(position.offset);
+        block.after = AfterBracket(position, index);
+        block.closed = piece.source->Blocks().IsClosed(index);
         block.hidden = mark.length > 1 && IsHiddenAt(begin);
         return block;
     }
     case '(': {
         const eBlockIndex& blocks = piece.source->Blocks();
-        *hint = blocks.FirstFrom(position.offset, *hint);
-        const std::size_t end = blocks.IsClosed(*hint) ? static_cast<std::size_t>(blocks.End(*hint)) : piece.end;
-        return found(IsCalculation(begin) ? eSDLKind::Calculation : eSDLKind::Control, piece.source->At(end));
+        const std::size_t index = blocks.IndexAt(position.offset);
+        const std::size_t end = blocks.IsClosed(index) ? blocks.End(index) : piece.end;
+        eFound control = found(IsCalculation(begin) ? eSDLKind::Calculation : eSDLKind::Control, piece.source->At(end));
+        control.closed = HasOwnEnd(*piece.source, index);
+        return control;
     }
     default:
         break;
@@ -182,8 +183,8 @@ eFound eDocumentBody::See(const ePosition& position, std::size_t* hint) const {
 }
 
 bool eDocumentBody::FindItem(ePosition* position, eFound* found) const {
-    for (std::size_t hint = 0;; *position = found->after) {
-        *found = See(*position, &hint);
+    for (;; *position = found->after) {
+        *found = See(*position);
         if (IsItem(*found))
             return true;
         if (found->kind == eSDLKind::None || found->kind == eSDLKind::BlockEnd)
@@ -211,13 +212,13 @@ bool eDocumentBody::Locate(const eSDLNode& node, ePosition* position) const {
 bool eDocumentBody::Look(const eSDLNode& node, ePosition* position, eFound* found) const {
     if (!Locate(node, position))
         return false;
-    std::size_t hint = 0;
-    *found = See(*position, &hint);
+    *found = See(*position);
     return true;
 }
 
 eSpot eDocumentBody::Followed(eSpot spot) const {
-    return spot;
+    const auto found = moved.find(spot);
+    return found == moved.end() ? spot : found->second;
 }
 
 bool eDocumentBody::IsSame(const eSDLNode& left, const eSDLNode& right) {

@@ -43,7 +43,7 @@ struct eFound {
     std::string_view text;          // of a block its brace and mark
     ePosition after;                // of a block after its end
     bool hidden = false;            // it is a block that readers skip
-    bool closed = false;            // it is a block that has its end
+    bool closed = false;            // it is a block or a control block that has its end
 };
 
 // The content of a document: pieces of texts that do not change, in the order of the document. The first text is the
@@ -77,8 +77,8 @@ public:
 
     ePosition First() const { return {edge.next, edge.next->begin}; }
     bool IsEnd(const ePosition& position) const { return position.piece == &edge; }
-    // What begins at a position that is the border of a token. The hint is for the next block.
-    eFound See(const ePosition& position, std::size_t* hint) const;
+    // What begins at a position that is the border of a token.
+    eFound See(const ePosition& position) const;
     // The position after the brace and mark.
     ePosition Inside(const ePosition& brace, const eFound& found) const;
     // The place after some characters of a piece.
@@ -87,6 +87,8 @@ public:
     bool FindItem(ePosition* position, eFound* found) const;
     // The bracket that ends with the closing one at the position; kNone if none does.
     static std::size_t EndedAt(const ePosition& position);
+    // Whether the bracket ends with a closing one of its own.
+    static bool HasOwnEnd(const eSource& source, std::size_t index);
 
     // --- Nodes ---
 
@@ -104,6 +106,15 @@ public:
     bool FirstChild(const eSDLNode& node, ePosition* position, eFound* found) const;
     eSDLNode Parent(const ePosition& position) const;
 
+    // --- Edits; false and a node that is not good if the document does not take one ---
+
+    bool Set(const eSDLNode& node, const eSDLItem& item);
+    bool Rename(const eSDLNode& node, std::string_view word);
+    bool Remove(const eSDLNode& node);
+    eSDLNode InsertBefore(const eSDLNode& node, const eSDLItem& item);
+    eSDLNode InsertAfter(const eSDLNode& node, const eSDLItem& item);
+    eSDLNode Append(const eSDLNode& parent, const eSDLItem& item);
+
     // --- The text as it is now ---
 
     // A text without edits.
@@ -117,20 +128,77 @@ private:
     struct eFragment {
         std::unique_ptr<eSource> source;
         eSpot parent; // the block that it is in
+        std::size_t pieces = 0;
+    };
+
+    // What is on the line before a place: only blanks, or something else.
+    struct eLineBefore {
+        bool blank = false;
+        ePosition begin;    // of the line, if there are only blanks
+        std::string indent; // likewise
+    };
+    // What is on the line after a place.
+    struct eLineAfter {
+        bool blank = false; // apart from a comment
+        ePosition textEnd;  // after the comment
+        ePosition end;      // after the line's end
+    };
+
+    // What is inserted with an item: before it, after it, and in it after each line end.
+    struct eAround {
+        std::string lead;
+        std::string trail;
+        std::string indent;
     };
 
     const ePiece* PieceOf(eSpot spot) const;
     eSpot Followed(eSpot spot) const;
     ePosition AfterBracket(const ePosition& begin, std::size_t index) const;
-    void Insert(ePiece piece, ePiece* next);
+
+    // Layout.
+    void LearnLayout();
+    bool StepBack(ePosition* position) const;
+    char CharacterBefore(ePosition position) const;
+    char CharacterAt(const ePosition& position) const;
+    std::size_t PassBlanksBack(ePosition* position, bool withinLine, ePosition* firstEnd = nullptr) const;
+    eLineBefore LineBefore(const ePosition& position) const;
+    eLineAfter LineAfter(ePosition position) const;
+    std::string IndentOfLineBefore(ePosition position, const ePosition& opening, bool* isOpeningLine) const;
+
+    // Meaning.
+    bool IsFirstItem(const ePosition& position) const;
+    bool WouldBeName(const ePosition& position, const eFound& found) const;
+    bool StandsBeforeFirst(const eSDLNode& parent, const ePosition& position, const ePosition& first) const;
+    bool MayInsert(const eSDLNode& parent, const ePosition* beside, bool before, const eSDLItem& item) const;
+    static bool EndsControl(const ePosition& closing);
+    bool MayRemove(const ePosition& position, const eFound& found) const;
+    bool LookBeside(const eSDLNode& node, const eSDLItem& item, ePosition* position, eFound* found) const;
+
+    // Pieces.
+    ePiece* Mutable(const ePiece* piece);
+    ePiece* Link(const ePiece& piece, ePiece* next);
+    ePiece* SplitAt(const ePosition& position);
+    ePiece* Erase(const ePosition& begin, const ePosition& end);
+    void Release(std::uint64_t id);
+    ePiece* AddText(std::string text, const eSpot& parent, ePiece* next);
+    void AddBlankAt(ePiece* next, const eSpot& parent);
+    bool Replace(const ePosition& position, const eFound& found, const std::string& text);
+    eSDLNode Put(const eSDLNode& block, const ePosition& at, const eSDLItem& item, const eAround& around);
+    eSDLNode AppendToDocument(const eSDLItem& item);
+    eSDLNode AppendToBlock(const eSDLNode& block, const eSDLItem& item);
+    void Touch();
 
     std::string name;
     mutable IO::eFailure failure;
     eSource original;
     std::unordered_map<std::uint64_t, eFragment> fragments;
+    std::uint64_t lastFragment = 0;
     std::map<eSpot, ePiece> pieces; // by their beginnings
+    std::map<eSpot, eSpot> moved;   // where nodes are that have been set
     ePiece edge;                    // before the first piece and after the last one
     bool edited = false;
+    std::string lineEnd; // as in the text, once it has been edited
+    std::string unit;    // of indentation
 
     // Made when asked for, until the next edit.
     mutable std::unique_ptr<eSource> current;

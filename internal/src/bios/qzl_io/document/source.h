@@ -45,6 +45,8 @@ public:
 
     std::size_t ErrorCount() const { return errors; }
     bool HasWarnings() const { return warnings; }
+    // Whether what is written after the text would be in a string, or in a block that is not closed.
+    bool IsOpenAtEnd() const { return openAtEnd; }
     unsigned long long LongestToken() const { return longest; }
 
 private:
@@ -57,6 +59,7 @@ private:
     eBlockIndex blocks;
     std::size_t errors = 0;
     bool warnings = false;
+    bool openAtEnd = false;
 };
 
 } // namespace xSDL

@@ -1,14 +1,11 @@
+#include "show_system.h"
+
 #include <chrono>
 #include <iomanip>
-#include <iostream>
-#include <ostream>
 #include <string>
 #include <string_view>
 
 #include <qzl_io/system.h>
-
-#include "terminal.h"
-#include "verb.h"
 
 namespace {
 
@@ -16,8 +13,7 @@ constexpr int kLabelWidth = 16;
 constexpr int kSizeWidth = 14;
 
 void PrintFact(std::ostream& out, std::string_view label, const std::string& fact) {
-    out << "  " << std::left << std::setw(kLabelWidth) << label
-        << (fact.empty() ? "(unknown)" : terminal::Printable(fact)) << '\n';
+    out << "  " << std::left << std::setw(kLabelWidth) << label << (fact.empty() ? "(unknown)" : fact) << '\n';
 }
 
 void PrintMachine(std::ostream& out) {
@@ -31,7 +27,7 @@ void PrintMachine(std::ostream& out) {
 }
 
 void PrintWorkingPaths(std::ostream& out) {
-    const IO::System::eWorkingPaths paths("sdl");
+    const IO::System::eWorkingPaths paths("qzl_demo");
     out << "working paths\n";
     PrintFact(out, "all users", paths.AppDataAllUsers());
     PrintFact(out, "user", paths.AppDataUser());
@@ -60,7 +56,7 @@ void PrintEntry(std::ostream& out, const IO::eSearch& entry) {
         out << entry.Size();
     else
         out << "folder";
-    out << "  " << terminal::Printable(entry.Name()) << (entry.IsLink() ? " (link)" : "") << '\n';
+    out << "  " << entry.Name() << (entry.IsLink() ? " (link)" : "") << '\n';
 }
 
 void PrintCurrentFolder(std::ostream& out) {
@@ -79,15 +75,10 @@ void PrintCurrentFolder(std::ostream& out) {
     out << "  " << files << " files of " << bytes << " bytes, " << folders << " folders\n";
 }
 
-eEnd ShowSystem() {
-    PrintMachine(std::cout);
-    PrintWorkingPaths(std::cout);
-    PrintCurrentFolder(std::cout);
-    return eEnd::Fine;
-}
-
 } // namespace
 
-eVerb::eRun DeclareSystem(CLI::App*) {
-    return ShowSystem;
+void ShowSystem(std::ostream& out) {
+    PrintMachine(out);
+    PrintWorkingPaths(out);
+    PrintCurrentFolder(out);
 }

@@ -3,33 +3,42 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "terminal.h"
-#include "walk.h"
+#include <qzl_base/error.h>
 
 namespace {
 
+constexpr const char* kSource = "tools/outline";
+constexpr int kIllegalCharacterLine = 10;
 constexpr const char* kAnonymous = "(no name)";
-constexpr const char* kOthers = "(other names)";
-constexpr std::size_t kMostEntries = 1 << 20; // so that a document of nothing but names takes bounded memory
+constexpr unsigned long long kValuesBetweenProgress = 1 << 16;
 
 } // namespace
 
-class eOutline::eReading : public eWalk {
+// Reads every token of a file, whatever the names of its blocks.
+class eOutline::eWalk : public eSDLReader {
 public:
-    eReading(const std::string& name, eOutline* target) : eWalk(name), outline(*target) {}
+    eWalk(const eFileName& sdl, eOutline* target, eProgress report)
+        : eSDLReader(sdl, nullptr), outline(*target), progress(report) {}
 
     void Run() {
-        while (Next())
-            Take(Token().type);
+        while (Get()) {
+            Take(Token());
+            if (progress && ++taken % kValuesBetweenProgress == 0)
+                progress(Parser().Line());
+        }
     }
 
 private:
-    void Take(eSDLParserLexType type) {
-        switch (type) {
+    void Take(const eSDLParserToken& token) {
+        switch (token.type) {
         case sdlBlockStart:
             return Enter();
         case sdlBlockEnd:
             return Leave();
+        case sdlIdent:
+        case sdlKeyword:
+            ++outline.words;
+            return;
         case sdlString:
             ++outline.strings;
             return;
@@ -39,45 +48,48 @@ private:
         case sdlFloat:
             ++outline.floats;
             return;
+        case sdlError:
+            xError::Fatal(kSource, kIllegalCharacterLine, "No token begins with this character!");
         default:
-            ++outline.words;
+            return;
         }
     }
 
+    // A block's name is the word directly after its brace.
     void Enter() {
-        std::string name;
-        if (!TakeName(&name))
-            name = kAnonymous;
-        ++outline.blocks;
-        outline.deepest = std::max(outline.deepest, Depth());
-        if (Depth() <= outline.shownDepth)
-            open.push_back(outline.Enter(open.back(), name));
+        const bool named = Test(sdlIdent);
+        const std::string name = named ? GetIdent() : kAnonymous;
+        open.push_back(outline.Enter(open.back(), name));
+        outline.deepest = std::max(outline.deepest, open.size() - 1);
     }
 
-    // Blocks that are too deep to be shown have no entries.
     void Leave() {
-        if (Depth() < outline.shownDepth)
+        if (open.size() > 1)
             open.pop_back();
     }
 
     eOutline& outline;
+    eProgress progress;
+    unsigned long long taken = 0;
     std::vector<std::size_t> open = {0}; // the entries of the blocks around the position, the document's first
 };
 
-eOutline::eOutline(const std::string& name, std::size_t depth) : shownDepth(depth) {
-    eReading(name, this).Run();
+eOutline::eOutline(const eFileName& sdl, eProgress progress) {
+    eWalk(sdl, this, progress).Run();
 }
 
 std::size_t eOutline::Enter(std::size_t parent, const std::string& name) {
-    const auto key = [&](const std::string& word) { return std::to_string(parent) + ' ' + word; };
-    const std::string& kept = entries.size() < kMostEntries || numbers.count(key(name)) ? name : kOthers;
-    const auto [number, added] = numbers.try_emplace(key(kept), entries.size());
-    if (added) {
-        entries[parent].inside.push_back(number->second);
-        entries.push_back({kept, 0, {}});
+    ++blocks;
+    for (const std::size_t inside : entries[parent].inside) {
+        if (entries[inside].name == name) {
+            ++entries[inside].count;
+            return inside;
+        }
     }
-    ++entries[number->second].count;
-    return number->second;
+    const std::size_t added = entries.size();
+    entries[parent].inside.push_back(added);
+    entries.push_back({name, 1, {}});
+    return added;
 }
 
 void eOutline::PrintBlocks(std::ostream& out, std::size_t entriesOfOneParent) const {
@@ -89,7 +101,7 @@ void eOutline::PrintInside(std::ostream& out, const eEntry& parent, int depth, s
     const std::size_t shown = std::min(limit, parent.inside.size());
     for (std::size_t index = 0; index < shown; ++index) {
         const eEntry& entry = entries[parent.inside[index]];
-        out << indentation << terminal::Printable(entry.name);
+        out << indentation << entry.name;
         if (entry.count > 1)
             out << " x " << entry.count;
         out << '\n';

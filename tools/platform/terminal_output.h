@@ -1,0 +1,4 @@
+#pragma once
+
+// True if standard error goes to a terminal.
+bool ErrorOutputIsTerminal();
