@@ -1,7 +1,13 @@
 #pragma once
 
+#include <string>
+
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
+
+namespace IO {
+class eStream;
+}
 
 // Converts the JSON document in the file `input` (UTF-8; a leading byte-order mark is skipped) to an SDL text in the
 // file `output`. Members keep the document's order, repeated names included:
@@ -38,3 +44,21 @@ struct eJsonLimits {
 // JsonToSdl of a document within limits. One that exceeds a limit fails before it is read ("Json size limit exceeded!")
 // or parsed ("Json depth limit exceeded!").
 QZL_IO_API bool JsonToSdlWithin(const eJsonLimits& limits, const eFileName& input, const eFileName& output);
+
+// What of a JSON document its SDL text does not tell, counted value by value.
+struct eJsonLosses {
+    unsigned long long names = 0;        // of members, which do not read back as one word
+    unsigned long long integers = 0;     // beyond -2147483648 to 2147483647, so another number is written
+    unsigned long long floats = 0;       // numbers with a fraction or an exponent, rounded to 32 bits
+    unsigned long long booleans = 0;     // written as 1 and 0
+    unsigned long long nulls = 0;        // elements of arrays, written as nothing
+    unsigned long long emptyObjects = 0; // written as empty arrays are
+    unsigned long long texts = 0;        // cut at a NUL character
+    std::string firstName;               // the place of the first of the names, as in /items/3/name
+};
+
+// JsonToSdl from one stream, from its position to its end, to another one, where the text is written at its position
+// and flushed. The streams stay the caller's. Unless it is null, `losses` tells what was lost. The context of a warning
+// names a "Stream". After false the output has nothing or, if it refused bytes, a part of the text.
+QZL_IO_API bool JsonStreamToSdl(IO::eStream& input, IO::eStream& output, eJsonLosses* losses = nullptr,
+                                const eJsonLimits& limits = eJsonLimits());

@@ -1,5 +1,6 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -18,6 +19,8 @@
 #include <qzl_io/sdl/writer.h>
 #include <qzl_io/streams.h>
 
+#include "qzl_base/shared/ascii.h"
+#include "sdl/automaton.h"
 #include "json/sink.h"
 #include "json/text.h"
 #include "json/text_pieces.h"
@@ -79,7 +82,7 @@ private:
     std::vector<eContainer> around;
 };
 
-// Shows reports the file that is being worked on, and the place of the walk in it.
+// Shows reports the file or stream that is being worked on, and the place of the walk in it.
 class eFileAtWork : public xDebug::eStackEntry {
 public:
     eFileAtWork(const eFileName& path, int failureLine) : line(failureLine), name(path) {}
@@ -114,11 +117,8 @@ private:
 
 constexpr char kOpenError[] = "%1% - open error!";
 
-std::string ReadFile(eFileAtWork* file, const eJsonLimits& limits) {
-    IO::eFileStream stream(file->Name(), IO::StreamMode::Read);
-    if (!stream.IsOpen())
-        file->Fail(kOpenError, stream.Failure().text);
-    if (stream.Size() > limits.bytes)
+std::string ReadStream(eFileAtWork* file, IO::eStream& stream, const eJsonLimits& limits) {
+    if (stream.Remaining() > limits.bytes)
         throw std::length_error("Json size limit exceeded!");
     std::string text(stream.Remaining(), '\0');
     stream.Read(text.data(), text.size());
@@ -129,14 +129,11 @@ std::string ReadFile(eFileAtWork* file, const eJsonLimits& limits) {
     return text;
 }
 
-void WriteFile(eFileAtWork* file, const eTextPieces& beginning, eSDLWriter::eWriteStream* rest) {
-    IO::eSaveFile stream(file->Name());
+std::string ReadFile(eFileAtWork* file, const eJsonLimits& limits) {
+    IO::eFileStream stream(file->Name(), IO::StreamMode::Read);
     if (!stream.IsOpen())
         file->Fail(kOpenError, stream.Failure().text);
-    beginning.WriteTo(&stream);
-    rest->Flush(&stream, nullptr);
-    if (!stream.Commit())
-        file->Fail("%1% - write error!", stream.Failure().text);
+    return ReadStream(file, stream, limits);
 }
 
 // --- The text ---
@@ -144,15 +141,53 @@ void WriteFile(eFileAtWork* file, const eTextPieces& beginning, eSDLWriter::eWri
 // The output of one conversion. The file is opened when the text is complete, so that an earlier failure leaves it
 // unchanged.
 struct eConvertedText {
+    void WriteTo(IO::eStream* target) {
+        beginning.WriteTo(target);
+        end.Flush(target, nullptr);
+    }
+
     eSDLTextStream end;
     eTextPieces beginning;
 };
 
+constexpr char kWriteError[] = "%1% - write error!";
+
+void WriteFile(eFileAtWork* file, eConvertedText* text) {
+    IO::eSaveFile stream(file->Name());
+    if (!stream.IsOpen())
+        file->Fail(kOpenError, stream.Failure().text);
+    text->WriteTo(&stream);
+    if (!stream.Commit())
+        file->Fail(kWriteError, stream.Failure().text);
+}
+
+void WriteStream(eFileAtWork* file, IO::eStream& stream, eConvertedText* text) {
+    text->WriteTo(&stream);
+    stream.Flush();
+    if (stream.Enabled(IO::StreamMode::Bad))
+        file->Fail(kWriteError, stream.Failure().text);
+}
+
+// --- What is lost ---
+
+// Whether a name reads back as one word.
+bool IsWord(std::string_view name) {
+    using eClass = xSDL::eCharClass;
+    const auto letter = [](char c) { return eClass(eClass::Letter).Has(static_cast<unsigned char>(c)); };
+    const auto inside = [&](char c) { return letter(c) || ascii::IsDigit(c); };
+    return !name.empty() && (letter(name.front()) || name.front() == '%') &&
+           std::all_of(name.begin() + 1, name.end(), inside);
+}
+
+bool HasNul(std::string_view text) {
+    return text.find('\0') != std::string_view::npos;
+}
+
 // Writes the events of a document as SDL. Meanwhile reports about the file name the place.
 class eSdlFromJson final : public eJsonSink {
 public:
-    eSdlFromJson(eConvertedText* target, eFileAtWork* source)
-        : text(target->end), beginning(target->beginning), file(*source) {
+    eSdlFromJson(eConvertedText* target, eFileAtWork* source, eJsonLosses* lost)
+        : text(target->end), beginning(target->beginning), file(*source), losses(lost) {
         file.place = &place;
     }
     ~eSdlFromJson() { file.place = nullptr; }
@@ -161,9 +196,9 @@ public:
 
     void BeginDocument() override { file.line = ConversionReport::kWalkingLine; }
 
-    void BeginObject() override { BeginContainer(eKind::Object); }
+    void BeginObject() override;
     void Name(std::string_view name) override;
-    void EndObject() override { EndContainer(); }
+    void EndObject() override;
     void BeginArray() override { BeginContainer(eKind::Array); }
     void EndArray() override { EndContainer(); }
 
@@ -171,8 +206,8 @@ public:
     void Signed(std::int64_t value) override;
     void Unsigned(std::uint64_t value) override;
     void Double(double value) override;
-    void Bool(bool value) override { WriteInt(value); }
-    void Null() override { EndValue(); }
+    void Bool(bool value) override;
+    void Null() override;
     void Unknown() override;
 
 private:
@@ -195,6 +230,8 @@ private:
     int items = 0; // since the last piece
     eJsonPlace place;
     eFileAtWork& file;
+    eJsonLosses* losses;      // null: nobody asks
+    bool objectBegun = false; // since the last member or value
 };
 
 // Begins an item that starts a line, before which the text may be cut.
@@ -243,15 +280,44 @@ void eSdlFromJson::EndValue() {
     EndLine();
 }
 
+void eSdlFromJson::BeginObject() {
+    BeginContainer(eKind::Object);
+    objectBegun = true;
+}
+
+void eSdlFromJson::EndObject() {
+    if (losses && objectBegun)
+        ++losses->emptyObjects;
+    objectBegun = false;
+    EndContainer();
+}
+
 void eSdlFromJson::Name(std::string_view name) {
     BeginItem();
     text.WriteControl(sdlBlockStart);
     text.WriteIdent(name.data(), eSDLWriter::eWriteStream::kNoKeyword);
     place.NameMember(name);
+    objectBegun = false;
+    if (losses && !IsWord(name) && ++losses->names == 1)
+        losses->firstName = place.Path();
+}
+
+void eSdlFromJson::Bool(bool value) {
+    if (losses)
+        ++losses->booleans;
+    WriteInt(value);
+}
+
+void eSdlFromJson::Null() {
+    if (losses && place.Around() == eKind::Array)
+        ++losses->nulls;
+    EndValue();
 }
 
 void eSdlFromJson::String(std::string_view string) {
     BeginScalar();
+    if (losses && HasNul(string))
+        ++losses->texts;
     text.WriteString(string.data());
     EndValue();
 }
@@ -264,6 +330,8 @@ void eSdlFromJson::WriteInt(int value) {
 
 void eSdlFromJson::WriteLongInteger() {
     BeginScalar();
+    if (losses)
+        ++losses->integers;
     xError::Warning(ConversionReport::kSource, ConversionReport::kNumberLine, "Json number not parsed correctly.", 0);
     text.WriteInt(0);
     EndValue();
@@ -278,15 +346,19 @@ void eSdlFromJson::Signed(std::int64_t value) {
 
 // A value that fits into 32 bits without a sign keeps its bits.
 void eSdlFromJson::Unsigned(std::uint64_t value) {
-    if (value <= UINT32_MAX)
-        WriteInt(static_cast<int>(value));
-    else
-        WriteLongInteger();
+    if (value > UINT32_MAX)
+        return WriteLongInteger();
+    if (losses && value > INT32_MAX)
+        ++losses->integers;
+    WriteInt(static_cast<int>(value));
 }
 
 void eSdlFromJson::Double(double value) {
     BeginScalar();
-    text.WriteFloat(static_cast<float>(value));
+    const auto narrow = static_cast<float>(value);
+    if (losses && static_cast<double>(narrow) != value)
+        ++losses->floats;
+    text.WriteFloat(narrow);
     EndValue();
 }
 
@@ -329,16 +401,39 @@ bool JsonToSdl(const eFileName& input, const eFileName& output) {
     return JsonToSdlWithin(eJsonLimits(), input, output);
 }
 
+namespace {
+
+// The text of the document that `read` returns; null after a failure, which has been reported.
+template <class eRead>
+std::unique_ptr<eConvertedText> Converted(eFileAtWork* reading, eJsonLosses* losses, const eRead& read) {
+    std::unique_ptr<eConvertedText> text;
+    const bool converted = Succeeds(*reading, [&] {
+        text = std::make_unique<eConvertedText>();
+        eSdlFromJson sink(text.get(), reading, losses);
+        FeedJson(read(), &sink);
+    });
+    return converted ? std::move(text) : nullptr;
+}
+
+} // namespace
+
 bool JsonToSdlWithin(const eJsonLimits& limits, const eFileName& input, const eFileName& output) {
     eFileAtWork reading(input, ConversionReport::kReadingLine);
-    std::unique_ptr<eConvertedText> text;
-    const auto convert = [&] {
-        text = std::make_unique<eConvertedText>();
-        eSdlFromJson sink(text.get(), &reading);
-        FeedJson(ReadFile(&reading, limits), &sink);
-    };
-    if (!Succeeds(reading, convert))
+    const auto text = Converted(&reading, nullptr, [&] { return ReadFile(&reading, limits); });
+    if (!text)
         return false;
     eFileAtWork writing(output, ConversionReport::kWritingLine);
-    return Succeeds(writing, [&] { WriteFile(&writing, text->beginning, &text->end); });
+    return Succeeds(writing, [&] { WriteFile(&writing, text.get()); });
+}
+
+bool JsonStreamToSdl(IO::eStream& input, IO::eStream& output, eJsonLosses* losses, const eJsonLimits& limits) {
+    static const eFileName kStream("Stream");
+    if (losses)
+        *losses = eJsonLosses();
+    eFileAtWork reading(kStream, ConversionReport::kReadingLine);
+    const auto text = Converted(&reading, losses, [&] { return ReadStream(&reading, input, limits); });
+    if (!text)
+        return false;
+    eFileAtWork writing(kStream, ConversionReport::kWritingLine);
+    return Succeeds(writing, [&] { WriteStream(&writing, output, text.get()); });
 }

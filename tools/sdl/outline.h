@@ -1,29 +1,23 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <ostream>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
-#include <qzl_io/sdl.h>
-
-// The structure of an SDL document: its blocks with their keywords and depths, and the number of its values by kind.
+// The structure of an SDL document: its blocks with their names and depths, and the number of its values by kind.
 class eOutline {
 public:
-    // Called now and then with the number of the line being read.
-    using eProgress = void (*)(int line);
-
-    // Reads a file through eSDLReader from beginning to end. Throws what the reader reports.
-    explicit eOutline(const eFileName& sdl, eProgress progress = nullptr);
+    // Reads a file from beginning to end. Blocks within more than `depth` - 1 others are counted, but not listed.
+    // Throws eTrouble for a document with mistakes.
+    eOutline(const std::string& name, std::size_t depth);
 
     // Prints the blocks as an indented list. Blocks of one name in one parent are one entry with their number; each
     // parent shows at most `entriesOfOneParent` entries.
     void PrintBlocks(std::ostream& out, std::size_t entriesOfOneParent) const;
     // Prints the number of blocks, their greatest depth, and the values by kind.
     void PrintCounts(std::ostream& out) const;
-
-    unsigned long long Values() const { return words + strings + integers + floats; }
 
 private:
     // The blocks of one name inside the blocks of another.
@@ -33,11 +27,13 @@ private:
         std::vector<std::size_t> inside; // positions in entries
     };
 
-    class eWalk;
+    class eReading;
 
     std::size_t Enter(std::size_t parent, const std::string& name);
     void PrintInside(std::ostream& out, const eEntry& parent, int depth, std::size_t limit) const;
 
+    std::size_t shownDepth;
+    std::unordered_map<std::string, std::size_t> numbers; // of entries, by the parent's number and the name
     std::vector<eEntry> entries = std::vector<eEntry>(1); // the first stands for the document
     unsigned long long blocks = 0;
     std::size_t deepest = 0;

@@ -1,11 +1,14 @@
-#include "show_system.h"
-
 #include <chrono>
 #include <iomanip>
+#include <iostream>
+#include <ostream>
 #include <string>
 #include <string_view>
 
 #include <qzl_io/system.h>
+
+#include "terminal.h"
+#include "verb.h"
 
 namespace {
 
@@ -13,7 +16,8 @@ constexpr int kLabelWidth = 16;
 constexpr int kSizeWidth = 14;
 
 void PrintFact(std::ostream& out, std::string_view label, const std::string& fact) {
-    out << "  " << std::left << std::setw(kLabelWidth) << label << (fact.empty() ? "(unknown)" : fact) << '\n';
+    out << "  " << std::left << std::setw(kLabelWidth) << label
+        << (fact.empty() ? "(unknown)" : terminal::Printable(fact)) << '\n';
 }
 
 void PrintMachine(std::ostream& out) {
@@ -27,7 +31,7 @@ void PrintMachine(std::ostream& out) {
 }
 
 void PrintWorkingPaths(std::ostream& out) {
-    const IO::System::eWorkingPaths paths("qzl_demo");
+    const IO::System::eWorkingPaths paths("sdl");
     out << "working paths\n";
     PrintFact(out, "all users", paths.AppDataAllUsers());
     PrintFact(out, "user", paths.AppDataUser());
@@ -56,7 +60,7 @@ void PrintEntry(std::ostream& out, const IO::eSearch& entry) {
         out << entry.Size();
     else
         out << "folder";
-    out << "  " << entry.Name() << (entry.IsLink() ? " (link)" : "") << '\n';
+    out << "  " << terminal::Printable(entry.Name()) << (entry.IsLink() ? " (link)" : "") << '\n';
 }
 
 void PrintCurrentFolder(std::ostream& out) {
@@ -75,10 +79,15 @@ void PrintCurrentFolder(std::ostream& out) {
     out << "  " << files << " files of " << bytes << " bytes, " << folders << " folders\n";
 }
 
+eEnd ShowSystem() {
+    PrintMachine(std::cout);
+    PrintWorkingPaths(std::cout);
+    PrintCurrentFolder(std::cout);
+    return eEnd::Fine;
+}
+
 } // namespace
 
-void ShowSystem(std::ostream& out) {
-    PrintMachine(out);
-    PrintWorkingPaths(out);
-    PrintCurrentFolder(out);
+eVerb::eRun DeclareSystem(CLI::App*) {
+    return ShowSystem;
 }

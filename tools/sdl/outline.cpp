@@ -3,42 +3,33 @@
 #include <algorithm>
 #include <cstddef>
 
-#include <qzl_base/error.h>
+#include "terminal.h"
+#include "walk.h"
 
 namespace {
 
-constexpr const char* kSource = "tools/outline";
-constexpr int kIllegalCharacterLine = 10;
 constexpr const char* kAnonymous = "(no name)";
-constexpr unsigned long long kValuesBetweenProgress = 1 << 16;
+constexpr const char* kOthers = "(other names)";
+constexpr std::size_t kMostEntries = 1 << 20; // so that a document of nothing but names takes bounded memory
 
 } // namespace
 
-// Reads every token of a file, whatever the names of its blocks.
-class eOutline::eWalk : public eSDLReader {
+class eOutline::eReading : public eWalk {
 public:
-    eWalk(const eFileName& sdl, eOutline* target, eProgress report)
-        : eSDLReader(sdl, nullptr), outline(*target), progress(report) {}
+    eReading(const std::string& name, eOutline* target) : eWalk(name), outline(*target) {}
 
     void Run() {
-        while (Get()) {
-            Take(Token());
-            if (progress && ++taken % kValuesBetweenProgress == 0)
-                progress(Parser().Line());
-        }
+        while (Next())
+            Take(Token().type);
     }
 
 private:
-    void Take(const eSDLParserToken& token) {
-        switch (token.type) {
+    void Take(eSDLParserLexType type) {
+        switch (type) {
         case sdlBlockStart:
             return Enter();
         case sdlBlockEnd:
             return Leave();
-        case sdlIdent:
-        case sdlKeyword:
-            ++outline.words;
-            return;
         case sdlString:
             ++outline.strings;
             return;
@@ -48,48 +39,45 @@ private:
         case sdlFloat:
             ++outline.floats;
             return;
-        case sdlError:
-            xError::Fatal(kSource, kIllegalCharacterLine, "No token begins with this character!");
         default:
-            return;
+            ++outline.words;
         }
     }
 
-    // A block's name is the word directly after its brace.
     void Enter() {
-        const bool named = Test(sdlIdent);
-        const std::string name = named ? GetIdent() : kAnonymous;
-        open.push_back(outline.Enter(open.back(), name));
-        outline.deepest = std::max(outline.deepest, open.size() - 1);
+        std::string name;
+        if (!TakeName(&name))
+            name = kAnonymous;
+        ++outline.blocks;
+        outline.deepest = std::max(outline.deepest, Depth());
+        if (Depth() <= outline.shownDepth)
+            open.push_back(outline.Enter(open.back(), name));
     }
 
+    // Blocks that are too deep to be shown have no entries.
     void Leave() {
-        if (open.size() > 1)
+        if (Depth() < outline.shownDepth)
             open.pop_back();
     }
 
     eOutline& outline;
-    eProgress progress;
-    unsigned long long taken = 0;
     std::vector<std::size_t> open = {0}; // the entries of the blocks around the position, the document's first
 };
 
-eOutline::eOutline(const eFileName& sdl, eProgress progress) {
-    eWalk(sdl, this, progress).Run();
+eOutline::eOutline(const std::string& name, std::size_t depth) : shownDepth(depth) {
+    eReading(name, this).Run();
 }
 
 std::size_t eOutline::Enter(std::size_t parent, const std::string& name) {
-    ++blocks;
-    for (const std::size_t inside : entries[parent].inside) {
-        if (entries[inside].name == name) {
-            ++entries[inside].count;
-            return inside;
-        }
+    const auto key = [&](const std::string& word) { return std::to_string(parent) + ' ' + word; };
+    const std::string& kept = entries.size() < kMostEntries || numbers.count(key(name)) ? name : kOthers;
+    const auto [number, added] = numbers.try_emplace(key(kept), entries.size());
+    if (added) {
+        entries[parent].inside.push_back(number->second);
+        entries.push_back({kept, 0, {}});
     }
-    const std::size_t added = entries.size();
-    entries[parent].inside.push_back(added);
-    entries.push_back({name, 1, {}});
-    return added;
+    ++entries[number->second].count;
+    return number->second;
 }
 
 void eOutline::PrintBlocks(std::ostream& out, std::size_t entriesOfOneParent) const {
@@ -101,7 +89,7 @@ void eOutline::PrintInside(std::ostream& out, const eEntry& parent, int depth, s
     const std::size_t shown = std::min(limit, parent.inside.size());
     for (std::size_t index = 0; index < shown; ++index) {
         const eEntry& entry = entries[parent.inside[index]];
-        out << indentation << entry.name;
+        out << indentation << terminal::Printable(entry.name);
         if (entry.count > 1)
             out << " x " << entry.count;
         out << '\n';

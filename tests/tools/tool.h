@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/long_tests.h"
+#include "support/process.h"
+#include "support/temp_folder.h"
+#include "support/wine.h"
+
+// Runs the program `sdl` in a folder of its own.
+class Tool : public testing::Test {
+protected:
+    // Under Wine a program takes a tenth of a second to start.
+    static bool StartsSlowly() { return IsUnderWine() && !LongTests(); }
+
+    // The rows of a table of which each is a run of its own: where programs start slowly, one in three.
+    template <class eRow, std::size_t count>
+    static std::vector<eRow> Sampled(const eRow (&table)[count]) {
+        std::vector<eRow> rows;
+        for (std::size_t row = 0; row < count; row += StartsSlowly() ? 3u : 1u)
+            rows.push_back(table[row]);
+        return rows;
+    }
+
+    eEnded Run(const std::vector<std::string>& arguments, const std::string& input = {}) const {
+        return RunProgram(QZL_SDL_PROGRAM, arguments, input, folder.Path());
+    }
+
+    // What a run that must succeed without a message prints.
+    std::string OutputOf(const std::vector<std::string>& arguments, const std::string& input = {}) const {
+        const eEnded ended = Run(arguments, input);
+        EXPECT_EQ(ended.code, 0);
+        EXPECT_EQ(ended.errors, "");
+        return ended.output;
+    }
+
+    // A run that must fail, with this code and a message that contains the text.
+    void Refuses(int code, std::string_view message, const std::vector<std::string>& arguments,
+                 const std::string& input = {}) const {
+        const eEnded ended = Run(arguments, input);
+        EXPECT_EQ(ended.code, code) << testing::PrintToString(arguments);
+        EXPECT_THAT(ended.errors, testing::HasSubstr(std::string(message))) << testing::PrintToString(arguments);
+    }
+
+    eTempFolder folder;
+};

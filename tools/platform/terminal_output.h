@@ -1,4 +1,0 @@
-#pragma once
-
-// True if standard error goes to a terminal.
-bool ErrorOutputIsTerminal();

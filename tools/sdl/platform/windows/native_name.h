@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+#include <qzl_base/convert.h>
+#include <qzl_io/file_name.h>
+
+// The name of a file, as the command line gives it, in the form that can name every file of the system.
+inline eFileNameW NativeName(const std::string& name) {
+    return {ToStringW(name)};
+}

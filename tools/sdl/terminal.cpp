@@ -1,0 +1,89 @@
+#include "terminal.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdlib>
+#include <iostream>
+
+#include <qzl_base/convert.h>
+
+#include "platform/console.h"
+#include "utf8.h"
+
+namespace terminal {
+
+namespace {
+
+std::size_t shown = 0; // characters of the line on the screen
+
+bool IsTime() {
+    using eClock = std::chrono::steady_clock;
+    static eClock::time_point next = eClock::now() + std::chrono::milliseconds(300);
+    if (eClock::now() < next)
+        return false;
+    next = eClock::now() + std::chrono::milliseconds(100);
+    return true;
+}
+
+// Marks of direction and what has no width hide what a text says.
+bool IsHidden(char32_t character) {
+    return (character >= 0x200B && character <= 0x200F) || (character >= 0x2028 && character <= 0x202E) ||
+           (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF || character == 0x61C;
+}
+
+bool IsControl(char32_t character) {
+    return (character < 0x20 && character != '\t') || (character >= 0x7F && character < 0xA0);
+}
+
+// "<U+001B>", as rendered diagnostics show it.
+std::string Numbered(char32_t character) {
+    std::string digits = ToString(static_cast<unsigned>(character), true).substr(2);
+    for (char& digit : digits)
+        digit = digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit;
+    return "<U+" + std::string(digits.size() < 4 ? 4 - digits.size() : 0, '0') + digits + '>';
+}
+
+} // namespace
+
+std::string Printable(std::string_view text) {
+    std::string printable;
+    printable.reserve(text.size());
+    while (!text.empty()) {
+        const utf8::eCharacter first = utf8::FirstOf(text);
+        if (IsControl(first.value) || IsHidden(first.value))
+            printable += Numbered(first.value);
+        else if (first.wellFormed)
+            printable += text.substr(0, first.size);
+        else
+            printable += utf8::kReplacement;
+        text.remove_prefix(first.size);
+    }
+    return printable;
+}
+
+void ShowProgress(const std::string& text) {
+    static const bool interactive = console::IsTerminal(console::eStream::Error);
+    if (!interactive || !IsTime())
+        return;
+    EndProgress();
+    std::cerr << text << std::flush;
+    shown = text.size();
+}
+
+void ShowProgress(const std::string& text, unsigned long long done, unsigned long long total) {
+    ShowProgress(text + ", " + std::to_string(total ? done * 100 / total : 0) + " %");
+}
+
+void EndProgress() {
+    if (shown == 0)
+        return;
+    std::cerr << '\r' << std::string(shown, ' ') << '\r' << std::flush;
+    shown = 0;
+}
+
+bool TakesColours() {
+    const char* const refused = std::getenv("NO_COLOR");
+    return (!refused || !*refused) && console::IsTerminal(console::eStream::Output);
+}
+
+} // namespace terminal

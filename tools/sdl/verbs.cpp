@@ -1,0 +1,27 @@
+#include "verb.h"
+
+namespace {
+
+constexpr eVerb kVerbs[] = {
+    {"from-json", "Converts a JSON document to SDL.",
+     "sdl from-json scene.json scene.sdl\n"
+     "curl -s https://example.org/data.json | sdl from-json - data.sdl",
+     DeclareFromJson},
+    {"to-json", "Converts an SDL document to JSON.",
+     "sdl to-json scene.sdl scene.json\n"
+     "sdl to-json --any-names data.sdl - | less",
+     DeclareToJson},
+    {"show", "Shows a document's blocks as an outline, and counts its values.",
+     "sdl show scene.sdl\n"
+     "sdl show --depth 2 scene.sdl",
+     DeclareShow},
+    {"tokens", "Shows what a document is cut into: place, kind and text of each token.", "sdl tokens scene.sdl",
+     DeclareTokens},
+    {"system", "Shows what the library knows of this machine.", "sdl system", DeclareSystem},
+};
+
+} // namespace
+
+std::span<const eVerb> Verbs() {
+    return kVerbs;
+}

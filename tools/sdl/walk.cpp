@@ -1,0 +1,112 @@
+#include "walk.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "files.h"
+#include "native_name.h"
+#include "terminal.h"
+#include "verb.h"
+
+namespace {
+
+constexpr unsigned kTokensBetweenProgress = 1 << 16;
+
+// Whether a text that ends the document ends within a string, the only token that its end can break.
+bool EndsWithinString(const char* text) {
+    IO::eMemoryStream content;
+    content.Write(text, std::strlen(text));
+    content.Seek(0, IO::eSeekDir::Begin);
+    const std::vector<eSDLKeyword*> noKeywords;
+    eSDLParser parser(std::string(), content, noKeywords, {}, nullptr);
+    std::string_view rest(parser.Cptr());
+    while (parser.Get() && parser.Token().type != sdlError)
+        rest = parser.Cptr();
+    for (;;) {
+        const std::size_t next = rest.find_first_not_of("\t\n\r =");
+        if (next == std::string_view::npos || rest[next] != ';')
+            return next != std::string_view::npos;
+        rest.remove_prefix(next);
+        rest.remove_prefix(std::min(rest.size(), rest.find_first_of("\n\r")));
+    }
+}
+
+// A reader of a file, which knows the file's name, or of standard input.
+eSDLReader Opened(const std::string& name, unsigned long long* size) {
+    const std::unique_ptr<IO::eStream> stream = OpenInput(name);
+    *size = stream->Size();
+    return name == kStandard ? eSDLReader(stream.get(), nullptr) : eSDLReader(NativeName(name), nullptr);
+}
+
+} // namespace
+
+eWalk::eWalk(const std::string& name)
+    : eSDLReader(Opened(name, &size)), shownName(ShownName(name)), begin(Parser().Cptr()) {}
+
+bool eWalk::Next() {
+    const char* const before = Parser().Cptr();
+    if (++tokens % kTokensBetweenProgress == 0)
+        ReportProgress();
+    if (!Get()) {
+        RequireEnd(before);
+        return false;
+    }
+    switch (Token().type) {
+    case sdlBlockStart:
+        ++depth;
+        break;
+    case sdlBlockEnd:
+        if (depth == 0)
+            Fail("this } ends no block");
+        --depth;
+        break;
+    case sdlError:
+        Fail("no token begins with this character");
+    default:
+        break;
+    }
+    return true;
+}
+
+bool eWalk::TakeName(std::string* word) {
+    if (!Test(sdlIdent))
+        return false;
+    *word = GetIdent();
+    return true;
+}
+
+void eWalk::MoveTo(const char* position, int line) {
+    eSDLParserState state;
+    state.token = Token();
+    state.line = line;
+    state.position = position;
+    Parser().StatePrev(state);
+    Parser().Back();
+}
+
+void eWalk::Rewind() {
+    depth = 0;
+    MoveTo(begin, 1);
+}
+
+void eWalk::Fail(const std::string& what) const {
+    Fail(what, Line());
+}
+
+void eWalk::Fail(const std::string& what, int line) const {
+    throw eTrouble(shownName + ":" + std::to_string(line) + ": " + what);
+}
+
+void eWalk::RequireEnd(const char* before) {
+    if (EndsWithinString(before))
+        Fail("the document ends within a string");
+    if (depth > 0)
+        Fail("the document ends within " + std::to_string(depth) + (depth == 1 ? " block" : " blocks"));
+}
+
+void eWalk::ReportProgress() {
+    terminal::ShowProgress("reading " + shownName, static_cast<unsigned long long>(Parser().Cptr() - begin), size);
+}
