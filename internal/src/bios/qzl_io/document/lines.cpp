@@ -16,27 +16,30 @@ bool EndsLine(char c) {
     return c == '\n' || c == '\r';
 }
 
-// The first character border from the place on, where `at` is one. ASCII is passed 16 characters at a time.
+// The first character border from the place on, where `at` is one. ASCII is passed 16 characters at a time. A byte that
+// is part of no character counts as one.
 std::size_t PassCharacters(std::string_view text, std::size_t at, std::size_t to, std::size_t* characters) {
     while (at < to) {
-        const std::size_t units =
-            to - at >= 16 && Mask(Load16(text.data() + at)) == 0 ? 16 : unicode::FirstOf(text.substr(at, 4)).units;
-        *characters += units == 16 ? 16 : 1;
-        at += units;
+        if (to - at >= 16 && Mask(Load16(text.data() + at)) == 0) {
+            at += 16;
+            *characters += 16;
+            continue;
+        }
+        const unicode::eCharacter character = unicode::FirstOf(text.substr(at, 4));
+        at += character.wellFormed ? character.units : 1;
+        ++*characters;
     }
     return at;
 }
 
-// In well-formed UTF-8.
+// With U+FFFD for each byte that is part of no character.
 std::string WellFormed(std::string_view text) {
     std::string result;
     while (!text.empty()) {
         const unicode::eCharacter character = unicode::FirstOf(text);
-        if (character.wellFormed)
-            result += text.substr(0, character.units);
-        else
-            result += "\xEF\xBF\xBD";
-        text.remove_prefix(character.units);
+        const std::size_t units = character.wellFormed ? character.units : 1;
+        result += character.wellFormed ? text.substr(0, units) : "\xEF\xBF\xBD";
+        text.remove_prefix(units);
     }
     return result;
 }

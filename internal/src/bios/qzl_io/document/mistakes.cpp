@@ -1,7 +1,8 @@
 #include "document/mistakes.h"
 
-#include <algorithm>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "sdl/lexer.h"
 
@@ -112,6 +113,38 @@ private:
             diagnostic->notes.push_back({message, ExcerptOf(source.At(begin), source.At(begin + 1))});
             open = blocks.Around(begin);
         }
+        NoteIndentation(diagnostic);
+    }
+
+    // People who forget a } indent the next ones as if it were there.
+    void NoteIndentation(xError::eDiagnostic* diagnostic) const {
+        const eBlockIndex& blocks = source.Blocks();
+        for (std::size_t index = blocks.Size(); index-- > 0;) {
+            const std::size_t begin = blocks.Begin(index);
+            if (!blocks.IsClosed(index) || *source.At(begin) != '{')
+                continue;
+            const auto opening = IndentAt(begin);
+            const auto closing = IndentAt(blocks.End(index) - 1);
+            if (!opening || !closing || *closing >= *opening)
+                continue;
+            diagnostic->notes.push_back({"Perhaps this block is not closed: the } that it has is indented less.",
+                                         ExcerptOf(source.At(begin), source.At(begin + 1))});
+            return;
+        }
+    }
+
+    // The number of blanks before the place on its line, if there is nothing else.
+    std::optional<std::size_t> IndentAt(std::size_t offset) const {
+        constexpr std::size_t kMost = 256;
+        std::size_t indent = 0;
+        for (; indent < kMost && indent < offset - source.Begin(); ++indent) {
+            const char c = *source.At(offset - indent - 1);
+            if (c == '\n')
+                return indent;
+            if (c != ' ' && c != '\t')
+                return std::nullopt;
+        }
+        return indent < kMost ? std::optional(indent) : std::nullopt;
     }
 
     const eSource& source;

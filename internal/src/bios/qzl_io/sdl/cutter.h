@@ -83,10 +83,10 @@ public:
 
     // The name of the block that begins here, if it directly follows the { and is within the limit; empty if not.
     std::string_view SeeBlockName() const {
-        const char* const name = xSDL::FindToken(begin.at + 1, begin.line).at;
-        const char* const end = xSDL::PassWord(name);
-        const auto size = static_cast<std::size_t>(end ? end - name : 0);
-        return parser.current.Admits(size) ? std::string_view(name, size) : std::string_view();
+        const char* const word = xSDL::FindToken(begin.at + 1, begin.line).at;
+        const char* const end = xSDL::PassWord(word);
+        const auto size = static_cast<std::size_t>(end ? end - word : 0);
+        return parser.current.Admits(size) ? std::string_view(word, size) : std::string_view();
     }
 
 private:
