@@ -17,4 +17,5 @@ public:
     using eSDLReader::GetOperand;
     using eSDLReader::GetParameters;
     using eSDLReader::Parser;
+    using eSDLReader::PushParser;
 };

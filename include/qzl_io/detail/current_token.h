@@ -63,6 +63,12 @@ public:
     eBefore Before() const;
     void SetBefore(eBefore saved);
 
+    // Where the token begins in the source, with its quote or brace; where reading stands if it is no token or did not
+    // come from the source. If a caller has changed the type, up to two characters beside that.
+    const char* Begin() const;
+    // For a token that has become another one: what it stands for in the source. Only if the place is Own.
+    void StandFor(std::string_view textInSource) { text.source = textInSource; }
+
     // The text, wherever it is; as the token's string; as the token's string, about to be changed.
     std::string_view Text() const;
     // The text in the source of the token that was cut last, whatever its string has become.
@@ -84,6 +90,8 @@ public:
     float Float() const { return now.token.floatValue; }
     int Line() const { return now.line; }
     const char* Position() const { return now.position; }
+    // Where reading stands after Back; null if there is no token before.
+    const char* PositionBefore() const { return before.position; }
     ePlace Place() const { return text.place; }
 
     void SetType(eSDLParserLexType type) { now.token.type = type; }

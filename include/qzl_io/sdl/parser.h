@@ -5,8 +5,10 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include <qzl_base/diagnostic.h>
 #include <qzl_base/stack_entry.h>
 #include <qzl_base/strings.h>
 #include <qzl_io/detail/current_token.h>
@@ -21,6 +23,10 @@ class eStream;
 }
 
 class eSDLReader;
+
+namespace xSDL {
+class eSourcePlaces;
+}
 
 // A named text, as declared by a `define` control block.
 struct eDefine {
@@ -118,8 +124,8 @@ private:
 
     class eCutter;
     // Called before a report is made. A reader uses it to put its other sources on the stack, so that the report names
-    // them, too.
-    using eBeforeReport = std::function<void()>;
+    // them, too. Returns where this source was included, innermost first.
+    using eBeforeReport = std::function<std::vector<xError::ePlace>()>;
 
     eSDLParser(const std::string& name, IO::eStream& stream, const std::vector<eSDLKeyword*>& keywords,
                const std::map<eStringKey, eStringKey>& parameters, eSDLCipher* cipher, const eSDLLimits& limits,
@@ -145,7 +151,33 @@ private:
     void Lend() const;
 
     std::string Listing(std::size_t around) const;
-    [[noreturn]] void Fail(int line, const std::string& message, const eBeforeReport& beforeReport);
+
+    // The text without the byte-order mark and the zeros, and the current token in it.
+    std::string_view Source() const;
+    std::string_view TokenInSource() const;
+    xSDL::eSourcePlaces& Places() const;
+    xError::ePlace PlaceAt(std::size_t offset, int line) const;
+    xError::eExcerpt ExcerptAt(xError::ePlace place, std::size_t size) const;
+    // The current token's place; with the line around it; and what the token is, in words.
+    xError::ePlace Place() const;
+    xError::eExcerpt Excerpt() const;
+    std::string Found() const;
+    // The opening quote, if the last token read was a string in which the text ends; otherwise null.
+    const char* UnendedString() const;
+    std::string CharacterAt(const char* at) const;
+    xError::eExcerpt Beginning() const;
+    xError::eDiagnostic Diagnose(std::string message, std::string expected) const;
+    // Whether a place that was found before is in this source; and its line, with the token marked that begins there.
+    bool Has(const xError::ePlace& place) const;
+    xError::eExcerpt ExcerptOf(const xError::ePlace& place) const;
+    // The innermost block of this source that is open where reading stands, without the `closed` innermost ones. If
+    // there is none, false, and `closed` becomes the number of blocks that have been closed around this source.
+    bool FindOpenBlock(std::size_t* closed, xError::eExcerpt* found) const;
+
+    [[noreturn]] void FailForSize(unsigned long long size, const eBeforeReport& beforeReport);
+    [[noreturn]] void FailAt(const char* at, int line, xError::eDiagnostic diagnostic,
+                             const eBeforeReport& beforeReport);
+    [[noreturn]] void Fail(int line, xError::eDiagnostic diagnostic, const eBeforeReport& beforeReport);
 
     mutable xSDL::eCurrentToken current; // a request for the state may be the first to need its text in the token
     bool isFile = false;
@@ -159,4 +191,9 @@ private:
     unsigned long long sourceLimit = eSDLLimits::kNone;
     bool escaped = false; // the token just cut is a string that contains a backslash
     bool tooLong = false; // if the token just cut is sdlError: it is one that exceeds the limit
+    mutable std::unique_ptr<xSDL::eSourcePlaces> places; // made when a place is first asked for
+    // For the first source of a reader, on behalf of the reader and its copies: whether the destructor has nothing to
+    // report any more, and whether that is so after a report.
+    bool finished = false;
+    bool reportsOnce = false;
 };

@@ -8,6 +8,7 @@
 #include <type_traits>
 #include <vector>
 
+#include <qzl_base/diagnostic.h>
 #include <qzl_base/strings.h>
 #include <qzl_io/detail/unwinding.h>
 #include <qzl_io/detail/value_types.h>
@@ -21,6 +22,8 @@
 
 namespace xSDL {
 
+struct eCheck;
+
 // The token that holds a value of the type; sdlNone if it takes several, or if readers do not read the type.
 template <class T>
 inline constexpr eSDLParserLexType kTokenOf =
@@ -30,6 +33,9 @@ inline constexpr eSDLParserLexType kTokenOf =
                                                                                                    : sdlNone;
 
 } // namespace xSDL
+
+// What eSDLReader::Finish does with text after the last }.
+enum class eSDLRest : bool { Pass, Refuse };
 
 // Reads an SDL source value by value: the application's calls are the grammar.
 //
@@ -59,10 +65,12 @@ inline constexpr eSDLParserLexType kTokenOf =
 // such as (+ 1 2 3), which reads as one float, or one of the words include, define and mod with anything after it,
 // which is skipped.
 //
-// Every syntax error is reported through xError::Error with a fixed message; the report's context shows the place. A
-// source that could not be read to its end is reported when it is loaded, as "%1% - read error!" with its name, and the
-// context gives the system's reason. If the error handler returns, the reader throws xError::eException itself: it
-// never continues from a wrong place.
+// Every syntax error is reported through xError::Error with a fixed message; the report's context shows the place, and
+// its diagnostic (xError::eReport) has place, line, what was expected and what was found as fields. An error in which a
+// block is not closed when the text ends also tells where the innermost one of these begins. A source that could not be
+// read to its end is reported when it is loaded, as "%1% - read error!" with its name, and the context gives the
+// system's reason. If the error handler returns, the reader throws xError::eException itself: it never continues from a
+// wrong place.
 //
 // Copies have the same state and read from the same sources, which close with the last copy; each copy looks up
 // keywords in its own tables. A reader and its copies together are used by one thread at a time.
@@ -214,6 +222,38 @@ public:
     // The last token read.
     const eSDLParserToken& Token() const;
 
+    // --- Places and the application's own errors ---
+
+    // Where the token that Token tells begins, with its brace or quote. At the end of the text, where that is, or the
+    // quote of a string that does not end; before the first token of a source, where the source begins. Offsets count
+    // in the text as it is read: from where the stream stood, deciphered, with parameters replaced.
+    //
+    // The time does not depend on how much has been read. A line of more than 1 KiB is counted once.
+    xError::ePlace Place() const;
+    // Where the current block begins: its {, in whatever source. The blocks are counted from the beginning of each open
+    // source, as if none had been skipped, so the first call takes time linear in what has been read, and a call after
+    // that for what has been read since. A block that an included source has left open at its end is not known. If no
+    // block is open, where the first source begins.
+    xError::ePlace BlockPlace() const;
+
+    // Reports the application's own error, such as "radius must be positive", at the place of the last token read, as
+    // the reader reports its errors: with the context, and with xError::eException if the report returns. Then the
+    // destructor reports nothing.
+    [[noreturn]] void Complain(const std::string& message);
+    // Likewise, at a place that Place or BlockPlace returned. The diagnostic shows its line if its source is still
+    // open.
+    [[noreturn]] void Complain(const std::string& message, const xError::ePlace& place);
+
+    // Reads the last } as the destructor would, and reports as it would if that is not next: with a signature and
+    // CheckEOF on. For callers that want the report, and its exception, where they can handle it; the destructor of the
+    // reader or its last copy then reports nothing, whatever was found. With eSDLRest::Refuse, also reports "Text after
+    // the end!" unless the source then ends; comments, control blocks without a value and hidden blocks may follow. A
+    // second call expects no }.
+    void Finish(eSDLRest rest = eSDLRest::Pass);
+    // From now on, a report of the reader or of a copy is the last one: after it, the destructor reports nothing. By
+    // default an error that is caught while the reader lives may be followed by the destructor's.
+    void ReportOnce();
+
     // The last table pushed is the current one; it is null if there is none. Tables remain the caller's.
     void PushKeywords(eSDLKeyword* table) { keywords.push_back(table); }
     void PopKeywords();
@@ -291,10 +331,9 @@ private:
     template <class T>
     void RequireFits(std::string_view number);
     void RequireFloatFits();
-    [[noreturn]] void FailName(const std::vector<std::string_view>& names);
 
-    void CheckSignature(const char* signature, int notSDLLine);
-    const std::string& ReadSignature(int notSDLLine);
+    void CheckSignature(const char* signature, const xSDL::eCheck& notSDL);
+    const std::string& ReadSignature(const xSDL::eCheck& notSDL);
     eSDLParserLexType Next();
     bool Cut();
     void RequireWithinLimit(const eSDLParser& parser);
@@ -304,11 +343,12 @@ private:
     bool EnterBlock();
     // Whether there is a mark that the next block start would displace.
     bool AreMarksKept() const { return !blockMark.empty() || !previousBlockMark.empty(); }
-    void Require(eSDLParserLexType type, int line, const char* message);
-    void RequireString(int line);
+    void Require(eSDLParserLexType type, const xSDL::eCheck& check);
+    void RequireString(const xSDL::eCheck& check);
     void RequireBlockEnd();
+    bool IsEndExpected() const;
     bool SkipInSource(long long* depth);
-    void Calculate();
+    void Calculate(const char* open);
     bool GetOperandOrEnd(eSDLParserToken* token);
     void TakeOperand(eSDLParserToken* token);
     void CheckControlWord();
@@ -316,8 +356,20 @@ private:
     void TakeNamed(std::map<eStringKey, eStringKey>* parameters);
     void NoteUnopened(const eSDLParser& parser);
     void EnterSources() const;
-    std::function<void()> EnteringSources() const;
-    [[noreturn]] void Fail(int line, const std::string& message);
+    std::function<std::vector<xError::ePlace>()> EnteringSources(std::size_t outer) const;
+    std::vector<xError::ePlace> PlacesIn(std::size_t outer) const;
+
+    bool FindOpenBlock(xError::eExcerpt* found) const;
+    xError::eDiagnostic Diagnose(std::string message, std::string expected) const;
+    std::string NearestKeyword() const;
+    void NoteReport() const;
+    [[noreturn]] void Fail(const xSDL::eCheck& check);
+    [[noreturn]] void FailSignature(const std::string& read, const std::string& expected);
+    [[noreturn]] void FailBlock(int id);
+    [[noreturn]] void FailToken(eSDLParserLexType type);
+    [[noreturn]] void FailRange(std::string_view number);
+    [[noreturn]] void FailName(const std::vector<std::string_view>& names);
+    [[noreturn]] void Fail(int line, xError::eDiagnostic diagnostic);
 
     std::map<eStringKey, eDefine> defines;
     int skipDepth = 0; // above 0, control blocks and marked blocks are returned unchanged

@@ -16,6 +16,7 @@
 #include "sdl/cutter.h"
 #include "sdl/lexer.h"
 #include "sdl/number.h"
+#include "sdl/source_places.h"
 
 namespace {
 
@@ -139,7 +140,14 @@ eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const
 
 void eSDLParser::RequireSourceOf(unsigned long long size, const eBeforeReport& beforeReport) {
     if (size > sourceLimit)
-        Fail(ParserReport::kSourceLimitLine, "Source limit exceeded!", beforeReport);
+        FailForSize(size, beforeReport);
+}
+
+void eSDLParser::FailForSize(unsigned long long size, const eBeforeReport& beforeReport) {
+    const auto bytes = [](unsigned long long count) { return std::to_string(count) + " bytes"; };
+    xError::eDiagnostic diagnostic = Diagnose("Source limit exceeded!", "at most " + bytes(sourceLimit));
+    diagnostic.found = bytes(size);
+    Fail(ParserReport::kSourceLimitLine, std::move(diagnostic), beforeReport);
 }
 
 void eSDLParser::LimitTokens(unsigned long long bytes) {
@@ -151,7 +159,9 @@ void eSDLParser::CheckRead(const IO::eStream& stream, const eBeforeReport& befor
     if (stream.Disabled(IO::StreamMode::Bad))
         return;
     failure = ReasonOf(stream, "The source could not be read to its end.");
-    Fail(ParserReport::kReadErrorLine, (format("%1% - read error!") % (isFile ? name : "Stream")).str(), beforeReport);
+    xError::eDiagnostic diagnostic = Diagnose((format("%1% - read error!") % (isFile ? name : "Stream")).str(), {});
+    diagnostic.notes.push_back({failure, {}});
+    Fail(ParserReport::kReadErrorLine, std::move(diagnostic), beforeReport);
 }
 
 eSDLParser::eSDLParser(const eDefine& define, const std::vector<eSDLKeyword*>& tables,
@@ -255,6 +265,7 @@ void eSDLParser::ReplaceParameters(const std::map<eStringKey, eStringKey>& param
 }
 
 void eSDLParser::Rewind() {
+    places.reset();
     current.Start(text.data() + passed);
     PlacePlainNumbers();
 }
@@ -372,22 +383,44 @@ std::string eSDLParser::TakeParameter(const eBeforeReport& beforeReport) {
     const char* const begin = open + (*open != 0);
     current.JumpTo(begin, current.Line());
     if (*open != '(')
-        Fail(ParserReport::kOpenRequiredLine, "'(' required", beforeReport);
+        FailAt(open, ParserReport::kOpenRequiredLine, Diagnose("'(' required", "'('"), beforeReport);
     const char* const end = std::strchr(begin, ')');
-    if (!end)
-        Fail(ParserReport::kCloseRequiredLine, "')' required", beforeReport);
+    if (!end) {
+        xError::eDiagnostic diagnostic = Diagnose("')' required", "')'");
+        diagnostic.found = "the end of the text";
+        FailAt(open, ParserReport::kCloseRequiredLine, std::move(diagnostic), beforeReport);
+    }
     if (!current.Admits(static_cast<std::size_t>(end - begin)))
-        Fail(ParserReport::kParameterLimitLine, xSDL::kTokenLimit, beforeReport);
+        FailAt(open, ParserReport::kParameterLimitLine, Diagnose(xSDL::kTokenLimit, {}), beforeReport);
     current.JumpTo(end + 1, current.Line());
     return std::string(begin, end);
 }
 
+// A report about the source as such, unless it is given a place.
+xError::eDiagnostic eSDLParser::Diagnose(std::string message, std::string expected) const {
+    xError::eDiagnostic diagnostic;
+    diagnostic.message = std::move(message);
+    diagnostic.excerpt = Beginning();
+    diagnostic.expected = std::move(expected);
+    return diagnostic;
+}
+
+// Fails because of the character at a place in the current line.
+void eSDLParser::FailAt(const char* at, int line, xError::eDiagnostic diagnostic, const eBeforeReport& beforeReport) {
+    diagnostic.excerpt = ExcerptOf(PlaceAt(static_cast<std::size_t>(at - Source().data()), current.Line()));
+    if (!diagnostic.expected.empty() && diagnostic.found.empty())
+        diagnostic.found = CharacterAt(at);
+    Fail(line, std::move(diagnostic), beforeReport);
+}
+
 // The context names this source first, so it enters the stack last.
-void eSDLParser::Fail(int line, const std::string& message, const eBeforeReport& beforeReport) {
+void eSDLParser::Fail(int line, xError::eDiagnostic diagnostic, const eBeforeReport& beforeReport) {
     if (beforeReport)
-        beforeReport();
+        diagnostic.includedFrom = beforeReport();
     EnterStack();
-    xError::Fatal(ParserReport::kSource, line, message);
+    const std::string message = diagnostic.message;
+    xError::Fatal(ParserReport::kSource, line, message,
+                  std::make_shared<const xError::eDiagnostic>(std::move(diagnostic)));
 }
 
 std::string eSDLParser::GetContext() const {

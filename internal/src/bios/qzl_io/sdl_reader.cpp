@@ -8,52 +8,19 @@
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
-#include <qzl_base/format.h>
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/streams.h>
 
 #include "qzl_base/shared/ascii.h"
 #include "sdl/cutter.h"
-#include "sdl/nearest.h"
 #include "sdl/number.h"
 #include "sdl/skim.h"
+#include "sdl_reader_checks.h"
 
 namespace {
 
-namespace ReaderReport {
-
-constexpr const char* kSource = "internal/src/bios/qzl_io/sdl_reader";
-
-constexpr const char* kNotSDL = "Not SDL file!";
-constexpr const char* kBlockEndExpected = "Block terminator expected!";
-constexpr const char* kStringExpected = "String expected!";
-
-// The line numbers of the reports.
-constexpr int kFileNotSDLLine = 17;
-constexpr int kSignatureMismatchLine = 20;
-constexpr int kWideFileNotSDLLine = 31;
-constexpr int kBlockIdentifierLine = 257;
-constexpr int kKeywordLine = 266;
-constexpr int kSkippedBlockEndLine = 292;
-constexpr int kNumberLine = 308;
-constexpr int kIntegerLine = 317;
-constexpr int kStringLine = 336;
-constexpr int kWideStringLine = 344;
-constexpr int kIdentifierLine = 352;
-constexpr int kControlBlockWordLine = 466;
-constexpr int kArgumentsEndLine = 510;
-constexpr int kSignatureNotSDLLine = 526;
-constexpr int kTokenLine = 537;
-constexpr int kBlockEndLine = 553;
-constexpr int kControlBlockEndLine = 561;
-constexpr int kBlockStartLine = 569;
-constexpr int kControlBlockStartLine = 577;
-constexpr int kTokenLimitLine = 600;
-constexpr int kIncludeLimitLine = 610;
-constexpr int kRangeLine = 620;
-constexpr int kNameLine = 630;
-
-} // namespace ReaderReport
+using xSDL::eCheck;
+namespace Checks = xSDL::Checks;
 
 using eBefore = xSDL::eCurrentToken::eBefore;
 
@@ -79,12 +46,6 @@ void LowerCase(std::string* text) {
 std::string LowerCased(std::string text) {
     LowerCase(&text);
     return text;
-}
-
-// Of a text that may be a whole source, what a message shows.
-std::string BeginningOf(std::string_view text) {
-    constexpr std::size_t kMostShown = 100;
-    return text.size() <= kMostShown ? std::string(text) : std::string(text.substr(0, kMostShown)) + "...";
 }
 
 // The text of a number as it stands in the source. That of a calculation stands nowhere.
@@ -162,24 +123,6 @@ private:
     std::vector<std::shared_ptr<eUnopened>> unopened;
 };
 
-// A file to be included that could not be opened, for the next report.
-class eSDLReader::eUnopened : public xDebug::eStackEntry {
-public:
-    eUnopened(std::string fileTitle, std::string whyNot) : title(std::move(fileTitle)), failure(std::move(whyNot)) {}
-    ~eUnopened() override { LeaveStack(); }
-    eUnopened(const eUnopened&) = delete;
-    eUnopened& operator=(const eUnopened&) = delete;
-
-    std::string DSE_Title() const override { return title; }
-    std::string DSE_Full() const override { return failure; }
-
-    void Enter() { EnterStack(); }
-
-private:
-    std::string title;
-    std::string failure;
-};
-
 eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
     : eSDLReader(file, signature, std::move(sourceCipher), eSDLLimits()) {}
 
@@ -204,7 +147,7 @@ eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared
     Init();
     PushParser(NewParser(file, {}));
     signatureBlock = true;
-    CheckSignature(signature, ReaderReport::kFileNotSDLLine);
+    CheckSignature(signature, Checks::kFileNotSDL);
 }
 
 eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher,
@@ -213,7 +156,7 @@ eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::share
     Init();
     PushParser(NewParser(file));
     signatureBlock = true;
-    CheckSignature(signature, ReaderReport::kWideFileNotSDLLine);
+    CheckSignature(signature, Checks::kWideFileNotSDL);
 }
 
 eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher,
@@ -239,7 +182,7 @@ eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourc
 eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher, const eSDLLimits& most)
     : cipher(std::move(sourceCipher)), sourceLimits(most) {
     Init();
-    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher.get(), sourceLimits, EnteringSources()));
+    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher.get(), sourceLimits, EnteringSources(parsers.size())));
 }
 
 eSDLReader::eSDLReader(const eSDLReader& other) = default;
@@ -256,8 +199,26 @@ eSDLReader::~eSDLReader() noexcept(false) {
         }
     } closer{parsers};
     const bool last = !parsers.empty() && parsers.front().use_count() == 1;
-    if (signatureBlock && checkAtEnd && last && !unwinding.IsUnderWay())
+    if (last && IsEndExpected() && !unwinding.IsUnderWay())
         RequireBlockEnd();
+}
+
+bool eSDLReader::IsEndExpected() const {
+    return signatureBlock && checkAtEnd && !parsers.front()->finished;
+}
+
+// Whatever is found here, the destructor has nothing to add.
+void eSDLReader::Finish(eSDLRest rest) {
+    const bool isEndExpected = IsEndExpected();
+    parsers.front()->finished = true;
+    if (isEndExpected)
+        RequireBlockEnd();
+    if (rest == eSDLRest::Refuse && Next() != sdlNone)
+        Fail(Checks::kRest);
+}
+
+void eSDLReader::ReportOnce() {
+    parsers.front()->reportsOnce = true;
 }
 
 void eSDLReader::Init() {
@@ -266,21 +227,20 @@ void eSDLReader::Init() {
     controlFlag = false;
 }
 
-void eSDLReader::CheckSignature(const char* signature, int notSDLLine) {
+void eSDLReader::CheckSignature(const char* signature, const eCheck& notSDL) {
     const std::string expected(signature ? signature : "");
-    const std::string& read = ReadSignature(notSDLLine);
+    const std::string& read = ReadSignature(notSDL);
     if (read.size() != expected.size() || LowerCased(read) != LowerCased(expected))
-        Fail(ReaderReport::kSignatureMismatchLine,
-             "File signature mismatch (read '" + LowerCased(BeginningOf(read)) + "' instead of '" + expected + "')");
+        FailSignature(LowerCased(read), expected);
 }
 
-const std::string& eSDLReader::ReadSignature(int notSDLLine) {
-    Require(sdlBlockStart, notSDLLine, ReaderReport::kNotSDL);
+const std::string& eSDLReader::ReadSignature(const eCheck& notSDL) {
+    Require(sdlBlockStart, notSDL);
     return GetIdent();
 }
 
 const std::string& eSDLReader::GetSignature() {
-    return ReadSignature(ReaderReport::kSignatureNotSDLLine);
+    return ReadSignature(Checks::kSignatureNotSDL);
 }
 
 // Each read first tries the most frequent form of the expected token. Anything else (a token of another form, a control
@@ -294,7 +254,7 @@ int eSDLReader::GetInt() {
 
 int eSDLReader::NextInt() {
     if (Next() != sdlInt)
-        Fail(ReaderReport::kIntegerLine, "Integer expected!");
+        Fail(Checks::kInteger);
     const xSDL::eCurrentToken& token = parsers.back()->current;
     RequireFits<int>(NumberText(token));
     return token.Int();
@@ -309,7 +269,7 @@ float eSDLReader::GetFloat() {
 
 float eSDLReader::NextFloat() {
     if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
-        Fail(ReaderReport::kNumberLine, "Number expected!");
+        Fail(Checks::kNumber);
     RequireFloatFits();
     return parsers.back()->current.Float();
 }
@@ -329,7 +289,7 @@ void eSDLReader::RequireFloatFits() {
 template <class T>
 T eSDLReader::NextInteger() {
     if (Next() != sdlInt)
-        Fail(ReaderReport::kIntegerLine, "Integer expected!");
+        Fail(Checks::kInteger);
     const std::string_view number = NumberText(parsers.back()->current);
     RequireFits<T>(number);
     return xSDL::TextTo<T>(number);
@@ -345,7 +305,7 @@ unsigned long long eSDLReader::GetUint64() {
 
 double eSDLReader::GetDouble() {
     if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
-        Fail(ReaderReport::kNumberLine, "Number expected!");
+        Fail(Checks::kNumber);
     const xSDL::eCurrentToken& token = parsers.back()->current;
     const std::string_view number = NumberText(token);
     RequireFits<double>(number);
@@ -374,33 +334,33 @@ void eSDLReader::CheckRange(bool check) {
 template <class T>
 void eSDLReader::RequireFits(std::string_view number) {
     if (checkRange && !xSDL::Fits<T>(number))
-        Fail(ReaderReport::kRangeLine, (format("%1% is out of range!") % BeginningOf(number)).str());
+        FailRange(number);
 }
 
 bool eSDLReader::GetBool() {
     return !Test(sdlNumber) || GetInt() != 0;
 }
 
-void eSDLReader::RequireString(int line) {
+void eSDLReader::RequireString(const eCheck& check) {
     eSDLParser& parser = *parsers.back();
     if (!eSDLParser::eCutter(parser).TakeString())
-        Require(sdlString, line, ReaderReport::kStringExpected);
+        Require(sdlString, check);
 }
 
 const std::string& eSDLReader::GetString() {
-    RequireString(ReaderReport::kStringLine);
+    RequireString(Checks::kString);
     return parsers.back()->current.String();
 }
 
 std::wstring eSDLReader::GetStringW() {
-    RequireString(ReaderReport::kWideStringLine);
+    RequireString(Checks::kWideString);
     return ToStringW(parsers.back()->current.String());
 }
 
 // Lowered in the token itself, so that it is still lower case after Back and for those who look at the token.
 const std::string& eSDLReader::GetIdent(bool lower) {
     if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
-        Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
+        Fail(Checks::kIdentifier);
     if (lower)
         LowerCase(&parsers.back()->current.OwnString());
     return parsers.back()->current.String();
@@ -408,30 +368,19 @@ const std::string& eSDLReader::GetIdent(bool lower) {
 
 std::string_view eSDLReader::TakeWord() {
     if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
-        Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
+        Fail(Checks::kIdentifier);
     return parsers.back()->current.Text();
-}
-
-void eSDLReader::FailName(const std::vector<std::string_view>& names) {
-    const std::string_view word = parsers.back()->current.Text();
-    xSDL::eNearest nearest(word);
-    for (const std::string_view name : names)
-        nearest.Try(name);
-    std::string message = format("Unknown name '%1%'!") % BeginningOf(word);
-    if (!nearest.Word().empty())
-        message += format(" Did you mean '%1%'?") % nearest.Word();
-    Fail(ReaderReport::kNameLine, message);
 }
 
 int eSDLReader::GetKeyword() {
     if (NextWord() != sdlKeyword)
-        Fail(ReaderReport::kKeywordLine, defaultError);
+        Fail(Checks::kKeyword);
     return parsers.back()->current.Int();
 }
 
 const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
     if (!Check(type) && type != sdlNone)
-        Fail(ReaderReport::kTokenLine, defaultError);
+        FailToken(type);
     return Token();
 }
 
@@ -440,10 +389,10 @@ const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
 int eSDLReader::GetBlock(int id) {
     eSDLParser& parser = *parsers.back();
     if (AreMarksKept() || !eSDLParser::eCutter(parser).TakeBlockStart())
-        Require(sdlBlockStart, ReaderReport::kBlockStartLine, "Block start expected!");
+        Require(sdlBlockStart, Checks::kBlockStart);
     const eSDLParserLexType type = NextWord();
     if (type != sdlKeyword || (id != 0 && parsers.back()->current.Int() != id))
-        Fail(ReaderReport::kBlockIdentifierLine, "Invalid block identifier!");
+        FailBlock(id);
     xSDL::eCurrentToken& token = parsers.back()->current;
     token.SetType(sdlBlockId);
     return token.Int();
@@ -490,7 +439,7 @@ eSDLReader& eSDLReader::operator>>(bool& value) {
 }
 
 eSDLReader& eSDLReader::operator>>(std::string& value) {
-    RequireString(ReaderReport::kStringLine);
+    RequireString(Checks::kString);
     value.assign(parsers.back()->current.Text());
     return *this;
 }
@@ -661,7 +610,7 @@ bool eSDLReader::SkipInSource(long long* depth) {
         type = Next();
     while (type != sdlNone && type != sdlError && parser.Cptr() <= skimmed.stop);
     if (skimmed.end != xSDL::eSkimEnd::Terminator)
-        Fail(ReaderReport::kSkippedBlockEndLine, ReaderReport::kBlockEndExpected);
+        Fail(Checks::kSkippedBlockEnd);
     return true;
 }
 
@@ -749,7 +698,7 @@ bool eSDLReader::Cut() {
 
 void eSDLReader::RequireWithinLimit(const eSDLParser& parser) {
     if (parser.tooLong && parser.current.Type() == sdlError)
-        Fail(ReaderReport::kTokenLimitLine, xSDL::kTokenLimit);
+        Fail(Checks::kTokenLimit);
 }
 
 // Like Next, where a word is expected.
@@ -770,27 +719,29 @@ bool eSDLReader::EnterBlock() {
     return open || mark.find('#') == std::string_view::npos;
 }
 
-void eSDLReader::Require(eSDLParserLexType type, int line, const char* message) {
+void eSDLReader::Require(eSDLParserLexType type, const eCheck& check) {
     if (Next() != type)
-        Fail(line, message);
+        Fail(check);
 }
 
 void eSDLReader::RequireBlockEnd() {
     eSDLParser& parser = *parsers.back();
     if (!eSDLParser::eCutter(parser).TakeBlockEnd())
-        Require(sdlBlockEnd, ReaderReport::kBlockEndLine, ReaderReport::kBlockEndExpected);
+        Require(sdlBlockEnd, Checks::kBlockEnd);
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
     RequireRoomForSource();
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher.get(), sourceLimits, EnteringSources());
+    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher.get(), sourceLimits,
+                          EnteringSources(parsers.size()));
 }
 
 eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
     RequireRoomForSource();
     const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher.get(), sourceLimits, EnteringSources());
+    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher.get(), sourceLimits,
+                          EnteringSources(parsers.size()));
 }
 
 void eSDLReader::PushParser(eSDLParser* parser) {
@@ -805,7 +756,7 @@ void eSDLReader::PushParser(eSDLParser* parser) {
 // The first source is not an included one.
 void eSDLReader::RequireRoomForSource() {
     if (parsers.size() > sourceLimits.includeDepth)
-        Fail(ReaderReport::kIncludeLimitLine, "Include limit exceeded!");
+        Fail(Checks::kIncludeLimit);
 }
 
 void eSDLReader::PopParser() {
@@ -814,14 +765,6 @@ void eSDLReader::PopParser() {
     if (!parsers.back()->failure.empty())
         NoteUnopened(*parsers.back());
     parsers.pop_back();
-}
-
-// The oldest is forgotten first: no more are kept than a report's context names.
-void eSDLReader::NoteUnopened(const eSDLParser& parser) {
-    constexpr std::size_t kNamed = 8;
-    if (unopened.size() == kNamed)
-        unopened.erase(unopened.begin());
-    unopened.push_back(std::make_shared<eUnopened>(parser.DSE_Title(), parser.failure));
 }
 
 // Copies of a reader share the parsers but have their own tables, so the parser is given the tables before each token.
@@ -840,7 +783,7 @@ void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
     else
         TakeNamed(parameters);
     if (parser.current.Type() != sdlClose)
-        Fail(ReaderReport::kArgumentsEndLine, "')' required");
+        Fail(Checks::kArgumentsEnd);
 }
 
 // Read directly from the parser: in an argument list control blocks and escapes are plain text.
@@ -863,7 +806,7 @@ void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
     eSDLParser& parser = Parser();
     while (parser.current.Type() == sdlIdent || parser.current.Type() == sdlKeyword) {
         const eStringKey key = std::string(parser.current.Text());
-        (*parameters)[key] = parser.TakeParameter(EnteringSources());
+        (*parameters)[key] = parser.TakeParameter(EnteringSources(parsers.size() - 1));
         Cut();
     }
 }
@@ -884,7 +827,7 @@ bool eSDLReader::GetOperandOrEnd(eSDLParserToken* token) {
 void eSDLReader::TakeOperand(eSDLParserToken* token) {
     const eSDLParser& parser = *parsers.back();
     if (parser.current.Type() != sdlInt && parser.current.Type() != sdlFloat)
-        Fail(ReaderReport::kNumberLine, "Number expected!");
+        Fail(Checks::kNumber);
     RequireFloatFits();
     token->type = sdlFloat;
     token->floatValue = parser.current.Float();
@@ -896,11 +839,12 @@ void eSDLReader::TakeOperand(eSDLParserToken* token) {
 bool eSDLReader::ProcessControlBlock() {
     eSDLParser& parser = Parser();
     eBefore before = parser.current.Before();
+    const char* const open = parser.current.Begin();
     Cut();
     const eSDLParserLexType type = parser.current.Type();
     if (type == sdlOperator) {
         eKeptState kept(std::move(before));
-        Calculate();
+        Calculate(open);
         parser.current.SetBefore(eKeptState::Take());
         return false;
     }
@@ -913,14 +857,14 @@ bool eSDLReader::ProcessControlBlock() {
 void eSDLReader::CheckControlWord() {
     eSDLParser& parser = *parsers.back();
     if (parser.current.Type() != sdlIdent && parser.current.Type() != sdlKeyword)
-        Fail(ReaderReport::kIdentifierLine, "Identifier expected!");
+        Fail(Checks::kIdentifier);
     LowerCase(&parser.current.OwnString());
     if (const std::string_view word = parser.current.Text(); word != "include" && word != "define" && word != "mod")
-        Fail(ReaderReport::kControlBlockWordLine, "Invalid control block!");
+        Fail(Checks::kControlBlockWord);
 }
 
 // The expression becomes one token, from which Back returns to before its (.
-void eSDLReader::Calculate() {
+void eSDLReader::Calculate(const char* open) {
     eSDLParser& parser = Parser();
     const char operation = parser.current.Text().front();
     eSDLParserToken operand;
@@ -931,31 +875,11 @@ void eSDLReader::Calculate() {
     parser.current.SetType(sdlFloat);
     parser.current.SetFloat(result);
     parser.current.OwnString() = ToString(result);
-}
-
-// Makes the current source the innermost entry of the reporting thread, followed by the files that could not be opened
-// and the including sources.
-void eSDLReader::EnterSources() const {
-    for (std::size_t outer = 0; outer + 1 < parsers.size(); ++outer)
-        parsers[outer]->EnterStack();
-    for (const auto& file : unopened)
-        file->Enter();
-    if (!parsers.empty())
-        parsers.back()->EnterStack();
-}
-
-std::function<void()> eSDLReader::EnteringSources() const {
-    return [this] { EnterSources(); };
-}
-
-void eSDLReader::Fail(int line, const std::string& message) {
-    EnterSources();
-    [[maybe_unused]] const auto told = std::exchange(unopened, {}); // shown once, and only while they exist
-    xError::Fatal(ReaderReport::kSource, line, message);
+    parser.current.StandFor({open, parser.current.Position()});
 }
 
 eSDLReader& begb(eSDLReader& reader) {
-    reader.Require(sdlBlockStart, ReaderReport::kBlockStartLine, "Block start expected!");
+    reader.Require(sdlBlockStart, Checks::kBlockStart);
     return reader;
 }
 
@@ -965,11 +889,11 @@ eSDLReader& endb(eSDLReader& reader) {
 }
 
 eSDLReader& begc(eSDLReader& reader) {
-    reader.Require(sdlOpen, ReaderReport::kControlBlockStartLine, "Control Block start expected!");
+    reader.Require(sdlOpen, Checks::kControlBlockStart);
     return reader;
 }
 
 eSDLReader& endc(eSDLReader& reader) {
-    reader.Require(sdlClose, ReaderReport::kControlBlockEndLine, "Control Block terminator expected!");
+    reader.Require(sdlClose, Checks::kControlBlockEnd);
     return reader;
 }

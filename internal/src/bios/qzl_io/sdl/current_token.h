@@ -117,6 +117,24 @@ inline void eCurrentToken::SetBefore(eBefore saved) {
     textBefore = {saved.textInSource, saved.place};
 }
 
+// A mark's text begins after {#, and ends where reading stands; that of a plain { is the brace's place. Reading stands at
+// the end of the line that breaks a string, and at any other character that begins no token.
+inline const char* eCurrentToken::Begin() const {
+    const char* const begin = text.source.data();
+    if (!begin || now.token.type == sdlNone)
+        return now.position;
+    switch (now.token.type) {
+    case sdlString:
+        return begin - 1;
+    case sdlBlockStart:
+        return now.position == begin + text.source.size() ? begin - 2 : begin;
+    case sdlError:
+        return *now.position == '\n' || *now.position == '\r' ? begin - 1 : begin;
+    default:
+        return begin;
+    }
+}
+
 inline std::string_view eCurrentToken::Text() const {
     return text.place == ePlace::Source ? text.source : std::string_view(now.token.text);
 }

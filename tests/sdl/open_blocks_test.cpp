@@ -1,0 +1,44 @@
+#include "sdl/open_blocks.h"
+
+#include <cstddef>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(OffsetStack, IsAStackOfAscendingNumbers) {
+    std::mt19937_64 random(3);
+    for (int round = 0; round < 50; ++round) {
+        xSDL::eOffsetStack stack;
+        std::vector<std::size_t> model;
+        for (int step = 0; step < 300; ++step) {
+            if (random() % 3 > 0) {
+                const std::size_t top = model.empty() ? 0 : model.back();
+                model.push_back(top + (random() >> (12 + random() % 52)) % (std::size_t{1} << 55));
+                stack.Push(model.back());
+            } else if (!model.empty()) {
+                model.pop_back();
+                stack.Pop();
+            }
+            ASSERT_EQ(stack.Size(), model.size());
+            if (model.empty())
+                continue;
+            const std::size_t behind = random() % model.size();
+            ASSERT_EQ(stack.FromTop(behind), model[model.size() - 1 - behind]);
+        }
+    }
+}
+
+TEST(OffsetStack, IsEmptyAgainAfterTheLastIsRemoved) {
+    xSDL::eOffsetStack stack;
+    for (const std::size_t offset : {std::size_t{0}, std::size_t{127}, std::size_t{128}, ~std::size_t{0} >> 1}) {
+        stack.Push(offset);
+        EXPECT_EQ(stack.FromTop(0), offset);
+        stack.Pop();
+        EXPECT_EQ(stack.Size(), 0u);
+    }
+}
+
+} // namespace
