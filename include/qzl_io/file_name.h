@@ -1,9 +1,14 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <string>
+#include <string_view>
 #include <utility>
 
+#include <qzl_io/detail/path_type.h>
 #include <qzl_io/export.h>
 
 namespace IO {
@@ -22,6 +27,9 @@ enum eFileNameItem : int {
 // The name of a file or a folder. Its text never contains a backslash: construction and assignment turn each backslash
 // into "/" and change nothing else. A text that ends in "/" names a folder; one that begins with "/" is rooted. A null
 // pointer counts as the empty text.
+//
+// A std::filesystem::path becomes a name, and a name a path, where both have the same characters: eFileName on Linux,
+// eFileNameW on Windows. <qzl_io/standard.h> makes names usable with std::format.
 //
 // The template implements names; eFileName and eFileNameW define their characters.
 template <class T>
@@ -56,6 +64,16 @@ public:
     bool operator==(const eFileNameBase& other) const noexcept { return text == other.text; }
     bool operator!=(const eFileNameBase& other) const noexcept { return text != other.text; }
     bool operator<(const eFileNameBase& other) const noexcept { return text < other.text; }
+    // With a text that is not turned into a name: no name equals a text that contains a backslash.
+    friend bool operator==(const eFileNameBase& name, std::basic_string_view<T> other) noexcept {
+        return name.text == other;
+    }
+
+    // The text as a path: std::filesystem::path(name).
+    template <xStandard::ePathOf<T> ePath>
+    explicit operator ePath() const {
+        return ePath(text);
+    }
 
     const T* c_str() const noexcept { return text.c_str(); }
     const eText& str() const noexcept { return text; }
@@ -99,6 +117,8 @@ public:
     eFileName(eFileName&& other) noexcept = default; // the text unchanged
     eFileName(const eText& other) { Set(other); }
     eFileName(const char* other) { Set(other); }
+    eFileName(std::same_as<std::string_view> auto other) { Set(eText(other)); }
+    eFileName(const xStandard::ePathOf<char> auto& path) { Set(path.native()); }
     ~eFileName() = default;
 
     using eFileNameBase::operator=;
@@ -160,6 +180,8 @@ public:
     eFileNameW(eFileNameW&& other) noexcept = default; // the text unchanged
     eFileNameW(const eText& other) { Set(other); }
     eFileNameW(const wchar_t* other) { Set(other); }
+    eFileNameW(std::same_as<std::wstring_view> auto other) { Set(eText(other)); }
+    eFileNameW(const xStandard::ePathOf<wchar_t> auto& path) { Set(path.native()); }
     ~eFileNameW() = default;
 
     using eFileNameBase::operator=;
@@ -214,3 +236,23 @@ protected:
 QZL_IO_API IO::eStream& operator<<(IO::eStream& stream, const eFileName& name);
 // Reads the text as a std::string. Backslashes remain until the name is next copied or assigned.
 QZL_IO_API IO::eStream& operator>>(IO::eStream& stream, eFileName& name);
+// Writes the characters of a std::filesystem::path as a std::string or a std::wstring.
+template <std::same_as<IO::eStream> eTarget, xStandard::ePath T>
+eTarget& operator<<(eTarget& stream, const T& path) {
+    return stream << path.native();
+}
+
+// Writes the text to a stream of the standard library.
+template <class T, class eTraits>
+std::basic_ostream<T, eTraits>& operator<<(std::basic_ostream<T, eTraits>& out, const eFileNameBase<T>& name) {
+    return out << name.str();
+}
+
+template <>
+struct std::hash<eFileName> {
+    std::size_t operator()(const eFileName& name) const noexcept { return std::hash<std::string>()(name.str()); }
+};
+template <>
+struct std::hash<eFileNameW> {
+    std::size_t operator()(const eFileNameW& name) const noexcept { return std::hash<std::wstring>()(name.str()); }
+};

@@ -2,6 +2,8 @@
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
+#include <iterator>
+#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -13,6 +15,7 @@
 
 #include "support/current_folder.h"
 #include "support/self_move.h"
+#include "support/temp_folder.h"
 #include "support/wine.h"
 
 #include "real_tree.h"
@@ -409,3 +412,27 @@ TEST(FileTime, IsEqualWhereBothHalvesAre) {
 }
 
 } // namespace
+
+TEST(SearchRange, GoesOverTheEntriesFromTheCurrentOneOn) {
+    const eTempFolder folder;
+    for (const char* name : {"a.txt", "b.txt", "c.txt", "d.dat"})
+        folder.Write(name, name);
+    std::set<std::string> found;
+    IO::eSearch search(folder.Name().c_str(), "*.txt");
+    for (const auto& entry : search) {
+        EXPECT_TRUE(entry.IsFile());
+        EXPECT_EQ(entry.Size(), 5u);
+        found.insert(entry.Name());
+    }
+    EXPECT_EQ(found, (std::set<std::string>{"a.txt", "b.txt", "c.txt"}));
+    EXPECT_FALSE(search.Valid());
+    int wide = 0;
+    IO::eSearchW wideSearch(folder.NameW(), L"*.dat");
+    for (const auto& entry : wideSearch)
+        wide += std::wstring(entry.Name()) == L"d.dat" ? 1 : 10;
+    EXPECT_EQ(wide, 1);
+    IO::eSearch none(folder.Name().c_str(), "*.none");
+    for ([[maybe_unused]] const auto& entry : none)
+        ADD_FAILURE();
+    static_assert(std::input_iterator<IO::eSearch::eIterator>);
+}

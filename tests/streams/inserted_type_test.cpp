@@ -58,13 +58,13 @@ constexpr bool InsertsValuesAlone() {
     static_assert(InsertsAll<Stream, bool, char, unsigned char, short, unsigned short, int, unsigned int, long long,
                              unsigned long long, std::int64_t, std::uint64_t, float, double>());
     static_assert(InsertsAll<Stream, const char*, char*, const char(&)[3], char(&)[3], std::string, std::wstring,
-                             eStrings, eFileName>());
+                             std::string_view, std::u8string, std::u8string_view, eStrings, eFileName>());
     static_assert(InsertsAll<Stream, eText, eTruth, eNumber, std::vector<bool>::reference>());
     static_assert(InsertsNone<Stream, void*, const void*, int*, const unsigned char*, volatile int*, volatile char*,
                               const wchar_t*, char**, const char* const*, IO::eStream*, std::nullptr_t, int(&)[3],
                               unsigned char(&)[3], const wchar_t(&)[3], eConverting>());
     static_assert(InsertsNone<Stream, signed char, std::int8_t, wchar_t, char8_t, char16_t, char32_t, eClosed,
-                              std::string_view, eStringsW, eFileNameW>());
+                              std::wstring_view, eStringsW, eFileNameW>());
     static_assert(InsertsNone<Stream, void (*)(), void (&)(), int (*)(int, int), int (*)(const char*, ...),
                               void (*)() noexcept, IO::eStream& (*)(IO::eStream&), eLambda>());
     static_assert(InsertsNone<Stream, int eMembers::*, int (eMembers::*)() const>());

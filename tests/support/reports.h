@@ -2,7 +2,6 @@
 
 #include <mutex>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <qzl_base/error.h>
@@ -22,21 +21,12 @@ public:
     enum eMode { Returns, Throws };
 
     explicit eReports(eMode mode = Returns)
-        : previousError(xError::SetErrorHandler([this, mode](const xError::eReport& report) {
+        : errorHandler([this, mode](const xError::eReport& report) {
               Keep(errorReports, report);
               if (mode == Throws)
                   throw xError::eException(report);
-          })),
-          previousWarning(
-              xError::SetWarningHandler([this](const xError::eReport& report) { Keep(warningReports, report); })) {}
-
-    ~eReports() {
-        xError::SetErrorHandler(std::move(previousError));
-        xError::SetWarningHandler(std::move(previousWarning));
-    }
-
-    eReports(const eReports&) = delete;
-    eReports& operator=(const eReports&) = delete;
+          }),
+          warningHandler([this](const xError::eReport& report) { Keep(warningReports, report); }) {}
 
     // May be called only while no other thread reports.
     const std::vector<xError::eReport>& errors() const { return errorReports; }
@@ -57,6 +47,6 @@ private:
     std::mutex mutex;
     std::vector<xError::eReport> errorReports;
     std::vector<xError::eReport> warningReports;
-    xError::eHandler previousError;
-    xError::eHandler previousWarning;
+    xError::eErrorHandlerGuard errorHandler;
+    xError::eWarningHandlerGuard warningHandler;
 };

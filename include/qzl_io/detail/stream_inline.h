@@ -214,6 +214,7 @@ struct eStreamInline {
     QZL_IO_API static unsigned long long PeekSlowly(eStream& stream, unsigned long long n);
     // Writes the characters up to the first NUL.
     QZL_IO_API static eStream& PutTextSlowly(eStream& stream, const char* text);
+    QZL_IO_API static eStream& PutView(eStream& stream, const char* text, std::size_t length);
     QZL_IO_API static eStream& GetTextSlowly(eStream& stream, std::string* text);
     QZL_IO_API static unsigned char* LookSlowly(eStream& stream, unsigned long long n);
     QZL_IO_API static unsigned char* TakeSlowly(eStream& stream, unsigned long long n);
@@ -264,6 +265,15 @@ inline eStream& eStream::operator<<(const char* text) {
 }
 inline eStream& eStream::operator<<(const std::string& text) {
     return eStreamInline::PutText(*this, text.c_str(), text.size());
+}
+eStream& eStream::operator<<(std::same_as<std::string_view> auto text) {
+    return eStreamInline::PutView(*this, text.data(), text.size());
+}
+eStream& eStream::operator<<(std::same_as<std::u8string_view> auto text) {
+    return eStreamInline::PutView(*this, reinterpret_cast<const char*>(text.data()), text.size());
+}
+eStream& eStream::operator<<(const std::same_as<std::u8string> auto& text) {
+    return *this << std::u8string_view(text);
 }
 
 // --- Values, read ---

@@ -62,3 +62,16 @@ private:
     eSDLKeyword* last;                               // in the first entry only: the last entry
     mutable std::atomic<xSDL::eKeywordIndex*> index; // in the first entry only: built by the first search
 };
+
+// Makes a table the current one of a reader or a writer during its lifetime.
+template <class T>
+class [[nodiscard]] eSDLKeywordsGuard {
+public:
+    eSDLKeywordsGuard(T& readerOrWriter, eSDLKeyword* table) : target(readerOrWriter) { target.PushKeywords(table); }
+    ~eSDLKeywordsGuard() { target.PopKeywords(); }
+    eSDLKeywordsGuard(const eSDLKeywordsGuard&) = delete;
+    eSDLKeywordsGuard& operator=(const eSDLKeywordsGuard&) = delete;
+
+private:
+    T& target;
+};

@@ -29,7 +29,7 @@ template <class T>
 inline constexpr eSDLParserLexType kTokenOf =
     IO::eOneOf<T, float, double>                                                                   ? sdlNumber
     : IO::eOneOf<T, bool, char, short, int, long long, unsigned long long> || IO::eLongOf64Bits<T> ? sdlInt
-    : IO::eOneOf<T, std::string, std::wstring, eFileName>                                          ? sdlString
+    : IO::eOneOf<T, std::string, std::wstring, std::u8string, eFileName> || xStandard::ePath<T>    ? sdlString
                                                                                                    : sdlNone;
 
 } // namespace xSDL
@@ -159,6 +159,7 @@ public:
     eSDLReader& operator>>(bool& value);
     eSDLReader& operator>>(std::string& value);
     eSDLReader& operator>>(std::wstring& value);
+    eSDLReader& operator>>(std::u8string& value);
     // Append every string up to the first token of another type, which stays unread.
     eSDLReader& operator>>(eStrings& values);
     eSDLReader& operator>>(eStringsW& values);
@@ -390,6 +391,15 @@ private:
 
 // Reads a string as a file name.
 QZL_IO_API eSDLReader& operator>>(eSDLReader& reader, eFileName& value);
+// Reads a string as a std::filesystem::path: its bytes where paths consist of bytes, and else from UTF-8.
+template <xStandard::ePath T>
+eSDLReader& operator>>(eSDLReader& reader, T& value) {
+    if constexpr (xStandard::ePathOf<T, char>)
+        value = reader.GetString();
+    else
+        value = reader.GetStringW();
+    return reader;
+}
 
 // Read one token of the block structure, as in reader >> begb. A reader executes control blocks itself and never
 // returns their parentheses, so begc and endc report on every source.

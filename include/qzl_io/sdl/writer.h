@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -139,6 +140,12 @@ public:
 
     inline eSDLWriter& operator<<(const char* text);
     eSDLWriter& operator<<(const std::string& text) { return *this << text.c_str(); }
+    eSDLWriter& operator<<(std::same_as<std::string_view> auto text) { return *this << std::string(text); }
+    eSDLWriter& operator<<(std::same_as<std::u8string_view> auto text) {
+        return *this << std::string(text.begin(), text.end());
+    }
+    eSDLWriter& operator<<(const std::same_as<std::u8string> auto& text) { return *this << std::u8string_view(text); }
+    eSDLWriter& operator<<(const char8_t* text) { return *this << reinterpret_cast<const char*>(text); }
     eSDLWriter& operator<<(const std::wstring& text);
     // Each string is written on its own line.
     eSDLWriter& operator<<(const eStrings& texts);
@@ -207,6 +214,11 @@ private:
 };
 
 QZL_IO_API eSDLWriter& operator<<(eSDLWriter& writer, const eFileName& path);
+// Writes the characters of a std::filesystem::path as a string, wide ones as UTF-8.
+template <xStandard::ePath T>
+eSDLWriter& operator<<(eSDLWriter& writer, const T& path) {
+    return writer << path.native();
+}
 
 // The text of a writer. Every item passes one separator step, which writes a pending line break with its indentation,
 // or a pending blank.

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include <qzl_base/strings.h>
 #include <qzl_io/detail/value_types.h>
@@ -107,6 +110,7 @@ public:
     // change, and it is an error ("Attempt to read beyond the stream!"). Fewer are read, too, and Bad is set without a
     // report, if the system refuses the rest. n = 0 does nothing.
     eStream& Read(void* target, unsigned long long n);
+    eStream& Read(std::span<std::byte> target) { return Read(target.data(), target.size()); }
     // Appends to the text the data that are already in the buffer, at most n bytes, and moves the position past them.
     // Returns their number; reports nothing. If it is 0, no data remain, or Read has to fill the buffer first.
     unsigned long long AppendTo(std::string* text, unsigned long long n);
@@ -114,6 +118,7 @@ public:
     // no room, the remaining bytes are dropped, the position stays after the last one that was stored, and it is one
     // error ("Attempt to write beyond the stream!"). n = 0 does nothing. The source may be in the stream's own buffer.
     eStream& Write(const void* source, unsigned long long n);
+    eStream& Write(std::span<const std::byte> source) { return Write(source.data(), source.size()); }
     // Writes n bytes like Write, from a block on the heap whose content is undefined afterwards: a file stream returns
     // the block's memory to the system, piece by piece, while it takes the bytes. The block remains the caller's, who
     // may fill it again and frees it as usual.
@@ -166,6 +171,9 @@ public:
     // texts of more than 255 characters.
     eStream& operator<<(const char* text);
     eStream& operator<<(const std::string& text);
+    eStream& operator<<(std::same_as<std::string_view> auto text);
+    eStream& operator<<(std::same_as<std::u8string_view> auto text);
+    eStream& operator<<(const std::same_as<std::u8string> auto& text);
     // The length counts UTF-16 units, each of two bytes; NUL units are written like others. Where wchar_t has 32 bits,
     // characters beyond U+FFFF are two units (joined again by >>), and values beyond U+10FFFF become U+FFFD.
     eStream& operator<<(const std::wstring& text);
@@ -207,6 +215,7 @@ public:
     // beyond the stream!").
     eStream& operator>>(std::string& text);
     eStream& operator>>(std::wstring& text); // likewise, in UTF-16 units
+    eStream& operator>>(std::u8string& text);
     // Appends the texts of a list, in one operation. Ends after a text that is not complete, which is appended like any
     // other, and before a text if the stream is Bad or no byte remains, which is an error like that of a text.
     eStream& operator>>(eStrings& texts);

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <concepts>
+#include <cstddef>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include <qzl_io/detail/share.h>
 #include <qzl_io/export.h>
@@ -127,6 +131,10 @@ public:
     eBufferStream(const unsigned char* data, unsigned long long size, unsigned long long used);
     // A stream over the text's own characters.
     explicit eBufferStream(const std::string& text);
+    // A stream over a view of text or bytes.
+    explicit eBufferStream(std::same_as<std::string_view> auto text)
+        : eBufferStream(std::as_bytes(std::span(text.data(), text.size()))) {}
+    explicit eBufferStream(std::span<const std::byte> bytes);
     explicit eBufferStream(const std::string&& text) = delete; // the text would be destroyed before the stream
     eBufferStream(const eBufferStream&) noexcept = default;
     eBufferStream(eBufferStream&&) noexcept = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <iterator>
 #include <memory>
 
 #include <qzl_io/export.h>
@@ -12,6 +14,10 @@ namespace IO {
 //
 //     for (IO::eSearch search("c:/data/", "*.*"); search.Valid(); search.Next())
 //         if (search.IsFile()) Use(search.Name(), search.Size());
+//
+//     IO::eSearch search("c:/data/", "*.*");
+//     for (const auto& entry : search)    // the search itself, at each of its entries from the current one on
+//         if (entry.IsFile()) Use(entry.Name(), entry.Size());
 //
 // The pattern consists of the folder and the mask, joined as they are, so the folder must end in "/": "dir" with "*.*"
 // is the pattern "dir*.*", which finds the entries whose names begin with "dir". Only the last component may contain
@@ -83,6 +89,24 @@ public:
 
     // The time when the entry was last written to.
     eFileTime ModifyTime() const;
+
+    // Moves the search, which it refers to.
+    class eIterator {
+    public:
+        using value_type = eSearchOf;
+        using difference_type = std::ptrdiff_t;
+
+        explicit eIterator(eSearchOf& movedSearch) : search(&movedSearch) {}
+        const eSearchOf& operator*() const { return *search; }
+        eIterator& operator++() { return search->Next(), *this; }
+        void operator++(int) { search->Next(); }
+        friend bool operator==(const eIterator& at, std::default_sentinel_t) { return !at.search->Valid(); }
+
+    private:
+        eSearchOf* search;
+    };
+    eIterator begin() { return eIterator(*this); }
+    std::default_sentinel_t end() const { return {}; }
 
 private:
     class eCursor;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include <qzl_base/export.h>
 
@@ -52,6 +53,29 @@ QZL_BASE_API eHandler SetErrorHandler(eHandler handler);
 // Installs the handler of all warnings, with the rules of SetErrorHandler. The default prints "warning: FILE(LINE):
 // MESSAGE" as one line on standard error.
 QZL_BASE_API eHandler SetWarningHandler(eHandler handler);
+
+// Installs a handler of all errors, or of all warnings, during its lifetime, and then the one from before. Guards end
+// in the reverse order of their beginnings; handlers are those of all threads.
+class [[nodiscard]] eErrorHandlerGuard {
+public:
+    explicit eErrorHandlerGuard(eHandler handler) : previous(SetErrorHandler(std::move(handler))) {}
+    ~eErrorHandlerGuard() { SetErrorHandler(std::move(previous)); }
+    eErrorHandlerGuard(const eErrorHandlerGuard&) = delete;
+    eErrorHandlerGuard& operator=(const eErrorHandlerGuard&) = delete;
+
+private:
+    eHandler previous;
+};
+class [[nodiscard]] eWarningHandlerGuard {
+public:
+    explicit eWarningHandlerGuard(eHandler handler) : previous(SetWarningHandler(std::move(handler))) {}
+    ~eWarningHandlerGuard() { SetWarningHandler(std::move(previous)); }
+    eWarningHandlerGuard(const eWarningHandlerGuard&) = delete;
+    eWarningHandlerGuard& operator=(const eWarningHandlerGuard&) = delete;
+
+private:
+    eHandler previous;
+};
 
 // Reports an error to the installed handler, and returns if the handler returns. A null text counts as empty; the last
 // argument has no meaning and is true in every report.

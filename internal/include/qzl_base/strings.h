@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <concepts>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -17,6 +18,7 @@ public:
     eStringKeyBase(const T* characters) : text(characters ? characters : std::basic_string<T>()) {}
     eStringKeyBase(const std::basic_string<T>& characters) : text(characters) {}
     eStringKeyBase(std::basic_string<T>&& characters) noexcept : text(std::move(characters)) {}
+    eStringKeyBase(std::same_as<std::basic_string_view<T>> auto characters) : text(characters) {}
 
     const std::basic_string<T>& str() const noexcept { return text; }
     const T* c_str() const noexcept { return text.c_str(); }

@@ -449,6 +449,13 @@ eSDLReader& eSDLReader::operator>>(std::wstring& value) {
     return *this;
 }
 
+eSDLReader& eSDLReader::operator>>(std::u8string& value) {
+    RequireString(ReaderReport::kStringLine);
+    const std::string_view text = parsers.back()->current.Text();
+    value.assign(text.begin(), text.end());
+    return *this;
+}
+
 eSDLReader& eSDLReader::operator>>(eStrings& values) {
     while (Check(sdlString))
         values.Add(std::string(parsers.back()->current.Text()));

@@ -223,6 +223,9 @@ eBufferStream::eBufferStream(const unsigned char* data, unsigned long long size,
     Assign(data, size, used);
 }
 
+eBufferStream::eBufferStream(std::span<const std::byte> bytes)
+    : eBufferStream(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), bytes.size()) {}
+
 eBufferStream::eBufferStream(const std::string& text) {
     Assign(reinterpret_cast<const unsigned char*>(text.data()), text.size(), text.size());
 }

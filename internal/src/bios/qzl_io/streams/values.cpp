@@ -129,7 +129,11 @@ bool ShortText::CopyLong(unsigned char* to, const char* from, std::size_t n) noe
 }
 
 eStream& eStreamInline::PutTextSlowly(eStream& stream, const char* text) {
-    const std::size_t length = text ? std::strlen(text) : 0;
+    return PutView(stream, text, text ? std::strlen(text) : 0);
+}
+
+eStream& eStreamInline::PutView(eStream& stream, const char* text, std::size_t size) {
+    const std::size_t length = std::min(std::string_view(text, size).find('\0'), size);
     eStreamSteps steps(stream);
     if (steps.PutLength(length))
         steps.WriteAll(reinterpret_cast<const unsigned char*>(text), length);
@@ -155,6 +159,13 @@ eStream& eStream::operator<<(const eStrings& texts) {
 }
 
 // --- Texts, read ---
+
+eStream& eStream::operator>>(std::u8string& text) {
+    std::string bytes;
+    *this >> bytes;
+    text.assign(bytes.begin(), bytes.end());
+    return *this;
+}
 
 eStream& eStreamInline::GetTextSlowly(eStream& stream, std::string* text) {
     eStreamSteps steps(stream);
