@@ -16,6 +16,8 @@ foreach(headers ${PROJECT_SOURCE_DIR}/include/qzl_io ${PROJECT_SOURCE_DIR}/inter
     install(DIRECTORY ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h" ${left_out})
 endforeach()
 
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/schemas/ DESTINATION ${CMAKE_INSTALL_DATADIR}/qzl_io)
+
 # Libraries that a program needs besides the static ones, for the CMake package and for pkg-config.
 set(dependencies)
 set(defines)

@@ -16,7 +16,7 @@ endfunction()
 # the folder matches.
 function(qzl_add_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" LEAVE_OUT "")
-    file(GLOB sources RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS *.cpp streams/*.cpp sdl/*.cpp document/*.cpp json/*.cpp files/*.cpp machine/*.cpp
+    file(GLOB sources RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS *.cpp streams/*.cpp sdl/*.cpp document/*.cpp schema/*.cpp json/*.cpp files/*.cpp machine/*.cpp
         platform/${QZL_PLATFORM}/*.cpp)
     if(arg_LEAVE_OUT)
         list(FILTER sources EXCLUDE REGEX ${arg_LEAVE_OUT})

@@ -8,6 +8,7 @@
 #include <qzl_io/sdl/limits.h>
 #include <qzl_io/sdl/parser.h>
 #include <qzl_io/sdl/reader.h>
+#include <qzl_io/sdl/schema.h>
 #include <qzl_io/sdl/token.h>
 #include <qzl_io/sdl/writer.h>
 

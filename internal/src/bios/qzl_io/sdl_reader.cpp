@@ -450,8 +450,7 @@ eSDLReader& eSDLReader::operator>>(std::wstring& value) {
 }
 
 eSDLReader& eSDLReader::operator>>(std::u8string& value) {
-    RequireString(ReaderReport::kStringLine);
-    const std::string_view text = parsers.back()->current.Text();
+    const std::string& text = GetString();
     value.assign(text.begin(), text.end());
     return *this;
 }

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace xSDL {
+
+// The text of schemas/schema.sdls, put here by the build.
+extern const char kSchemaText[];
+
+} // namespace xSDL
