@@ -13,7 +13,6 @@
 #include <string_view>
 #include <type_traits>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -54,7 +53,7 @@ TEST(StandardNames, AreMadeFromViews) {
 }
 
 TEST(StandardNames, AreKeysOfUnorderedContainers) {
-    const std::unordered_set<eFileName> names = {"a/b", "a\\b", "c"};
+    const std::unordered_map<eFileName, int> names = {{"a/b", 1}, {"a\\b", 2}, {"c", 3}};
     EXPECT_EQ(names.size(), 2u);
     std::unordered_map<eFileNameW, int> numbers;
     numbers[L"a"] = 1;
