@@ -59,3 +59,21 @@ TEST(SdlFloats, FloatsWithFewDigitsAreTheNearestOnes) {
             ASSERT_EQ(reader.GetFloat(), value);
     }
 }
+
+TEST(SdlFloats, FloatsWithManyDigitsAreTheNearestOnes) {
+    const std::string digits = "314159265358979323846264338327950288419716939937510582097494459230781640628620899";
+    std::vector<float> expected;
+    std::string text;
+    for (std::size_t whole = 1; whole <= 30; ++whole)
+        for (std::size_t fraction = 0; whole + fraction <= digits.size(); ++fraction)
+            for (const char* exponent : {"", "e-20", "e7"}) {
+                std::string number = digits.substr(0, whole + fraction);
+                number.insert(whole, ".");
+                number += exponent;
+                expected.push_back(std::strtof(number.c_str(), nullptr));
+                text += number + ' ';
+            }
+    eSDLReader reader = ReaderOf(text);
+    for (const float value : expected)
+        ASSERT_EQ(reader.GetFloat(), value);
+}

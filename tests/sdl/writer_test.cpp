@@ -224,6 +224,7 @@ TEST(Writer, ThatIsNotOpenReportsEveryItem) {
             ASSERT_EQ(reports.errors().size(), 1U) << item.name;
             EXPECT_EQ(reports.errors()[0].message, "SDLWriter: Not open!") << item.name;
             EXPECT_EQ(reports.errors()[0].file, "internal/src/bios/qzl_io/sdl_writer");
+            EXPECT_EQ(reports.errors()[0].line, 40);
         }
         writer->Stream().Flush(&target, nullptr);
     }

@@ -493,6 +493,22 @@ TEST(FileStream, ASubclassHasItsHooksCalledHoweverMuchIsRead) {
     EXPECT_TRUE(read == expected);
 }
 
+TEST(FileStream, ThatIsNotOpenRefillsNothing) {
+    struct eLent : IO::eFileStream {
+        eLent() {
+            UseBuffer(bytes, 4, 4);
+            Enable(Mode::Read);
+        }
+        ~eLent() override { UseBuffer(nullptr, 0, 0); }
+        unsigned char bytes[5] = "abcd";
+    };
+    eLent stream;
+    stream.Underflow();
+    EXPECT_EQ(stream.GetChar(), 'a');
+    EXPECT_TRUE(stream.Disabled(Mode::Bad));
+    EXPECT_TRUE(stream.Failure().text.empty());
+}
+
 TEST(FileStream, WithoutWriteNothingReachesAFileThatIsOpenForWriting) {
     const eTempFolder folder;
     const std::string text = Pattern(200000);

@@ -736,6 +736,19 @@ TEST(BufferStream, DataSaidToReachBeyondTheBytesEndWithThem) {
     EXPECT_EQ(stream.Offset(), 0u);
 }
 
+TYPED_TEST(MemoryStreams, RefillingReportsAPositionBeyondTheData) {
+    const eReports reports;
+    TypeParam stream(8);
+    stream.Disable(Mode::Errors);
+    stream.Seek(3, eSeekDir::Begin);
+    stream.Disable(Mode::Bad);
+    stream.Enable(Mode::Errors);
+    stream.Underflow();
+    ASSERT_EQ(reports.errors().size(), 1u);
+    EXPECT_EQ(reports.errors()[0].message, "Invalid read location!");
+    EXPECT_TRUE(stream.Enabled(Mode::Bad));
+}
+
 TEST(BufferStream, RefillingReportsAReadBeyond) {
     const eReports reports;
     const std::string text = "abc";
