@@ -35,6 +35,7 @@ struct eVerb {
 std::span<const eVerb> Verbs();
 
 eVerb::eRun DeclareFromJson(CLI::App* verb);
+eVerb::eRun DeclareLsp(CLI::App* verb);
 eVerb::eRun DeclareShow(CLI::App* verb);
 eVerb::eRun DeclareSystem(CLI::App* verb);
 eVerb::eRun DeclareToJson(CLI::App* verb);

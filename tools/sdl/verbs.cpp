@@ -17,6 +17,7 @@ constexpr eVerb kVerbs[] = {
      DeclareShow},
     {"tokens", "Shows what a document is cut into: place, kind and text of each token.", "sdl tokens scene.sdl",
      DeclareTokens},
+    {"lsp", "Serves an editor that speaks the language server protocol.", "sdl lsp", DeclareLsp},
     {"system", "Shows what the library knows of this machine.", "sdl system", DeclareSystem},
 };
 

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+
+#include <nlohmann/json.hpp>
+
+#include "lsp/open_text.h"
+
+// What the language server answers, in the forms of the protocol. Null: nothing is known.
+
+// What is wrong in the text.
+nlohmann::json DiagnosticsOf(const eOpenText& text);
+
+// Its blocks, each within its parent.
+nlohmann::json OutlineOf(const eOpenText& text);
+
+// Blocks and comments of several lines.
+nlohmann::json FoldsOf(const eOpenText& text);
+
+// The kind and value of what is at the offset.
+nlohmann::json HoverAt(const eOpenText& text, std::size_t offset);
+
+// The file that the include at the offset names, if there is one.
+nlohmann::json DefinitionAt(const eOpenText& text, std::size_t offset);
+
+// The names that blocks of the same name as the one at the offset have within them, elsewhere in the document: of
+// blocks after a {, otherwise words.
+nlohmann::json CompletionsAt(const eOpenText& text, std::size_t offset);
