@@ -125,9 +125,13 @@ TEST_F(ToolLsp, EndsWellAfterShutdownAndNotWithoutIt) {
 }
 
 TEST_F(ToolLsp, RefusesInputThatIsNoMessage) {
-    for (const char* input :
-         {"\r\n\r\n", "hello\r\n\r\n", "Content-Length: x\r\n\r\n{}", "Content-Length: -1\r\n\r\n{}",
-          "Content-Length: 99999999999999999999\r\n\r\n{}", "Content-Length: 2000000000\r\n\r\n{}"})
+    const char* const inputs[] = {"\r\n\r\n",
+                                  "hello\r\n\r\n",
+                                  "Content-Length: x\r\n\r\n{}",
+                                  "Content-Length: -1\r\n\r\n{}",
+                                  "Content-Length: 99999999999999999999\r\n\r\n{}",
+                                  "Content-Length: 2000000000\r\n\r\n{}"};
+    for (const char* input : Sampled(inputs))
         Refuses(2, "editor", {"lsp"}, input);
 }
 
@@ -152,7 +156,7 @@ TEST_F(ToolLsp, AnswersWhatItCannotDoWithTheProtocolsCodes) {
         {begun + Framed(Opening("a")) + Framed(Request(1, "textDocument/hover", About())), -32602},
         {begun + Framed(Request(1, "shutdown")) + Framed(Request(2, "textDocument/hover", At(0, 0))), -32600},
     };
-    for (const eRow& row : table) {
+    for (const eRow& row : Sampled(table)) {
         const auto sent = Messages(Run({"lsp"}, row.message).output);
         ASSERT_FALSE(sent.empty()) << row.message;
         EXPECT_EQ(sent.back()["error"]["code"], row.code) << row.message;
