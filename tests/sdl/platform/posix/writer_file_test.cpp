@@ -28,6 +28,8 @@ TEST(WriterFile, AFullDiskIsOneWarningWithFileAndReason) {
     ASSERT_EQ(1u, reports.warnings().size());
     EXPECT_EQ("\"/dev/full\" was not saved: No space left on device.", reports.warnings()[0].message);
     EXPECT_EQ("internal/src/bios/qzl_io/sdl_writer", reports.warnings()[0].file);
+    EXPECT_EQ(100, reports.warnings()[0].line);
+    EXPECT_EQ("internal/src/bios/qzl_io/sdl_writer", reports.warnings()[0].file);
     EXPECT_TRUE(reports.errors().empty());
 }
 

@@ -17,7 +17,9 @@
 
 #include <gtest/gtest.h>
 
+#include "support/current_folder.h"
 #include "support/platform/posix/as_nobody.h"
+#include "support/platform/posix/closed_input.h"
 #include "support/platform/posix/fault.h"
 #include "support/platform/posix/open_descriptors.h"
 #include "support/platform/posix/umask.h"
@@ -39,7 +41,38 @@ protected:
 };
 TYPED_TEST_SUITE(PosixServices, eWidths, eWidthNames);
 
+// --- Descriptors ---
+
+TYPED_TEST(PosixServices, WorkWhereStandardInputIsClosed) {
+    this->MakeFile("from/sub/file");
+    this->MakeFolder("from/empty/inner");
+    {
+        const eClosedInput closed;
+        TypeParam::Copy(this->Folder("from/"), this->Folder("to/"));
+        TypeParam::PurgeEmpty(this->Folder("to/"));
+        EXPECT_TRUE(TypeParam::CopyFile(this->Named("from/sub/file"), this->Named("copy")));
+        TypeParam::Delete(this->Folder("from/"), true);
+        using Search = typename TypeParam::Search;
+        EXPECT_TRUE(Search(this->Folder("to/"), typename TypeParam::Name(TypeParam::Of("*"))).Valid());
+        EXPECT_EQ(OpenDescriptors(), closed.Open());
+    }
+    EXPECT_EQ((eNames{"copy", "to/", "to/sub/", "to/sub/file"}), this->Tree(""));
+    EXPECT_EQ("content", this->Content("to/sub/file"));
+    EXPECT_EQ("content", this->Content("copy"));
+}
+
 // --- Links ---
+
+TYPED_TEST(PosixServices, DeletionOfALinkWithAShortNameRemovesTheLinkAlone) {
+    using Name = typename TypeParam::Name;
+    this->MakeFile("outside/file");
+    const eCurrentFolder current(this->At(""));
+    for (const char* const name : {"l", "l/", "l/."}) {
+        fs::create_directory_symlink("outside", "l");
+        TypeParam::Delete(Name(TypeParam::Of(name)), true);
+        EXPECT_EQ((eNames{"outside/", "outside/file"}), this->Tree("")) << name;
+    }
+}
 
 TYPED_TEST(PosixServices, DeletionRemovesLinksAndNeverWhatTheyPointTo) {
     this->MakeFile("outside/file", "precious");

@@ -25,6 +25,7 @@
 #include "streams/whole_document.h"
 #include "support/long_tests.h"
 #include "support/platform/posix/as_nobody.h"
+#include "support/platform/posix/closed_input.h"
 #include "support/platform/posix/fault.h"
 #include "support/platform/posix/open_descriptors.h"
 
@@ -45,6 +46,19 @@ TEST_F(SavedFile, KeepsItsPermissionsAndItsOwner) {
         EXPECT_EQ("new", folder.Read("file"));
         fs::remove(folder.Path() / "file");
     }
+}
+
+TEST_F(SavedFile, IsSavedWhereStandardInputIsClosed) {
+    folder.Write("document", "old");
+    {
+        const eClosedInput closed;
+        IO::eSaveFile save(Name("document"));
+        ASSERT_TRUE(save.IsOpen());
+        save.Write("new", 3);
+        EXPECT_TRUE(save.Commit());
+        EXPECT_EQ(OpenDescriptors(), closed.Open());
+    }
+    EXPECT_EQ(folder.Read("document"), "new");
 }
 
 TEST_F(SavedFile, HasThePermissionsOfANewFileWhereItIsNew) {
