@@ -64,12 +64,11 @@ TYPED_TEST(PosixServices, WorkWhereStandardInputIsClosed) {
 // --- Links ---
 
 TYPED_TEST(PosixServices, DeletionOfALinkWithAShortNameRemovesTheLinkAlone) {
-    using Name = typename TypeParam::Name;
     this->MakeFile("outside/file");
     const eCurrentFolder current(this->At(""));
     for (const char* const name : {"l", "l/", "l/."}) {
         fs::create_directory_symlink("outside", "l");
-        TypeParam::Delete(Name(TypeParam::Of(name)), true);
+        TypeParam::Delete(typename TypeParam::Name(TypeParam::Of(name)), true);
         EXPECT_EQ((eNames{"outside/", "outside/file"}), this->Tree("")) << name;
     }
 }
