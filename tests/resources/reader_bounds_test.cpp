@@ -149,6 +149,7 @@ TEST_F(ReaderBounds, ManySourcesAreOpenAtOnceOnTheSameStackEachInItsOwnMemory) {
             reader.PushParser(new eSDLParser(define, tables, {}));
         EXPECT_EQ(reader.GetInt(), 1);
         EXPECT_THROW(reader.GetString(), xError::eException);
+        reader.BlockPlace();
         for (std::size_t source = 2; source < count / 2; ++source)
             EXPECT_EQ(reader.GetInt(), 1);
     };

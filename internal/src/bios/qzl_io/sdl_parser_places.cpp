@@ -127,7 +127,7 @@ bool eSDLParser::FindOpenBlock(std::size_t* closed, xError::eExcerpt* found) con
     const auto offsetOf = [this](const char* position) { return static_cast<std::size_t>(position - text.data()); };
     const std::size_t place = offsetOf(current.Position());
     const std::size_t settled = current.PositionBefore() ? std::min(offsetOf(current.PositionBefore()), place) : place;
-    xSDL::eOpenBlocks& blocks = Places().blocks;
+    xSDL::eOpenBlocks& blocks = Places().Blocks();
     const xSDL::eOpenBlocks::eOpen open = blocks.Find(text.data(), passed, settled, place);
     const std::size_t count = blocks.Count(open);
     if (count <= *closed) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <deque>
+#include <optional>
 #include <vector>
 
 #include "sdl/lexer.h"
@@ -22,8 +23,9 @@ private:
     std::size_t LastDistance(std::size_t* end) const;
 
     // The distance of each offset from the one before, in groups of 7 bits, the highest first; all groups but the first
-    // of a distance have the highest bit set. It does not move when it grows, as a vector would.
-    std::deque<unsigned char> distances;
+    // of a distance have the highest bit set. It does not move when it grows, as a vector would; but it takes memory
+    // even when it is empty, so there is none before the first offset.
+    std::optional<std::deque<unsigned char>> distances;
     std::size_t top = 0;
     std::size_t size = 0;
 };
@@ -63,26 +65,28 @@ private:
 };
 
 inline void eOffsetStack::Push(std::size_t offset) {
+    if (!distances)
+        distances.emplace();
     std::size_t distance = offset - top;
     int shift = 0;
     while (shift < 63 && distance >> shift > 0x7f)
         shift += 7;
     for (unsigned char more = 0; shift >= 0; shift -= 7, more = 0x80)
-        distances.push_back(static_cast<unsigned char>((distance >> shift & 0x7f) | more));
+        distances->push_back(static_cast<unsigned char>((distance >> shift & 0x7f) | more));
     top = offset;
     ++size;
 }
 
 inline void eOffsetStack::Pop() {
-    std::size_t end = distances.size();
+    std::size_t end = distances->size();
     top -= LastDistance(&end);
-    distances.resize(end);
+    distances->resize(end);
     --size;
 }
 
 inline std::size_t eOffsetStack::FromTop(std::size_t behind) const {
     std::size_t offset = top;
-    for (std::size_t end = distances.size(); behind > 0; --behind)
+    for (std::size_t end = distances->size(); behind > 0; --behind)
         offset -= LastDistance(&end);
     return offset;
 }
@@ -91,7 +95,7 @@ inline std::size_t eOffsetStack::FromTop(std::size_t behind) const {
 inline std::size_t eOffsetStack::LastDistance(std::size_t* end) const {
     std::size_t distance = 0;
     for (int shift = 0;; shift += 7) {
-        const unsigned char group = distances[--*end];
+        const unsigned char group = (*distances)[--*end];
         distance |= static_cast<std::size_t>(group & 0x7f) << shift;
         if (group < 0x80)
             return distance;

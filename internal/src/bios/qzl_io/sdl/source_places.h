@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "sdl/line_finder.h"
 #include "sdl/open_blocks.h"
 
@@ -9,7 +11,15 @@ namespace xSDL {
 class eSourcePlaces {
 public:
     eLineFinder lines;
-    eOpenBlocks blocks;
+
+    eOpenBlocks& Blocks() {
+        if (!blocks)
+            blocks = std::make_unique<eOpenBlocks>();
+        return *blocks;
+    }
+
+private:
+    std::unique_ptr<eOpenBlocks> blocks; // made when needed: there may be many sources
 };
 
 } // namespace xSDL
