@@ -305,7 +305,7 @@ TEST(Place, IsThatOfAPlainModelOnRandomTexts) {
         const auto expectRight = [&] {
             const auto end = static_cast<std::size_t>(reader.Parser().Cptr() - begin);
             const ePlace place = reader.Place();
-            const bool isSum = text[place.offset] == '(' && text[end - 1] == ')';
+            const bool isSum = end > 0 && text[place.offset] == '(' && text[end - 1] == ')';
             EXPECT_EQ(place, PlaceIn(text, isSum || end == sourceBegin ? place.offset : tokens.beginOfEnd.at(end)));
             EXPECT_EQ(reader.BlockPlace(), PlaceIn(text, BlockBefore(tokens, end, sourceBegin)));
             ++compared;
