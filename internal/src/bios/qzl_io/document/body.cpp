@@ -195,6 +195,10 @@ bool eDocumentBody::FindItem(ePosition* position, eFound* found) const {
 // --- Nodes ---
 
 const ePiece* eDocumentBody::PieceOf(eSpot spot) const {
+    if (!edited) {
+        const bool within = spot.source == 0 && spot.offset >= edge.next->begin && spot.offset < edge.next->end;
+        return within ? edge.next : nullptr;
+    }
     const auto after = pieces.upper_bound(spot);
     if (after == pieces.begin())
         return nullptr;
@@ -217,6 +221,8 @@ bool eDocumentBody::Look(const eSDLNode& node, ePosition* position, eFound* foun
 }
 
 eSpot eDocumentBody::Followed(eSpot spot) const {
+    if (moved.empty())
+        return spot;
     const auto found = moved.find(spot);
     return found == moved.end() ? spot : found->second;
 }
