@@ -2,9 +2,10 @@
 
 // show, tokens and system.
 
-using ToolLook = Tool;
+class ToolLook : public Tool {};
+class ToolLookAtLength : public ToolAtLength {};
 
-TEST_F(ToolLook, ShowCountsValuesAndListsBlocks) {
+TEST_F(ToolLookAtLength, ShowCountsValuesAndListsBlocks) {
     EXPECT_EQ(OutputOf({"show", "-"}, "{scene {light \"sun\" 1.5 3} {light x} {7}} ; end"),
               "  blocks    4, at most 2 deep\n"
               "  strings   1\n"
@@ -17,7 +18,7 @@ TEST_F(ToolLook, ShowCountsValuesAndListsBlocks) {
               "    (no name)\n");
 }
 
-TEST_F(ToolLook, ShowListsAsManyLevelsAndNamesAsAsked) {
+TEST_F(ToolLookAtLength, ShowListsAsManyLevelsAndNamesAsAsked) {
     const std::string document = "{a {b {c}} {b {c {d}}}} {e} {f}";
     EXPECT_THAT(OutputOf({"show", "--depth", "2", "-"}, document),
                 testing::EndsWith("outline\n  a\n    b x 2\n  e\n  f\n"));
@@ -26,13 +27,13 @@ TEST_F(ToolLook, ShowListsAsManyLevelsAndNamesAsAsked) {
     EXPECT_THAT(OutputOf({"show", "--depth", "0", "-"}, document), testing::EndsWith("outline\n"));
 }
 
-TEST_F(ToolLook, TokensHavePlaceKindAndText) {
+TEST_F(ToolLookAtLength, TokensHavePlaceKindAndText) {
     EXPECT_EQ(OutputOf({"tokens", "-"}, "{#m a = 0x1F\r\n\t\"caf\xc3\xa9\" -1.5 ; no\n(+ 1 x)}"),
               "1:1\tblock\t{#m\n1:5\tword\ta\n1:9\tinteger\t0x1F\n2:2\tstring\t\"caf\xc3\xa9\"\n2:9\tfloat\t-1.5\n"
               "3:1\topen\t(\n3:2\toperator\t+\n3:4\tinteger\t1\n3:6\tword\tx\n3:7\tclose\t)\n3:8\tend\t}\n");
 }
 
-TEST_F(ToolLook, TokensShowsEachErrorAndGoesOn) {
+TEST_F(ToolLookAtLength, TokensShowsEachErrorAndGoesOn) {
     const eEnded ended = Run({"tokens", "-"}, "a $\xc3\xa9 \"broken\n b \"open");
     EXPECT_EQ(ended.code, 1);
     EXPECT_EQ(ended.errors, "");
@@ -54,7 +55,7 @@ TEST_F(ToolLook, NothingThatATerminalObeysIsPrinted) {
                 testing::HasSubstr("\"<U+001B>]0;x<U+0007><U+009B><U+007F><U+202E>\""));
 }
 
-TEST_F(ToolLook, DepthTakesNoStackAndLengthNoSquare) {
+TEST_F(ToolLookAtLength, DepthTakesNoStackAndLengthNoSquare) {
     std::string deep(20000, '{');
     deep.append(20000, '}');
     EXPECT_THAT(OutputOf({"show", "-"}, deep), testing::HasSubstr("20000, at most 20000 deep"));

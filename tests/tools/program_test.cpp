@@ -2,23 +2,24 @@
 
 // What all verbs have in common.
 
-using ToolProgram = Tool;
+class ToolProgram : public Tool {};
+class ToolProgramAtLength : public ToolAtLength {};
 
 namespace {
 
-const char* const kVerbs[] = {"from-json", "to-json", "show", "tokens", "system"};
+const char* const kVerbs[] = {"check", "diff", "format", "from-json", "get", "to-json", "show", "tokens", "system"};
 
 } // namespace
 
-TEST_F(ToolProgram, HelpListsEveryVerb) {
+TEST_F(ToolProgramAtLength, HelpListsEveryVerb) {
     const std::string help = OutputOf({"--help"});
     for (const char* const verb : kVerbs)
         EXPECT_THAT(help, testing::HasSubstr("\n  " + std::string(verb) + " "));
     EXPECT_EQ(OutputOf({"-h"}), help);
 }
 
-TEST_F(ToolProgram, EveryVerbHelpsWithExamples) {
-    for (const char* const verb : Sampled(kVerbs))
+TEST_F(ToolProgramAtLength, EveryVerbHelpsWithExamples) {
+    for (const char* const verb : kVerbs)
         EXPECT_THAT(OutputOf({verb, "--help"}), testing::ContainsRegex("Examples:\n  .*sdl " + std::string(verb)))
             << verb;
 }
@@ -27,7 +28,7 @@ TEST_F(ToolProgram, TellsItsVersion) {
     EXPECT_THAT(OutputOf({"--version"}), testing::StartsWith("sdl 1."));
 }
 
-TEST_F(ToolProgram, AWrongCommandLineEndsWithTwoAndSaysWhy) {
+TEST_F(ToolProgramAtLength, AWrongCommandLineEndsWithTwoAndSaysWhy) {
     Refuses(2, "sdl VERB", {});
     Refuses(2, "there is no verb 'chekc'", {"chekc"});
     Refuses(2, "there is no verb '<U+001B>[2J'", {"\x1b[2J"});
@@ -37,13 +38,16 @@ TEST_F(ToolProgram, AWrongCommandLineEndsWithTwoAndSaysWhy) {
 }
 
 TEST_F(ToolProgram, AFileThatIsNotThereIsNamedWithTheReason) {
+    Refuses(2, "sdl: none.sdl: The file could not be opened: ", {"show", "none.sdl"});
+    if (StartsSlowly())
+        return; // the others open files in the same way
     const std::vector<std::string> kTable[] = {
-        {"show", "none.sdl"}, {"tokens", "none.sdl"}, {"to-json", "none.sdl", "-"}, {"from-json", "none.sdl", "-"}};
-    for (const auto& arguments : Sampled(kTable))
+        {"tokens", "none.sdl"}, {"to-json", "none.sdl", "-"}, {"from-json", "none.sdl", "-"}, {"get", "none.sdl", "a"}};
+    for (const auto& arguments : kTable)
         Refuses(2, "sdl: none.sdl: The file could not be opened: ", arguments);
 }
 
-TEST_F(ToolProgram, AnOutputThatCannotBeWrittenIsNamedWithTheReason) {
+TEST_F(ToolProgramAtLength, AnOutputThatCannotBeWrittenIsNamedWithTheReason) {
     folder.Write("a.sdl", "{a 1}");
     folder.Write("a.json", "[1]");
     Refuses(2, "sdl: none/b.json: ", {"to-json", "a.sdl", "none/b.json"});

@@ -16,7 +16,7 @@
 // Runs the program `sdl` in a folder of its own.
 class Tool : public testing::Test {
 protected:
-    // Under Wine a program takes a tenth of a second to start.
+    // Under Wine a program takes a quarter of a second to start.
     static bool StartsSlowly() { return IsUnderWine() && !LongTests(); }
 
     // The rows of a table of which each is a run of its own: where programs start slowly, one in three.
@@ -49,4 +49,13 @@ protected:
     }
 
     eTempFolder folder;
+};
+
+// For what is the same on both systems and takes many runs.
+class ToolAtLength : public Tool {
+protected:
+    void SetUp() override {
+        if (StartsSlowly())
+            GTEST_SKIP() << "many runs of a program are slow under Wine; it runs there with QZL_LONG_TESTS=1";
+    }
 };

@@ -34,7 +34,11 @@ struct eVerb {
 
 std::span<const eVerb> Verbs();
 
+eVerb::eRun DeclareCheck(CLI::App* verb);
+eVerb::eRun DeclareDiff(CLI::App* verb);
+eVerb::eRun DeclareFormat(CLI::App* verb);
 eVerb::eRun DeclareFromJson(CLI::App* verb);
+eVerb::eRun DeclareGet(CLI::App* verb);
 eVerb::eRun DeclareLsp(CLI::App* verb);
 eVerb::eRun DeclareShow(CLI::App* verb);
 eVerb::eRun DeclareSystem(CLI::App* verb);

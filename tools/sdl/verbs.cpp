@@ -3,6 +3,24 @@
 namespace {
 
 constexpr eVerb kVerbs[] = {
+    {"check", "Lists what is wrong in documents.",
+     "sdl check scene.sdl\n"
+     "sdl check --signature scene *.sdl\n"
+     "sdl check --sarif settings/*.sdl > sdl.sarif",
+     DeclareCheck},
+    {"diff", "Compares two documents by content, whatever their layout.",
+     "sdl diff old.sdl new.sdl\n"
+     "sdl diff --quiet old.sdl new.sdl && echo equal",
+     DeclareDiff},
+    {"format", "Lays documents out anew: indentation, blanks, line ends. Values and comments stay as they are.",
+     "sdl format scene.sdl\n"
+     "sdl format -i --lf --indent 4 *.sdl\n"
+     "sdl format --check *.sdl",
+     DeclareFormat},
+    {"get", "Prints what is at a path.",
+     "sdl get scene.sdl scene/light[0]/power\n"
+     "sdl get --all scene.sdl 'scene/light[kind=\"sun\"]'",
+     DeclareGet},
     {"from-json", "Converts a JSON document to SDL.",
      "sdl from-json scene.json scene.sdl\n"
      "curl -s https://example.org/data.json | sdl from-json - data.sdl",

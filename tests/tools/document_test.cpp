@@ -1,0 +1,175 @@
+#include "tool.h"
+
+// check, diff, format and get.
+
+class ToolDocument : public Tool {};
+class ToolDocumentAtLength : public ToolAtLength {};
+
+using testing::HasSubstr;
+
+namespace {
+
+constexpr const char* kScene = "{scene\n  {light \"sun\" 1.5 power = 3}\n  {light \"lamp\" {color 1 0 0}}\n}\n";
+
+} // namespace
+
+TEST_F(ToolDocumentAtLength, CheckIsSilentAboutGoodDocuments) {
+    folder.Write("a.sdl", kScene);
+    folder.Write("b.sdl", "{SCENE}");
+    EXPECT_EQ(OutputOf({"check", "--signature", "scene", "a.sdl", "b.sdl"}), "");
+    EXPECT_EQ(OutputOf({"check", "-"}, kScene), "");
+}
+
+TEST_F(ToolDocument, CheckShowsAllMistakesAsACompilerDoes) {
+    folder.Write("bad.sdl", "{scene\n\t{light \"sun}\n\t$ 1}\n(+ 1 x)\n{open ) ");
+    const eEnded ended = Run({"check", "bad.sdl"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(ended.errors, "");
+    for (const char* const place : {"bad.sdl:2:9: error: ", "bad.sdl:3:2: error: ", "bad.sdl:4:6: error: ",
+                                    "bad.sdl:5:7: warning: ", "bad.sdl:5:9: error: ", "bad.sdl:5:1: note: "})
+        EXPECT_THAT(ended.output, HasSubstr(place));
+    EXPECT_THAT(ended.output, HasSubstr("  4 | (+ 1 x)\n    |      ^\n"));
+    EXPECT_THAT(ended.output, testing::Not(HasSubstr("\x1b")));
+}
+
+TEST_F(ToolDocumentAtLength, CheckTellsAWrongSignature) {
+    folder.Write("a.sdl", "; first\n{light}");
+    folder.Write("empty.sdl", "");
+    const eEnded ended = Run({"check", "--signature", "scene", "a.sdl", "empty.sdl"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_THAT(ended.output, HasSubstr("a.sdl:2:1: error: The document does not begin with its signature!\n"));
+    EXPECT_THAT(ended.output, HasSubstr("expected {scene"));
+    EXPECT_THAT(ended.output, HasSubstr("empty.sdl:1:1: error: "));
+}
+
+TEST_F(ToolDocumentAtLength, CheckGoesOnAfterAFileThatCannotBeRead) {
+    folder.Write("bad.sdl", "}");
+    const eEnded ended = Run({"check", "none.sdl", "bad.sdl"});
+    EXPECT_EQ(ended.code, 2);
+    EXPECT_THAT(ended.errors, HasSubstr("sdl: none.sdl: "));
+    EXPECT_THAT(ended.output, HasSubstr("bad.sdl:1:1: error: "));
+}
+
+TEST_F(ToolDocumentAtLength, CheckShowsAFewOfManyMistakesAndCountsTheRest) {
+    const eEnded ended = Run({"check", "--most", "2", "-"}, std::string(100000, '}'));
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_THAT(ended.output, testing::EndsWith("-: 99998 more errors\n"));
+    EXPECT_LT(ended.output.size(), 2000u);
+}
+
+TEST_F(ToolDocumentAtLength, CheckPrintsJsonAndSarif) {
+    folder.Write("a b.sdl", "{open \"\xc3\xa9\" $");
+    const std::string file = "a b.sdl";
+    EXPECT_EQ(
+        Run({"check", "--json", file}).output,
+        "[\n{\"file\":\"a "
+        "\xc3\xa9.sdl\",\"line\":1,\"column\":11,\"byteColumn\":12,\"offset\":11,\"severity\":\"error\","
+        "\"message\":\"No token begins like this!\",\"found\":\"'$'\"},\n"
+        "{\"file\":\"a b.sdl\",\"line\":1,\"column\":12,\"byteColumn\":13,\"offset\":12,\"severity\":\"error\","
+        "\"message\":\"Block terminator expected!\",\"expected\":\"a }\",\"found\":\"the end of the text\",\"notes\":[{"
+        "\"file\":\"a b.sdl\",\"line\":1,\"column\":1,\"byteColumn\":1,\"offset\":0,"
+        "\"message\":\"The block begins here.\"}]}\n]\n");
+    EXPECT_EQ(OutputOf({"check", "--json", "-"}, "{a}"), "[]\n");
+    const std::string sarif = Run({"check", "--sarif", file}).output;
+    EXPECT_THAT(sarif, testing::StartsWith(
+                           "{\"$schema\":\"https://json.schemastore.org/sarif-2.1.0.json\",\"version\":\"2.1.0\""));
+    EXPECT_THAT(sarif,
+                HasSubstr("{\"level\":\"error\",\"message\":{\"text\":\"No token begins like this!\"},\"locations\":[{"
+                          "\"physicalLocation\":{\"artifactLocation\":{\"uri\":\"a%20b.sdl\"},"
+                          "\"region\":{\"startLine\":1,\"startColumn\":11,\"byteOffset\":11}}}]}"));
+    EXPECT_THAT(sarif, testing::EndsWith("]}]}\n"));
+    Refuses(2, "excludes", {"check", "--json", "--sarif", "-"});
+}
+
+TEST_F(ToolDocumentAtLength, GetPrintsValuesOrTheSource) {
+    folder.Write("a.sdl", kScene);
+    const struct {
+        std::vector<std::string> arguments;
+        const char* output;
+    } kTable[] = {
+        {{"a.sdl", "scene/light/power"}, "3\n"},
+        {{"a.sdl", "scene/light[name=lamp]/color"}, nullptr},
+        {{"a.sdl", "scene/light[1]/color"}, "1\n0\n0\n"},
+        {{"a.sdl", "scene/light[1]/color/0"}, "1\n"},
+        {{"a.sdl", "scene/light/0"}, "sun\n"},
+        {{"--all", "a.sdl", "scene/light/0"}, "sun\nlamp\n"},
+        {{"--source", "a.sdl", "scene/light/0"}, "\"sun\"\n"},
+        {{"a.sdl", "scene/light[1]"}, "{light \"lamp\" {color 1 0 0}}\n"},
+    };
+    for (const auto& row : kTable) {
+        std::vector<std::string> arguments = row.arguments;
+        arguments.insert(arguments.begin(), "get");
+        const eEnded ended = Run(arguments);
+        EXPECT_EQ(ended.code, row.output ? 0 : 1);
+        EXPECT_EQ(ended.output, row.output ? row.output : "");
+    }
+    Refuses(2, "scene[: ", {"get", "a.sdl", "scene["});
+}
+
+TEST_F(ToolDocument, FormatPrintsOrReplacesOrChecks) {
+    const std::string formatted = "{a\r\n\t1\r\n}\r\n";
+    folder.Write("a.sdl", "{a\n1\n}");
+    EXPECT_EQ(OutputOf({"format", "a.sdl"}), formatted);
+    EXPECT_EQ(OutputOf({"format", "--lf", "--indent", "2", "-"}, "{a\n1\n}"), "{a\n  1\n}\n");
+    const eEnded checked = Run({"format", "--check", "a.sdl"});
+    EXPECT_EQ(checked.code, 1);
+    EXPECT_EQ(checked.output, "a.sdl\n");
+    EXPECT_EQ(folder.Read("a.sdl"), "{a\n1\n}");
+    EXPECT_EQ(OutputOf({"format", "-i", "a.sdl"}), "");
+    EXPECT_EQ(folder.Read("a.sdl"), formatted);
+    EXPECT_EQ(OutputOf({"format", "--check", "a.sdl"}), "");
+}
+
+TEST_F(ToolDocumentAtLength, FormatLeavesADocumentWithMistakesAlone) {
+    folder.Write("bad.sdl", "{a  $}");
+    folder.Write("good.sdl", "a  b");
+    Refuses(2, "bad.sdl:1:5: error: ", {"format", "-i", "bad.sdl", "good.sdl"});
+    EXPECT_EQ(folder.Read("bad.sdl"), "{a  $}");
+    EXPECT_EQ(folder.Read("good.sdl"), "a b\r\n");
+}
+
+TEST_F(ToolDocumentAtLength, FormatFollowsTheNearestConfiguration) {
+    folder.Write(".sdlformat", "{indent 2} {lines lf}");
+    folder.Write("sub/.sdlformat", "{indent tab} ; and CR LF");
+    folder.Write("sub/below/a.sdl", "{a\n1}");
+    folder.Write("a.sdl", "{a\n1}");
+    EXPECT_EQ(OutputOf({"format", "a.sdl"}), "{a\n  1}\n");
+    EXPECT_EQ(OutputOf({"format", "sub/below/a.sdl"}), "{a\r\n\t1}\r\n");
+    EXPECT_EQ(OutputOf({"format", "--crlf", "--tabs", "a.sdl"}), "{a\r\n\t1}\r\n");
+    folder.Write(".sdlformat", "{indent 2}\n{width 80}");
+    Refuses(2, ".sdlformat:2:1: error: This is no setting of sdl format!", {"format", "a.sdl"});
+}
+
+TEST_F(ToolDocument, DiffIgnoresLayoutAndTellsEachDifference) {
+    folder.Write("a.sdl", "{scene {light \"sun\" 2 color=3} {light x} {sky {blue 1 1.} {z} {a}}}");
+    folder.Write("same.sdl",
+                 "{scene ; one\n{light = \"\\x73un\" 0x2\n color 3}{light x}\n{sky{blue 1 (+ 1)}{z}{##h}{a}}\n}");
+    folder.Write("b.sdl", "{scene\n{light \"sun\" 2.5 color=3}\n{new {2 3}} {light x}\n{sky {blue 1 1} {a}}}");
+    EXPECT_EQ(OutputOf({"diff", "a.sdl", "same.sdl"}), "");
+    const eEnded ended = Run({"diff", "a.sdl", "b.sdl"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(ended.output, "+ 3\tscene\t{new {2 3}}\n"
+                            "- 1\tscene/light[0]\t2\n"
+                            "+ 2\tscene/light[0]\t2.5\n"
+                            "- 1\tscene/sky\t{z}\n"
+                            "- 1\tscene/sky/blue\t1.\n"
+                            "+ 4\tscene/sky/blue\t1\n");
+    const eEnded quiet = Run({"diff", "-q", "a.sdl", "b.sdl"});
+    EXPECT_EQ(quiet.code, 1);
+    EXPECT_EQ(quiet.output, "");
+    Refuses(2, "none.sdl", {"diff", "a.sdl", "none.sdl"});
+    Refuses(2, "ends within 1 block", {"diff", "a.sdl", "-"}, "{a");
+}
+
+TEST_F(ToolDocumentAtLength, DiffOfHostileDocumentsTakesNoStackAndNoSquare) {
+    std::string deep(50000, '{');
+    std::string wide;
+    for (int index = 0; index < 20000; ++index)
+        wide += "{n" + std::to_string(index % 3) + " " + std::to_string(index) + "}";
+    folder.Write("deep1", deep + "1" + std::string(50000, '}'));
+    folder.Write("deep2", deep + "2" + std::string(50000, '}'));
+    EXPECT_THAT(Run({"diff", "deep1", "deep2"}).output, testing::StartsWith("- 1\t.../*/*"));
+    folder.Write("wide1", wide);
+    folder.Write("wide2", "{x}" + wide.substr(wide.find('{', wide.size() / 2)));
+    EXPECT_EQ(Run({"diff", "wide1", "wide2"}).code, 1);
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include <qzl_io/sdl/document.h>
+
+// Documents of files, or of standard input and output for "-". Failures throw eTrouble.
+
+void OpenDocument(eSDLDocument* document, const std::string& name);
+
+// Opens a document that must have no errors: the first one is shown.
+void OpenFaultless(eSDLDocument* document, const std::string& name);
+
+void SaveDocument(const eSDLDocument& document, const std::string& name);

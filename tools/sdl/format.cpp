@@ -1,0 +1,165 @@
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "documents.h"
+#include "files.h"
+#include "layout.h"
+#include "platform/console.h"
+#include "reports.h"
+#include "terminal.h"
+#include "verb.h"
+
+namespace {
+
+constexpr const char* kConfigurationName = ".sdlformat";
+constexpr int kWidest = 16;
+
+struct eArguments {
+    std::vector<std::string> files;
+    bool inPlace = false;
+    bool check = false;
+    std::optional<int> indent;
+    bool tabs = false;
+    bool lf = false;
+    bool crLf = false;
+};
+
+std::filesystem::path PathOf(const std::string& name) {
+    return {std::u8string(name.begin(), name.end())};
+}
+
+std::string NameOf(const std::filesystem::path& path) {
+    const std::u8string name = path.generic_u8string();
+    return {name.begin(), name.end()};
+}
+
+// The configuration file in the folder of a file or in the nearest folder above; empty if there is none.
+std::string ConfigurationFor(const std::string& file) {
+    std::error_code unknown;
+    std::filesystem::path folder = std::filesystem::absolute(file == kStandard ? "-" : PathOf(file), unknown);
+    while (folder.has_relative_path()) {
+        folder = folder.parent_path();
+        if (std::filesystem::is_regular_file(folder / kConfigurationName, unknown))
+            return NameOf(folder / kConfigurationName);
+    }
+    return {};
+}
+
+[[noreturn]] void RejectSetting(const eSDLNode& setting, const std::string& allowed) {
+    xError::eDiagnostic mistake;
+    mistake.message = "This is no setting of sdl format!";
+    mistake.excerpt = setting.Excerpt();
+    mistake.expected = allowed;
+    ShowDiagnostic(mistake);
+    throw eTrouble(ShownName(mistake.excerpt.place.source) + ": the configuration is wrong");
+}
+
+void TakeSetting(const eSDLNode& setting, eLayout* layout) {
+    const eSDLNode value = setting.Value();
+    if (setting.Is("indent") && value.Is("tab"))
+        layout->indent = eLayout::kTab;
+    else if (const auto width = value.As<int>(); setting.Is("indent") && width && *width >= 0 && *width <= kWidest)
+        layout->indent = *width;
+    else if (setting.Is("lines") && (value.Is("lf") || value.Is("crlf")))
+        layout->crLf = value.Is("crlf");
+    else
+        RejectSetting(setting, "{indent tab}, {indent 0} to {indent 16}, {lines crlf} or {lines lf}");
+}
+
+eLayout LayoutFor(const std::string& file, const eArguments& arguments) {
+    eLayout layout;
+    const std::string name = ConfigurationFor(file);
+    if (!name.empty()) {
+        eSDLDocument configuration;
+        OpenFaultless(&configuration, name);
+        for (const eSDLNode& setting : configuration.Root())
+            TakeSetting(setting, &layout);
+    }
+    if (arguments.indent)
+        layout.indent = *arguments.indent;
+    if (arguments.tabs)
+        layout.indent = eLayout::kTab;
+    if (arguments.lf || arguments.crLf)
+        layout.crLf = arguments.crLf;
+    return layout;
+}
+
+// Compares without a copy of the document.
+bool IsText(const eSDLDocument& document, std::string_view text) {
+    for (const eSDLPart& part : document.Parts()) {
+        if (!text.starts_with(part.text))
+            return false;
+        text.remove_prefix(part.text.size());
+    }
+    return text.empty();
+}
+
+void Print(const std::string& text) {
+    if (!console::IsTerminal(console::eStream::Output)) {
+        std::cout << text;
+        return;
+    }
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        const std::string_view line = rest.substr(0, end);
+        std::cout << terminal::Printable(line.substr(0, line.find_last_not_of('\r') + 1)) << '\n';
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+}
+
+// Returns whether the file had that layout before.
+bool FormatFile(const std::string& file, const eArguments& arguments) {
+    const eLayout layout = LayoutFor(file, arguments);
+    eSDLDocument document;
+    OpenFaultless(&document, file);
+    const std::string text = Formatted(document, layout);
+    const bool same = IsText(document, text);
+    terminal::EndProgress();
+    if (arguments.check) {
+        if (!same)
+            std::cout << ShownName(file) << '\n';
+    } else if (!arguments.inPlace || file == kStandard) {
+        Print(text);
+    } else if (!same) {
+        eOutput output(file);
+        output.Write(text);
+        output.Commit();
+    }
+    return same;
+}
+
+eEnd Format(const eArguments& arguments) {
+    eEnd end = eEnd::Fine;
+    for (const std::string& file : arguments.files) {
+        try {
+            if (!FormatFile(file, arguments) && arguments.check && end == eEnd::Fine)
+                end = eEnd::Findings;
+        } catch (const eTrouble& trouble) {
+            ShowMessage(trouble.what());
+            end = eEnd::Trouble;
+        }
+    }
+    return end;
+}
+
+} // namespace
+
+eVerb::eRun DeclareFormat(CLI::App* verb) {
+    const auto arguments = std::make_shared<eArguments>();
+    verb->add_option("FILE", arguments->files, "the documents")->required();
+    const auto inPlace = verb->add_flag("-i,--in-place", arguments->inPlace, "replace each file whose layout differs");
+    verb->add_flag("--check", arguments->check, "change nothing, and list the files whose layout differs")
+        ->excludes(inPlace);
+    const auto indent = verb->add_option("--indent", arguments->indent, "blanks for each level instead of a tab")
+                            ->check(CLI::Range(0, kWidest));
+    verb->add_flag("--tabs", arguments->tabs, "a tab for each level, whatever .sdlformat says")->excludes(indent);
+    const auto lf = verb->add_flag("--lf", arguments->lf, "lines end with LF instead of CR LF");
+    verb->add_flag("--crlf", arguments->crLf, "lines end with CR LF, whatever .sdlformat says")->excludes(lf);
+    return [arguments] { return Format(*arguments); };
+}
