@@ -11,6 +11,12 @@ namespace {
 
 constexpr const char* kScene = "{scene\n  {light \"sun\" 1.5 power = 3}\n  {light \"lamp\" {color 1 0 0}}\n}\n";
 
+struct eEdit {
+    std::vector<std::string> arguments; // before the file
+    const char* from;
+    const char* to;
+};
+
 } // namespace
 
 TEST_F(ToolDocumentAtLength, CheckIsSilentAboutGoodDocuments) {
@@ -62,8 +68,7 @@ TEST_F(ToolDocumentAtLength, CheckPrintsJsonAndSarif) {
     const std::string file = "a b.sdl";
     EXPECT_EQ(
         Run({"check", "--json", file}).output,
-        "[\n{\"file\":\"a "
-        "\xc3\xa9.sdl\",\"line\":1,\"column\":11,\"byteColumn\":12,\"offset\":11,\"severity\":\"error\","
+        "[\n{\"file\":\"a b.sdl\",\"line\":1,\"column\":11,\"byteColumn\":12,\"offset\":11,\"severity\":\"error\","
         "\"message\":\"No token begins like this!\",\"found\":\"'$'\"},\n"
         "{\"file\":\"a b.sdl\",\"line\":1,\"column\":12,\"byteColumn\":13,\"offset\":12,\"severity\":\"error\","
         "\"message\":\"Block terminator expected!\",\"expected\":\"a }\",\"found\":\"the end of the text\",\"notes\":[{"
@@ -172,4 +177,57 @@ TEST_F(ToolDocumentAtLength, DiffOfHostileDocumentsTakesNoStackAndNoSquare) {
     folder.Write("wide1", wide);
     folder.Write("wide2", "{x}" + wide.substr(wide.find('{', wide.size() / 2)));
     EXPECT_EQ(Run({"diff", "wide1", "wide2"}).code, 1);
+}
+
+TEST_F(ToolDocumentAtLength, SetChangesTheValueAndNothingElse) {
+    const eEdit kTable[] = {
+        {{"a/power", "2.5"}, "{a ; one\n\tpower =  1 ; two\n}", "{a ; one\n\tpower =  2.5 ; two\n}"},
+        {{"a/b", "-5"}, "{a {b 1} {b 2}}", "{a {b -5} {b 2}}"},
+        {{"--all", "a/b", "7"}, "{a {b 1} {b 2}}", "{a {b 7} {b 7}}"},
+        {{"a/0", "two words"}, "{a \"x\"}", "{a \"two words\"}"},
+        {{"a/0", "\"5\""}, "{a 1}", "{a \"5\"}"},
+        {{"--string", "a/0", "5"}, "{a 1}", "{a \"5\"}"},
+        {{"--word", "a/0", "five"}, "{a 1}", "{a five}"},
+        {{"a/0", "linear"}, "{a 1}", "{a \"linear\"}"},
+        {{"filter/0", "linear"}, "{filter none}", "{filter linear}"},
+        {{"a", "3"}, "{a}", "{a 3}"},
+    };
+    for (const eEdit& edit : kTable) {
+        folder.Write("a.sdl", edit.from);
+        std::vector<std::string> arguments = edit.arguments;
+        arguments.insert(arguments.end() - 2, "a.sdl");
+        arguments.insert(arguments.begin(), "set");
+        EXPECT_EQ(OutputOf(arguments), "");
+        EXPECT_EQ(folder.Read("a.sdl"), edit.to) << edit.from;
+    }
+    EXPECT_EQ(OutputOf({"set", "-", "a", "2"}, "{a 1}"), "{a 2}");
+}
+
+TEST_F(ToolDocument, WhatCannotBeSetOrRemovedLeavesTheFileAlone) {
+    folder.Write("a.sdl", "{a 1");
+    Refuses(1, "sdl: a/b: there is nothing at this path", {"set", "a.sdl", "a/b", "2"});
+    Refuses(2, "it cannot be removed", {"remove", "a.sdl", "a"});
+    if (!StartsSlowly()) {
+        Refuses(1, "sdl: b: there is nothing at this path", {"remove", "a.sdl", "b"});
+        Refuses(1, "sdl: b: there is nothing at this path", {"get", "a.sdl", "b"});
+        Refuses(2, "'no word' is no word", {"set", "--word", "a.sdl", "a", "no word"});
+        Refuses(2, "a//b: ", {"set", "a.sdl", "a//b", "1"});
+    }
+    EXPECT_EQ(folder.Read("a.sdl"), "{a 1");
+}
+
+TEST_F(ToolDocumentAtLength, RemoveTakesThePartAndItsLine) {
+    const eEdit kTable[] = {
+        {{"a/b"}, "{a\r\n\t{b 1} ; gone\r\n\t{c} ; stays\r\n}", "{a\r\n\t{c} ; stays\r\n}"},
+        {{"--all", "a/b"}, "{a {b 1} {c} {b {b}}}", "{a {c}}"},
+        {{"a/1"}, "{a 1 2 3}", "{a 1 3}"},
+    };
+    for (const eEdit& edit : kTable) {
+        folder.Write("a.sdl", edit.from);
+        std::vector<std::string> arguments = edit.arguments;
+        arguments.insert(arguments.end() - 1, "a.sdl");
+        arguments.insert(arguments.begin(), "remove");
+        EXPECT_EQ(OutputOf(arguments), "");
+        EXPECT_EQ(folder.Read("a.sdl"), edit.to) << edit.from;
+    }
 }

@@ -7,7 +7,8 @@ class ToolProgramAtLength : public ToolAtLength {};
 
 namespace {
 
-const char* const kVerbs[] = {"check", "diff", "format", "from-json", "get", "to-json", "show", "tokens", "system"};
+const char* const kVerbs[] = {"check", "diff",    "format", "from-json", "get",   "remove",
+                              "set",   "to-json", "show",   "tokens",    "system"};
 
 } // namespace
 

@@ -55,10 +55,12 @@ eEnd GetNodes(const eArguments& arguments) {
     eSDLDocument document;
     OpenDocument(&document, arguments.file);
     const std::vector<eSDLNode> nodes = NodesAt(document, arguments.path, arguments.all);
+    if (nodes.empty())
+        return NothingAt(arguments.path);
     terminal::EndProgress();
     for (const eSDLNode& node : nodes)
         PrintNode(node, arguments.source);
-    return nodes.empty() ? eEnd::Findings : eEnd::Fine;
+    return eEnd::Fine;
 }
 
 } // namespace

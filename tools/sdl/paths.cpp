@@ -1,7 +1,7 @@
 #include "paths.h"
 
+#include "reports.h"
 #include "terminal.h"
-#include "verb.h"
 
 void RequirePath(const std::string& path) {
     const std::string mistake = eSDLDocument::PathMistake(path);
@@ -14,4 +14,9 @@ std::vector<eSDLNode> NodesAt(const eSDLDocument& document, const std::string& p
         return document.FindAll(path);
     const eSDLNode first = document.Find(path);
     return first ? std::vector<eSDLNode>{first} : std::vector<eSDLNode>{};
+}
+
+eEnd NothingAt(const std::string& path) {
+    ShowMessage(terminal::Printable(path) + ": there is nothing at this path");
+    return eEnd::Findings;
 }

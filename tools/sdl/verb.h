@@ -40,6 +40,8 @@ eVerb::eRun DeclareFormat(CLI::App* verb);
 eVerb::eRun DeclareFromJson(CLI::App* verb);
 eVerb::eRun DeclareGet(CLI::App* verb);
 eVerb::eRun DeclareLsp(CLI::App* verb);
+eVerb::eRun DeclareRemove(CLI::App* verb);
+eVerb::eRun DeclareSet(CLI::App* verb);
 eVerb::eRun DeclareShow(CLI::App* verb);
 eVerb::eRun DeclareSystem(CLI::App* verb);
 eVerb::eRun DeclareToJson(CLI::App* verb);

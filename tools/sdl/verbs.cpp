@@ -21,6 +21,14 @@ constexpr eVerb kVerbs[] = {
      "sdl get scene.sdl scene/light[0]/power\n"
      "sdl get --all scene.sdl 'scene/light[kind=\"sun\"]'",
      DeclareGet},
+    {"set", "Sets the value at a path; all else stays byte for byte.",
+     "sdl set scene.sdl scene/light[0]/power 2.5\n"
+     "sdl set --all scene.sdl scene/light/name \"sun\"",
+     DeclareSet},
+    {"remove", "Removes what is at a path; all else stays byte for byte.",
+     "sdl remove scene.sdl scene/light[0]\n"
+     "sdl remove --all scene.sdl scene/light/shadow",
+     DeclareRemove},
     {"from-json", "Converts a JSON document to SDL.",
      "sdl from-json scene.json scene.sdl\n"
      "curl -s https://example.org/data.json | sdl from-json - data.sdl",
