@@ -136,6 +136,13 @@ TEST_F(ToolJson, JsonToSdlToJsonGivesTheSameDocument) {
     EXPECT_EQ(OutputOf({"to-json", "--compact", "a.sdl", "-"}), same + "\n");
 }
 
+TEST_F(ToolJson, InputAndOutputMayBeTheSameFile) {
+    folder.Write("a", R"({"a":[1]})");
+    EXPECT_EQ(OutputOf({"from-json", "a", "a"}), "");
+    EXPECT_EQ(OutputOf({"to-json", "--compact", "a", "a"}), "");
+    EXPECT_EQ(folder.Read("a"), "{\"a\":[1]}\n");
+}
+
 // --- Documents from elsewhere ---
 
 namespace {

@@ -43,7 +43,7 @@ std::unique_ptr<IO::eStream> OpenInput(const std::string& name) {
 eOutput::eOutput(std::string target) : name(std::move(target)) {
     if (name == kStandard)
         return;
-    file = std::make_unique<IO::eSaveFile>(NativeName(name), IO::eSaveEnd::InMemory);
+    file = std::make_unique<IO::eSaveFile>(NativeName(name));
     if (!file->IsOpen())
         Fail();
 }

@@ -30,18 +30,18 @@ void ShowLosses(const std::string& input, const eJsonLosses& losses) {
     tell(losses.texts, "string", " cut at a NUL character");
 }
 
-void Convert(const std::string& name, IO::eStream& input, IO::eStream& output, eJsonLosses* losses) {
+void Convert(const std::string& name, IO::eStream& output, eJsonLosses* losses) {
+    const std::unique_ptr<IO::eStream> input = OpenInput(name);
+    terminal::ShowProgress("converting " + ShownName(name));
     const eKeptWarning warning;
-    if (!JsonStreamToSdl(input, output, losses))
+    if (!JsonStreamToSdl(*input, output, losses))
         throw eTrouble(ShownName(name) + ": " + terminal::Printable(warning.Message()));
 }
 
 eEnd FromJson(const eArguments& arguments) {
-    const std::unique_ptr<IO::eStream> input = OpenInput(arguments.input);
     eOutput output(arguments.output);
-    terminal::ShowProgress("converting " + ShownName(arguments.input));
     eJsonLosses losses;
-    Convert(arguments.input, *input, output.Stream(), &losses);
+    Convert(arguments.input, output.Stream(), &losses);
     output.Commit();
     terminal::EndProgress();
     ShowLosses(arguments.input, losses);
