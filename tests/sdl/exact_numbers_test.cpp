@@ -222,6 +222,24 @@ TEST(CheckRange, ReportsThePlaceAndTheBeginningOfALongNumber) {
     EXPECT_NE(context.find("2:  99999999999\xAB 2"), std::string::npos) << context;
 }
 
+TEST(CheckRange, SaysWhatWouldBeRight) {
+    const auto expected = []<class T>(const char* number, T value) {
+        try {
+            eSDLReader reader = ReaderOf(number);
+            reader.CheckRange(true);
+            reader >> value;
+        } catch (const xError::eException& exception) {
+            return exception.Report().diagnostic->expected;
+        }
+        return std::string();
+    };
+    EXPECT_EQ(expected("300", char{}), "an integer from -128 to 127");
+    EXPECT_EQ(expected("40000", short{}), "an integer from -32768 to 32767");
+    EXPECT_EQ(expected("-1", eUnsigned64{}), "an integer from 0 to 18446744073709551615");
+    EXPECT_EQ(expected("1e39", float{}), "a number within the range of a float");
+    EXPECT_EQ(expected("1e309", double{}), "a number within the range of a double");
+}
+
 TEST(CheckRange, CanBeSwitchedAtAnyTimeAndHoldsForIncludedSources) {
     const eTempFolder folder;
     eSDLReader reader = ReaderOf(std::string(30, ' ') + "99999999999 99999999999 99999999999");

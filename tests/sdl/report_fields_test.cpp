@@ -157,7 +157,7 @@ std::vector<eReported> ReportedByReaders() {
              reader.CheckRange(true);
              reader.GetInt();
          },
-         "", ""},
+         "an integer from -2147483648 to 2147483647", "the number '99999999999'"},
         {"Unknown name 'flta'! Did you mean 'flat'?", "|flta| ", [](eSDLReader& reader) { reader.GetName(kShadings); },
          "'flat', 'smooth'", "the word 'flta'", "flat"},
         {"String expected!", "|0x1F| ", [](eSDLReader& reader) { reader.GetString(); }, "a text in quotes",

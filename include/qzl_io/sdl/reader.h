@@ -368,7 +368,7 @@ private:
     [[noreturn]] void FailSignature(const std::string& read, const std::string& expected);
     [[noreturn]] void FailBlock(int id);
     [[noreturn]] void FailToken(eSDLParserLexType type);
-    [[noreturn]] void FailRange(std::string_view number);
+    [[noreturn]] void FailRange(std::string_view number, std::string expected);
     [[noreturn]] void FailName(const std::vector<std::string_view>& names);
     [[noreturn]] void Fail(int line, xError::eDiagnostic diagnostic);
 

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <new>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
+#include <qzl_base/format.h>
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/streams.h>
 
@@ -46,6 +49,18 @@ void LowerCase(std::string* text) {
 std::string LowerCased(std::string text) {
     LowerCase(&text);
     return text;
+}
+
+// What a report of a number out of range expects.
+template <class T>
+std::string RangeOf() {
+    if constexpr (std::is_floating_point_v<T>) {
+        return std::string("a number within the range of a ") + (sizeof(T) == sizeof(float) ? "float" : "double");
+    } else {
+        using eWide = std::conditional_t<std::is_signed_v<T>, long long, unsigned long long>;
+        using eLimits = std::numeric_limits<T>;
+        return format("an integer from %1% to %2%") % eWide{eLimits::min()} % eWide{eLimits::max()};
+    }
 }
 
 // The text of a number as it stands in the source. That of a calculation stands nowhere.
@@ -334,7 +349,7 @@ void eSDLReader::CheckRange(bool check) {
 template <class T>
 void eSDLReader::RequireFits(std::string_view number) {
     if (checkRange && !xSDL::Fits<T>(number))
-        FailRange(number);
+        FailRange(number, RangeOf<T>());
 }
 
 bool eSDLReader::GetBool() {

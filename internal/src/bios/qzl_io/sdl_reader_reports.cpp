@@ -251,8 +251,8 @@ void eSDLReader::FailToken(eSDLParserLexType type) {
     Fail(kTokenLine, std::move(diagnostic));
 }
 
-void eSDLReader::FailRange(std::string_view number) {
-    Fail(kRangeLine, Diagnose((format("%1% is out of range!") % BeginningOf(number)).str(), {}));
+void eSDLReader::FailRange(std::string_view number, std::string expected) {
+    Fail(kRangeLine, Diagnose((format("%1% is out of range!") % BeginningOf(number)).str(), std::move(expected)));
 }
 
 void eSDLReader::FailName(const std::vector<std::string_view>& names) {
