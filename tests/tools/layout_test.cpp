@@ -1,5 +1,8 @@
 #include "tools/sdl/layout.h"
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
@@ -177,24 +180,46 @@ TEST(ToolLayout, DepthIsIndentedOnlySoFar) {
     EXPECT_LT(FormattedText(deep).size(), 20000u * 70);
 }
 
+namespace {
+
+// Returns whether the text has no errors, and so is to be formatted.
+bool CheckFormatting(const std::string& text, const eLayout& layout) {
+    if (eSDLDocument(text).ErrorCount() > 0)
+        return false;
+    const std::string once = FormattedText(text, layout);
+    const eContent before(text);
+    const eContent after(once);
+    EXPECT_EQ(eSDLDocument(once).ErrorCount(), 0u) << text << '\n' << once;
+    EXPECT_EQ(after.tokens, before.tokens) << text << '\n' << once;
+    EXPECT_EQ(after.comments, before.comments) << text << '\n' << once;
+    EXPECT_EQ(FormattedText(once, layout), once) << text;
+    return true;
+}
+
+} // namespace
+
 TEST(ToolLayout, FormattingKeepsTokensAndCommentsAndChangesNothingTheSecondTime) {
     const unsigned count = LongTests() ? 10000 : 400;
     unsigned documents = 0;
-    for (unsigned seed = 0; documents < count; ++seed) {
+    for (unsigned seed = 0; documents < count && !HasFailure(); ++seed) {
         ASSERT_LT(seed, 4 * count);
-        const std::string text = eGenerator(seed).Document();
-        if (eSDLDocument(text).ErrorCount() > 0)
-            continue;
-        ++documents;
         eLayout layout;
         layout.indent = static_cast<int>(seed % 5) - 1;
         layout.crLf = seed % 2 == 0;
-        const std::string once = FormattedText(text, layout);
-        const eContent before(text);
-        const eContent after(once);
-        ASSERT_EQ(eSDLDocument(once).ErrorCount(), 0u) << seed << '\n' << text << '\n' << once;
-        ASSERT_EQ(after.tokens, before.tokens) << seed << '\n' << text << '\n' << once;
-        ASSERT_EQ(after.comments, before.comments) << seed << '\n' << text << '\n' << once;
-        ASSERT_EQ(FormattedText(once, layout), once) << seed << '\n' << text;
+        documents += CheckFormatting(eGenerator(seed).Document(), layout);
     }
+}
+
+TEST(ToolLayout, FormattingKeepsWhatFuzzingHasFound) {
+    const std::filesystem::path seeds = QZL_SEEDS_DIR;
+    if (!std::filesystem::exists(seeds))
+        GTEST_SKIP() << "the tree has no seeds";
+    unsigned documents = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(seeds)) {
+        if (!entry.is_regular_file() || HasFailure())
+            continue;
+        std::ifstream file(entry.path(), std::ios::binary);
+        documents += CheckFormatting(std::string(std::istreambuf_iterator<char>(file), {}), {});
+    }
+    EXPECT_GT(documents, 0u);
 }
