@@ -21,7 +21,7 @@ constexpr std::size_t kConstantPart = 64 * 1024;
 constexpr std::size_t kLeftAtMost = 1024;
 
 std::size_t SizeOfDocuments() {
-    return LongTests() ? 4'000'000 : 200'000;
+    return LongTests() ? 4'000'000 : 100'000;
 }
 
 std::vector<eHostileShape> DocumentShapes() {
@@ -69,7 +69,7 @@ TEST(DocumentBounds, HostileDocumentsAreReadAndEditedOn64KiBOfStack) {
 
 // With edits that took time for the whole document this would take hours.
 TEST(DocumentBounds, AMillionChildrenAreEditedAtAnyPlace) {
-    const std::size_t count = LongTests() ? 1'000'000 : 50'000;
+    const std::size_t count = LongTests() ? 1'000'000 : 20'000;
     const std::string texts[] = {eHostileShape{"", "{a\n", "{b 1} ; c\n", "}"}.OfSize(10 * count),
                                  eHostileShape{"", "{a ", "1 ", "}"}.OfSize(2 * count)};
     for (const std::string& text : texts) {

@@ -65,6 +65,11 @@ TEST(DocumentErrors, ABlockThatIsNotClosedIsReportedWithWhereItBegins) {
     EXPECT_EQ(errors[0].notes[1].excerpt.place.line, 2);
 }
 
+TEST(DocumentErrors, TheNearestRightWordIsSuggested) {
+    EXPECT_EQ(eSDLDocument("(inlcude \"a\")").Errors().at(0).suggestion, "include");
+    EXPECT_EQ(eSDLDocument("(foo)").Errors().at(0).suggestion, "");
+}
+
 TEST(DocumentErrors, OfManyThatAreNotClosedTheInnermostAreNoted) {
     const eSDLDocument document(std::string(1000, '{') + "(\"c\"");
     const std::vector<xError::eDiagnostic> errors = document.Errors();

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include <qzl_base/diagnostic.h>
 
 #include "document/source.h"
+#include "sdl/excerpt.h"
+#include "sdl/line_finder.h"
 
 namespace xSDL {
 
@@ -16,26 +19,20 @@ class eLines {
 public:
     explicit eLines(const eSource& itsSource) : source(itsSource) {}
 
-    xError::ePlace Place(const std::string& name, std::size_t offset) const;
-    // The place with its line, in which so many bytes are marked.
-    xError::eExcerpt Excerpt(const std::string& name, std::size_t offset, std::size_t length) const;
+    // The place with its line, in which so many bytes are marked. A byte-order mark is not part of the first line.
+    xError::eExcerpt Excerpt(const std::string& name, std::size_t offset, std::size_t length) const {
+        const std::string_view text = source.Bytes(source.Begin(), source.Size());
+        const std::size_t at = std::max(offset, source.Begin()) - source.Begin();
+        const eInLine inLine = finder.Find(text, at);
+        const std::size_t feeds = finder.LineFeedsBefore(text, at);
+        return ExcerptAt(
+            {name, offset, LinesOn(1, feeds), LinesOn(1, inLine.characters), LinesOn(1, at - inLine.lineBegin)}, text,
+            inLine.lineBegin, at, length);
+    }
 
 private:
-    // What is known of one place in each part of the text.
-    struct eKnown {
-        std::size_t offset = 0;     // where a character begins
-        std::size_t lineFeeds = 0;  // before it
-        std::size_t lineBegin = 0;  // of its line
-        std::size_t characters = 0; // of its line before it
-    };
-
-    static xError::ePlace PlaceOf(const std::string& name, std::size_t offset, const eKnown& at);
-    void Know() const;
-    eKnown From(const eKnown& known, std::size_t offset) const;
-    eKnown At(std::size_t offset) const;
-
     const eSource& source;
-    mutable std::vector<eKnown> known;
+    mutable eLineFinder finder;
 };
 
 } // namespace xSDL

@@ -4,13 +4,14 @@
 #include <string_view>
 #include <utility>
 
+#include "sdl/excerpt.h"
 #include "sdl/lexer.h"
+#include "sdl/nearest.h"
 
 namespace xSDL {
 namespace {
 
 constexpr std::size_t kMostNotes = 8;
-constexpr std::size_t kMostFound = 40; // bytes of the source in a sentence
 
 struct eTexts {
     const char* message;
@@ -56,6 +57,13 @@ const char* KindOfText(char first) {
     }
 }
 
+std::string NearestControlWord(std::string_view word) {
+    eNearest nearest(word);
+    for (const std::string_view known : kControlWords)
+        nearest.Try(known);
+    return std::string(nearest.Word());
+}
+
 class eListing {
 public:
     eListing(const eSource& itsSource, const eLines& itsLines, const std::string& itsName, std::size_t itsMost)
@@ -74,7 +82,9 @@ public:
         diagnostic.message = texts.message;
         diagnostic.expected = texts.expected;
         diagnostic.excerpt = ExcerptOf(begin, end);
-        diagnostic.found = FoundAt(begin, diagnostic.excerpt);
+        diagnostic.found = FoundAt(begin, end);
+        if (what == eMistake::InvalidControl)
+            diagnostic.suggestion = NearestControlWord({begin, static_cast<std::size_t>(end - begin)});
         if (what == eMistake::Unclosed)
             NoteUnclosed(&diagnostic);
     }
@@ -88,16 +98,10 @@ private:
         return lines.Excerpt(name, OffsetOf(begin), static_cast<std::size_t>(end - begin));
     }
 
-    std::string FoundAt(const char* begin, const xError::eExcerpt& excerpt) const {
+    static std::string FoundAt(const char* begin, const char* end) {
         if (*begin == 0)
             return "the end of the text";
-        std::string shown = excerpt.text.substr(excerpt.markBegin, excerpt.markEnd - excerpt.markBegin);
-        if (shown.size() > kMostFound) {
-            std::size_t end = kMostFound;
-            while (end > 0 && (static_cast<unsigned char>(shown[end]) & 0xC0) == 0x80)
-                --end;
-            shown = shown.substr(0, end) + "...";
-        }
+        const std::string shown = Abridged({begin, static_cast<std::size_t>(end - begin)});
         const char quote = *begin == '"' ? '\0' : '\'';
         return KindOfText(*begin) + (quote ? quote + shown + quote : shown);
     }

@@ -49,9 +49,10 @@ inline bool IsHiddenAt(const char* brace) {
     return mark.length > 1 && std::string_view(mark.begin + 1, mark.length - 1).find('#') != std::string_view::npos;
 }
 
+inline constexpr std::string_view kControlWords[] = {"include", "define", "mod"};
+
 inline bool IsControlWord(std::string_view word) {
-    constexpr std::string_view kWords[] = {"include", "define", "mod"};
-    for (const std::string_view known : kWords)
+    for (const std::string_view known : kControlWords)
         if (word.size() == known.size()) {
             std::size_t same = 0;
             while (same < word.size() && ascii::ToLower(word[same]) == known[same])
