@@ -30,8 +30,9 @@ struct eExcerpt {
     bool endIsCut = false;
 };
 
-// What is wrong in a text, in parts that a program can use. Names of sources, and the message, are as they are elsewhere;
-// the other texts are well-formed UTF-8. All may contain any character of the source, control characters included.
+// What is wrong in a text, in parts that a program can use. Names of sources, and the message, are as they are
+// elsewhere; the other texts are well-formed UTF-8. All may contain any character of the source, control characters
+// included.
 struct eDiagnostic {
     // What another place has to do with it: where the block begins that is not closed.
     struct eNote {

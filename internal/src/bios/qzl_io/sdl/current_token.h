@@ -117,8 +117,8 @@ inline void eCurrentToken::SetBefore(eBefore saved) {
     textBefore = {saved.textInSource, saved.place};
 }
 
-// A mark's text begins after {#, and ends where reading stands; that of a plain { is the brace's place. Reading stands at
-// the end of the line that breaks a string, and at any other character that begins no token.
+// A mark's text begins after {#, and ends where reading stands; that of a plain { is the brace's place. Reading stands
+// at the end of the line that breaks a string, and at any other character that begins no token.
 inline const char* eCurrentToken::Begin() const {
     const char* const begin = text.source.data();
     if (!begin || now.token.type == sdlNone)
