@@ -26,11 +26,16 @@ struct eCheck;
 
 // The token that holds a value of the type; sdlNone if it takes several, or if readers do not read the type.
 template <class T>
-inline constexpr eSDLParserLexType kTokenOf =
-    IO::eOneOf<T, float, double>                                                                   ? sdlNumber
-    : IO::eOneOf<T, bool, char, short, int, long long, unsigned long long> || IO::eLongOf64Bits<T> ? sdlInt
-    : IO::eOneOf<T, std::string, std::wstring, std::u8string, eFileName> || xStandard::ePath<T>    ? sdlString
-                                                                                                   : sdlNone;
+consteval eSDLParserLexType TokenOf() {
+    if constexpr (IO::eOneOf<T, float, double>)
+        return sdlNumber;
+    else if constexpr (IO::eOneOf<T, bool, char, short, int, long long, unsigned long long> || IO::eLongOf64Bits<T>)
+        return sdlInt;
+    else if constexpr (IO::eOneOf<T, std::string, std::wstring, std::u8string, eFileName> || xStandard::ePath<T>)
+        return sdlString;
+    else
+        return sdlNone;
+}
 
 } // namespace xSDL
 
@@ -183,7 +188,7 @@ public:
     // For every type that >> reads from one token: an integer for bool and the integer types, either kind of number for
     // float and double, a string for texts and file names.
     template <class T>
-    requires(xSDL::kTokenOf<T> != sdlNone) bool TryGet(T& value);
+    requires(xSDL::TokenOf<T>() != sdlNone) bool TryGet(T& value);
     // A word, keyword or not.
     bool TryGetIdent(std::string& value);
     // A word of the table.
@@ -428,8 +433,8 @@ xSDL::eNamed<T> eSDLReader::GetName(const T& names) {
 }
 
 template <class T>
-requires(xSDL::kTokenOf<T> != sdlNone) bool eSDLReader::TryGet(T& value) {
-    if (!Test(xSDL::kTokenOf<T>))
+requires(xSDL::TokenOf<T>() != sdlNone) bool eSDLReader::TryGet(T& value) {
+    if (!Test(xSDL::TokenOf<T>()))
         return false;
     *this >> value;
     return true;

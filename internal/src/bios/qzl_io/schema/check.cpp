@@ -266,8 +266,8 @@ private:
             if (IsFull())
                 return;
             const std::string_view word = part.kind == eSDLKind::Control ? part.text.substr(1) : std::string_view();
-            const std::size_t begin = word.find_first_not_of(" \t\r\n=");
-            if (begin != std::string_view::npos && IsSameWord(word.substr(begin, 7), "include"))
+            const std::size_t at = word.find_first_not_of(" \t\r\n=");
+            if (at != std::string_view::npos && IsSameWord(word.substr(at, 7), "include"))
                 Add(MistakeAt(part.node, "Files may not be included here!"));
         }
     }

@@ -41,18 +41,20 @@ inline bool IsHexadecimal(std::string_view text) {
     return text.starts_with("0x");
 }
 
+// Whether a text is an integer of the first type that the second type has, too.
+template <std::integral Wide, std::integral Narrow>
+bool IsWithin(std::string_view text) {
+    Wide value = 0;
+    return _FromString(&value, text.data(), text.data() + text.size()) && value >= std::numeric_limits<Narrow>::min() &&
+           value <= std::numeric_limits<Narrow>::max();
+}
+
 // Whether the type has the value of an integer's text. Hexadecimal digits are bits, so an int has 0xffffffff.
 template <std::integral T>
 bool Fits(std::string_view text) {
-    const bool hexadecimal = IsHexadecimal(text);
-    using eBits = std::make_unsigned_t<T>;
     using eValue = std::conditional_t<std::is_signed_v<T>, long long, unsigned long long>;
-    const auto within = [&]<class eWide, class eNarrow>(eWide, eNarrow) {
-        eWide value = 0;
-        return _FromString(&value, text.data(), text.data() + text.size()) &&
-               value >= std::numeric_limits<eNarrow>::min() && value <= std::numeric_limits<eNarrow>::max();
-    };
-    return hexadecimal ? within(0ULL, eBits()) : within(eValue(), T());
+    return IsHexadecimal(text) ? IsWithin<unsigned long long, std::make_unsigned_t<T>>(text)
+                               : IsWithin<eValue, T>(text);
 }
 
 // Whether the value of a number's text is finite in the type, and zero only if all digits are. False for names such as
