@@ -82,7 +82,7 @@ public:
     // The loop may remove or set the child that it is at, and insert others, of which it meets those that are inserted
     // after the next one.
     eIterator begin() const;
-    eIterator end() const;
+    static eIterator end();
 
     // The next item in the same block; not good after the last one.
     eSDLNode Next() const;
@@ -163,7 +163,7 @@ private:
     eSDLNode next; // found in advance, as the current one may be removed
 };
 
-inline eSDLNode::eIterator eSDLNode::end() const {
+inline eSDLNode::eIterator eSDLNode::end() {
     return {};
 }
 
@@ -259,7 +259,7 @@ public:
     };
 
     eIterator begin() const;
-    eIterator end() const { return {}; }
+    static eIterator end() { return {}; }
 
 private:
     friend class eSDLDocument;
@@ -330,8 +330,10 @@ public:
     eSDLDocument(const eSDLDocument&) = delete;
     eSDLDocument& operator=(const eSDLDocument&) = delete;
     // The nodes go with the document. What was moved from is empty.
+    // NOLINTBEGIN(performance-noexcept-move-constructor): that takes memory
     eSDLDocument(eSDLDocument&& other);
     eSDLDocument& operator=(eSDLDocument&& other);
+    // NOLINTEND(performance-noexcept-move-constructor)
     ~eSDLDocument();
 
     // Take the place of the content with the file's or with the rest of the stream. False if that cannot be read to its
@@ -364,7 +366,7 @@ public:
 
     eSDLNode Root() const;
     eSDLNode::eIterator begin() const { return Root().begin(); }
-    eSDLNode::eIterator end() const { return {}; }
+    static eSDLNode::eIterator end() { return {}; }
     eSDLNode Find(std::string_view path) const { return Root().Find(path); }
     std::vector<eSDLNode> FindAll(std::string_view path) const { return Root().FindAll(path); }
     // What is wrong with a path, for people; empty if nothing is. A wrong path finds nothing.
