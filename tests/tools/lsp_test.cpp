@@ -299,6 +299,26 @@ TEST_F(ToolLsp, GoesToAnIncludedFileThatIsThere) {
     EXPECT_TRUE(Answer(text, "textDocument/definition", At(0, 12, "untitled:1"), "untitled:1").is_null());
 }
 
+TEST_F(ToolLsp, FormatsATextWithoutMistakesAsItsLinesEnd) {
+    const std::string path = (folder.Path() / "scene.sdl").generic_string();
+    const std::string uri = (path.starts_with('/') ? "file://" : "file:///") + path;
+    const auto edits = [&](const std::string& text, json options) {
+        json parameters = About(uri);
+        parameters["options"] = std::move(options);
+        return Answer(text, "textDocument/formatting", parameters, uri);
+    };
+    const json tabs = {{"tabSize", 4}, {"insertSpaces", false}}, blanks = {{"tabSize", 2}, {"insertSpaces", true}};
+    const json edit = edits("{a  1\n{b}\n}\n", tabs);
+    ASSERT_EQ(edit.size(), 1U) << edit;
+    EXPECT_EQ(edit[0]["newText"], "{a 1\n\t{b}\n}\n");
+    EXPECT_EQ(edit[0]["range"], Range(0, 0, 3, 0));
+    EXPECT_EQ(edits("{a\r\n{b}\r\n}\r\n", blanks)[0]["newText"], "{a\r\n  {b}\r\n}\r\n");
+    EXPECT_EQ(edits("{a\n\t{b}\n}\n", tabs), json::array());
+    EXPECT_TRUE(edits("{a", tabs).is_null());
+    folder.Write(".sdlformat", "{indent 1} {lines crlf}");
+    EXPECT_EQ(edits("{a\n{b}\n}\n", tabs)[0]["newText"], "{a\r\n {b}\r\n}\r\n");
+}
+
 TEST_F(ToolLsp, ListsAThousandMistakesAtMost) {
     std::string text;
     for (int number = 0; number < 5'000; ++number)

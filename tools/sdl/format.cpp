@@ -9,15 +9,13 @@
 #include "documents.h"
 #include "files.h"
 #include "layout.h"
+#include "layout_settings.h"
 #include "platform/console.h"
 #include "reports.h"
 #include "terminal.h"
 #include "verb.h"
 
 namespace {
-
-constexpr const char* kConfigurationName = ".sdlformat";
-constexpr int kWidest = 16;
 
 struct eArguments {
     std::vector<std::string> files;
@@ -33,53 +31,9 @@ std::filesystem::path PathOf(const std::string& name) {
     return {std::u8string(name.begin(), name.end())};
 }
 
-std::string NameOf(const std::filesystem::path& path) {
-    const std::u8string name = path.generic_u8string();
-    return {name.begin(), name.end()};
-}
-
-// The configuration file in the folder of a file or in the nearest folder above; empty if there is none.
-std::string ConfigurationFor(const std::string& file) {
-    std::error_code unknown;
-    std::filesystem::path folder = std::filesystem::absolute(file == kStandard ? "-" : PathOf(file), unknown);
-    while (folder.has_relative_path()) {
-        folder = folder.parent_path();
-        if (std::filesystem::is_regular_file(folder / kConfigurationName, unknown))
-            return NameOf(folder / kConfigurationName);
-    }
-    return {};
-}
-
-[[noreturn]] void RejectSetting(const eSDLNode& setting, const std::string& allowed) {
-    xError::eDiagnostic mistake;
-    mistake.message = "This is no setting of sdl format!";
-    mistake.excerpt = setting.Excerpt();
-    mistake.expected = allowed;
-    ShowDiagnostic(mistake);
-    throw eTrouble(ShownName(mistake.excerpt.place.source) + ": the configuration is wrong");
-}
-
-void TakeSetting(const eSDLNode& setting, eLayout* layout) {
-    const eSDLNode value = setting.Value();
-    if (setting.Is("indent") && value.Is("tab"))
-        layout->indent = eLayout::kTab;
-    else if (const auto width = value.As<int>(); setting.Is("indent") && width && *width >= 0 && *width <= kWidest)
-        layout->indent = *width;
-    else if (setting.Is("lines") && (value.Is("lf") || value.Is("crlf")))
-        layout->crLf = value.Is("crlf");
-    else
-        RejectSetting(setting, "{indent tab}, {indent 0} to {indent 16}, {lines crlf} or {lines lf}");
-}
-
 eLayout LayoutFor(const std::string& file, const eArguments& arguments) {
     eLayout layout;
-    const std::string name = ConfigurationFor(file);
-    if (!name.empty()) {
-        eSDLDocument configuration;
-        OpenFaultless(&configuration, name);
-        for (const eSDLNode& setting : configuration.Root())
-            TakeSetting(setting, &layout);
-    }
+    TakeSettings(PathOf(file), &layout);
     if (arguments.indent)
         layout.indent = *arguments.indent;
     if (arguments.tabs)
@@ -157,7 +111,7 @@ eVerb::eRun DeclareFormat(CLI::App* verb) {
     verb->add_flag("--check", arguments->check, "change nothing, and list the files whose layout differs")
         ->excludes(inPlace);
     const auto indent = verb->add_option("--indent", arguments->indent, "blanks for each level instead of a tab")
-                            ->check(CLI::Range(0, kWidest));
+                            ->check(CLI::Range(0, kWidestIndent));
     verb->add_flag("--tabs", arguments->tabs, "a tab for each level, whatever .sdlformat says")->excludes(indent);
     const auto lf = verb->add_flag("--lf", arguments->lf, "lines end with LF instead of CR LF");
     verb->add_flag("--crlf", arguments->crLf, "lines end with CR LF, whatever .sdlformat says")->excludes(lf);

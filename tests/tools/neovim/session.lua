@@ -44,6 +44,10 @@ require_that(symbols[1].name == "scene" and symbols[1].children[1].name == "ligh
 local hover = ask("textDocument/hover", { position = { line = 1, character = 15 } })
 require_that(hover.contents.value == "float `1.5`", "the value under the cursor is told")
 
+vim.api.nvim_buf_set_lines(0, 1, 2, true, { '{light   "sun" 1.5}' })
+vim.lsp.buf.formatting_sync({}, 10000)
+require_that(vim.api.nvim_buf_get_lines(0, 1, 2, true)[1] == '\t{light "sun" 1.5}', "the document is formatted")
+
 vim.lsp.stop_client(client)
 wait_for(function() return #vim.lsp.get_active_clients() == 0 end, "the server ends")
 vim.cmd("qall!")

@@ -20,6 +20,10 @@ nlohmann::json FoldsOf(const eOpenText& text);
 // The kind and value of what is at the offset.
 nlohmann::json HoverAt(const eOpenText& text, std::size_t offset);
 
+// The changes that lay the text out as `sdl format` does; the options are those of the request. Null for a text with
+// mistakes.
+nlohmann::json FormattingOf(const eOpenText& text, const nlohmann::json& options);
+
 // The file that the include at the offset names, if there is one.
 nlohmann::json DefinitionAt(const eOpenText& text, std::size_t offset);
 

@@ -32,6 +32,7 @@ json Capabilities() {
               {"foldingRangeProvider", true},
               {"hoverProvider", true},
               {"definitionProvider", true},
+              {"documentFormattingProvider", true},
               {"completionProvider", {{"triggerCharacters", json::array({"{"})}}}}},
             {"serverInfo", {{"name", "sdl"}, {"version", QZL_VERSION}}}};
 }
@@ -52,6 +53,10 @@ json AtPlace(const eOpenText& text, const json& parameters) {
     return at(text, OffsetIn(text, parameters));
 }
 
+json Layout(const eOpenText& text, const json& parameters) {
+    return FormattingOf(text, parameters.at("options"));
+}
+
 const std::map<std::string_view, eAnswer>& Answers() {
     static const std::map<std::string_view, eAnswer> answers = {
         {"textDocument/documentSymbol", &Whole<OutlineOf>},
@@ -59,6 +64,7 @@ const std::map<std::string_view, eAnswer>& Answers() {
         {"textDocument/hover", &AtPlace<HoverAt>},
         {"textDocument/definition", &AtPlace<DefinitionAt>},
         {"textDocument/completion", &AtPlace<CompletionsAt>},
+        {"textDocument/formatting", &Layout},
     };
     return answers;
 }

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+
+#include "layout.h"
+
+// The file .sdlformat, which tells how the documents in its folder and below it are laid out.
+
+inline constexpr int kWidestIndent = 16;
+
+// Takes what the file .sdlformat says that is nearest to a document: in its folder, or else above; nothing if there is
+// none. A setting that makes no sense is shown; then, and if the file cannot be read, throws eTrouble.
+void TakeSettings(const std::filesystem::path& document, eLayout* layout);
