@@ -48,6 +48,45 @@ TEST_F(ToolDocumentAtLength, CheckTellsAWrongSignature) {
     EXPECT_THAT(ended.output, HasSubstr("empty.sdl:1:1: error: "));
 }
 
+TEST_F(ToolDocument, CheckFindsTheSchemaOfADocument) {
+    const std::string schema = "{schema {block scene {block light {count 0 many}}}}";
+    const std::string mistake = "scene.sdl:1:9: error: ";
+    folder.Write("above/in/scene.sdl", "{scene {lihgt}}");
+    folder.Write("above/in/other.sdl", "{other {lihgt}}");
+    folder.Write("strict.sdls", "{schema {block other}}");
+    const auto check = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "check");
+        return Run(arguments);
+    };
+    EXPECT_EQ(check({"above/in/scene.sdl"}).code, 0);
+    folder.Write("above/scene.sdls", schema);
+    const eEnded ended = check({"above/in/scene.sdl", "above/in/other.sdl"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_THAT(ended.output, HasSubstr(mistake));
+    EXPECT_THAT(ended.output, HasSubstr("did you mean 'light'?"));
+    EXPECT_THAT(ended.output, testing::Not(HasSubstr("other.sdl")));
+    EXPECT_EQ(check({"--no-schema", "above/in/scene.sdl"}).code, 0);
+    EXPECT_EQ(check({"--schema", "strict.sdls", "above/in/other.sdl"}).code, 1);
+    EXPECT_EQ(check({"--schema", "above/scene.sdls", "--most", "0", "above/in/scene.sdl"}).code, 1);
+    EXPECT_EQ(check({"above/scene.sdls", "strict.sdls"}).code, 0);
+    folder.Write("above/scene.sdls", "{schema {blok scene}}");
+    Refuses(2, "scene.sdls: 1 mistake in the schema", {"check", "above/in/scene.sdl"});
+    EXPECT_EQ(check({"above/scene.sdls"}).code, 1);
+    Refuses(2, "none.sdls", {"check", "--schema", "none.sdls", "above/in/scene.sdl"});
+}
+
+TEST_F(ToolDocument, ADraftedSchemaAcceptsItsDocuments) {
+    folder.Write("a.sdl", kScene);
+    folder.Write("b.sdl", "{scene {camera 1 2 3}}");
+    folder.Write("draft.sdls", OutputOf({"schema", "draft", "a.sdl", "b.sdl"}));
+    EXPECT_EQ(OutputOf({"check", "--schema", "draft.sdls", "a.sdl", "b.sdl"}), "");
+    EXPECT_EQ(OutputOf({"check", "draft.sdls"}), "");
+    folder.Write("c.sdl", "{scene {sound 1}}");
+    EXPECT_EQ(Run({"check", "--schema", "draft.sdls", "c.sdl"}).code, 1);
+    Refuses(2, "subcommand", {"schema"});
+    Refuses(2, "a.sdl: ", {"schema", "draft", "none/a.sdl"});
+}
+
 TEST_F(ToolDocumentAtLength, CheckGoesOnAfterAFileThatCannotBeRead) {
     folder.Write("bad.sdl", "}");
     const eEnded ended = Run({"check", "none.sdl", "bad.sdl"});

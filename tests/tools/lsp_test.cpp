@@ -319,6 +319,27 @@ TEST_F(ToolLsp, FormatsATextWithoutMistakesAsItsLinesEnd) {
     EXPECT_EQ(edits("{a\n{b}\n}\n", tabs)[0]["newText"], "{a\r\n {b}\r\n}\r\n");
 }
 
+TEST_F(ToolLsp, GoesByTheSchemaBesideTheDocument) {
+    folder.Write("scene.sdls", "{schema {block scene {block light {count 0 many} {doc \"A lamp.\"}"
+                               " {value float {unit \"W\"} {default 1}} {word kind {value word {one_of sun spot}}}}}}");
+    const std::string path = (folder.Path() / "new.sdl").generic_string();
+    const std::string uri = (path.starts_with('/') ? "file://" : "file:///") + path;
+    const auto ask = [&](const std::string& method, unsigned unit) {
+        return Request(static_cast<int>(unit), "textDocument/" + method, At(0, unit, uri));
+    };
+    const auto sent = Session(
+        {Opening("{scene {light 1.5} {lihgt 2} {}}", uri), ask("hover", 9), ask("hover", 15), ask("completion", 30)});
+    ASSERT_EQ(sent.size(), 4U);
+    const json& mistakes = sent[0]["params"]["diagnostics"];
+    ASSERT_GE(mistakes.size(), 1U);
+    EXPECT_EQ(mistakes[0]["range"]["start"], Place(0, 20));
+    EXPECT_THAT(mistakes[0]["message"].get<std::string>(), testing::HasSubstr("did you mean 'light'?"));
+    EXPECT_EQ(sent[1]["result"]["contents"]["value"], "block `light`: 1 value, 0 blocks\n\nA lamp.");
+    EXPECT_EQ(sent[2]["result"]["contents"]["value"], "float `1.5`\n\nunit `W`, default `1`");
+    ASSERT_EQ(sent[3]["result"].size(), 1U);
+    EXPECT_EQ(sent[3]["result"][0]["label"], "light");
+}
+
 TEST_F(ToolLsp, ListsAThousandMistakesAtMost) {
     std::string text;
     for (int number = 0; number < 5'000; ++number)

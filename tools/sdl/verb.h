@@ -41,6 +41,7 @@ eVerb::eRun DeclareFromJson(CLI::App* verb);
 eVerb::eRun DeclareGet(CLI::App* verb);
 eVerb::eRun DeclareLsp(CLI::App* verb);
 eVerb::eRun DeclareRemove(CLI::App* verb);
+eVerb::eRun DeclareSchema(CLI::App* verb);
 eVerb::eRun DeclareSet(CLI::App* verb);
 eVerb::eRun DeclareShow(CLI::App* verb);
 eVerb::eRun DeclareSystem(CLI::App* verb);

@@ -6,6 +6,7 @@ constexpr eVerb kVerbs[] = {
     {"check", "Lists what is wrong in documents.",
      "sdl check scene.sdl\n"
      "sdl check --signature scene *.sdl\n"
+     "sdl check --schema scene.sdls *.sdl\n"
      "sdl check --sarif settings/*.sdl > sdl.sarif",
      DeclareCheck},
     {"diff", "Compares two documents by content, whatever their layout.",
@@ -37,6 +38,8 @@ constexpr eVerb kVerbs[] = {
      "sdl to-json scene.sdl scene.json\n"
      "sdl to-json --any-names data.sdl - | less",
      DeclareToJson},
+    {"schema", "Works on schemas: drafts one from documents.", "sdl schema draft scenes/*.sdl > scene.sdls",
+     DeclareSchema},
     {"show", "Shows a document's blocks as an outline, and counts its values.",
      "sdl show scene.sdl\n"
      "sdl show --depth 2 scene.sdl",

@@ -43,7 +43,9 @@ json NotesOf(const eOpenText& text, const xError::eDiagnostic& diagnostic) {
 
 json DiagnosticsOf(const eOpenText& text) {
     json all = json::array();
-    for (const xError::eDiagnostic& diagnostic : text.Document().Errors(kMost)) {
+    const eSDLSchema* const schema = text.Schema();
+    for (const xError::eDiagnostic& diagnostic :
+         schema ? schema->Check(text.Document(), kMost) : text.Document().Errors(kMost)) {
         const bool isError = diagnostic.severity == xError::eDiagnostic::eSeverity::Error;
         all.push_back({{"range", RangeOf(text, diagnostic.excerpt)},
                        {"severity", isError ? kError : kWarning},

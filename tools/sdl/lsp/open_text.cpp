@@ -3,9 +3,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "lsp/file_uri.h"
+#include "schemas.h"
+#include "verb.h"
+
 void eOpenText::Forget() {
     lines.reset();
     document.reset();
+    schema.reset();
+    schemaSought = false;
 }
 
 void eOpenText::Replace(std::string newText) {
@@ -30,6 +36,18 @@ const eSDLDocument& eOpenText::Document() const {
     if (!document)
         document.emplace(text, uri);
     return *document;
+}
+
+const eSDLSchema* eOpenText::Schema() const {
+    const auto file = PathOfUri(uri);
+    if (!schemaSought && file) {
+        try {
+            schema = NearestSchema(*file, Document());
+        } catch (const eTrouble&) { // the editor's user sees it where the schema is open
+        }
+    }
+    schemaSought = true;
+    return schema ? &*schema : nullptr;
 }
 
 std::size_t OpenBefore(const eSDLPart& part) {

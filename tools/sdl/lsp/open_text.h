@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <qzl_io/sdl/document.h>
+#include <qzl_io/sdl/schema.h>
 
 #include "lsp/text_lines.h"
 
@@ -25,6 +26,8 @@ public:
 
     const eTextLines& Lines() const;
     const eSDLDocument& Document() const;
+    // The document's schema as it is on the disk; null if there is none, or if it has mistakes.
+    const eSDLSchema* Schema() const;
 
 private:
     void Forget();
@@ -33,6 +36,8 @@ private:
     std::string text;
     mutable std::optional<eTextLines> lines; // made when asked for
     mutable std::optional<eSDLDocument> document;
+    mutable std::optional<eSDLSchema> schema;
+    mutable bool schemaSought = false;
 };
 
 // A part and the place of its bytes.
