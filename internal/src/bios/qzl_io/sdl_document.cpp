@@ -12,6 +12,7 @@
 #include "document/numbers.h"
 #include "document/path.h"
 #include "qzl_base/shared/ascii.h"
+#include "sdl/calculation.h"
 #include "sdl/number.h"
 
 using xSDL::eDocumentBody;
@@ -41,19 +42,6 @@ bool ToOperand(const xSDL::eLexeme& token, float* value) {
     }
 }
 
-float Combined(char operation, float left, float right) {
-    switch (operation) {
-    case '+':
-        return left + right;
-    case '-':
-        return left - right;
-    case '*':
-        return left * right;
-    default:
-        return left / right;
-    }
-}
-
 // The result of (+ 1 2); false if it has none.
 bool Calculate(std::string_view text, float* result) {
     const std::string copy = std::string(text) + std::string(xSDL::kTextEnd, '\0');
@@ -73,7 +61,7 @@ bool Calculate(std::string_view text, float* result) {
         }
         if (!ToOperand(token, &operand))
             return false;
-        *result = first ? operand : Combined(operation, *result, operand);
+        *result = first ? operand : xSDL::Combined(operation, *result, operand);
         first = false;
     }
 }

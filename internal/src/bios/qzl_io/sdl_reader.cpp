@@ -15,6 +15,7 @@
 #include <qzl_io/streams.h>
 
 #include "qzl_base/shared/ascii.h"
+#include "sdl/calculation.h"
 #include "sdl/cutter.h"
 #include "sdl/number.h"
 #include "sdl/skim.h"
@@ -75,19 +76,6 @@ std::unique_ptr<IO::eStream> OpenSource(const Name& file) {
     if (!stream)
         throw std::bad_alloc();
     return stream;
-}
-
-float Combined(char operation, float left, float right) {
-    switch (operation) {
-    case '+':
-        return left + right;
-    case '-':
-        return left - right;
-    case '*':
-        return left * right;
-    default:
-        return left / right;
-    }
 }
 
 } // namespace
@@ -892,7 +880,7 @@ void eSDLReader::Calculate(const char* open) {
     GetOperand(&operand);
     float result = operand.floatValue;
     while (GetOperandOrEnd(&operand))
-        result = Combined(operation, result, operand.floatValue);
+        result = xSDL::Combined(operation, result, operand.floatValue);
     parser.current.SetType(sdlFloat);
     parser.current.SetFloat(result);
     parser.current.OwnString() = ToString(result);

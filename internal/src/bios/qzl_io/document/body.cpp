@@ -102,7 +102,7 @@ std::string eDocumentBody::TextBetween(const ePosition& begin, const ePosition& 
 
 // --- Looking through ---
 
-ePosition eDocumentBody::Normal(const ePiece* piece, std::size_t offset) const {
+ePosition eDocumentBody::Normal(const ePiece* piece, std::size_t offset) {
     return offset == piece->end ? ePosition{piece->next, piece->next->begin} : ePosition{piece, offset};
 }
 

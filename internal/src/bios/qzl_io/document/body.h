@@ -82,7 +82,7 @@ public:
     // The position after the brace and mark.
     ePosition Inside(const ePosition& brace, const eFound& found) const;
     // The place after some characters of a piece.
-    ePosition Normal(const ePiece* piece, std::size_t offset) const;
+    static ePosition Normal(const ePiece* piece, std::size_t offset);
     // The first item from the position on in the same block; false if there is none.
     bool FindItem(ePosition* position, eFound* found) const;
     // The bracket that ends with the closing one at the position; kNone if none does.

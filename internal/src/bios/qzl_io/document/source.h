@@ -19,7 +19,7 @@ struct eSpot {
     std::uint64_t source = 0;
     std::uint64_t offset = 0;
 
-    auto operator<=>(const eSpot&) const = default;
+    auto operator<=>(const eSpot&) const = default; // NOLINT(modernize-use-nullptr): the comparison with 0 is its own
 };
 
 // A text that does not change, and its brackets.
