@@ -278,9 +278,8 @@ public:
 } // namespace
 
 TEST(Faults, CopyingAFile) {
-    for (const auto& [name, content] :
-         {std::pair{"copy a short file", std::string("content")}, {"copy a file", kLarge}})
-        Torture(name, [&] { return std::make_unique<eCopiedFile>(content); });
+    Torture("copy a short file", [] { return std::make_unique<eCopiedFile>("content"); });
+    Torture("copy a file", [] { return std::make_unique<eCopiedFile>(kLarge); });
 }
 
 TEST(Faults, WorkingWithFiles) {

@@ -197,16 +197,7 @@ TEST(DocumentEdit, ANameIsChangedByRenameAlone) {
 }
 
 TEST(DocumentEdit, OnlyGoodItemsAreInserted) {
-    const char* const bad[] = {"",
-                               " ",
-                               "{",
-                               "}",
-                               "(foo)",
-                               "$",
-                               "\"x",
-                               ")",
-                               "\xEF\xBB\xBF"
-                               "1"};
+    const char* const bad[] = {"", " ", "{", "}", "(foo)", "$", "\"x", ")", "\xEF\xBB\xBF\x31"};
     for (const char* const text : bad)
         EXPECT_FALSE(eSDLItem::Source(text).IsGood()) << text;
     EXPECT_FALSE(eSDLItem::Source(std::string_view("1\0", 2)).IsGood());

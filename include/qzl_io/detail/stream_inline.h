@@ -266,10 +266,10 @@ inline eStream& eStream::operator<<(const char* text) {
 inline eStream& eStream::operator<<(const std::string& text) {
     return eStreamInline::PutText(*this, text.c_str(), text.size());
 }
-eStream& eStream::operator<<(std::same_as<std::string_view> auto text) {
+eStream& eStream::operator<<(const std::same_as<std::string_view> auto& text) {
     return eStreamInline::PutView(*this, text.data(), text.size());
 }
-eStream& eStream::operator<<(std::same_as<std::u8string_view> auto text) {
+eStream& eStream::operator<<(const std::same_as<std::u8string_view> auto& text) {
     return eStreamInline::PutView(*this, reinterpret_cast<const char*>(text.data()), text.size());
 }
 eStream& eStream::operator<<(const std::same_as<std::u8string> auto& text) {

@@ -171,8 +171,8 @@ public:
     // texts of more than 255 characters.
     eStream& operator<<(const char* text);
     eStream& operator<<(const std::string& text);
-    eStream& operator<<(std::same_as<std::string_view> auto text);
-    eStream& operator<<(std::same_as<std::u8string_view> auto text);
+    eStream& operator<<(const std::same_as<std::string_view> auto& text);
+    eStream& operator<<(const std::same_as<std::u8string_view> auto& text);
     eStream& operator<<(const std::same_as<std::u8string> auto& text);
     // The length counts UTF-16 units, each of two bytes; NUL units are written like others. Where wchar_t has 32 bits,
     // characters beyond U+FFFF are two units (joined again by >>), and values beyond U+10FFFF become U+FFFD.
