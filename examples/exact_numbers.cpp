@@ -27,8 +27,8 @@ int main() {
     }
 
     reader.CheckRange(true);
-    char small = 0;
     try {
+        char small = 0;
         reader >> small; // would be 44 without the check
     } catch (const xError::eException& exception) {
         std::cout << exception.what() << '\n' << exception.Report().context;

@@ -204,7 +204,7 @@ private:
         else
             text = tree.TextOf(node);
         if (text.size() > kMost)
-            text = text.substr(0, kMost) + " ...";
+            text.replace(kMost, text.npos, " ...");
         return terminal::Printable(text);
     }
 

@@ -330,7 +330,7 @@ public:
     eSDLDocument(const eSDLDocument&) = delete;
     eSDLDocument& operator=(const eSDLDocument&) = delete;
     // The nodes go with the document. What was moved from is empty.
-    // NOLINTBEGIN(performance-noexcept-move-constructor): that takes memory
+    // NOLINTBEGIN(performance-noexcept-move-constructor): an empty document takes memory
     eSDLDocument(eSDLDocument&& other);
     eSDLDocument& operator=(eSDLDocument&& other);
     // NOLINTEND(performance-noexcept-move-constructor)

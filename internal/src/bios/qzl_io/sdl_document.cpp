@@ -335,7 +335,7 @@ eSDLItem eSDLItem::Source(std::string_view source) {
             return item;
         item.endsInComment = part.kind == eSDLKind::Comment;
     }
-    if (const auto first = document.begin(); !(first == document.end()))
+    if (const auto first = document.begin(); !(first == eSDLNode::eIterator()))
         item.first = first->Kind();
     item.good = !source.empty() && document.ErrorCount() == 0;
     item.single = false;
@@ -400,6 +400,7 @@ eSDLDocument::eSDLDocument(std::string_view text, std::string name, const eSDLLi
 eSDLDocument::eSDLDocument(const char* text, std::string name, const eSDLLimits& limits)
     : eSDLDocument(std::string(text ? text : ""), std::move(name), limits) {}
 
+// NOLINTBEGIN(performance-noexcept-move-constructor): both make an empty body, which takes memory
 eSDLDocument::eSDLDocument(eSDLDocument&& other) : eSDLDocument() {
     body.swap(other.body);
 }
@@ -409,6 +410,7 @@ eSDLDocument& eSDLDocument::operator=(eSDLDocument&& other) {
     body.swap(taken.body);
     return *this;
 }
+// NOLINTEND(performance-noexcept-move-constructor)
 
 eSDLDocument::~eSDLDocument() = default;
 

@@ -62,8 +62,9 @@ eStandardBuffer::pos_type eStandardBuffer::seekoff(off_type offset, std::ios_bas
                                                       : size;
     if (offset < -from || offset > size - from)
         return pos_type(off_type(-1));
-    stream.Seek(static_cast<unsigned long long>(from + offset), eSeekDir::Begin);
-    return pos_type(from + offset);
+    const off_type position = from + offset;
+    stream.Seek(static_cast<unsigned long long>(position), eSeekDir::Begin);
+    return pos_type(position);
 }
 
 eStandardBuffer::pos_type eStandardBuffer::seekpos(pos_type position, std::ios_base::openmode which) {

@@ -95,7 +95,7 @@ public:
     std::vector<xError::eDiagnostic> Run(const eSDLDocument& document) {
         waiting.push_back({document.Root(), eSchemaRules::kDocument});
         while (!waiting.empty() && !IsFull()) {
-            const eWaiting next = std::move(waiting.back());
+            const eWaiting next = waiting.back();
             waiting.pop_back();
             Check(next.block, next.rule);
         }
@@ -301,8 +301,8 @@ eRuleOfNode RuleOf(const eSchemaRules& rules, const eSDLNode& node) {
         return {};
     around.pop_back(); // the document
     std::size_t index = eSchemaRules::kDocument;
-    for (auto block = around.rbegin(); block != around.rend(); ++block) {
-        index = rules.BlockIn(rules.Content(index), block->Name());
+    for (; !around.empty(); around.pop_back()) {
+        index = rules.BlockIn(rules.Content(index), around.back().Name());
         if (index == kNoRule)
             return {};
     }
