@@ -106,7 +106,7 @@ ePosition eDocumentBody::Normal(const ePiece* piece, std::size_t offset) {
     return offset == piece->end ? ePosition{piece->next, piece->next->begin} : ePosition{piece, offset};
 }
 
-ePosition eDocumentBody::Inside(const ePosition& brace, const eFound& found) const {
+ePosition eDocumentBody::Inside(const ePosition& brace, const eFound& found) {
     return Normal(brace.piece, brace.offset + found.text.size());
 }
 

@@ -80,7 +80,7 @@ public:
     // What begins at a position that is the border of a token.
     eFound See(const ePosition& position) const;
     // The position after the brace and mark.
-    ePosition Inside(const ePosition& brace, const eFound& found) const;
+    static ePosition Inside(const ePosition& brace, const eFound& found);
     // The place after some characters of a piece.
     static ePosition Normal(const ePiece* piece, std::size_t offset);
     // The first item from the position on in the same block; false if there is none.
