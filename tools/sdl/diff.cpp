@@ -204,7 +204,7 @@ private:
         else
             text = tree.TextOf(node);
         if (text.size() > kMost)
-            text.replace(kMost, text.npos, " ...");
+            text.replace(kMost, std::string::npos, " ...");
         return terminal::Printable(text);
     }
 

@@ -22,7 +22,7 @@ bool IsLengthField(std::string_view name) {
 // The value of the field, if the header line is the one that tells the length.
 std::optional<unsigned long long> LengthIn(std::string_view line) {
     const std::size_t colon = line.find(':');
-    if (colon == line.npos || !IsLengthField(line.substr(0, colon)))
+    if (colon == std::string_view::npos || !IsLengthField(line.substr(0, colon)))
         return std::nullopt;
     const std::size_t begin = std::min(line.find_first_not_of(' ', colon + 1), line.size());
     unsigned long long length = 0;

@@ -115,7 +115,8 @@ private:
 } // namespace
 
 json CompletionsAt(const eOpenText& text, std::size_t offset) {
-    constexpr int kStruct = 22, kKeyword = 14; // kinds of completion
+    constexpr int kStruct = 22; // kinds of completion
+    constexpr int kKeyword = 14;
     const eTyped typed(text.Text(), offset);
     const eNames names(text, typed);
     const eSDLSchema* const schema = text.Schema();

@@ -14,7 +14,8 @@ std::string InCode(std::string_view text) {
 }
 
 std::string DescribedBlock(const eSDLNode& block) {
-    std::size_t values = 0, blocks = 0;
+    std::size_t values = 0;
+    std::size_t blocks = 0;
     for (const eSDLNode& child : block)
         ++(child.IsBlock() ? blocks : values);
     std::string text = block.IsHidden() ? "block that readers skip" : "block";

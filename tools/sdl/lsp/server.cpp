@@ -175,7 +175,7 @@ void eServer::Open(const json& parameters) {
 void eServer::Change(const json& parameters) {
     eOpenText& text = TextOf(parameters);
     for (const json& change : parameters.at("contentChanges")) {
-        const std::string& added = change.at("text").get_ref<const std::string&>();
+        const auto& added = change.at("text").get_ref<const std::string&>();
         if (const auto range = change.find("range"); range != change.end())
             text.Replace(PositionIn(range->at("start")), PositionIn(range->at("end")), added);
         else

@@ -13,7 +13,8 @@ std::size_t UnitsOf(const utf8::eCharacter& character) {
 } // namespace
 
 eTextLines::eTextLines(std::string_view linesOf) : text(linesOf), begins{0} {
-    for (std::size_t at = text.find_first_of("\r\n"); at != text.npos; at = text.find_first_of("\r\n", at)) {
+    for (std::size_t at = text.find_first_of("\r\n"); at != std::string_view::npos;
+         at = text.find_first_of("\r\n", at)) {
         at += text.substr(at, 2) == "\r\n" ? 2U : 1U;
         begins.push_back(at);
     }

@@ -382,7 +382,7 @@ void eSDLParts::eIterator::TakeAt() {
         part.node = body->Parent(position);
     if (block)
         ++depth;
-    const ePosition next = block ? body->Inside(position, found) : found.after;
+    const ePosition next = block ? xSDL::eDocumentBody::Inside(position, found) : found.after;
     piece = next.piece;
     offset = next.offset;
 }
