@@ -70,7 +70,7 @@ eOutline::eOutline(const std::string& name, std::size_t depth) : shownDepth(dept
 
 std::size_t eOutline::Enter(std::size_t parent, const std::string& name) {
     const auto key = [&](const std::string& word) { return std::to_string(parent) + ' ' + word; };
-    const std::string& kept = entries.size() < kMostEntries || numbers.count(key(name)) ? name : kOthers;
+    const std::string& kept = entries.size() < kMostEntries || numbers.contains(key(name)) ? name : kOthers;
     const auto [number, added] = numbers.try_emplace(key(kept), entries.size());
     if (added) {
         entries[parent].inside.push_back(number->second);
