@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # The libraries that ours is compared with, each an interface target bench_peer_<name> if it is installed.
 # QZL_BENCH_MISSING_PEERS lists the others.
 set(QZL_BENCH_MISSING_PEERS)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # cpprestsdk_json: the JSON part of cpprestsdk, for the sources of qzl_io only. It is either built into the
 # library, or it is the machine's installed library, which loads OpenSSL, brotli and zlib into every program.
 include(CMakeDependentOption)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # cpprestsdk's JSON part on MinGW-w64: adds what MinGW lacks and adapts the unpacked sources.
 
 # qzl_adapt(file was becomes): replaces a text in a source file of cpprestsdk once; it is an error if both are missing.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Settings that all targets of the tree share: language level, folders, build type, sanitizers, coverage. None of them
 # affects a project that adds this one as a subdirectory.
 include(GNUInstallDirs)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # GTest::gtest, GTest::gmock and GTest::gtest_main: the system's libraries, or for Windows the system's sources.
 if(CMAKE_CROSSCOMPILING)
     set(QZL_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's sources")

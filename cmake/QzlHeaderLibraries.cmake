@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Libraries of headers alone, for the tools. They are among the system's headers, which a cross compiler must not see,
 # so links in the build folder lead to these libraries and nothing else.
 

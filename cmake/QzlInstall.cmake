@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Installation below a prefix: libraries, headers, the CMake package and the pkg-config file.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # The compiler's run-time DLLs, which library and application share, and the script that runs Windows programs.
 set(QZL_RUNTIME_DLLS)
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Functions for declaring the targets of a folder.
 set(QZL_WARNINGS
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-align

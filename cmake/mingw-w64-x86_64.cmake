@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # 64-bit Windows with MinGW-w64's GCC, POSIX threads.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)

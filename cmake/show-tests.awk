@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Summarises CTest's log of GoogleTest programs: how many promises each program checked, which it skipped and why, and
 # the output of those that failed.
 { sub(/\r$/, "") }

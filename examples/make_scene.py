@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """Writes scene.json, the sample document, to standard output: ./make_scene.py > scene.json"""
 
 import json

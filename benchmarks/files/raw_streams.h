@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 #include <google/protobuf/io/zero_copy_stream_impl_lite.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """The charts of a run, as SVG texts: the same run gives the same bytes.
 
 Colours are of medium brightness on no background, so that they show on a light page and on a dark one.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """A run as one self-contained HTML page."""
 
 import html

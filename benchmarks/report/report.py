@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """Makes the report of a run: report.py --html FILE [--docs FOLDER] [--commit TEXT] JSON-FILE..."""
 
 import argparse

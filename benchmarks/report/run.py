@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """The measurements of one run, read from the JSON files of its families."""
 
 import json

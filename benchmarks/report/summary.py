@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """The short tables of docs/performance.md, from the figures of a run."""
 
 import re

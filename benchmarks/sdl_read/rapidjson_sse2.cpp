@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Compiled with RAPIDJSON_SSE2 in a namespace of its own: long strings and blanks are scanned 16 bytes at a time.
 namespace rapidjson_sse2 {}
 namespace rapidjson = rapidjson_sse2;

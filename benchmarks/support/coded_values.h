@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 #include <google/protobuf/io/coded_stream.h>

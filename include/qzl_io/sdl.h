@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // SDL, the structured text format: reading, writing, keyword tables and the conversion from JSON.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // File-system and system services: single files, folder trees, folder search, the program's folders, the machine.

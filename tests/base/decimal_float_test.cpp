@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "qzl_base/shared/decimal_float.h"
 
 #include <bit>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Reports, thread storage and conversions while everything that they use fails.
 #include <condition_variable>
 #include <cstring>

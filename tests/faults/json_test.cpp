@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Documents are converted while everything that this takes fails: the call is false, with one warning, or the whole
 // text is in the file.
 #include <set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // A document is saved while everything that it takes fails: the file is the old one or the new one, or the failure says
 // where the document is.
 #include <filesystem>

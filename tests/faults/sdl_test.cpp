@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Documents are read and written while everything that this takes fails.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Files, folders and searches while everything that they use fails: nothing outside is touched, no half file stays, and
 // what failed succeeds afterwards.
 #include <filesystem>

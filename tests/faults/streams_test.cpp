@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Streams over files and memory while everything that they use fails: what does not arrive is told by Bad, and what is
 // told to have arrived is there.
 #include <cstring>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Input: the page with the table of floors, then every source, with paths relative to the project's folder.
 #
 # A row of the table is a unit: | floor | unit | its files | what it is for |. Its files are in backticks, as an include

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include <qzl_base/error.h>
 #include <qzl_io/qzl_io.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include <qzl_io/sdl/reader.h>
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "skip_check.h"
 
 #include <cstddef>

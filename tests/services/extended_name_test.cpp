@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "platform/pure/extended_name.h"
 
 #include <ostream>

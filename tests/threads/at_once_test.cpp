@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Everything at once in many threads: each has objects of its own, and they share what a process has once (handlers,
 // keyword tables, files, folders, the system's thread storage). Every result is checked, so a wrong one is found
 // without a sanitizer, too.

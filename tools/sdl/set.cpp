@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,7 +43,7 @@ eSDLItem ItemFor(const eSDLNode& old, const eArguments& arguments) {
     if (!arguments.asString) {
         if (const auto literal = Literal(arguments.value))
             return *literal;
-        if (const eSDLItem word = eSDLItem::Word(arguments.value); old.Kind() == eSDLKind::Word && word.IsGood())
+        if (eSDLItem word = eSDLItem::Word(arguments.value); old.Kind() == eSDLKind::Word && word.IsGood())
             return word;
     }
     return eSDLItem(arguments.value);

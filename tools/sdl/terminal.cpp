@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "terminal.h"
 
 #include <chrono>
@@ -82,6 +83,7 @@ void EndProgress() {
 }
 
 bool TakesColours() {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): this program never changes its environment
     const char* const refused = std::getenv("NO_COLOR");
     return (!refused || !*refused) && console::IsTerminal(console::eStream::Output);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Replaces cpprestsdk's precompiled header: what its JSON part needs, without the network.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Attributes that each compiler spells in its own way. No other public header contains such a word.

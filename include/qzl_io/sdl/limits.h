@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What a reader or a parser accepts of sources that strangers wrote. Nothing is limited unless it is set.

@@ -1,3 +1,4 @@
+-- SPDX-License-Identifier: BSL-1.0
 -- What a person would do: open a broken document, look at the mistake, mend it, look around. Ends with an error code if
 -- anything is not as it should be.
 

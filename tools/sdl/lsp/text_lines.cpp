@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "lsp/text_lines.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Completion of sdl for bash.
 _sdl() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} options=--help

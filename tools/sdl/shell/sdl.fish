@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Completion of sdl for fish.
 complete -c sdl -n __fish_use_subcommand -a check -d 'List what is wrong in documents'
 complete -c sdl -n __fish_use_subcommand -a diff -d 'Compare two documents by content'

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Replaces cpprestsdk's tasks: its JSON part includes them only for the standard headers.
 #pragma once
 

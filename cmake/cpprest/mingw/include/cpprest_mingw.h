@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Declarations that cpprestsdk expects on Windows and MinGW-w64 lacks.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include <qzl_base/stack_entry.h>
 
 #include <cstddef>

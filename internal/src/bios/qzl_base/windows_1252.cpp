@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "windows_1252.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Facts that are asked for once in a process: each fault strikes a process of its own.
 #include <algorithm>
 #include <cctype>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // What a writer makes of files that are no plain files, or that cannot be saved.
 #include <gtest/gtest.h>
 

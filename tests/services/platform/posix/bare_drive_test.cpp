@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "support/current_folder.h"
 
 #include "../../real_tree.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // The unit under test is compiled here, over a tree of devices that the test creates.
 #define AskDiskSerial AskDiskSerialHere
 #include "platform/posix/disk.cpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // A second process exchanges the folders of a tree for links, and its files for second names, while the tree is
 // deleted, copied and purged: nothing outside the tree changes, and nothing from there comes in.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Saving on a system whose files have owners, permissions and several kinds of names, and that fails now and then.
 #include <gtest/gtest.h>
 

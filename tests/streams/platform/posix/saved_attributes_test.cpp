@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Saving files that have more than an owner and a mode: attributes, and lists of who has access.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // The temporary file beside the target: what stands at its name, what other programs do to it, and what the system
 // refuses.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 // Saving on a system where others hold files open, and where a file has more than its content.
 #include <gtest/gtest.h>
 

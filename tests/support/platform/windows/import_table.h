@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Puts another function into a loaded module's import table for the object's lifetime.

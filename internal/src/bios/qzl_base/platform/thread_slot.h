@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The thread-local storage of the operating system: each index stands for one pointer in each thread, initially null.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ASCII characters, whatever the locale. Bytes from 128 up belong to no class.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include <qzl_io/streams/read_transaction.h>
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The reports of the stream core. The line numbers identify checks, not places in a file.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "platform/posix/native_name.h"
 
 #include <array>
