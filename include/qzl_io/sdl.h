@@ -12,8 +12,8 @@
 #include <qzl_io/sdl/schema.h>
 #include <qzl_io/sdl/token.h>
 #include <qzl_io/sdl/writer.h>
+#include <qzl_io/version.h>
 
-// Missing if the library was built without it.
-#if __has_include(<qzl_io/sdl/json_to_sdl.h>)
+#if QZL_IO_HAS_JSON
 #include <qzl_io/sdl/json_to_sdl.h>
 #endif

@@ -4,6 +4,8 @@
 #include <iostream>
 #include <string_view>
 
+#include <qzl_io/version.h>
+
 #include "files.h"
 #include "json_text.h"
 #include "reports.h"
@@ -178,7 +180,7 @@ class eSarif : public eFindingsOutput {
 public:
     eSarif() {
         std::cout << "{\"$schema\":\"https://json.schemastore.org/sarif-2.1.0.json\",\"version\":\"2.1.0\",\"runs\":[{"
-                     "\"tool\":{\"driver\":{\"name\":\"sdl\",\"version\":\"" QZL_VERSION "\"}},"
+                     "\"tool\":{\"driver\":{\"name\":\"sdl\",\"version\":\"" QZL_IO_VERSION_TEXT "\"}},"
                      "\"columnKind\":\"unicodeCodePoints\",\"results\":[";
     }
     void Take(const eFindings& findings) override {

@@ -12,6 +12,7 @@
 #include "reports.h"
 #include "terminal.h"
 #include "verb.h"
+#include "version.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ constexpr int kVerbWidth = 11;
 using eArguments = std::vector<std::string>;
 
 void PrintVersion() {
-    std::cout << "sdl " QZL_VERSION "\n";
+    std::cout << "sdl " << kVersionText << '\n';
 }
 
 void PrintHelp(std::ostream& out) {

@@ -5,6 +5,11 @@
 
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
+#include <qzl_io/version.h>
+
+#if !QZL_IO_HAS_JSON
+#error "This qzl_io was built without JsonToSdl (QZL_JSON=OFF)."
+#endif
 
 namespace IO {
 class eStream;

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <qzl_io/version.h>
+
 #include "lsp/features.h"
 
 namespace {
@@ -35,7 +37,7 @@ json Capabilities() {
               {"definitionProvider", true},
               {"documentFormattingProvider", true},
               {"completionProvider", {{"triggerCharacters", json::array({"{"})}}}}},
-            {"serverInfo", {{"name", "sdl"}, {"version", QZL_VERSION}}}};
+            {"serverInfo", {{"name", "sdl"}, {"version", QZL_IO_VERSION_TEXT}}}};
 }
 
 std::size_t OffsetIn(const eOpenText& text, const json& parameters) {
