@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: BSL-1.0
-# GTest::gtest, GTest::gmock and GTest::gtest_main: the system's libraries, or for Windows the system's sources.
-if(CMAKE_CROSSCOMPILING)
+# GTest::gtest, GTest::gmock and GTest::gtest_main: the system's libraries, or for another system or standard
+# library the system's sources.
+option(QZL_GOOGLETEST_FROM_SOURCE "Build GoogleTest from its sources" ${CMAKE_CROSSCOMPILING})
+if(QZL_GOOGLETEST_FROM_SOURCE)
     set(QZL_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's sources")
     set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
     set(BUILD_SHARED_LIBS OFF)

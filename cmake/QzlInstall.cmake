@@ -1,23 +1,34 @@
 # SPDX-License-Identifier: BSL-1.0
-# Installation below a prefix: libraries, headers, the CMake package and the pkg-config file.
+# Installation below a prefix: libraries, headers, the CMake package, the pkg-config file, notices and the list of what
+# is installed. Its components are those of the Debian packages: base (libqzl_base), library (libqzl_io), development,
+# tool (the program sdl); notices are in each of those in Debian's own form, and for other packages in `notices`.
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/qzl_io)
+set(document_folder ${CMAKE_INSTALL_DATADIR}/doc/qzl_io)
 
-install(TARGETS qzl_base qzl_io EXPORT qzl_io_targets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+foreach(pair "qzl_base base" "qzl_io library")
+    separate_arguments(pair)
+    list(GET pair 0 target)
+    list(GET pair 1 component)
+    install(TARGETS ${target} EXPORT qzl_io_targets
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component} NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+endforeach()
 set(left_out)
 if(NOT QZL_JSON)
     set(left_out PATTERN json_to_sdl.h EXCLUDE)
 endif()
 foreach(headers ${PROJECT_SOURCE_DIR}/include/qzl_io ${PROJECT_SOURCE_DIR}/internal/include/qzl_base
         ${PROJECT_BINARY_DIR}/include/qzl_io ${PROJECT_BINARY_DIR}/include/qzl_base)
-    install(DIRECTORY ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h" ${left_out})
+    install(DIRECTORY ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+        FILES_MATCHING PATTERN "*.h" ${left_out})
 endforeach()
 
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/schemas/ DESTINATION ${CMAKE_INSTALL_DATADIR}/qzl_io)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/schemas/ DESTINATION ${CMAKE_INSTALL_DATADIR}/qzl_io COMPONENT development)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/THIRD-PARTY-NOTICES.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+    DESTINATION ${document_folder} COMPONENT notices)
 
 # Libraries that a program needs besides the static ones, for the CMake package and for pkg-config.
 set(dependencies)
@@ -32,19 +43,31 @@ if(NOT BUILD_SHARED_LIBS)
         string(PREPEND private_libraries "-lcpprest ")
     endif()
 elseif(MINGW)
-    install(FILES ${QZL_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(FILES ${QZL_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT base)
 endif()
 
-install(EXPORT qzl_io_targets NAMESPACE qzl:: DESTINATION ${package_folder})
+install(EXPORT qzl_io_targets NAMESPACE qzl:: DESTINATION ${package_folder} COMPONENT development)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/qzl_io-config.cmake.in
     ${PROJECT_BINARY_DIR}/qzl_io-config.cmake
     INSTALL_DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/qzl_io-config-version.cmake
     VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/qzl_io-config.cmake ${PROJECT_BINARY_DIR}/qzl_io-config-version.cmake
-    DESTINATION ${package_folder})
+    DESTINATION ${package_folder} COMPONENT development)
 
-file(RELATIVE_PATH prefix_from_pc /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-cmake_path(SET prefix_from_pc NORMALIZE "${prefix_from_pc}")
+# The prefix is found from the pkg-config file's own place, so that an installation can be moved; folders that are
+# absolute stay where they are.
+set(pc_prefix ${CMAKE_INSTALL_PREFIX})
+if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    file(RELATIVE_PATH pc_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+    cmake_path(SET pc_prefix NORMALIZE "${pc_prefix}")
+    string(PREPEND pc_prefix "\${pcfiledir}/")
+endif()
+foreach(folder LIBDIR INCLUDEDIR)
+    set(pc_${folder} ${CMAKE_INSTALL_${folder}})
+    if(NOT IS_ABSOLUTE "${pc_${folder}}")
+        string(PREPEND pc_${folder} "\${prefix}/")
+    endif()
+endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/qzl_io.pc.in ${PROJECT_BINARY_DIR}/qzl_io.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/qzl_io.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/qzl_io.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSL-1.0
-#include <qzl_io/qzl_io.h>
+#include <qzl_io/sdl/json_to_sdl.h>
 
 #include <fstream>
 #include <iostream>

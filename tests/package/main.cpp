@@ -3,7 +3,11 @@
 #include <qzl_io/qzl_io.h>
 
 #include <iostream>
+#include <string_view>
 #include <thread>
+
+static_assert(QZL_IO_VERSION >= 10000 && QZL_IO_VERSION / 10000 == QZL_IO_VERSION_MAJOR);
+static_assert(std::string_view(QZL_IO_VERSION_TEXT).starts_with(char('0' + QZL_IO_VERSION_MAJOR)));
 
 static eSDLKeyword* words;
 static eSDLKeyword lamp(words, "lamp", 1);
