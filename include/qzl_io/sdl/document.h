@@ -303,16 +303,15 @@ private:
 //
 // Costs, for a document of n bytes, whatever is in it:
 //
-// | call                      | takes |
-// |---------------------------|----------------------------------------------------------------------------------------|
-// | parsing                   | time n; memory for the text, a seventh of that and 4 bytes for each { and (: 6n at | |
-// | most (beyond 4 GB 8 bytes, 10n)                                                        | | Next, loops, Value, Find
-// | time for what is passed, without what is in the blocks and control blocks passed       | | Parent, kind, text,
-// value | time for the part itself and the logarithms of the numbers of brackets and edits       | | an edit |
-// likewise, and for the blanks and the comment beside the place and, if it is about a    | | | block's first item, what
-// stands before that; memory for the text inserted and 2 KB      | | Text, Save                | time n, and once for
-// each edit made                                                    | | Errors, ErrorCount, Place | likewise after an
-// edit, and memory for the text once more; otherwise next to nothing   |
+// - Parsing: time n; memory for the text, a seventh of that, and 4 bytes for each { and (, so 6n at most (beyond 4 GB 8
+//   bytes, so 10n).
+// - Next, loops, Value, Find: time for what is passed, without what is in the blocks and control blocks passed.
+// - Parent, kind, text, value: time for the part itself and the logarithms of the numbers of brackets and edits.
+// - An edit: likewise, and for the blanks and the comment beside the place and, if it is about a block's first item,
+// what
+//   stands before that; memory for the text inserted and 2 KB.
+// - Text, Save: time n, and once for each edit made.
+// - Errors, ErrorCount, Place: likewise after an edit, and memory for the text once more; otherwise next to nothing.
 //
 // Nothing is recursive, so depth takes no stack.
 //
