@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSL-1.0
-# cpprestsdk_json: the JSON part of cpprestsdk, for the sources of qzl_io only. It is either built into the
+# qzl_json_engine: the JSON part of cpprestsdk, for the sources of qzl_io only. It is either built into the
 # library, or it is the machine's installed library, which loads OpenSSL, brotli and zlib into every program.
 include(CMakeDependentOption)
 cmake_dependent_option(QZL_CPPREST_FROM_SOURCE "Make cpprestsdk's JSON part from its source package" OFF
@@ -7,13 +7,14 @@ cmake_dependent_option(QZL_CPPREST_FROM_SOURCE "Make cpprestsdk's JSON part from
 
 set(adaptation ${PROJECT_SOURCE_DIR}/cmake/cpprest)
 set(QZL_CPPREST_FOLDER ${PROJECT_BINARY_DIR}/cpprestsdk CACHE PATH "Where cpprestsdk's source package is kept")
-set(QZL_CPPREST_IS_INSIDE OFF)
+set(QZL_JSON_ENGINE_IS_INSIDE OFF)
 
 if(QZL_CPPREST_FROM_SOURCE)
-    execute_process(COMMAND ${adaptation}/fetch-source ${QZL_CPPREST_FOLDER}
+    execute_process(COMMAND ${PROJECT_SOURCE_DIR}/cmake/fetch-source
+        cpprest libcpprest-dev Release/include/cpprest/json.h ${QZL_CPPREST_FOLDER}
         OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
     if(result EQUAL 0)
-        set(QZL_CPPREST_IS_INSIDE ON)
+        set(QZL_JSON_ENGINE_IS_INSIDE ON)
     elseif(WIN32)
         message(FATAL_ERROR "cpprestsdk's sources are not available\n${output}")
     else()
@@ -21,25 +22,25 @@ if(QZL_CPPREST_FROM_SOURCE)
     endif()
 endif()
 
-if(NOT QZL_CPPREST_IS_INSIDE)
+if(NOT QZL_JSON_ENGINE_IS_INSIDE)
     find_path(QZL_CPPREST_INCLUDE cpprest/json.h REQUIRED)
     find_library(QZL_CPPREST_LIBRARY cpprest REQUIRED)
-    add_library(cpprestsdk_json INTERFACE)
-    target_include_directories(cpprestsdk_json SYSTEM INTERFACE ${QZL_CPPREST_INCLUDE})
-    target_link_libraries(cpprestsdk_json INTERFACE ${QZL_CPPREST_LIBRARY})
+    add_library(qzl_json_engine INTERFACE)
+    target_include_directories(qzl_json_engine SYSTEM INTERFACE ${QZL_CPPREST_INCLUDE})
+    target_link_libraries(qzl_json_engine INTERFACE ${QZL_CPPREST_LIBRARY})
     return()
 endif()
 
 set(release ${QZL_CPPREST_FOLDER}/source/Release)
-add_library(cpprestsdk_json OBJECT EXCLUDE_FROM_ALL
+add_library(qzl_json_engine OBJECT EXCLUDE_FROM_ALL
     ${release}/src/json/json.cpp
     ${release}/src/json/json_parsing.cpp
     ${release}/src/json/json_serialization.cpp
     ${release}/src/utilities/asyncrt_utils.cpp)
-target_include_directories(cpprestsdk_json SYSTEM PUBLIC ${adaptation}/include ${release}/include)
-target_compile_definitions(cpprestsdk_json PUBLIC _NO_ASYNCRTIMP _NO_PPLXIMP)
-target_compile_options(cpprestsdk_json PRIVATE -w)
-set_target_properties(cpprestsdk_json PROPERTIES UNITY_BUILD OFF)
+target_include_directories(qzl_json_engine SYSTEM PUBLIC ${adaptation}/include ${release}/include)
+target_compile_definitions(qzl_json_engine PUBLIC _NO_ASYNCRTIMP _NO_PPLXIMP)
+target_compile_options(qzl_json_engine PRIVATE -w)
+set_target_properties(qzl_json_engine PROPERTIES UNITY_BUILD OFF)
 if(MINGW)
     include(QzlCpprestMingw)
 endif()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
@@ -35,11 +36,15 @@ class eStream;
 // makes one warning, whose message is that of the failure and whose context names the file, and returns false; `output`
 // is then unchanged. Input and output may be the same file.
 //
-// Conversions may run in several threads at once; they parse one at a time.
+// Conversions may run in several threads at once; with cpprestsdk they parse one at a time.
 QZL_IO_API bool JsonToSdl(const eFileName& input, const eFileName& output);
 
+// The parser that was chosen when the library was built: "cpprestsdk" or "simdjson". What they accept differs in a few
+// points, which docs/json-engines.md lists.
+QZL_IO_API std::string_view JsonEngine();
+
 // What is accepted of a JSON document that a stranger wrote. Nothing is limited unless it is set; but the parser
-// refuses a depth of more than 127 in any case.
+// refuses a great depth in any case, cpprestsdk one of more than 127, simdjson one of more than 1024.
 struct eJsonLimits {
     static constexpr unsigned long long kNone = ~0ULL;
 

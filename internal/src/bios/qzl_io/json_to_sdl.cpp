@@ -121,7 +121,9 @@ constexpr char kOpenError[] = "%1% - open error!";
 std::string ReadStream(eFileAtWork* file, IO::eStream& stream, const eJsonLimits& limits) {
     if (stream.Remaining() > limits.bytes)
         throw std::length_error("Json size limit exceeded!");
-    std::string text(stream.Remaining(), '\0');
+    std::string text;
+    text.reserve(stream.Remaining() + kRoomAfterJson);
+    text.resize(stream.Remaining());
     stream.Read(text.data(), text.size());
     if (stream.Enabled(IO::StreamMode::Bad))
         file->Fail("%1% - read error!", stream.Failure().text);
@@ -397,6 +399,10 @@ bool Succeeds(const eFileAtWork& file, const eWork& work) {
 }
 
 } // namespace
+
+std::string_view JsonEngine() {
+    return kJsonEngine;
+}
 
 bool JsonToSdl(const eFileName& input, const eFileName& output) {
     return JsonToSdlWithin(eJsonLimits(), input, output);

@@ -57,8 +57,7 @@ T ParserText(std::string text, std::size_t unknownFrom) {
 value Parsed(std::string&& text) {
     DropByteOrderMark(&text);
     const std::size_t plain = json_text::PlainBlocks(text);
-    if (json_text::HasLoneSurrogate(std::string_view(text).substr(plain)))
-        throw std::range_error("Json text has an escaped surrogate without its other half.");
+    json_text::RefuseLoneSurrogates(std::string_view(text).substr(plain));
     const auto parserText = ParserText<utility::string_t>(std::move(text), plain);
     const eDocumentOrder documentOrder;
     return value::parse(parserText);
@@ -133,6 +132,8 @@ void eFeeder::FeedValue(value* json) {
 }
 
 } // namespace
+
+const std::string_view kJsonEngine = "cpprestsdk";
 
 void FeedJson(std::string text, eJsonSink* sink) {
     value document = Parsed(std::move(text));

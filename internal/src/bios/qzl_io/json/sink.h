@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,7 +21,7 @@ public:
     virtual void EndArray() = 0;
 
     virtual void String(std::string_view text) = 0;
-    virtual void Signed(std::int64_t value) = 0;
+    virtual void Signed(std::int64_t value) = 0; // below zero
     virtual void Unsigned(std::uint64_t value) = 0;
     // A number with a fraction or an exponent, or an integer beyond 64 bits; infinite if it is beyond the doubles.
     virtual void Double(double value) = 0;
@@ -33,8 +34,15 @@ protected:
     ~eJsonSink() = default;
 };
 
-// Parses a JSON text in UTF-8 and passes the document to the sink. A byte-order mark before the text is skipped, and
-// each ill-formed part becomes U+FFFD. A text that is not a JSON document causes no event: the parser's own exception
-// is thrown, whose what() tells the reason and, if the parser knows them, the line and the column. An escaped surrogate
-// without its other half throws std::range_error. Exceptions from the sink pass through.
+// Parses a JSON text in UTF-8 and passes the document to the sink. A byte-order mark before the text is skipped. A text
+// that is not a JSON document causes no event: an exception is thrown whose what() tells the reason and, if the parser
+// knows them, the line and the column. An escaped surrogate without its other half throws std::range_error. Exceptions
+// from the sink pass through. Each parser has a source that defines this function; whether ill-formed UTF-8 is refused
+// or each such part becomes U+FFFD depends on it.
 void FeedJson(std::string text, eJsonSink* sink);
+
+// A text with room for so many more bytes is parsed where it is.
+inline constexpr std::size_t kRoomAfterJson = 64;
+
+// The parser that FeedJson calls.
+extern const std::string_view kJsonEngine;

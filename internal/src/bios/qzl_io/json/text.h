@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <emmintrin.h>
+#include <stdexcept>
 #include <string_view>
 
 #include "qzl_base/shared/ascii.h"
@@ -33,17 +34,27 @@ inline std::size_t PlainBlocks(std::string_view text) {
     return BlocksBefore(text, [escapes](__m128i bytes) { return _mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, escapes)); });
 }
 
-inline bool IsUtf8(std::string_view text) {
-    while (!text.empty()) {
-        text.remove_prefix(AsciiBlocks(text));
-        for (std::size_t sequences = 0; sequences < sizeof(__m128i) && !text.empty(); ++sequences) {
-            const unicode::eCharacter first = unicode::FirstOf(text);
+// The number of bytes before the first ill-formed sequence; the text's size if there is none.
+inline std::size_t WellFormedBytes(std::string_view text) {
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        rest.remove_prefix(AsciiBlocks(rest));
+        for (std::size_t sequences = 0; sequences < sizeof(__m128i) && !rest.empty(); ++sequences) {
+            const unicode::eCharacter first = unicode::FirstOf(rest);
             if (!first.wellFormed)
-                return false;
-            text.remove_prefix(first.units);
+                return text.size() - rest.size();
+            rest.remove_prefix(first.units);
         }
     }
-    return true;
+    return text.size();
+}
+
+inline bool IsUtf8(std::string_view text) {
+    return WellFormedBytes(text) == text.size();
+}
+
+constexpr std::string_view WithoutByteOrderMark(std::string_view text) {
+    return text.substr(text.starts_with(unicode::kByteOrderMark) ? unicode::kByteOrderMark.size() : 0);
 }
 
 inline constexpr std::size_t kEscapeSize = 6;
@@ -79,6 +90,11 @@ constexpr bool HasLoneSurrogate(std::string_view text) {
             return false;
     }
     return false;
+}
+
+inline void RefuseLoneSurrogates(std::string_view text) {
+    if (HasLoneSurrogate(text))
+        throw std::range_error("Json text has an escaped surrogate without its other half.");
 }
 
 // Passes a string from after its opening quote, up to after its closing quote or the end of the text.
