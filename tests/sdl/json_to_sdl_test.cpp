@@ -240,7 +240,7 @@ TEST_F(JsonToSdlTest, JudgesTheEndOfALongTextAsItsBeginning) {
 }
 
 TEST_F(JsonToSdlTest, RefusesWhatIsNestedTooDeepAndNeverCrashes) {
-    const std::string deepest = std::string(127, '[') + std::string(127, ']');
+    const std::string deepest = std::string(128, '[') + std::string(128, ']');
     EXPECT_TRUE(Convert(deepest));
     EXPECT_TRUE(reports.warnings().empty());
     for (const std::size_t depth : {129U, 1000U, 1000000U}) {

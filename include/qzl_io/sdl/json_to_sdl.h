@@ -44,7 +44,7 @@ QZL_IO_API bool JsonToSdl(const eFileName& input, const eFileName& output);
 QZL_IO_API std::string_view JsonEngine();
 
 // What is accepted of a JSON document that a stranger wrote. Nothing is limited unless it is set; but the parser
-// refuses a great depth in any case, cpprestsdk one of more than 127, simdjson one of more than 1024.
+// refuses a great depth in any case, cpprestsdk one of more than 128, simdjson one of more than 1024.
 struct eJsonLimits {
     static constexpr unsigned long long kNone = ~0ULL;
 

@@ -39,8 +39,9 @@ bool Pass(std::string_view* text, std::string_view characters) {
     return true;
 }
 
+constexpr std::string_view kBlanks = " \t\r\n";
+
 std::string_view WithoutBlanks(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r\n";
     text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
     return text.substr(std::min(text.size(), text.find_first_not_of(kBlanks)));
 }
@@ -89,6 +90,8 @@ public:
     void Unknown() override {}
 };
 
+constexpr std::size_t kMostDepth = 1024;
+
 // Walks through a document, which the parser checks on the way.
 class eFeeder {
 public:
@@ -99,8 +102,6 @@ public:
     void Feed(Value& value);
 
 private:
-    static constexpr std::size_t kMostDepth = simdjson::DEFAULT_MAX_DEPTH;
-
     void FeedObject(ondemand::object object);
     void FeedArray(ondemand::array array);
     template <class Value>
@@ -223,12 +224,23 @@ void eFeeder::Feed(Value& value) {
 
 ondemand::document Iterate(ondemand::parser* parser, std::string_view text) {
     ondemand::document document;
-    const auto error = parser->iterate(text, text.size() + simdjson::SIMDJSON_PADDING).get(document);
+    auto error = parser->allocate(text.size(), kMostDepth + 2); // of the document, and of a value at the greatest depth
+    if (error == simdjson::SUCCESS)
+        error = parser->iterate(text, text.size() + simdjson::SIMDJSON_PADDING).get(document);
     if (error == simdjson::UTF8_ERROR)
         Refuse(text, json_text::WellFormedBytes(text), simdjson::error_message(error));
     if (error != simdjson::SUCCESS)
         throw simdjson::simdjson_error(error);
     return document;
+}
+
+// Where the parser stopped. That a text ends too early it finds out at its beginning.
+std::size_t PlaceOf(simdjson::error_code error, std::string_view text, ondemand::document* document) {
+    const char* stopped = nullptr;
+    const bool early = error == simdjson::INCOMPLETE_ARRAY_OR_OBJECT;
+    if (early || document->current_location().get(stopped) != simdjson::SUCCESS)
+        return text.find_last_not_of(kBlanks);
+    return static_cast<std::size_t>(stopped - text.data());
 }
 
 void Check(std::string_view text, ondemand::document* document, const ondemand::parser& parser) {
@@ -239,10 +251,7 @@ void Check(std::string_view text, ondemand::document* document, const ondemand::
         if (!passed && !IsNumber(WithoutBlanks(text))) // the parser does not pass a number that it does not take
             throw simdjson::simdjson_error(simdjson::TRAILING_CONTENT);
     } catch (const simdjson::simdjson_error& refusal) {
-        const char* stopped = text.data() + text.size();
-        if (document->current_location().get(stopped) != simdjson::SUCCESS)
-            throw;
-        Refuse(text, static_cast<std::size_t>(stopped - text.data()), refusal.what());
+        Refuse(text, PlaceOf(refusal.error(), text, document), refusal.what());
     }
 }
 
