@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSL-1.0
-# The Debian packages, one for each component of the installation; `cpack` in the build folder makes them. A library's
-# package has the name of what programs load; debugging symbols are in packages of their own.
+# The Debian packages, one for each component of the installation: `cpack` in the build folder makes them, and
+# packaging/debian/finish takes out their debugging symbols. A library's package has the name of what programs load.
 set(QZL_MAINTAINER "The qzl_io authors <qzl-io@packages.debian.org>" CACHE STRING "Who answers for the packages")
 set(QZL_DEBIAN_REVISION 1 CACHE STRING "What follows the version, as in 1~deb12")
 set(QZL_DEBIAN_VERSION ${PROJECT_VERSION}-${QZL_DEBIAN_REVISION})
@@ -32,7 +32,8 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME qzl-io)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES OFF) # done when the symbols have been taken out
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
+set(CPACK_STRIP_FILES OFF)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_COMPONENTS_ALL base library development)
@@ -43,9 +44,8 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${QZL_MAINTAINER}")
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${QZL_DEBIAN_REVISION})
 set(CPACK_DEBIAN_PACKAGE_SOURCE qzl-io)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_COMPRESSION_TYPE gzip) # finish packs anew
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
@@ -65,7 +65,6 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS "${package_of_base} (= ${QZL_DEBIAN_VER
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "${package_of_base} (= ${QZL_DEBIAN_VERSION}), ${package_of_library} (= ${QZL_DEBIAN_VERSION})")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_DEBUGINFO_PACKAGE OFF)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION utils)
 if(TARGET sdl)
     set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${package_of_library} (= ${QZL_DEBIAN_VERSION})")
