@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: BSL-1.0
 # The Debian packages, one for each component of the installation: `cpack` in the build folder makes them, and
 # packaging/debian/finish takes out their debugging symbols. A library's package has the name of what programs load.
-set(QZL_MAINTAINER "The qzl_io authors <qzl-io@packages.debian.org>" CACHE STRING "Who answers for the packages")
+set(QZL_MAINTAINER "The qzl_io authors <authors@qzl-io.example>" CACHE STRING "Who answers for the packages")
 set(QZL_DEBIAN_REVISION 1 CACHE STRING "What follows the version, as in 1~deb12")
 set(QZL_DEBIAN_VERSION ${PROJECT_VERSION}-${QZL_DEBIAN_REVISION})
 set(packaging ${PROJECT_SOURCE_DIR}/packaging/debian)
