@@ -4,6 +4,7 @@
 
 #include <qzl_base/diagnostic.h>
 #include <qzl_io/sdl/document.h>
+#include <qzl_io/sdl/layout.h>
 
 static const char* const kScene = R"({scene ; made by hand
   {light "sun" 1.5}      ; not too bright
@@ -50,6 +51,12 @@ int main() {
         return 1;
     }
     std::cout << document.Text();
+
+    // Laid out anew: the same values and comments, indented by the blocks that they are in.
+    eSDLLayout layout;
+    layout.indent = 4;
+    layout.crLf = false;
+    std::cout << layout.Format(document);
 
     // Whatever is wrong in a text is listed, and all of it can be edited nevertheless.
     const eSDLDocument wrong("{scene\n  {light \"sun}\n  {light $ 2}\n", "wrong.sdl");

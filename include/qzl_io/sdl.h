@@ -6,6 +6,7 @@
 #include <qzl_io/sdl/cipher.h>
 #include <qzl_io/sdl/document.h>
 #include <qzl_io/sdl/keyword.h>
+#include <qzl_io/sdl/layout.h>
 #include <qzl_io/sdl/limits.h>
 #include <qzl_io/sdl/parser.h>
 #include <qzl_io/sdl/reader.h>

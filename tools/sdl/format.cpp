@@ -9,7 +9,6 @@
 
 #include "documents.h"
 #include "files.h"
-#include "layout.h"
 #include "layout_settings.h"
 #include "platform/console.h"
 #include "reports.h"
@@ -32,13 +31,13 @@ std::filesystem::path PathOf(const std::string& name) {
     return {std::u8string(name.begin(), name.end())};
 }
 
-eLayout LayoutFor(const std::string& file, const eArguments& arguments) {
-    eLayout layout;
+eSDLLayout LayoutFor(const std::string& file, const eArguments& arguments) {
+    eSDLLayout layout;
     TakeSettings(PathOf(file), &layout);
     if (arguments.indent)
         layout.indent = *arguments.indent;
     if (arguments.tabs)
-        layout.indent = eLayout::kTab;
+        layout.indent = eSDLLayout::kTab;
     if (arguments.lf || arguments.crLf)
         layout.crLf = arguments.crLf;
     return layout;
@@ -70,10 +69,10 @@ void Print(const std::string& text) {
 
 // Returns whether the file had that layout before.
 bool FormatFile(const std::string& file, const eArguments& arguments) {
-    const eLayout layout = LayoutFor(file, arguments);
+    const eSDLLayout layout = LayoutFor(file, arguments);
     eSDLDocument document;
     OpenFaultless(&document, file);
-    const std::string text = Formatted(document, layout);
+    const std::string text = layout.Format(document);
     const bool same = IsText(document, text);
     terminal::EndProgress();
     if (arguments.check) {

@@ -36,10 +36,10 @@ std::string NearestFile(const std::filesystem::path& document) {
     throw eTrouble(ShownName(mistake.excerpt.place.source) + ": the configuration is wrong");
 }
 
-void TakeSetting(const eSDLNode& setting, eLayout* layout) {
+void TakeSetting(const eSDLNode& setting, eSDLLayout* layout) {
     const eSDLNode value = setting.Value();
     if (setting.Is("indent") && value.Is("tab"))
-        layout->indent = eLayout::kTab;
+        layout->indent = eSDLLayout::kTab;
     else if (const auto width = value.As<int>();
              setting.Is("indent") && width && *width >= 0 && *width <= kWidestIndent)
         layout->indent = *width;
@@ -51,7 +51,7 @@ void TakeSetting(const eSDLNode& setting, eLayout* layout) {
 
 } // namespace
 
-void TakeSettings(const std::filesystem::path& document, eLayout* layout) {
+void TakeSettings(const std::filesystem::path& document, eSDLLayout* layout) {
     const std::string name = NearestFile(document);
     if (name.empty())
         return;

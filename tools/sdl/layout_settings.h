@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "layout.h"
+#include <qzl_io/sdl/layout.h>
 
 // The file .sdlformat, which tells how the documents in its folder and below it are laid out.
 
@@ -11,4 +11,4 @@ inline constexpr int kWidestIndent = 16;
 
 // Takes what the file .sdlformat says that is nearest to a document: in its folder, or else above; nothing if there is
 // none. A setting that makes no sense is shown; then, and if the file cannot be read, throws eTrouble.
-void TakeSettings(const std::filesystem::path& document, eLayout* layout);
+void TakeSettings(const std::filesystem::path& document, eSDLLayout* layout);

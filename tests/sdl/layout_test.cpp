@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSL-1.0
-#include "tools/sdl/layout.h"
+#include <qzl_io/sdl/layout.h>
 
 #include <filesystem>
 #include <fstream>
@@ -12,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include <qzl_io/sdl/document.h>
 #include <qzl_io/sdl/parser.h>
 #include <qzl_io/streams.h>
 
@@ -19,8 +20,8 @@
 
 namespace {
 
-std::string FormattedText(const std::string& text, const eLayout& layout = {}) {
-    return Formatted(eSDLDocument(text), layout);
+std::string FormattedText(const std::string& text, const eSDLLayout& layout = {}) {
+    return layout.Format(eSDLDocument(text));
 }
 
 // What formatting must not change: the tokens as they are cut, and the comments without the blanks after them.
@@ -127,7 +128,7 @@ private:
 
 } // namespace
 
-TEST(ToolLayout, TextsAreLaidOutAsTheManualSays) {
+TEST(DocumentLayout, TextsAreLaidOutAsTheManualSays) {
     constexpr std::pair<const char*, const char*> kTable[] = {
         {"", ""},
         {" \r\n ", ""},
@@ -150,7 +151,7 @@ TEST(ToolLayout, TextsAreLaidOutAsTheManualSays) {
         {"a\r\rb ;c\rd", "a\n\nb ;c\nd\n"},
         {"a\n}", nullptr},
     };
-    eLayout layout;
+    eSDLLayout layout;
     layout.crLf = false;
     for (const auto& [text, expected] : kTable) {
         if (!expected) {
@@ -162,10 +163,10 @@ TEST(ToolLayout, TextsAreLaidOutAsTheManualSays) {
     EXPECT_EQ(FormattedText(std::string("a \0 {b", 7), layout), std::string("a\n\0 {b", 7));
 }
 
-TEST(ToolLayout, LinesEndAndAreIndentedAsAsked) {
+TEST(DocumentLayout, LinesEndAndAreIndentedAsAsked) {
     const std::string text = "{a\n{b\n1}}";
     EXPECT_EQ(FormattedText(text), "{a\r\n\t{b\r\n\t\t1}}\r\n");
-    eLayout layout;
+    eSDLLayout layout;
     layout.indent = 3;
     layout.crLf = false;
     EXPECT_EQ(FormattedText(text, layout), "{a\n   {b\n      1}}\n");
@@ -173,7 +174,7 @@ TEST(ToolLayout, LinesEndAndAreIndentedAsAsked) {
     EXPECT_EQ(FormattedText(text, layout), "{a\n{b\n1}}\n");
 }
 
-TEST(ToolLayout, DepthIsIndentedOnlySoFar) {
+TEST(DocumentLayout, DepthIsIndentedOnlySoFar) {
     std::string deep;
     for (int depth = 0; depth < 20000; ++depth)
         deep += "{\n";
@@ -184,7 +185,7 @@ TEST(ToolLayout, DepthIsIndentedOnlySoFar) {
 namespace {
 
 // Returns whether the text has no errors, and so is to be formatted.
-bool CheckFormatting(const std::string& text, const eLayout& layout) {
+bool CheckFormatting(const std::string& text, const eSDLLayout& layout) {
     if (eSDLDocument(text).ErrorCount() > 0)
         return false;
     const std::string once = FormattedText(text, layout);
@@ -199,19 +200,19 @@ bool CheckFormatting(const std::string& text, const eLayout& layout) {
 
 } // namespace
 
-TEST(ToolLayout, FormattingKeepsTokensAndCommentsAndChangesNothingTheSecondTime) {
+TEST(DocumentLayout, FormattingKeepsTokensAndCommentsAndChangesNothingTheSecondTime) {
     const unsigned count = LongTests() ? 10000 : 400;
     unsigned documents = 0;
     for (unsigned seed = 0; documents < count && !HasFailure(); ++seed) {
         ASSERT_LT(seed, 4 * count);
-        eLayout layout;
+        eSDLLayout layout;
         layout.indent = static_cast<int>(seed % 5) - 1;
         layout.crLf = seed % 2 == 0;
         documents += CheckFormatting(eGenerator(seed).Document(), layout);
     }
 }
 
-TEST(ToolLayout, FormattingKeepsWhatFuzzingHasFound) {
+TEST(DocumentLayout, FormattingKeepsWhatFuzzingHasFound) {
     const std::filesystem::path seeds = QZL_SEEDS_DIR;
     if (!std::filesystem::exists(seeds))
         GTEST_SKIP() << "the tree has no seeds";

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSL-1.0
-#include "layout.h"
+#include <qzl_io/sdl/layout.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+
+#include <qzl_io/sdl/document.h>
 
 namespace {
 
@@ -30,7 +32,7 @@ constexpr unsigned long long kDeepest = 64;
 
 class eFormatting {
 public:
-    eFormatting(const eSDLDocument& source, const eLayout& form) : document(source), layout(form) {}
+    eFormatting(const eSDLDocument& source, const eSDLLayout& form) : document(source), layout(form) {}
 
     std::string Text() {
         text.reserve(static_cast<std::size_t>(document.Size()));
@@ -119,7 +121,7 @@ private:
 
     void Indent(unsigned long long depth) {
         const auto levels = static_cast<std::size_t>(std::min(depth, kDeepest));
-        if (layout.indent == eLayout::kTab)
+        if (layout.indent < 0)
             text.append(levels, '\t');
         else
             text.append(levels * static_cast<std::size_t>(layout.indent), ' ');
@@ -132,7 +134,7 @@ private:
     }
 
     const eSDLDocument& document;
-    const eLayout& layout;
+    const eSDLLayout& layout;
     std::string text;
     eGap gap;
     eSDLKind previous = eSDLKind::None;
@@ -144,6 +146,6 @@ private:
 
 } // namespace
 
-std::string Formatted(const eSDLDocument& document, const eLayout& layout) {
-    return eFormatting(document, layout).Text();
+std::string eSDLLayout::Format(const eSDLDocument& document) const {
+    return eFormatting(document, *this).Text();
 }
