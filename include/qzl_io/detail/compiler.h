@@ -11,3 +11,12 @@
 #else
 #define QZL_IO_ALWAYS_INLINE inline
 #endif
+
+// For a function that would only make its callers larger.
+#if defined(_MSC_VER)
+#define QZL_IO_NOINLINE __declspec(noinline)
+#elif defined(__GNUC__)
+#define QZL_IO_NOINLINE __attribute__((noinline))
+#else
+#define QZL_IO_NOINLINE
+#endif

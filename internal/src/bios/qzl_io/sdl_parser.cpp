@@ -9,6 +9,7 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
+#include <qzl_io/detail/compiler.h>
 #include <qzl_io/streams.h>
 
 #include "platform/memory.h"
@@ -81,7 +82,7 @@ void AnalyseHex(xSDL::eCurrentToken* token, std::string_view digits) {
 }
 
 // Gives a token that has just been cut, and is no word, its values.
-[[gnu::always_inline]] inline void Analyse(xSDL::eCurrentToken* token, const xSDL::eLexeme& lexeme) {
+QZL_IO_ALWAYS_INLINE void Analyse(xSDL::eCurrentToken* token, const xSDL::eLexeme& lexeme) {
     const std::string_view source(lexeme.begin, lexeme.length);
     switch (lexeme.type) {
     case sdlInt:

@@ -13,6 +13,7 @@
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
 #include <qzl_base/thread_storage.h>
+#include <qzl_io/detail/compiler.h>
 #include <qzl_io/streams.h>
 
 #include "qzl_base/shared/ascii.h"
@@ -512,7 +513,7 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
 
 // The character that tells what is next; 0 if only reading can tell. Reading a block start and going back preserves the
 // marks only if there are none.
-[[gnu::always_inline]] inline char eSDLReader::SeePlainToken() {
+QZL_IO_ALWAYS_INLINE char eSDLReader::SeePlainToken() {
     return AreMarksKept() ? '\0' : eSDLParser::eCutter(*parsers.back()).See(parsers.size() > 1);
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include <qzl_io/detail/compiler.h>
 #include <qzl_io/detail/current_token.h>
 
 #include "sdl/copy.h"
@@ -28,8 +29,8 @@ inline void eCurrentToken::Start(const char* position) {
     textBefore = {};
 }
 
-[[gnu::always_inline]] inline bool eCurrentToken::Accept(eSDLParserLexType type, std::string_view textInSource,
-                                                         int line, const char* next) {
+QZL_IO_ALWAYS_INLINE bool eCurrentToken::Accept(eSDLParserLexType type, std::string_view textInSource, int line,
+                                                const char* next) {
     Remember();
     now.token.type = type;
     now.line = line;
@@ -53,7 +54,7 @@ inline void eCurrentToken::JumpTo(const char* next, int line) {
 }
 
 // Copies everything but the string: for most tokens it is out of date, or contains no more than the source.
-[[gnu::always_inline]] inline void eCurrentToken::Remember() {
+QZL_IO_ALWAYS_INLINE void eCurrentToken::Remember() {
     before.token.type = now.token.type;
     before.token.floatValue = now.token.floatValue;
     before.token.intValue = now.token.intValue;
@@ -71,7 +72,7 @@ inline void eCurrentToken::KeepString() {
     textBefore.place = ePlace::Own;
 }
 
-[[gnu::always_inline]] inline bool eCurrentToken::IsChanged() const {
+QZL_IO_ALWAYS_INLINE bool eCurrentToken::IsChanged() const {
     const std::string& string = now.token.text;
     return string.size() != text.source.size() || !IsSameText(string.data(), text.source.data(), string.size());
 }
@@ -167,7 +168,7 @@ inline void eCurrentToken::Limit(std::size_t bytes) {
 // Most texts are short. Assigning one to a string is a call, however short it is, while constructing a string of a
 // known number of characters costs a few moves. So the string is constructed anew, from the text and what follows it in
 // the source, and cut to the text's length.
-[[gnu::always_inline]] inline bool eCurrentToken::Fill() {
+QZL_IO_ALWAYS_INLINE bool eCurrentToken::Fill() {
     if (text.source.size() > filledInline)
         return FillLong();
     std::string* const string = &now.token.text;
@@ -179,7 +180,7 @@ inline void eCurrentToken::Limit(std::size_t bytes) {
 }
 
 // The limit is looked at here because a short text does not pay for it.
-[[gnu::noinline]] inline bool eCurrentToken::FillLong() {
+QZL_IO_NOINLINE inline bool eCurrentToken::FillLong() {
     if (text.source.size() > longest) {
         Back();
         return false;
@@ -189,12 +190,12 @@ inline void eCurrentToken::Limit(std::size_t bytes) {
     return true;
 }
 
-[[gnu::always_inline]] inline void eCurrentToken::SetInt(int value) {
+QZL_IO_ALWAYS_INLINE void eCurrentToken::SetInt(int value) {
     now.token.intValue = value;
     now.token.floatValue = static_cast<float>(value);
 }
 
-[[gnu::always_inline]] inline void eCurrentToken::SetFloat(float value) {
+QZL_IO_ALWAYS_INLINE void eCurrentToken::SetFloat(float value) {
     now.token.floatValue = value;
     now.token.intValue = TruncateToInt(value);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include <qzl_io/detail/compiler.h>
 #include <qzl_io/sdl/parser.h>
 
 #include "qzl_base/shared/decimal_float.h"
@@ -17,19 +18,19 @@
 class eSDLParser::eCutter {
 public:
     // A cutter of the next token. The parser's place does not change.
-    [[gnu::always_inline]] explicit eCutter(eSDLParser& cutParser)
+    QZL_IO_ALWAYS_INLINE explicit eCutter(eSDLParser& cutParser)
         : parser(cutParser), begin(xSDL::FindToken(parser.current.Position(), parser.current.Line())) {}
 
     const xSDL::eTokenBegin& Begin() const { return begin; }
 
-    [[gnu::always_inline]] bool TakeInt() {
+    QZL_IO_ALWAYS_INLINE bool TakeInt() {
         unsigned long long digits;
         const char* const end = xSDL::PassPlainInt(begin.at, parser.plainNumbers, &digits);
         return end && AcceptInt(digits, end);
     }
 
     // Takes a number of either kind.
-    [[gnu::always_inline]] bool TakeNumber() {
+    QZL_IO_ALWAYS_INLINE bool TakeNumber() {
         xSDL::eLexeme number;
         const char* const end = xSDL::PassPlainNumber(begin.at, parser.plainNumbers, &number);
         if (!end)
@@ -45,13 +46,13 @@ public:
         return true;
     }
 
-    [[gnu::always_inline]] bool TakeString() {
+    QZL_IO_ALWAYS_INLINE bool TakeString() {
         const char* const end = xSDL::PassPlainString(begin.at);
         return end && Accept(sdlString, begin.at + 1, end, end + 1);
     }
 
     // Takes an identifier, or a keyword of the table.
-    [[gnu::always_inline]] bool TakeWord(const eSDLKeyword* table) {
+    QZL_IO_ALWAYS_INLINE bool TakeWord(const eSDLKeyword* table) {
         const char* const end = xSDL::PassWord(begin.at);
         if (!end)
             return false;
@@ -63,19 +64,19 @@ public:
         return true;
     }
 
-    [[gnu::always_inline]] bool TakeBlockStart() {
+    QZL_IO_ALWAYS_INLINE bool TakeBlockStart() {
         const char* const end = xSDL::PassPlainBlockStart(begin.at);
         return end && Accept(sdlBlockStart, end, end, end + 1);
     }
 
-    [[gnu::always_inline]] bool TakeBlockEnd() {
+    QZL_IO_ALWAYS_INLINE bool TakeBlockEnd() {
         const char* const end = xSDL::PassBlockEnd(begin.at);
         return end && Accept(sdlBlockEnd, end, end, end + 1);
     }
 
     // The character that the next token begins with; 0 if it does not tell what the token is (SeePlain). The state is
     // then the one after taking the token and going back.
-    [[gnu::always_inline]] char See(bool included) {
+    QZL_IO_ALWAYS_INLINE char See(bool included) {
         const char seen = xSDL::SeePlain(begin.at, included);
         if (seen)
             parser.current.ForgetBefore();
@@ -93,13 +94,13 @@ public:
 private:
     bool IsNegative() const { return *begin.at == '-'; }
 
-    [[gnu::always_inline]] bool Accept(eSDLParserLexType type, const char* textBegin, const char* textEnd,
-                                       const char* next) {
+    QZL_IO_ALWAYS_INLINE bool Accept(eSDLParserLexType type, const char* textBegin, const char* textEnd,
+                                     const char* next) {
         return parser.current.Accept(type, {textBegin, static_cast<std::size_t>(textEnd - textBegin)}, begin.line,
                                      next);
     }
 
-    [[gnu::always_inline]] bool AcceptInt(unsigned long long digits, const char* end) {
+    QZL_IO_ALWAYS_INLINE bool AcceptInt(unsigned long long digits, const char* end) {
         if (!Accept(sdlInt, begin.at, end, end))
             return false;
         parser.current.SetInt(xSDL::NearestInt(digits, IsNegative()));

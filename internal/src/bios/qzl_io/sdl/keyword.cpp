@@ -8,6 +8,8 @@
 #include <memory>
 #include <mutex>
 
+#include <qzl_io/detail/compiler.h>
+
 #include "qzl_base/shared/ascii.h"
 #include "sdl/keyword_index.h"
 
@@ -151,7 +153,7 @@ std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) con
 
 // Never inlined: `next` is set only by static storage, and a compiler that sees the whole program would take it for
 // undefined.
-[[gnu::noinline]] eSDLKeyword::eSDLKeyword(eSDLKeyword*& head, const char* keywordName, int keywordId)
+QZL_IO_NOINLINE eSDLKeyword::eSDLKeyword(eSDLKeyword*& head, const char* keywordName, int keywordId)
     : name(keywordName), id(keywordId), table(head ? head->table : this), last(this), index(nullptr) {
     if (!head) {
         head = this;

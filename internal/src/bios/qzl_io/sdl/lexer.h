@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include <qzl_io/detail/compiler.h>
+
 #include "qzl_base/shared/ascii.h"
 #include "sdl/automaton.h"
 #include "sdl/scan.h"
@@ -37,7 +39,7 @@ struct eExponent {
     bool plain;
 };
 
-[[gnu::always_inline]] inline eExponent CutExponent(const char* begin) {
+QZL_IO_ALWAYS_INLINE eExponent CutExponent(const char* begin) {
     const char* at = begin;
     while (Has(stExponent, *at))
         ++at;
@@ -48,8 +50,7 @@ struct eExponent {
 }
 
 // The rest of a number after its digits and point.
-[[gnu::always_inline]] inline const char* CutFromDigits(const char* begin, const char* at, bool takesExponent,
-                                                        eLexeme* token) {
+QZL_IO_ALWAYS_INLINE const char* CutFromDigits(const char* begin, const char* at, bool takesExponent, eLexeme* token) {
     if ((*at | 0x20) == 'e' && takesExponent) {
         const eExponent exponent = CutExponent(at + 1);
         at = exponent.end;
@@ -168,7 +169,7 @@ struct eTokenBegin {
 };
 
 // Out of line and only in registers, so that tokens within a line do not pay for it.
-[[gnu::noinline]] inline eTokenBegin PassGap(const char* at, int line) {
+QZL_IO_NOINLINE inline eTokenBegin PassGap(const char* at, int line) {
     for (;;) {
         at = PassBlanks(at, &line);
         if (*at != ';')
@@ -178,7 +179,7 @@ struct eTokenBegin {
 }
 
 // Within a line there is usually one blank before a token.
-[[gnu::always_inline]] inline eTokenBegin FindToken(const char* at, int line) {
+QZL_IO_ALWAYS_INLINE eTokenBegin FindToken(const char* at, int line) {
     if (*at == ' ') [[likely]]
         ++at;
     return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include <qzl_io/detail/compiler.h>
+
 #include "sdl/scan.h"
 
 // 64 characters of an SDL text as the bits of 64-bit words; the first character is the lowest bit.
@@ -51,7 +53,7 @@ public:
     __m128i LineFeeds() const { return _mm_sad_epu8(lineFeeds, _mm_setzero_si128()); }
 
 private:
-    [[gnu::always_inline]] void Add(const char* at, int place) {
+    QZL_IO_ALWAYS_INLINE void Add(const char* at, int place) {
         const __m128i bytes = Load16(at);
         const __m128i feed = Is(bytes, '\n');
         const __m128i otherBlank = Or(feed, Is(Or(bytes, Each('\t' ^ '\r')), '\r'));

@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstdint>
 
+#include <qzl_io/detail/compiler.h>
+
 #include "qzl_base/shared/powers_of_ten.h"
 #include "sdl/lexer.h"
 
@@ -13,14 +15,13 @@
 namespace xSDL {
 
 // Marks those of 16 characters that are not digits, from the one after the sign on.
-[[gnu::always_inline]] inline unsigned NoDigits(const char* begin, unsigned sign) {
+QZL_IO_ALWAYS_INLINE unsigned NoDigits(const char* begin, unsigned sign) {
     return (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
 }
 
 // The functions for numbers read up to 16 characters before the end of the digits, so they take none before the 16th
 // character of `source`. A number has less than 16 characters, without its exponent.
-[[gnu::always_inline]] inline const char* PassPlainInt(const char* begin, const char* source,
-                                                       unsigned long long* value) {
+QZL_IO_ALWAYS_INLINE const char* PassPlainInt(const char* begin, const char* source, unsigned long long* value) {
     const unsigned sign = *begin == '-';
     const unsigned others = NoDigits(begin, sign);
     if (begin - source < 16 || others == 0 || (others & 1) != 0)
@@ -34,7 +35,7 @@ namespace xSDL {
 }
 
 // Passes a number of either kind whose digits tell its value.
-[[gnu::always_inline]] inline const char* PassPlainNumber(const char* begin, const char* source, eLexeme* number) {
+QZL_IO_ALWAYS_INLINE const char* PassPlainNumber(const char* begin, const char* source, eLexeme* number) {
     const unsigned sign = *begin == '-';
     unsigned others = NoDigits(begin, sign);
     if (begin - source < 16 || others == 0 || (others & 1) != 0)
@@ -63,30 +64,30 @@ namespace xSDL {
 }
 
 // Passes a string without a backslash, up to its closing quote.
-[[gnu::always_inline]] inline const char* PassPlainString(const char* begin) {
+QZL_IO_ALWAYS_INLINE const char* PassPlainString(const char* begin) {
     if (*begin != '"')
         return nullptr;
     const char* const end = PassStringBody(begin + 1);
     return *end == '"' ? end : nullptr;
 }
 
-[[gnu::always_inline]] inline const char* PassWord(const char* begin) {
+QZL_IO_ALWAYS_INLINE const char* PassWord(const char* begin) {
     return Begins(*begin) == eBegins::Word ? PassIdent(begin + 1) : nullptr;
 }
 
 // Passes a block start without a mark, whose text is empty.
-[[gnu::always_inline]] inline const char* PassPlainBlockStart(const char* begin) {
+QZL_IO_ALWAYS_INLINE const char* PassPlainBlockStart(const char* begin) {
     return begin[0] == '{' && begin[1] != '#' ? begin : nullptr;
 }
 
-[[gnu::always_inline]] inline const char* PassBlockEnd(const char* begin) {
+QZL_IO_ALWAYS_INLINE const char* PassBlockEnd(const char* begin) {
     return *begin == '}' ? begin : nullptr;
 }
 
 // The character that a token begins with, if it tells by itself what that token is to a reader; 0 otherwise. A string
 // in which the text ends is not a token: in an included source another one may follow, and in the last source it is as
 // good as one.
-[[gnu::always_inline]] inline char SeePlain(const char* begin, bool included) {
+QZL_IO_ALWAYS_INLINE char SeePlain(const char* begin, bool included) {
     if (Begins(*begin) == eBegins::Other || (begin[0] == '{' && begin[1] == '#'))
         return 0;
     if (included && *begin == '"' && *PassStringBody(begin + 1) != '"')

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include <qzl_io/detail/compiler.h>
+
 #include "sdl/lexer.h"
 #include "sdl/masks.h"
 
@@ -75,7 +77,7 @@ private:
     };
 
     // Passes 64 characters, and more if something among them is longer. False at the end of the skimming.
-    [[gnu::always_inline]] bool PassBlock() {
+    QZL_IO_ALWAYS_INLINE bool PassBlock() {
         const eMasks masks(at);
         const std::uint64_t inside = InsideQuotes(masks.Quotes()) ^ carry.inside;
         const std::uint64_t points = masks.Points() & ~AfterIntegers(masks);
@@ -91,7 +93,7 @@ private:
     }
 
     // Passes 64 characters of which some must be examined separately.
-    [[gnu::noinline]] bool PassByOne(eMasks masks, std::uint64_t inside, std::uint64_t points) {
+    QZL_IO_NOINLINE bool PassByOne(eMasks masks, std::uint64_t inside, std::uint64_t points) {
         const char* const block = at;
         const std::uint64_t marks = FindMarks(masks);
         std::uint64_t left = ~std::uint64_t{0};
@@ -144,7 +146,7 @@ private:
 
     // The places after integers, where a point is part of a number. Digits and operators that begin with a token are
     // only integers and operators.
-    [[gnu::always_inline]] std::uint64_t AfterIntegers(const eMasks& masks) {
+    QZL_IO_ALWAYS_INLINE std::uint64_t AfterIntegers(const eMasks& masks) {
         const std::uint64_t between = masks.Between();
         const std::uint64_t numbers = masks.Numbers();
         const std::uint64_t digits = masks.Digits();
@@ -163,7 +165,7 @@ private:
     }
 
     // Passes the braces among 64 characters. False if one of them is the terminator.
-    [[gnu::always_inline]] bool PassBraces(const char* block, std::uint64_t starts, std::uint64_t ends) {
+    QZL_IO_ALWAYS_INLINE bool PassBraces(const char* block, std::uint64_t starts, std::uint64_t ends) {
         if (MayTerminate(starts, ends))
             return PassEachBrace(block, starts, ends, 0);
         const eBitCounts counts = CountBits(starts, ends);
