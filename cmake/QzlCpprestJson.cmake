@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: BSL-1.0
 # qzl_json_engine: the JSON part of cpprestsdk, for the sources of qzl_io only. It is either built into the
 # library, or it is the machine's installed library, which loads OpenSSL, brotli and zlib into every program.
+# Its source package is Debian's, so a cross build for Windows has nothing else, and a build on Windows not this.
 include(CMakeDependentOption)
 cmake_dependent_option(QZL_CPPREST_FROM_SOURCE "Make cpprestsdk's JSON part from its source package" OFF
-    "NOT WIN32" ON)
+    "NOT CMAKE_CROSSCOMPILING" ON)
 
 set(adaptation ${PROJECT_SOURCE_DIR}/cmake/cpprest)
 set(QZL_CPPREST_FOLDER ${PROJECT_BINARY_DIR}/cpprestsdk CACHE PATH "Where cpprestsdk's source package is kept")
@@ -15,7 +16,7 @@ if(QZL_CPPREST_FROM_SOURCE)
         OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
     if(result EQUAL 0)
         set(QZL_JSON_ENGINE_IS_INSIDE ON)
-    elseif(WIN32)
+    elseif(CMAKE_CROSSCOMPILING)
         message(FATAL_ERROR "cpprestsdk's sources are not available\n${output}")
     else()
         message(NOTICE "qzl_io will load the installed cpprestsdk: its source package is not available\n${output}")

@@ -1,13 +1,17 @@
 # SPDX-License-Identifier: BSL-1.0
-# Installation below a prefix: libraries, headers, the CMake package, the pkg-config file, notices and the list of what
-# is installed. Its components are those of the Debian packages: base (libqzl_base), library (libqzl_io), development,
-# tool (the program sdl); notices are in each of those in Debian's own form, and for other packages in `notices`.
+# Installation below a prefix: libraries, headers, the CMake package, the pkg-config files, notices and the list of what
+# is installed. Its components are those of the Debian packages: base (libqzl_base), library (libqzl_io), interface
+# (libqzl_io_c), development, tool (the program sdl); notices are in each of those in Debian's own form, and for other packages in `notices`.
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/qzl_io)
 set(document_folder ${CMAKE_INSTALL_DATADIR}/doc/qzl_io)
 
-foreach(pair "qzl_base base" "qzl_io library")
+set(libraries "qzl_base base" "qzl_io library")
+if(QZL_C_INTERFACE)
+    list(APPEND libraries "qzl_io_c interface")
+endif()
+foreach(pair IN LISTS libraries)
     separate_arguments(pair)
     list(GET pair 0 target)
     list(GET pair 1 component)
@@ -25,6 +29,16 @@ foreach(headers ${PROJECT_SOURCE_DIR}/include/qzl_io ${PROJECT_SOURCE_DIR}/inter
     install(DIRECTORY ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
         FILES_MATCHING PATTERN "*.h" ${left_out})
 endforeach()
+
+if(QZL_C_INTERFACE)
+    install(FILES ${PROJECT_SOURCE_DIR}/include/qzl_io_c.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+    install(FILES ${PROJECT_BINARY_DIR}/include/qzl_io_c/export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qzl_io_c
+        COMPONENT development)
+    if(TARGET qzl_io_c_msvc)
+        get_target_property(for_msvc qzl_io_c_msvc FILES_FOR_MSVC)
+        install(FILES ${for_msvc} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+    endif()
+endif()
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/schemas/ DESTINATION ${CMAKE_INSTALL_DATADIR}/qzl_io COMPONENT development)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/THIRD-PARTY-NOTICES.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
@@ -71,3 +85,7 @@ foreach(folder LIBDIR INCLUDEDIR)
 endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/qzl_io.pc.in ${PROJECT_BINARY_DIR}/qzl_io.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qzl_io.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+if(QZL_C_INTERFACE)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/qzl_io_c.pc.in ${PROJECT_BINARY_DIR}/qzl_io_c.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/qzl_io_c.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endif()

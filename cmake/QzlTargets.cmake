@@ -5,11 +5,25 @@ set(QZL_WARNINGS
     -Woverloaded-virtual -Wformat=2 -Wundef -Wimplicit-fallthrough -Wextra-semi
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>) # GCC 12 mistakes the standard library's string sums for overlapping copies
 
+set(QZL_C_WARNINGS
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align -Wformat=2 -Wundef
+    -Wimplicit-fallthrough -Wstrict-prototypes -Wmissing-prototypes -Wold-style-definition)
+set(QZL_WARNING_IS_ERROR -Werror)
+set(QZL_DIALECT)
+if(MSVC)
+    set(QZL_WARNINGS /W4)
+    set(QZL_C_WARNINGS /W4)
+    set(QZL_WARNING_IS_ERROR /WX)
+    set(QZL_DIALECT /utf-8 $<$<COMPILE_LANGUAGE:CXX>:/permissive-> $<$<COMPILE_LANGUAGE:CXX>:/Zc:__cplusplus>)
+endif()
+
 # qzl_own_target(target): a target that is compiled from our own sources with our warnings.
 function(qzl_own_target target)
     target_compile_options(${target} PRIVATE
+        $<$<COMPILE_LANGUAGE:C,CXX>:${QZL_DIALECT}>
         $<$<COMPILE_LANGUAGE:CXX>:${QZL_WARNINGS}>
-        $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:-Werror>)
+        $<$<COMPILE_LANGUAGE:C>:${QZL_C_WARNINGS}>
+        $<$<AND:$<COMPILE_LANGUAGE:C,CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:${QZL_WARNING_IS_ERROR}>)
 endfunction()
 
 # qzl_add_library(name [LEAVE_OUT regex]): the library of the calling folder, shared or static by BUILD_SHARED_LIBS,
@@ -25,7 +39,9 @@ function(qzl_add_library name)
     add_library(${name} ${sources})
     qzl_own_target(${name})
     target_compile_features(${name} PUBLIC cxx_std_20)
-    target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-semantic-interposition>)
+    if(NOT MSVC)
+        target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-semantic-interposition>)
+    endif()
     if(QZL_COVERAGE STREQUAL "libraries")
         target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:--coverage> $<$<COMPILE_LANGUAGE:CXX>:-O0>
             $<$<COMPILE_LANGUAGE:CXX>:-fprofile-update=atomic>)
@@ -50,7 +66,9 @@ function(qzl_add_library name)
         target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions -Wl,--version-script=${exports})
         set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${exports})
     else()
-        set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib")
+        if(MINGW)
+            set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib")
+        endif()
         configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/version.rc @ONLY)
         target_sources(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
     endif()

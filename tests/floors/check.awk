@@ -69,11 +69,11 @@ function Trimmed(text) {
 }
 
 function PathOf(name) {
-    if (name ~ /^<qzl_io\//)
+    if (name ~ /^<qzl_io(_c)?[\/.]/)
         return "include/" substr(name, 2, length(name) - 2)
     if (name ~ /^<qzl_base\//)
         return "internal/include/" substr(name, 2, length(name) - 2)
-    return "internal/src/bios/" (name ~ /^qzl_base\// ? "" : "qzl_io/") name
+    return "internal/src/bios/" (name ~ /^qzl_(base|io_c)\// ? "" : "qzl_io/") name
 }
 
 # The number of the row with the longest name that matches the path; 0 for none.
@@ -133,7 +133,7 @@ function System(path) { return match(path, /platform\/(posix|windows)\//) ? subs
 function Included(bracket, name,    beside, library, sources) {
     sources = "internal/src/bios/"
     if (bracket == "<") {
-        if (name ~ /^qzl_io\//)
+        if (name ~ /^qzl_io(_c)?[\/.]/)
             return "include/" name
         return name ~ /^qzl_base\// ? "internal/include/" name : ""
     }
@@ -142,12 +142,19 @@ function Included(bracket, name,    beside, library, sources) {
     beside = beside name
     while (sub(/[^\/]+\/\.\.\//, "", beside))
         ;
-    library = sources (FILENAME ~ /\/qzl_base\// ? "qzl_base/" : "qzl_io/") name
+    library = sources Library(FILENAME) name
     if (beside in exists)
         return beside
     if (library in exists)
         return library
     return (sources name) in exists ? sources name : name
+}
+
+# The folder of the library that the file is a source of.
+function Library(path) {
+    if (path ~ /\/qzl_base\//)
+        return "qzl_base/"
+    return path ~ /\/qzl_io_c\// ? "qzl_io_c/" : "qzl_io/"
 }
 
 function Connect(graph, from, to, place,    number) {
