@@ -26,7 +26,7 @@ set(text_of_tool "The program sdl for documents in the text format SDL: finds mi
 # What Debian asks of each package besides its files.
 set(folder ${PROJECT_BINARY_DIR}/debian)
 string(TIMESTAMP QZL_CHANGELOG_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
-configure_file(${packaging}/changelog.in ${folder}/changelog.Debian @ONLY)
+configure_file(${packaging}/changelog.template ${folder}/changelog.Debian @ONLY)
 configure_file(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${folder}/changelog COPYONLY)
 configure_file(${PROJECT_SOURCE_DIR}/tools/sdl/shell/sdl.1 ${folder}/sdl.1 COPYONLY)
 execute_process(COMMAND gzip -9nf changelog changelog.Debian sdl.1 WORKING_DIRECTORY ${folder} COMMAND_ERROR_IS_FATAL ANY)
