@@ -37,10 +37,10 @@ std::vector<std::string> TextsOf(const std::filesystem::path& file) {
     return texts;
 }
 
-// A message, or a phrase in one, has a blank between two words or ends with a mark.
+// A message, or a phrase in one, has a blank between two words or ends with a mark. Versions of Windows are names.
 bool IsForPeople(const std::string& text) {
     static const std::regex kWords(R"([A-Za-z'%)\]]:? [A-Za-z'(%\]]|[a-z]{3}[!.]$)");
-    return std::regex_search(text, kWords) && text.find('/') == std::string::npos;
+    return std::regex_search(text, kWords) && text.find('/') == std::string::npos && !text.starts_with("Windows ");
 }
 
 // What is not shown to anybody by itself.
