@@ -144,6 +144,23 @@ static void StructuresOfOtherSizesAreTakenOrRefused(void) {
     qzl_document_free(document);
 }
 
+// Sizes that no text has are refused before a byte is read.
+static void ImpossibleSizesAreRefused(void) {
+    qzl_document* document = Parsed("{a *}");
+    qzl_reader* reader = NULL;
+    CHECK_STATUS(qzl_reader_new(&reader), QZL_OK);
+    CHECK_STATUS(qzl_document_parse(document, "1", (size_t)PTRDIFF_MAX + 1, NULL, 0), QZL_BAD_ARGUMENT);
+    CHECK_STATUS(qzl_document_parse(document, "1", SIZE_MAX - 1, NULL, 0), QZL_BAD_ARGUMENT);
+    CHECK_STATUS(qzl_document_parse(document, "1", PTRDIFF_MAX, NULL, 0), QZL_NO_MEMORY);
+    CHECK_STATUS(qzl_document_parse(document, "1", 1, "a", PTRDIFF_MAX), QZL_NO_MEMORY);
+    CHECK_STATUS(qzl_reader_parse(reader, "1", SIZE_MAX - 1, NULL, 0), QZL_BAD_ARGUMENT);
+    CHECK_STATUS(qzl_reader_parse(reader, "1", PTRDIFF_MAX, NULL, 0), QZL_NO_MEMORY);
+    CHECK_TEXT(ErrorOf(document).message, qzl_status_text(QZL_NO_MEMORY));
+    CHECK_TEXT(TextIn(document), "{a *}");
+    qzl_reader_free(reader);
+    qzl_document_free(document);
+}
+
 static void AllCallsWith(qzl_document* document, const char* text, size_t size) {
     qzl_mistake mistake = {.size = sizeof mistake};
     qzl_node node = {.size = sizeof node};
@@ -216,6 +233,7 @@ void TestHostile(void) {
     NullHandlesAreRefused();
     NullTextsAndTargetsAreRefused();
     StructuresOfOtherSizesAreTakenOrRefused();
+    ImpossibleSizesAreRefused();
     AnyBytesAreTaken();
     DepthTakesNoStack();
 }

@@ -10,7 +10,7 @@ static const char kScene[] = "{scene ; made by hand\n"
                              "    {power 2} {on 1} {sum (+ 1 2)} {big 9007199254740993}\n"
                              "  }\n"
                              "  {none}\n"
-                             "  mode = fast\n"
+                             "  mode = fast {op *}\n"
                              "}\n";
 
 static void PartsAreFoundByPath(void) {
@@ -31,11 +31,12 @@ static void PartsAreFoundByPath(void) {
         {"scene/light", 0, QZL_OK, QZL_KIND_BLOCK, 2, 3, 2, 0, "light", "x", "{#x light \"sun\\n\" 1.5}"},
         {"scene/light/power", 0, QZL_OK, QZL_KIND_BLOCK, 4, 5, 1, 0, "power", "", "{power 2}"},
         {"scene/*", 2, QZL_OK, QZL_KIND_BLOCK, 6, 3, 0, 0, "none", "", "{none}"},
-        {"scene/*", 3, QZL_NOT_FOUND, 0, 0, 0, 0, 0, "", "", ""},
+        {"scene/*", 4, QZL_NOT_FOUND, 0, 0, 0, 0, 0, "", "", ""},
         {"scene/mode", 0, QZL_OK, QZL_KIND_WORD, 7, 3, 0, 0, "mode", "", "mode"},
         {"scene/light[1]/sum/0", 0, QZL_OK, QZL_KIND_CALCULATION, 4, 27, 0, 0, "", "", "(+ 1 2)"},
         {"scene/light/1", 0, QZL_OK, QZL_KIND_FLOAT, 2, 21, 0, 0, "", "", "1.5"},
         {"scene/light/0", 1, QZL_OK, QZL_KIND_STRING, 3, 10, 0, 0, "", "", "\"lamp\""},
+        {"scene/op/0", 0, QZL_OK, QZL_KIND_OPERATOR, 7, 19, 0, 0, "", "", "*"},
         {"nothing", 0, QZL_NOT_FOUND, 0, 0, 0, 0, 0, "", "", ""},
         {"a//b", 0, QZL_BAD_ARGUMENT, 0, 0, 0, 0, 0, "", "", ""},
         {"[", 0, QZL_BAD_ARGUMENT, 0, 0, 0, 0, 0, "", "", ""},

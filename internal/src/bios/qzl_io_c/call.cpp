@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "call.h"
 
-#include <cstring>
+#include <cstdint>
 
 #include <qzl_base/error.h>
 
@@ -39,7 +39,10 @@ std::string_view TextOf(const char* text, std::size_t size) {
         RequireArgument(size == 0, "A text is null.");
         return {};
     }
-    return {text, size == QZL_TERMINATED ? std::strlen(text) : size};
+    if (size == QZL_TERMINATED)
+        return text;
+    RequireArgument(size <= PTRDIFF_MAX, "The size of a text is none.");
+    return {text, size};
 }
 
 std::string FileNameOf(const char* name, std::size_t size) {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "document.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include <qzl_io/sdl/layout.h>
 
@@ -36,11 +38,12 @@ eSDLLayout LayoutOf(const qzl_layout* layout) {
     return result;
 }
 
+// The document has one.
 qzl_status TakeFirstError(qzl_document* handle) {
-    for (xError::eDiagnostic& mistake : handle->document.Errors())
-        if (mistake.severity == xError::eDiagnostic::eSeverity::Error)
-            return handle->told.Take(QZL_MISTAKE, std::move(mistake));
-    return QZL_INTERNAL;
+    std::vector<xError::eDiagnostic> mistakes = handle->document.Errors();
+    const auto first =
+        std::ranges::find(mistakes, xError::eDiagnostic::eSeverity::Error, &xError::eDiagnostic::severity);
+    return handle->told.Take(QZL_MISTAKE, std::move(*first));
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSL-1.0
-#include <optional>
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "document.h"
@@ -30,26 +32,14 @@ const std::vector<eSDLNode>& qzl_document::NodesAt(std::string_view path) {
 namespace {
 
 int32_t KindOf(const eSDLNode& node) {
-    switch (node.Kind()) {
-    case eSDLKind::Document:
-        return QZL_KIND_DOCUMENT;
-    case eSDLKind::Block:
-        return QZL_KIND_BLOCK;
-    case eSDLKind::Word:
-        return QZL_KIND_WORD;
-    case eSDLKind::String:
-        return QZL_KIND_STRING;
-    case eSDLKind::Int:
-        return QZL_KIND_INTEGER;
-    case eSDLKind::Float:
-        return QZL_KIND_FLOAT;
-    case eSDLKind::Operator:
-        return QZL_KIND_OPERATOR;
-    case eSDLKind::Calculation:
-        return QZL_KIND_CALCULATION;
-    default:
-        return QZL_KIND_NONE;
-    }
+    constexpr std::pair<eSDLKind, qzl_kind> kKinds[] = {
+        {eSDLKind::Document, QZL_KIND_DOCUMENT}, {eSDLKind::Block, QZL_KIND_BLOCK},
+        {eSDLKind::Word, QZL_KIND_WORD},         {eSDLKind::String, QZL_KIND_STRING},
+        {eSDLKind::Int, QZL_KIND_INTEGER},       {eSDLKind::Float, QZL_KIND_FLOAT},
+        {eSDLKind::Operator, QZL_KIND_OPERATOR}, {eSDLKind::Calculation, QZL_KIND_CALCULATION},
+    };
+    const auto* const known = std::ranges::find(kKinds, node.Kind(), [](const auto& row) { return row.first; });
+    return known == std::end(kKinds) ? QZL_KIND_NONE : known->second;
 }
 
 qzl_node Described(qzl_document* handle, const eSDLNode& node) {

@@ -13,7 +13,7 @@
 
 using xC::Run;
 
-namespace {
+namespace xC {
 
 // Reads every token as an application's reader finds it, whatever the names of its blocks.
 class eTokens : public eSDLReader {
@@ -115,7 +115,7 @@ qzl_status eTokens::SkipRest() {
     return QZL_OK;
 }
 
-} // namespace
+} // namespace xC
 
 struct qzl_reader : xC::eHandle {
     qzl_reader() { Begin({}); }
@@ -135,7 +135,7 @@ struct qzl_reader : xC::eHandle {
     template <class eStep>
     qzl_status Step(const eStep& step);
 
-    std::optional<eTokens> tokens; // none after a failed opening, which is an empty text
+    std::optional<xC::eTokens> tokens; // none after a failed opening, which is an empty text
     qzl_limits limits = xC::kNoLimits;
     std::string text;     // of the token
     xC::eTelling stopped; // the mistake that ended the reading
