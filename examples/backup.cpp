@@ -14,8 +14,8 @@ namespace Path = IO::System::Path;
 
 // The folders and files of a tree, by their names within it.
 struct eTree {
-    std::vector<eFileName> folders;
-    std::vector<eFileName> files;
+    std::vector<std::string> folders;
+    std::vector<std::string> files;
     unsigned long long bytes = 0;
 };
 
@@ -24,16 +24,16 @@ static eTree List(const eFileName& root) {
     eTree tree;
     tree.folders.emplace_back("");
     for (std::size_t at = 0; at < tree.folders.size(); ++at) {
-        const eFileName folder = tree.folders[at];
+        const eFileName folder(tree.folders[at]);
         IO::eSearch search(root.GetAdd(folder), "*");
         for (const auto& entry : search) {
             if (entry.IsLink())
                 continue;
             const eFileName name = folder.GetAdd(entry.Name());
             if (entry.IsSubfolder()) {
-                tree.folders.push_back(name.GetPath());
+                tree.folders.push_back(name.GetPath().str());
             } else if (entry.IsFile()) {
-                tree.files.push_back(name);
+                tree.files.push_back(name.str());
                 tree.bytes += entry.Size();
             }
         }
@@ -48,13 +48,13 @@ static bool CopyFile(const eFileName& from, const eFileName& to) {
 
 // Returns the names of the files that could not be copied. `progress` is called with the bytes done and all bytes.
 template <class eProgress>
-static std::vector<eFileName> CopyTree(const eFileName& from, const eFileName& to, const eProgress& progress) {
+static std::vector<std::string> CopyTree(const eFileName& from, const eFileName& to, const eProgress& progress) {
     const eTree tree = List(from);
-    for (const eFileName& folder : tree.folders)
+    for (const std::string& folder : tree.folders)
         Path::Create(to.GetAdd(folder));
-    std::vector<eFileName> failed;
+    std::vector<std::string> failed;
     unsigned long long done = 0;
-    for (const eFileName& name : tree.files) {
+    for (const std::string& name : tree.files) {
         if (!CopyFile(from.GetAdd(name), to.GetAdd(name)))
             failed.push_back(name);
         done += File::Size(from.GetAdd(name));
@@ -68,8 +68,8 @@ template <class eProgress>
 static bool Backup(const eFileName& from, const eFileName& to, const eProgress& progress) {
     const eFileName fresh = to.GetUnpath().GetAdd(".new/");
     Path::Delete(fresh, true);
-    const std::vector<eFileName> failed = CopyTree(from, fresh, progress);
-    for (const eFileName& name : failed)
+    const std::vector<std::string> failed = CopyTree(from, fresh, progress);
+    for (const std::string& name : failed)
         std::cerr << name << " was not copied\n";
     if (!failed.empty())
         return false;
