@@ -93,6 +93,24 @@ TEST(DocumentBounds, AMillionChildrenAreEditedAtAnyPlace) {
     }
 }
 
+// If each were counted from the beginning, this would take hours.
+TEST(DocumentBounds, AMillionChildrenAreFoundByTheirIndexWithinHalfTheMemoryOfTheText) {
+    const std::size_t count = LongTests() ? 1'000'000 : 100'000;
+    const std::string texts[] = {eHostileShape{"", "{a ", "{b 1} ", "}"}.OfSize(6 * count),
+                                 eHostileShape{"", "{a ", "{}", "}"}.OfSize(2 * count),
+                                 eHostileShape{"", "{a ", "1 ", "}"}.OfSize(2 * count)};
+    const char* const names[] = {"b[", "*[", ""};
+    for (std::size_t which = 0; which < std::size(texts); ++which) {
+        const eSDLDocument document(texts[which]);
+        const eSDLNode a = document.Find("a");
+        const std::string end = *names[which] ? "]" : "";
+        const eCountedMemory memory;
+        for (std::size_t index = count - 10; index > count / 2; --index)
+            ASSERT_TRUE(a.Find(names[which] + std::to_string(index) + end)) << names[which] << index;
+        EXPECT_LE(memory.Peak(), texts[which].size() / 2 + kConstantPart);
+    }
+}
+
 TEST(DocumentBounds, SixteenMegabytesAreReadWithinASecond) {
     if (!LongTests())
         GTEST_SKIP() << "takes a second; set QZL_LONG_TESTS=1";

@@ -211,6 +211,19 @@ TEST(DocumentEdit, OnlyGoodItemsAreInserted) {
     EXPECT_EQ(eSDLItem(std::string_view("a\0b", 3)).Text(), "\"a\\x00b\"");
 }
 
+TEST(DocumentEdit, ANumberKeepsTheDigitsThatItWasGiven) {
+    for (const char* const text : {"2.50", "1e3", "0x1F", "+5", "-0", "007", "5.", "1E-5", "99999999999999999999"}) {
+        eSDLDocument document("{a 1}");
+        const eSDLItem item = eSDLItem::Number(text);
+        EXPECT_TRUE(item.IsGood()) << text;
+        EXPECT_TRUE(document.Set(document.Find("a/0"), item)) << text;
+        EXPECT_EQ(document.Text(), "{a " + std::string(text) + "}");
+        EXPECT_TRUE(document.Find("a/0").As<double>()) << text;
+    }
+    for (const char* const text : {"", ".5", "1 2", " 1", "1;", "1e999", "one", "\"1\"", "(+ 1 2)", "1.5.2"})
+        EXPECT_FALSE(eSDLItem::Number(text).IsGood()) << text;
+}
+
 TEST(DocumentEdit, NodesOutliveEditsElsewhere) {
     eSDLDocument document("{s {a 1} {b 2} {c 3}}");
     const eSDLNode a = document.Find("s/a");

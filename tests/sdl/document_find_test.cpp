@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <iterator>
+#include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <qzl_io/sdl/document.h>
+
+#include "support/rounds.h"
 
 namespace {
 
@@ -92,6 +97,82 @@ TEST(DocumentFind, AWrongPathFindsNothingAndTellsItsMistake) {
         EXPECT_FALSE(document.Find(path)) << path;
     }
     EXPECT_NE(eSDLDocument::PathMistake(std::string("a\0b", 3)), "");
+}
+
+// The child with the index among those that the path names, one after the other.
+eSDLNode Counted(const eSDLNode& block, std::string_view name, std::size_t index) {
+    bool any = false;
+    for (const bool words : {false, true}) {
+        for (const eSDLNode& child : block) {
+            const bool meant = name == "*"  ? child.IsBlock()
+                               : name == "" ? !child.IsBlock()
+                               : words      ? child.Kind() == eSDLKind::Word && child.Is(name)
+                                            : child.IsBlock() && child.Is(name);
+            any = any || meant;
+            if (meant && index-- == 0)
+                return child;
+        }
+        if (any || name == "*" || name == "")
+            break;
+    }
+    return {};
+}
+
+std::string ManyChildren(std::mt19937& random) {
+    constexpr const char* kChildren[] = {"{a 1}", "{B}",   "{b {a}}", "a",  "w",      "2.5",
+                                         "\"s\"", "; w\n", "{##h}",   "{}", "(+ 1 2)"};
+    std::string text = "{block ";
+    for (int left = 150; left > 0; --left)
+        text.append(kChildren[random() % std::size(kChildren)]).append(" ");
+    return text + "}";
+}
+
+void EditSomewhere(eSDLDocument* document, std::mt19937& random) {
+    const eSDLNode block = *document->begin();
+    const eSDLNode node = Counted(block, random() % 2 ? "*" : "", random() % 60);
+    switch (random() % 8) {
+    case 0:
+        document->InsertBefore(node, eSDLItem::Block("a"));
+        break;
+    case 1:
+        document->InsertAfter(node, eSDLItem::Source("a {b} 7"));
+        break;
+    case 2:
+        document->Remove(node);
+        break;
+    case 3:
+        document->Rename(node, random() % 2 ? "a" : "b");
+        break;
+    case 4:
+        document->Set(node, eSDLItem::Word("w"));
+        break;
+    case 5:
+        document->Append(block, eSDLItem::Block("b"));
+        break;
+    case 6:
+        document->Append(node, eSDLItem::Word("a"));
+        break;
+    default:
+        document->Set(node, 5);
+        break;
+    }
+}
+
+TEST(DocumentFind, AChildIsFoundByItsIndexWhateverWasFoundAndEditedBefore) {
+    constexpr const char* kNames[] = {"a", "B", "w", "*", "", "none"};
+    std::mt19937 random(5);
+    for (eRounds rounds(100, 5000); rounds.Next();) {
+        eSDLDocument document(ManyChildren(random));
+        for (int step = 0; step < 60; ++step) {
+            if (random() % 3 == 0)
+                EditSomewhere(&document, random);
+            const std::string name = kNames[random() % std::size(kNames)];
+            const std::size_t index = random() % 90;
+            const eSDLNode block = *document.begin();
+            const std::string path = name.empty() ? std::to_string(index) : name + "[" + std::to_string(index) + "]";
+            ASSERT_EQ(block.Find(path), Counted(block, name, index)) << path << " in " << document.Text();
+        }
+    }
 }
 
 TEST(DocumentFind, ValueOfABlockAndOfAWordIsTheSameSetting) {

@@ -92,7 +92,6 @@ public:
 
     // Of a block or of the document: the child that is not a block with that index, counted from 0. Of a word: the
     // items after it, up to the first block, so that both {power 1.5} and {light power = 1.5} give Value() of "power".
-    // Costs time for what stands before it.
     eSDLNode Value(std::size_t index = 0) const;
 
     // The first and all nodes at a path within this one; eSDLDocument describes paths.
@@ -186,6 +185,9 @@ public:
     eSDLItem(const char* value) : eSDLItem(std::string_view(value ? value : "")) {}
     eSDLItem(const void*) = delete;
 
+    // A number in digits of the caller's own: 2.50, 1e3 or 0x1F. Good if the text is one number, within the range of a
+    // double.
+    static eSDLItem Number(std::string_view text);
     // Good if the name is an identifier.
     static eSDLItem Word(std::string_view name);
     // An empty block, {NAME} or {#MARK NAME}, good if the name is an identifier or empty, and the mark of the
@@ -305,11 +307,13 @@ private:
 //
 // - Parsing: time n; memory for the text, a seventh of that, and 4 bytes for each { and (, so 6n at most (beyond 4 GB 8
 //   bytes, so 10n).
-// - Next, loops, Value, Find: time for what is passed, without what is in the blocks and control blocks passed.
+// - Next, loops, Value, Find: time for what is passed, without what is in the blocks and control blocks passed. What is
+//   sought by an index takes hardly any time once it has been passed: for that, Value and Find keep notes in at most
+//   half as much memory as the text.
 // - Parent, kind, text, value: time for the part itself and the logarithms of the numbers of brackets and edits.
 // - An edit: likewise, and for the blanks and the comment beside the place and, if it is about a block's first item,
-// what
-//   stands before that; memory for the text inserted and 2 KB.
+//   what stands before that; memory for the text inserted and 2 KB. The notes about a block's children are lost with an
+//   edit that inserts or removes one before others, or changes a name.
 // - Text, Save: time n, and once for each edit made.
 // - Errors, ErrorCount, Place: likewise after an edit, and memory for the text once more; otherwise next to nothing.
 //

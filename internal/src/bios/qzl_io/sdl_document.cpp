@@ -6,13 +6,13 @@
 #include <utility>
 
 #include <qzl_base/convert.h>
+#include <qzl_io/sdl/names.h>
 #include <qzl_io/streams.h>
 
 #include "document/body.h"
 #include "document/mistakes.h"
 #include "document/numbers.h"
 #include "document/path.h"
-#include "qzl_base/shared/ascii.h"
 #include "sdl/calculation.h"
 #include "sdl/number.h"
 
@@ -21,11 +21,6 @@ using xSDL::eFound;
 using xSDL::ePosition;
 
 namespace {
-
-bool IsSameWord(std::string_view left, std::string_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return ascii::ToLower(a) == ascii::ToLower(b); });
-}
 
 // A number as a reader takes it as an operand.
 bool ToOperand(const xSDL::eLexeme& token, float* value) {
@@ -83,12 +78,18 @@ bool GetNumber(const eFound& found, T* value) {
     return true;
 }
 
-bool IsIdentifier(std::string_view word) {
-    const std::string text = std::string(word) + std::string(xSDL::kTextEnd, '\0');
+bool IsOneToken(std::string_view text, eSDLParserLexType* type) {
+    const std::string padded = std::string(text) + std::string(xSDL::kTextEnd, '\0');
     int line = 0;
     xSDL::eLexeme token;
-    xSDL::CutAt(text.data(), &line, &token);
-    return token.type == sdlIdent && token.length == word.size();
+    xSDL::CutAt(padded.data(), &line, &token);
+    *type = token.type;
+    return token.length == text.size();
+}
+
+bool IsIdentifier(std::string_view word) {
+    eSDLParserLexType type{};
+    return IsOneToken(word, &type) && type == sdlIdent;
 }
 
 // As after the # that begins one.
@@ -140,13 +141,11 @@ std::string_view eSDLNode::Name() const {
     eFound found;
     if (!body || eDocumentBody::IsRoot(*this) || !body->Look(*this, &position, &found))
         return {};
-    if (found.kind == eSDLKind::Block && !body->FirstItem(*this, &position, &found))
-        return {};
-    return found.kind == eSDLKind::Word ? found.text : std::string_view();
+    return body->NameAt(position, found);
 }
 
 bool eSDLNode::Is(std::string_view name) const {
-    return IsSameWord(Name(), name);
+    return xSDL::IsSameWord(Name(), name);
 }
 
 std::string_view eSDLNode::Mark() const {
@@ -197,10 +196,7 @@ eSDLNode eSDLNode::Value(std::size_t index) const {
             item = item.Next();
         return item.IsBlock() ? eSDLNode() : item;
     }
-    for (const eSDLNode& child : *this)
-        if (!child.IsBlock() && index-- == 0)
-            return child;
-    return {};
+    return eDocumentBody::Child(*this, xSDL::eCounted::Values, {}, index);
 }
 
 eSDLNode eSDLNode::Find(std::string_view path) const {
@@ -283,6 +279,8 @@ xError::ePlace eSDLNode::Place() const {
 xError::eExcerpt eSDLNode::Excerpt() const {
     ePosition position;
     eFound found;
+    if (body && eDocumentBody::IsRoot(*this))
+        return body->Excerpt(body->First(), 0);
     if (!body || !body->Look(*this, &position, &found))
         return {};
     return body->Excerpt(position, found.text.size());
@@ -307,6 +305,14 @@ eSDLItem::eSDLItem(bool value) : eSDLItem(eSDLKind::Int, value ? "1" : "0", true
 eSDLItem::eSDLItem(std::string_view value) : eSDLItem(eSDLKind::String, "\"", true) {
     AppendEscaped(&text, value);
     text += '"';
+}
+
+eSDLItem eSDLItem::Number(std::string_view text) {
+    eSDLParserLexType type{};
+    double value = 0;
+    const bool number = IsOneToken(text, &type) && (type == sdlInt || type == sdlHex || type == sdlFloat);
+    return {type == sdlFloat ? eSDLKind::Float : eSDLKind::Int, std::string(text),
+            number && xSDL::numbers::ToDouble(text, &value)};
 }
 
 eSDLItem eSDLItem::Word(std::string_view name) {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <qzl_io/sdl/names.h>
+
 namespace xSDL {
 namespace {
 
@@ -26,19 +28,7 @@ bool IsCalculation(const char* parenthesis) {
 
 // Items are what a reader reads.
 bool IsItem(const eFound& found) {
-    switch (found.kind) {
-    case eSDLKind::Block:
-        return !found.hidden;
-    case eSDLKind::Int:
-    case eSDLKind::Float:
-    case eSDLKind::String:
-    case eSDLKind::Word:
-    case eSDLKind::Operator:
-    case eSDLKind::Calculation:
-        return true;
-    default:
-        return false;
-    }
+    return IsSingle(found.kind) || (found.kind == eSDLKind::Block && !found.hidden);
 }
 
 eSDLKind KindOf(eSDLParserLexType type) {
@@ -61,8 +51,24 @@ eSDLKind KindOf(eSDLParserLexType type) {
 
 } // namespace
 
+bool IsSingle(eSDLKind kind) {
+    switch (kind) {
+    case eSDLKind::Int:
+    case eSDLKind::Float:
+    case eSDLKind::String:
+    case eSDLKind::Word:
+    case eSDLKind::Operator:
+    case eSDLKind::Calculation:
+        return true;
+    default:
+        return false;
+    }
+}
+
 eDocumentBody::eDocumentBody(std::string loaded, std::string itsName, const eSDLLimits& limits)
-    : name(std::move(itsName)), original(Admitted(std::move(loaded), limits, &failure), limits.tokenBytes) {
+    : name(std::move(itsName)),
+      original(Admitted(std::move(loaded), limits, &failure), limits.tokenBytes),
+      childIndex(original.Size() / 2) {
     edge.before = edge.next = &edge;
     if (original.Begin() != original.End())
         Link({&original, 0, original.Begin(), original.End(), nullptr, nullptr}, &edge);
@@ -254,6 +260,60 @@ bool eDocumentBody::FirstChild(const eSDLNode& node, ePosition* position, eFound
     return FindItem(position, found);
 }
 
+std::string_view eDocumentBody::NameAt(const ePosition& position, const eFound& found) const {
+    if (found.kind != eSDLKind::Block)
+        return found.kind == eSDLKind::Word ? found.text : std::string_view();
+    ePosition first = Inside(position, found);
+    eFound item;
+    return FindItem(&first, &item) && item.kind == eSDLKind::Word ? item.text : std::string_view();
+}
+
+bool eDocumentBody::IsCounted(eCounted what, std::string_view word, const ePosition& position,
+                              const eFound& found) const {
+    const bool block = found.kind == eSDLKind::Block;
+    switch (what) {
+    case eCounted::Named:
+        return block && IsSameWord(NameAt(position, found), word);
+    case eCounted::Blocks:
+        return block;
+    case eCounted::Words:
+        return found.kind == eSDLKind::Word && IsSameWord(found.text, word);
+    case eCounted::Values:
+        break;
+    }
+    return !block;
+}
+
+eSDLNode eDocumentBody::Child(const eSDLNode& block, eCounted what, std::string_view name, std::size_t index) {
+    return block.body ? block.body->FindChild(block, what, name, index) : eSDLNode();
+}
+
+// The first children need no index.
+eSDLNode eDocumentBody::FindChild(const eSDLNode& block, eCounted what, std::string_view word,
+                                  std::size_t index) const {
+    eChildIndex::ePlaces* places = nullptr;
+    const eChildIndex::ePlace* begin = nullptr;
+    if (index >= eChildIndex::kEvery) {
+        places = &childIndex.Of({block.source, block.offset}, what, word);
+        begin = places->Before(index);
+        if (!places->IsLast(begin))
+            places = nullptr; // there are places beyond
+    }
+    ePosition position;
+    eFound found;
+    bool any = begin ? Look({this, begin->child.source, begin->child.offset}, &position, &found)
+                     : FirstChild(block, &position, &found);
+    std::size_t before = begin ? begin->before : 0;
+    for (std::size_t passed = 0; any; any = FindItem(&position, &found)) {
+        if (places)
+            passed = childIndex.Pass(places, {position.Spot(), before}, passed);
+        if (IsCounted(what, word, position, found) && before++ == index)
+            return NodeAt(position);
+        position = found.after;
+    }
+    return {};
+}
+
 eSDLNode eDocumentBody::Parent(const ePosition& position) const {
     const eBlockIndex& blocks = position.piece->source->Blocks();
     if (const std::size_t around = blocks.Around(position.offset); around != eBlockIndex::kNone)
@@ -275,6 +335,8 @@ const eSource& eDocumentBody::Current() const {
 }
 
 std::size_t eDocumentBody::CurrentOffset(const ePosition& position) const {
+    if (IsEnd(position))
+        return Current().End();
     if (currentOffsets.empty()) {
         std::size_t offset = original.Begin();
         for (const ePiece* piece = edge.next; piece != &edge; offset += piece->end - piece->begin, piece = piece->next)

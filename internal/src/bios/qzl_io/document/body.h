@@ -13,6 +13,7 @@
 
 #include <qzl_io/sdl/document.h>
 
+#include "document/child_index.h"
 #include "document/lines.h"
 #include "document/source.h"
 
@@ -46,6 +47,9 @@ struct eFound {
     bool hidden = false;            // it is a block that readers skip
     bool closed = false;            // it is a block or a control block that has its end
 };
+
+// Whether it is an item that is no block.
+bool IsSingle(eSDLKind kind);
 
 // The content of a document: pieces of texts that do not change, in the order of the document. The first text is the
 // one that was loaded, and each edit adds a text of its own. A node is a place in one of them, so it outlives edits
@@ -105,6 +109,10 @@ public:
     bool FirstItem(const eSDLNode& node, ePosition* position, eFound* found) const;
     // The first that is not a block's name.
     bool FirstChild(const eSDLNode& node, ePosition* position, eFound* found) const;
+    // The name of a block or the text of a word; empty for other parts.
+    std::string_view NameAt(const ePosition& position, const eFound& found) const;
+    // The child with that index among those that are counted; not good if there are not so many.
+    static eSDLNode Child(const eSDLNode& block, eCounted what, std::string_view name, std::size_t index);
     eSDLNode Parent(const ePosition& position) const;
 
     // --- Edits; false and a node that is not good if the document does not take one ---
@@ -152,6 +160,9 @@ private:
         std::string indent;
     };
 
+    eSDLNode FindChild(const eSDLNode& block, eCounted what, std::string_view name, std::size_t index) const;
+    bool IsCounted(eCounted what, std::string_view name, const ePosition& position, const eFound& found) const;
+
     const ePiece* PieceOf(eSpot spot) const;
     eSpot Followed(eSpot spot) const;
     ePosition AfterBracket(const ePosition& begin, std::size_t index) const;
@@ -183,6 +194,8 @@ private:
     void Release(std::uint64_t id);
     ePiece* AddText(std::string text, const eSpot& parent, ePiece* next);
     void AddBlankAt(ePiece* next, const eSpot& parent);
+    void ForgetChildren(const eSDLNode& block);
+    void ForgetNames(const eSDLNode& block);
     bool Replace(const ePosition& position, const eFound& found, const std::string& text);
     eSDLNode Put(const eSDLNode& block, const ePosition& at, const eSDLItem& item, const eAround& around);
     eSDLNode AppendToDocument(const eSDLItem& item);
@@ -200,6 +213,7 @@ private:
     bool edited = false;
     std::string lineEnd; // as in the text, once it has been edited
     std::string unit;    // of indentation
+    mutable eChildIndex childIndex;
 
     // Made when asked for, until the next edit.
     mutable std::unique_ptr<eSource> current;

@@ -59,20 +59,6 @@ std::string Relined(const std::string& text, const std::string& lineEnd, const s
     return result;
 }
 
-bool MaySet(eSDLKind kind) {
-    switch (kind) {
-    case eSDLKind::Int:
-    case eSDLKind::Float:
-    case eSDLKind::String:
-    case eSDLKind::Word:
-    case eSDLKind::Operator:
-    case eSDLKind::Calculation:
-        return true;
-    default:
-        return false;
-    }
-}
-
 } // namespace
 
 // --- Layout ---
@@ -240,7 +226,7 @@ bool eDocumentBody::LookBeside(const eSDLNode& node, const eSDLItem& item, ePosi
     case eSDLKind::Comment:
         return true;
     default:
-        return MaySet(found->kind);
+        return IsSingle(found->kind);
     }
 }
 
@@ -269,7 +255,7 @@ bool eDocumentBody::MayRemove(const ePosition& position, const eFound& found) co
     case eSDLKind::Calculation:
         return found.closed && !WouldBeName(position, found);
     default:
-        return MaySet(found.kind) && !WouldBeName(position, found);
+        return IsSingle(found.kind) && !WouldBeName(position, found);
     }
 }
 
@@ -369,6 +355,18 @@ bool eDocumentBody::Replace(const ePosition& position, const eFound& found, cons
     return true;
 }
 
+// What is counted among the children of the block is no longer the same, unless it is appended.
+void eDocumentBody::ForgetChildren(const eSDLNode& block) {
+    childIndex.Forget({block.source, block.offset});
+}
+
+// A word of the block, which may be its name, is another one.
+void eDocumentBody::ForgetNames(const eSDLNode& block) {
+    ForgetChildren(block);
+    if (!IsRoot(block))
+        ForgetChildren(block.Parent());
+}
+
 // Inserts the item into the block, before the position, with what stands around it.
 eSDLNode eDocumentBody::Put(const eSDLNode& block, const ePosition& at, const eSDLItem& item, const eAround& around) {
     const auto& [lead, trail, indent] = around;
@@ -392,13 +390,15 @@ eSDLNode eDocumentBody::Put(const eSDLNode& block, const ePosition& at, const eS
 bool eDocumentBody::Set(const eSDLNode& node, const eSDLItem& item) {
     ePosition position;
     eFound found;
-    if (!item.good || !item.single || !Look(node, &position, &found) || !MaySet(found.kind))
+    if (!item.good || !item.single || !Look(node, &position, &found) || !IsSingle(found.kind))
         return false;
     const bool word = item.first == eSDLKind::Word;
     if (word != (found.kind == eSDLKind::Word) && IsFirstItem(position))
         return false;
     if (found.kind == eSDLKind::Calculation && !found.closed)
         return false;
+    if (word || found.kind == eSDLKind::Word)
+        ForgetNames(Parent(position));
     return Replace(position, found, item.text);
 }
 
@@ -409,6 +409,7 @@ bool eDocumentBody::Rename(const eSDLNode& node, std::string_view word) {
     if (!item.good || IsRoot(node) || !Look(node, &position, &found) || found.kind != eSDLKind::Block)
         return false;
     const ePosition inside = Inside(position, found);
+    ForgetNames(node);
     if (FirstItem(node, &position, &found) && found.kind == eSDLKind::Word)
         return Replace(position, found, item.text);
     Touch();
@@ -422,6 +423,7 @@ eSDLNode eDocumentBody::InsertBefore(const eSDLNode& node, const eSDLItem& item)
     if (!LookBeside(node, item, &position, &found) || !MayInsert(Parent(position), &position, true, item))
         return {};
     Touch();
+    ForgetChildren(Parent(position));
     const eLineBefore line = LineBefore(position);
     const bool alone = line.blank && LineAfter(found.after).blank;
     return Put(Parent(position), position, item, {{}, alone ? lineEnd + line.indent : " ", line.indent});
@@ -433,6 +435,7 @@ eSDLNode eDocumentBody::InsertAfter(const eSDLNode& node, const eSDLItem& item) 
     if (!LookBeside(node, item, &position, &found) || !MayInsert(Parent(position), &position, false, item))
         return {};
     Touch();
+    ForgetChildren(Parent(position));
     const eLineBefore line = LineBefore(position);
     const eLineAfter rest = LineAfter(found.after);
     const bool alone = line.blank && rest.blank;
@@ -489,6 +492,7 @@ bool eDocumentBody::Remove(const eSDLNode& node) {
         return false;
     Touch();
     const eSDLNode block = Parent(position);
+    ForgetChildren(block);
     const eLineBefore line = LineBefore(position);
     const eLineAfter rest = LineAfter(found.after);
     ePosition from = position;

@@ -5,6 +5,7 @@
 
 #include <qzl_base/convert.h>
 
+#include "document/body.h"
 #include "document/numbers.h"
 #include "qzl_base/shared/ascii.h"
 #include "sdl/lexer.h"
@@ -177,14 +178,13 @@ class ePath::eMatches {
 public:
     eMatches(const eSDLNode& itsParent, const eStep& itsStep, bool isLast)
         : parent(itsParent), step(itsStep), last(isLast), passed(itsStep.filters.size()) {
-        if (step.kind == eStep::eKind::Index)
-            return;
-        at = parent.begin();
+        if (!IsByIndex())
+            at = parent.begin();
     }
 
     eSDLNode Next() {
-        if (step.kind == eStep::eKind::Index)
-            return std::exchange(done, true) ? eSDLNode() : parent.Value(step.index);
+        if (IsByIndex())
+            return std::exchange(done, true) ? eSDLNode() : AtIndex();
         for (;; ++at) {
             if (at == parent.end() && !SeekWords())
                 return {};
@@ -197,6 +197,27 @@ public:
     }
 
 private:
+    // One node at most.
+    bool IsByIndex() const {
+        return step.kind == eStep::eKind::Index || (!step.filters.empty() && step.filters.front().byIndex);
+    }
+
+    // The other filters see no more than the node that the first one takes.
+    eSDLNode AtIndex() {
+        if (step.kind == eStep::eKind::Index)
+            return parent.Value(step.index);
+        const std::size_t index = step.filters.front().index;
+        const bool named = step.kind == eStep::eKind::Name;
+        const eCounted what = named ? eCounted::Named : eCounted::Blocks;
+        eSDLNode found = eDocumentBody::Child(parent, what, step.name, index);
+        if (!found && last && named && !eDocumentBody::Child(parent, what, step.name, 0))
+            found = eDocumentBody::Child(parent, eCounted::Words, step.name, index);
+        for (std::size_t filter = 1; found && filter < step.filters.size(); ++filter)
+            if (!PassesOne(step.filters[filter], &passed[filter], found))
+                return {};
+        return found;
+    }
+
     // Words are looked for once no block has the name. False if there is nothing to look through.
     bool SeekWords() {
         if (!last || words || anyBlock || step.kind != eStep::eKind::Name)

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
+#include <qzl_io/sdl/names.h>
 #include <qzl_io/sdl/token.h>
 
-#include "qzl_base/shared/ascii.h"
 #include "sdl/lexer.h"
 
 // What the tokens of a text are to each other: which brackets belong together and what is wrong, as a reader judges it.
@@ -53,15 +55,8 @@ inline bool IsHiddenAt(const char* brace) {
 inline constexpr std::string_view kControlWords[] = {"include", "define", "mod"};
 
 inline bool IsControlWord(std::string_view word) {
-    for (const std::string_view known : kControlWords)
-        if (word.size() == known.size()) {
-            std::size_t same = 0;
-            while (same < word.size() && ascii::ToLower(word[same]) == known[same])
-                ++same;
-            if (same == word.size())
-                return true;
-        }
-    return false;
+    return std::any_of(std::begin(kControlWords), std::end(kControlWords),
+                       [&](std::string_view known) { return IsSameWord(known, word); });
 }
 
 // Reads a text and tells a sink of its brackets and mistakes:
