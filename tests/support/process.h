@@ -13,6 +13,6 @@ struct eEnded {
 };
 
 // Runs a program with the arguments (UTF-8) in a folder and waits for its end. Standard input, output and error are
-// files in that folder.
+// files elsewhere.
 eEnded RunProgram(const std::string& program, const std::vector<std::string>& arguments, const std::string& input,
                   const std::filesystem::path& folder);

@@ -203,7 +203,7 @@ TEST_F(ToolDocument, DiffIgnoresLayoutAndTellsEachDifference) {
     EXPECT_EQ(quiet.code, 1);
     EXPECT_EQ(quiet.output, "");
     Refuses(2, "none.sdl", {"diff", "a.sdl", "none.sdl"});
-    Refuses(2, "ends within 1 block", {"diff", "a.sdl", "-"}, "{a");
+    Refuses(2, "-:1:3: error: Block terminator expected!", {"diff", "a.sdl", "-"}, "{a");
 }
 
 TEST_F(ToolDocumentAtLength, DiffOfHostileDocumentsTakesNoStackAndNoSquare) {
@@ -231,6 +231,11 @@ TEST_F(ToolDocumentAtLength, SetChangesTheValueAndNothingElse) {
         {{"a/0", "linear"}, "{a 1}", "{a \"linear\"}"},
         {{"filter/0", "linear"}, "{filter none}", "{filter linear}"},
         {{"a", "3"}, "{a}", "{a 3}"},
+        {{"a", "2.50"}, "{a 1}", "{a 2.50}"},
+        {{"a", "1e3"}, "{a 1}", "{a 1e3}"},
+        {{"a", "0x0F"}, "{a 1}", "{a 0x0F}"},
+        {{"a", "-.5"}, "{a 1}", "{a -0.5}"},
+        {{"a", "+7"}, "{a 1}", "{a +7}"},
     };
     for (const eEdit& edit : kTable) {
         folder.Write("a.sdl", edit.from);
@@ -251,6 +256,7 @@ TEST_F(ToolDocument, WhatCannotBeSetOrRemovedLeavesTheFileAlone) {
         Refuses(1, "sdl: b: there is nothing at this path", {"remove", "a.sdl", "b"});
         Refuses(1, "sdl: b: there is nothing at this path", {"get", "a.sdl", "b"});
         Refuses(2, "'no word' is no word", {"set", "--word", "a.sdl", "a", "no word"});
+        Refuses(2, "'1e999' is beyond the range of numbers", {"set", "a.sdl", "a", "1e999"});
         Refuses(2, "a//b: ", {"set", "a.sdl", "a//b", "1"});
     }
     EXPECT_EQ(folder.Read("a.sdl"), "{a 1");

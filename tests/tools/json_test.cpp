@@ -115,12 +115,12 @@ TEST_F(ToolJsonAtLength, ADocumentWithMistakesLeavesTheOutputAlone) {
         const char* text;
         const char* message;
     } kTable[] = {
-        {"from-json", "{\"a\": }", "sdl: bad: * Line 1, Column 8"},
-        {"to-json", "{a 1", "bad:1: the document ends within 1 block"},
-        {"to-json", "{a 1}\n}", "bad:2: this } ends no block"},
-        {"to-json", "{a\n$}", "bad:2: no token begins with this character"},
-        {"to-json", "{a 1} \"open", "bad:1: the document ends within a string"},
-        {"to-json", "{a 1} (\"c\") ; \"x\"\n \"open", "bad:2: the document ends within a string"},
+        {"from-json", "{\"a\": }", "bad:1:7: error: Syntax error: Malformed token"},
+        {"to-json", "{a 1", "bad:1:5: error: Block terminator expected!"},
+        {"to-json", "{a 1}\n}", "bad:2:1: error: Nothing is open that this } could close!"},
+        {"to-json", "{a\n$}", "bad:2:1: error: No token begins like this!"},
+        {"to-json", "{a 1} \"open", "bad:1:7: warning: The string has no end!"},
+        {"to-json", "{a 1} (\"c\") ; \"x\"\n \"open", "bad:2:2: warning: The string has no end!"},
         {"to-json", "{a (word)}", "bad:1:5: error: Invalid control block!"},
     };
     folder.Write("out", "old");

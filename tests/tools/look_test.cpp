@@ -24,7 +24,7 @@ TEST_F(ToolLookAtLength, ShowListsAsManyLevelsAndNamesAsAsked) {
     EXPECT_THAT(OutputOf({"show", "--depth", "2", "-"}, document),
                 testing::EndsWith("outline\n  a\n    b x 2\n  e\n  f\n"));
     EXPECT_THAT(OutputOf({"show", "--depth", "1", "--names", "2", "-"}, document),
-                testing::EndsWith("outline\n  a\n  e\n  ... and 1 more names\n"));
+                testing::EndsWith("outline\n  a\n  e\n  ... and 1 more name\n"));
     EXPECT_THAT(OutputOf({"show", "--depth", "0", "-"}, document), testing::EndsWith("outline\n"));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "documents.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "files.h"
@@ -28,15 +29,21 @@ void OpenDocument(eSDLDocument* document, const std::string& name) {
 
 void OpenFaultless(eSDLDocument* document, const std::string& name) {
     OpenDocument(document, name);
-    if (document->ErrorCount() == 0)
-        return;
-    for (const xError::eDiagnostic& mistake : document->Errors()) {
-        if (mistake.severity != xError::eDiagnostic::eSeverity::Error)
-            continue;
-        ShowDiagnostic(mistake);
-        break;
-    }
-    throw eTrouble(ShownName(name) + ": " + Counted(document->ErrorCount(), "mistake") + "; 'sdl check' lists them");
+    if (document->ErrorCount() > 0)
+        RefuseFaulty(*document, name);
+}
+
+void RefuseFaulty(const eSDLDocument& document, const std::string& name) {
+    const std::vector<xError::eDiagnostic> mistakes = document.Errors();
+    const auto error = std::find_if(mistakes.begin(), mistakes.end(), [](const xError::eDiagnostic& mistake) {
+        return mistake.severity == xError::eDiagnostic::eSeverity::Error;
+    });
+    xError::eDiagnostic shown = error != mistakes.end() ? *error : mistakes.front();
+    shown.excerpt.place.source = name;
+    for (xError::eDiagnostic::eNote& note : shown.notes)
+        note.excerpt.place.source = name;
+    ShowDiagnostic(shown);
+    throw eTrouble(ShownName(name) + ": " + Counted(mistakes.size(), "mistake") + "; 'sdl check' lists them");
 }
 
 void SaveDocument(const eSDLDocument& document, const std::string& name) {

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: BSL-1.0
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include <qzl_base/diagnostic.h>
 #include <qzl_io/sdl.h>
 
 #include "files.h"
@@ -31,12 +36,46 @@ void ShowLosses(const std::string& input, const eJsonLosses& losses) {
     tell(losses.texts, "string", " cut at a NUL character");
 }
 
+// What is wrong in a JSON document, as the library tells it: "* Line 2, Column 18 Syntax error: Malformed token".
+std::optional<xError::eDiagnostic> MistakeIn(const std::string& name, const std::string& message) {
+    xError::eDiagnostic mistake;
+    xError::ePlace& place = mistake.excerpt.place;
+    char what[200];
+    if (std::sscanf(message.c_str(), "* Line %d, Column %d %199[^\n]", &place.line, &place.column, what) != 3)
+        return std::nullopt;
+    if (place.line == 1) // whose columns are counted from 2
+        place.column = std::max(place.column - 1, 1);
+    mistake.message = what;
+    place.source = name;
+    return mistake;
+}
+
+// The line of the mistake, if it is short and can be read once more.
+void AddLine(const std::string& name, xError::eExcerpt* excerpt) {
+    constexpr std::size_t kMost = 200;
+    const std::unique_ptr<IO::eStream> input = name == kStandard ? nullptr : OpenInput(name);
+    std::string line;
+    for (int passed = 0; input && passed < excerpt->place.line; ++passed)
+        line = input->GetLine('\n');
+    if (line.size() > kMost)
+        return;
+    excerpt->text = terminal::Printable(line);
+    const auto before = static_cast<std::size_t>(std::max(excerpt->place.column - 1, 0));
+    excerpt->markBegin = excerpt->markEnd = terminal::Printable(line.substr(0, before)).size();
+}
+
 void Convert(const std::string& name, IO::eStream& output, eJsonLosses* losses) {
     const std::unique_ptr<IO::eStream> input = OpenInput(name);
     terminal::ShowProgress("converting " + ShownName(name));
     const eKeptWarning warning;
-    if (!JsonStreamToSdl(*input, output, losses))
-        throw eTrouble(ShownName(name) + ": " + terminal::Printable(warning.Message()));
+    if (JsonStreamToSdl(*input, output, losses))
+        return;
+    if (auto mistake = MistakeIn(name, warning.Message())) {
+        AddLine(name, &mistake->excerpt);
+        ShowDiagnostic(*mistake);
+        throw eTrouble(ShownName(name) + ": this is no JSON document");
+    }
+    throw eTrouble(ShownName(name) + ": " + terminal::Printable(warning.Message()));
 }
 
 eEnd FromJson(const eArguments& arguments) {

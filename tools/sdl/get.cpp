@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "documents.h"
 #include "paths.h"
 #include "platform/console.h"
 #include "terminal.h"
@@ -12,10 +11,7 @@
 
 namespace {
 
-struct eArguments {
-    std::string file;
-    std::string path;
-    bool all = false;
+struct eArguments : ePathArguments {
     bool source = false;
 };
 
@@ -52,25 +48,19 @@ void PrintNode(const eSDLNode& node, bool asSource) {
 }
 
 eEnd GetNodes(const eArguments& arguments) {
-    RequirePath(arguments.path);
     eSDLDocument document;
-    OpenDocument(&document, arguments.file);
-    const std::vector<eSDLNode> nodes = NodesAt(document, arguments.path, arguments.all);
-    if (nodes.empty())
-        return NothingAt(arguments.path);
+    const std::vector<eSDLNode> nodes = OpenAt(&document, arguments);
     terminal::EndProgress();
     for (const eSDLNode& node : nodes)
         PrintNode(node, arguments.source);
-    return eEnd::Fine;
+    return nodes.empty() ? eEnd::Findings : eEnd::Fine;
 }
 
 } // namespace
 
 eVerb::eRun DeclareGet(CLI::App* verb) {
     const auto arguments = std::make_shared<eArguments>();
-    verb->add_option("FILE", arguments->file, "the document")->required();
-    verb->add_option("PATH", arguments->path, kPathHelp)->required();
-    verb->add_flag("--all", arguments->all, "all that is at the path, not only the first");
+    DeclarePath(verb, "the document", arguments.get());
     verb->add_flag("--source", arguments->source, "as it stands in the document");
     return [arguments] { return GetNodes(*arguments); };
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "reports.h"
 #include "terminal.h"
 #include "walk.h"
 
@@ -97,7 +98,7 @@ void eOutline::PrintInside(std::ostream& out, const eEntry& parent, int depth, s
         PrintInside(out, entry, depth + 1, limit);
     }
     if (shown < parent.inside.size())
-        out << indentation << "... and " << parent.inside.size() - shown << " more names\n";
+        out << indentation << "... and " << Counted(parent.inside.size() - shown, "more name") << '\n';
 }
 
 void eOutline::PrintCounts(std::ostream& out) const {

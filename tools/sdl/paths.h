@@ -4,19 +4,29 @@
 #include <string>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include <qzl_io/sdl/document.h>
 
 #include "verb.h"
 
-// Paths as arguments.
+// Verbs that work on what is at a path in a document.
 
-inline constexpr const char* kPathHelp = "where in the document, as in scene/light[0]/power or light[name=\"sun\"]";
+struct ePathArguments {
+    std::string file;
+    std::string path;
+    bool all = false;
+};
 
-// Throws eTrouble for a path that is none.
-void RequirePath(const std::string& path);
+// Declares FILE, PATH and --all.
+void DeclarePath(CLI::App* verb, const char* fileHelp, ePathArguments* arguments);
+inline constexpr const char* kEditedHelp = "the document; - writes the result to standard output";
 
-// What is at the path: all of it, or only the first.
-std::vector<eSDLNode> NodesAt(const eSDLDocument& document, const std::string& path, bool all);
+// Opens the document and returns what is at the path: all of it, or only the first. Says that there is nothing, if so.
+// Throws eTrouble for a path that is none, and for a document that cannot be read.
+std::vector<eSDLNode> OpenAt(eSDLDocument* document, const ePathArguments& arguments);
 
-// Says that there is nothing, and returns eEnd::Findings.
-eEnd NothingAt(const std::string& path);
+// Throw eTrouble with the path.
+[[noreturn]] void Refuse(const ePathArguments& arguments, const std::string& why);
+// Says why what is there cannot be "set" or "removed".
+[[noreturn]] void RefuseEdit(const ePathArguments& arguments, const eSDLDocument& document, const std::string& edit);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "documents.h"
@@ -10,23 +9,14 @@
 
 namespace {
 
-struct eArguments {
-    std::string file;
-    std::string path;
-    bool all = false;
-};
-
-eEnd Remove(const eArguments& arguments) {
-    RequirePath(arguments.path);
+eEnd Remove(const ePathArguments& arguments) {
     eSDLDocument document;
-    OpenDocument(&document, arguments.file);
-    const std::vector<eSDLNode> nodes = NodesAt(document, arguments.path, arguments.all);
+    const std::vector<eSDLNode> nodes = OpenAt(&document, arguments);
     if (nodes.empty())
-        return NothingAt(arguments.path);
+        return eEnd::Findings;
     for (const eSDLNode& node : nodes)
         if (node && !document.Remove(node)) // what is within another one is gone with it
-            throw eTrouble(terminal::Printable(arguments.path) +
-                           ": it cannot be removed, as something before it is not closed; 'sdl check' tells what");
+            RefuseEdit(arguments, document, "removed");
     SaveDocument(document, arguments.file);
     terminal::EndProgress();
     return eEnd::Fine;
@@ -35,9 +25,7 @@ eEnd Remove(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareRemove(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
-    verb->add_option("FILE", arguments->file, "the document; - writes the result to standard output")->required();
-    verb->add_option("PATH", arguments->path, kPathHelp)->required();
-    verb->add_flag("--all", arguments->all, "all that is at the path, not only the first");
+    const auto arguments = std::make_shared<ePathArguments>();
+    DeclarePath(verb, kEditedHelp, arguments.get());
     return [arguments] { return Remove(*arguments); };
 }

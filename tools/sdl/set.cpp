@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSL-1.0
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,27 +12,30 @@
 
 namespace {
 
-struct eArguments {
-    std::string file;
-    std::string path;
+struct eArguments : ePathArguments {
     std::string value;
-    bool all = false;
     bool asString = false;
     bool asWord = false;
 };
 
-// The value of a text that is a number or a string in quotes, as SDL writes them; nothing for any other text.
+// A number as SDL has it: with a digit before its point.
+std::string Completed(std::string text) {
+    const std::size_t sign = text.find_first_not_of("+-");
+    if (sign <= 1 && text[sign] == '.')
+        text.insert(sign, 1, '0');
+    return text;
+}
+
+// The item of a text that is a number, whose digits are kept, or a string in quotes; nothing for any other text.
 std::optional<eSDLItem> Literal(const std::string& text) {
-    const eSDLDocument document(text);
+    const eSDLDocument document(Completed(text));
     const eSDLNode value = *document.begin();
-    if (value.Text() != text)
+    if (value.Text() != document.Text())
         return std::nullopt;
+    if (value.Kind() == eSDLKind::Int || value.Kind() == eSDLKind::Float)
+        return eSDLItem::Number(value.Text());
     if (const auto string = value.As<std::string>())
         return eSDLItem(*string);
-    if (const auto integer = value.As<long long>())
-        return eSDLItem(*integer);
-    if (const auto number = value.As<double>())
-        return eSDLItem(*number);
     return std::nullopt;
 }
 
@@ -49,10 +53,6 @@ eSDLItem ItemFor(const eSDLNode& old, const eArguments& arguments) {
     return eSDLItem(arguments.value);
 }
 
-[[noreturn]] void Refuse(const eArguments& arguments, const std::string& why) {
-    throw eTrouble(terminal::Printable(arguments.path) + ": " + why);
-}
-
 // The value that is meant: of a block or a word its first one.
 eSDLNode ValueOf(const eSDLNode& node) {
     return node.IsBlock() || (node.Kind() == eSDLKind::Word && node.Value()) ? node.Value() : node;
@@ -62,19 +62,20 @@ void SetNode(eSDLDocument* document, const eSDLNode& node, const eArguments& arg
     const eSDLNode old = ValueOf(node);
     const eSDLItem item = ItemFor(old, arguments);
     if (!item.IsGood())
-        Refuse(arguments, "'" + terminal::Printable(arguments.value) + "' is no word");
+        Refuse(arguments, "'" + terminal::Printable(arguments.value) +
+                              (arguments.asWord
+                                   ? "' is no word; a word begins with a letter or _, and letters, digits and _ follow"
+                                   : "' is beyond the range of numbers; --string makes it a text"));
     const bool done = old ? document->Set(old, item) : static_cast<bool>(document->Append(node, item));
     if (!done)
-        Refuse(arguments, "the value cannot be set, as something before it is not closed; 'sdl check' tells what");
+        RefuseEdit(arguments, *document, "set");
 }
 
 eEnd SetValue(const eArguments& arguments) {
-    RequirePath(arguments.path);
     eSDLDocument document;
-    OpenDocument(&document, arguments.file);
-    const std::vector<eSDLNode> nodes = NodesAt(document, arguments.path, arguments.all);
+    const std::vector<eSDLNode> nodes = OpenAt(&document, arguments);
     if (nodes.empty())
-        return NothingAt(arguments.path);
+        return eEnd::Findings;
     for (const eSDLNode& node : nodes)
         SetNode(&document, node, arguments);
     SaveDocument(document, arguments.file);
@@ -86,10 +87,8 @@ eEnd SetValue(const eArguments& arguments) {
 
 eVerb::eRun DeclareSet(CLI::App* verb) {
     const auto arguments = std::make_shared<eArguments>();
-    verb->add_option("FILE", arguments->file, "the document; - writes the result to standard output")->required();
-    verb->add_option("PATH", arguments->path, kPathHelp)->required();
+    DeclarePath(verb, kEditedHelp, arguments.get());
     verb->add_option("VALUE", arguments->value, "a number, a text, or an SDL string with its quotes")->required();
-    verb->add_flag("--all", arguments->all, "all that is at the path, not only the first");
     const auto string =
         verb->add_flag("--string", arguments->asString, "the value is a text, even if it looks like a number");
     verb->add_flag("--word", arguments->asWord, "the value is a word")->excludes(string);

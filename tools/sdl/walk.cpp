@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "documents.h"
 #include "files.h"
 #include "native_name.h"
 #include "terminal.h"
@@ -44,8 +45,7 @@ eSDLReader Opened(const std::string& name, unsigned long long* size) {
 
 } // namespace
 
-eWalk::eWalk(const std::string& name)
-    : eSDLReader(Opened(name, &size)), shownName(ShownName(name)), begin(Parser().Cptr()) {}
+eWalk::eWalk(const std::string& name) : eSDLReader(Opened(name, &size)), fileName(name), begin(Parser().Cptr()) {}
 
 bool eWalk::Next() {
     const char* const before = Parser().Cptr();
@@ -61,11 +61,11 @@ bool eWalk::Next() {
         break;
     case sdlBlockEnd:
         if (depth == 0)
-            Fail("this } ends no block");
+            Fail();
         --depth;
         break;
     case sdlError:
-        Fail("no token begins with this character");
+        Fail();
     default:
         break;
     }
@@ -93,21 +93,17 @@ void eWalk::Rewind() {
     MoveTo(begin, 1);
 }
 
-void eWalk::Fail(const std::string& what) const {
-    Fail(what, Line());
-}
-
-void eWalk::Fail(const std::string& what, int line) const {
-    throw eTrouble(shownName + ":" + std::to_string(line) + ": " + what);
+// A document finds what the reader met.
+void eWalk::Fail() const {
+    RefuseFaulty(eSDLDocument(std::string(begin)), fileName);
 }
 
 void eWalk::RequireEnd(const char* before) {
-    if (EndsWithinString(before))
-        Fail("the document ends within a string");
-    if (depth > 0)
-        Fail("the document ends within " + std::to_string(depth) + (depth == 1 ? " block" : " blocks"));
+    if (depth > 0 || EndsWithinString(before))
+        Fail();
 }
 
 void eWalk::ReportProgress() {
-    terminal::ShowProgress("reading " + shownName, static_cast<unsigned long long>(Parser().Cptr() - begin), size);
+    terminal::ShowProgress("reading " + ShownName(fileName), static_cast<unsigned long long>(Parser().Cptr() - begin),
+                           size);
 }

@@ -14,8 +14,8 @@ public:
     explicit eWalk(const std::string& name);
 
 protected:
-    // Reads the next token; false at the end of the document. Shows progress. Throws eTrouble, which tells the place,
-    // at a character that begins no token, a } too many and at an end within a block or a string.
+    // Reads the next token; false at the end of the document. Shows progress. Shows the first mistake and throws
+    // eTrouble at a character that begins no token, a } too many and at an end within a block or a string.
     bool Next();
 
     // The word directly after a block's {, which it reads; false if there is none.
@@ -29,15 +29,13 @@ protected:
     // Continues at the beginning of the document.
     void Rewind();
 
-    [[noreturn]] void Fail(const std::string& what) const;
-    [[noreturn]] void Fail(const std::string& what, int line) const;
-
 private:
+    [[noreturn]] void Fail() const;
     void RequireEnd(const char* before);
     void ReportProgress();
 
     unsigned long long size = 0; // of the document in bytes
-    std::string shownName;
+    std::string fileName;
     const char* begin;
     std::size_t depth = 0;
     unsigned tokens = 0;

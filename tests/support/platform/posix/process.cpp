@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/temp_folder.h"
+
 namespace {
 
 std::string ContentOf(const std::filesystem::path& file) {
@@ -22,9 +24,10 @@ std::string ContentOf(const std::filesystem::path& file) {
 
 eEnded RunProgram(const std::string& program, const std::vector<std::string>& arguments, const std::string& input,
                   const std::filesystem::path& folder) {
-    const auto in = folder / ".input";
-    const auto out = folder / ".output";
-    const auto error = folder / ".errors";
+    const eTempFolder streams;
+    const auto in = streams.Path() / "input";
+    const auto out = streams.Path() / "output";
+    const auto error = streams.Path() / "errors";
     std::ofstream(in, std::ios::binary) << input;
 
     std::vector<char*> texts = {const_cast<char*>(program.c_str())};

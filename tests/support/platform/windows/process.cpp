@@ -10,6 +10,8 @@
 
 #include <qzl_base/convert.h>
 
+#include "support/temp_folder.h"
+
 namespace {
 
 std::string ContentOf(const std::filesystem::path& file) {
@@ -40,9 +42,10 @@ HANDLE OpenFor(const std::filesystem::path& file, DWORD access) {
 
 eEnded RunProgram(const std::string& program, const std::vector<std::string>& arguments, const std::string& input,
                   const std::filesystem::path& folder) {
-    const auto in = folder / ".input";
-    const auto out = folder / ".output";
-    const auto error = folder / ".errors";
+    const eTempFolder streams;
+    const auto in = streams.Path() / "input";
+    const auto out = streams.Path() / "output";
+    const auto error = streams.Path() / "errors";
     std::ofstream(in, std::ios::binary) << input;
 
     std::wstring line = Quoted(program);
