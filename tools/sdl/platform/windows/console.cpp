@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "platform/console.h"
 
+#include <cstdio>
 #include <fcntl.h>
 #include <io.h>
 #include <memory>
-#include <stdio.h>
 
 #include <windows.h>
 
