@@ -108,6 +108,18 @@ TEST(Schema, SaysWhatWasFoundAndExpected) {
     EXPECT_EQ(mistakes[1].expected, "a number from 0 to 1000");
 }
 
+TEST(Schema, PlacesAMistakeWithinTheDocumentWhateverIsBeforeTheName) {
+    for (const std::string text : {"{\xC7 c", "{(include \"\xC3\xA9\") c}", "{\xE9\xE9\xE9 c}"}) {
+        const eSDLDocument document(text);
+        for (const xError::eDiagnostic& mistake : eSDLSchema(eSDLDocument("{schema}")).Check(document)) {
+            EXPECT_LE(mistake.excerpt.place.offset, text.size()) << text;
+            EXPECT_LE(static_cast<unsigned long long>(mistake.excerpt.place.byteColumn),
+                      mistake.excerpt.place.offset + 1)
+                << text;
+        }
+    }
+}
+
 TEST(Schema, TakesAnyNumberOfMistakesAtMost) {
     const eSDLSchema schema = SchemaOf("");
     const eSDLDocument document("{a} {b} 1 $ {c} 2");

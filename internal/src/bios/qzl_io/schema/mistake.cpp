@@ -14,12 +14,18 @@ namespace {
 constexpr std::size_t kMostShown = 40; // bytes of a name or a value
 constexpr std::size_t kMostListed = 8;
 
-// Marks the name in place of the whole block, if both are on one line.
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+// Marks the name in place of the whole block, if both are on one line and what is between them has as many bytes in the
+// document as in the excerpt.
 void MarkName(std::string_view name, xError::eExcerpt* excerpt) {
     const std::size_t begin = name.empty() ? std::string::npos : excerpt->text.find(name, excerpt->markBegin);
-    if (begin == std::string::npos)
+    if (begin == std::string::npos ||
+        !IsAscii(std::string_view(excerpt->text).substr(excerpt->markBegin, begin - excerpt->markBegin)))
         return;
-    const auto passed = static_cast<int>(begin - excerpt->markBegin); // { and ASCII characters after it
+    const auto passed = static_cast<int>(begin - excerpt->markBegin);
     excerpt->place.offset += static_cast<unsigned>(passed);
     excerpt->place.column += passed;
     excerpt->place.byteColumn += passed;
