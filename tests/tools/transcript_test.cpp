@@ -99,6 +99,12 @@ private:
     eTempFolder folder;
 };
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
 class ToolTranscript : public testing::TestWithParam<std::string> {
 protected:
     static std::filesystem::path File() { return Folder() / (GetParam() + ".txt"); }
@@ -108,6 +114,8 @@ protected:
         constexpr bool kLinux = std::filesystem::path::preferred_separator == '/';
         if (GetParam().ends_with("_linux") && !kLinux)
             return "what it is about exists on Linux";
+        if (kSanitized && GetParam().starts_with("huge"))
+            return "with a sanitizer such documents take minutes";
         if (GetParam().ends_with("_long") && !LongTests())
             return "it takes long; it is played with QZL_LONG_TESTS=1";
         if (IsUnderWine() && !LongTests() && GetParam() != "bad_files")

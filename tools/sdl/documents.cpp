@@ -20,7 +20,7 @@ void Require(bool done, const eSDLDocument& document, const std::string& name) {
 } // namespace
 
 void OpenDocument(eSDLDocument* document, const std::string& name) {
-    terminal::ShowProgress("reading " + ShownName(name));
+    terminal::ShowStep("reading " + ShownName(name), name);
     if (name == kStandard)
         Require(document->Open(*OpenInput(name)), *document, name);
     else

@@ -66,7 +66,7 @@ void AddLine(const std::string& name, xError::eExcerpt* excerpt) {
 
 void Convert(const std::string& name, IO::eStream& output, eJsonLosses* losses) {
     const std::unique_ptr<IO::eStream> input = OpenInput(name);
-    terminal::ShowProgress("converting " + ShownName(name));
+    terminal::ShowStep("converting " + ShownName(name), name);
     const eKeptWarning warning;
     if (JsonStreamToSdl(*input, output, losses))
         return;

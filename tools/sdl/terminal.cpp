@@ -3,8 +3,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include <qzl_base/convert.h>
 
@@ -24,6 +27,17 @@ bool IsTime() {
         return false;
     next = eClock::now() + std::chrono::milliseconds(100);
     return true;
+}
+
+bool IsInteractive() {
+    static const bool interactive = console::IsTerminal(console::eStream::Error);
+    return interactive;
+}
+
+void Show(const std::string& text) {
+    EndProgress();
+    std::cerr << text << std::flush;
+    shown = text.size();
 }
 
 // Marks of direction and what has no width hide what a text says.
@@ -63,12 +77,16 @@ std::string Printable(std::string_view text) {
 }
 
 void ShowProgress(const std::string& text) {
-    static const bool interactive = console::IsTerminal(console::eStream::Error);
-    if (!interactive || !IsTime())
-        return;
-    EndProgress();
-    std::cerr << text << std::flush;
-    shown = text.size();
+    if (IsInteractive() && IsTime())
+        Show(text);
+}
+
+void ShowStep(const std::string& text, const std::string& file) {
+    constexpr std::uintmax_t kLarge = 8'000'000;
+    std::error_code unknown;
+    const std::uintmax_t size = std::filesystem::file_size(std::u8string(file.begin(), file.end()), unknown);
+    if (!unknown && size >= kLarge && IsInteractive())
+        Show(text);
 }
 
 void ShowProgress(const std::string& text, unsigned long long done, unsigned long long total) {

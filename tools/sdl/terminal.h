@@ -14,6 +14,8 @@ std::string Printable(std::string_view text);
 
 // Replaces the line of progress on standard error, ten times in a second at most and only on a terminal.
 void ShowProgress(const std::string& text);
+// The same at once, for work of one step on a file: only if the file is so large that this takes long.
+void ShowStep(const std::string& text, const std::string& file);
 // The same, with the part of `total` bytes that `done` are.
 void ShowProgress(const std::string& text, unsigned long long done, unsigned long long total);
 // Clears the line of progress to make room for other output.

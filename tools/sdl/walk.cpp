@@ -37,15 +37,14 @@ bool EndsWithinString(const char* text) {
 }
 
 // A reader of a file, which knows the file's name, or of standard input.
-eSDLReader Opened(const std::string& name, unsigned long long* size) {
+eSDLReader Opened(const std::string& name) {
     const std::unique_ptr<IO::eStream> stream = OpenInput(name);
-    *size = stream->Size();
     return name == kStandard ? eSDLReader(stream.get(), nullptr) : eSDLReader(NativeName(name), nullptr);
 }
 
 } // namespace
 
-eWalk::eWalk(const std::string& name) : eSDLReader(Opened(name, &size)), fileName(name), begin(Parser().Cptr()) {}
+eWalk::eWalk(const std::string& name) : eSDLReader(Opened(name)), fileName(name), begin(Parser().Cptr()) {}
 
 bool eWalk::Next() {
     const char* const before = Parser().Cptr();
@@ -104,6 +103,8 @@ void eWalk::RequireEnd(const char* before) {
 }
 
 void eWalk::ReportProgress() {
+    if (size == 0)
+        size = std::strlen(begin);
     terminal::ShowProgress("reading " + ShownName(fileName), static_cast<unsigned long long>(Parser().Cptr() - begin),
                            size);
 }

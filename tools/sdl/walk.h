@@ -34,9 +34,9 @@ private:
     void RequireEnd(const char* before);
     void ReportProgress();
 
-    unsigned long long size = 0; // of the document in bytes
     std::string fileName;
     const char* begin;
+    std::size_t size = 0; // in bytes, once progress is reported
     std::size_t depth = 0;
     unsigned tokens = 0;
 };
