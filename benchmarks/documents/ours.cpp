@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <qzl_io/sdl/document.h>
+#include <qzl_io/sdl/layout.h>
 
 #include <cstdint>
 #include <memory>
@@ -47,6 +48,11 @@ std::string Set(const std::string& text) {
     return document.Text();
 }
 
+// Comments stay.
+std::string Format(const std::string& text) {
+    return eSDLLayout().Format(eSDLDocument(text));
+}
+
 const eContender contender(0, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
         const std::string& text = Text(eDocument::Records, kilobytes, eFormat::Sdl);
@@ -73,6 +79,16 @@ const eContender contender(0, [](eSuite& suite) {
                        [&] { return std::uint64_t{Set(text).size() != 0}; },
                        [&] { return Sum(eSDLDocument(Set(text))); }},
                       "edit");
+        if (suite.Wants(FormatWork(kilobytes)))
+            suite.Add(FormatWork(kilobytes), count,
+                      {name,
+                       eKind::Ours,
+                       0,
+                       text.size(),
+                       {},
+                       [&] { return std::uint64_t{Format(text).size() != 0}; },
+                       [&] { return Sum(eSDLDocument(Format(text))); }},
+                      "record");
     }
 });
 

@@ -29,14 +29,22 @@ std::uint64_t Sum(const toml::table& document) {
     return sum;
 }
 
+std::string Written(const toml::table& document) {
+    std::ostringstream written;
+    written << document;
+    return written.str();
+}
+
 std::string Set(const std::string& text) {
     toml::table document = toml::parse(text);
     toml::array& records = *document["scene"].as_array();
     for (std::size_t item = 0; item < records.size(); item += kSetEvery)
         records[item].as_table()->insert_or_assign("count", 7);
-    std::ostringstream written;
-    written << document;
-    return written.str();
+    return Written(document);
+}
+
+std::string Format(const std::string& text) {
+    return Written(toml::parse(text));
 }
 
 const eContender contender(1, [](eSuite& suite) {
@@ -65,6 +73,16 @@ const eContender contender(1, [](eSuite& suite) {
                        [&] { return std::uint64_t{Set(text).size() != 0}; },
                        [&] { return Sum(toml::parse(Set(text))); }},
                       "edit");
+        if (suite.Wants(FormatWork(kilobytes)))
+            suite.Add(FormatWork(kilobytes), count,
+                      {name,
+                       eKind::Peer,
+                       0.2,
+                       text.size(),
+                       {},
+                       [&] { return std::uint64_t{Format(text).size() != 0}; },
+                       [&] { return Sum(toml::parse(Format(text))); }},
+                      "record");
     }
 });
 

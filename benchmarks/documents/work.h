@@ -28,6 +28,10 @@ inline std::string SetWork(unsigned kilobytes) {
     return "load, set one value in a hundred, write the text: records, " + SizeName(kilobytes);
 }
 
+inline std::string FormatWork(unsigned kilobytes) {
+    return "load and write with a fixed layout: records, " + SizeName(kilobytes);
+}
+
 constexpr std::size_t kFoundEvery = 1000;
 constexpr std::size_t kSetEvery = 100;
 
