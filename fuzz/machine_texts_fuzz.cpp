@@ -102,7 +102,7 @@ void CheckCopy(eScript& script) {
             return static_cast<long long>(answer) - 1;
         };
     };
-    const eCopyEnd end = CopyInSteps({way(false), way(true)}, step, expected, [&] {
+    const eCopyEnd end = CopyInSteps({way(false), way(true)}, step, expected, [&](unsigned long long) {
         stopped = script.Below(32) == 31;
         return stopped;
     });

@@ -6,4 +6,5 @@
 #include <qzl_io/system/path.h>
 #include <qzl_io/system/search.h>
 #include <qzl_io/system/system_info.h>
+#include <qzl_io/system/tree_search.h>
 #include <qzl_io/system/working_paths.h>

@@ -52,18 +52,18 @@ TEST(CopyInSteps, GoesOnWithTheNextWayWhereOneGivesUp) {
     for (const eRow& row : rows) {
         SCOPED_TRACE(row.promise);
         EXPECT_EQ(row.end, CopyInSteps({Answers(row.first), Answers(row.second), Answers(row.third)}, 4, row.expected,
-                                       [] { return false; }));
+                                       [](auto) { return false; }));
     }
 }
 
 TEST(CopyInSteps, AsksWhetherToStopBeforeTheFirstStep) {
-    EXPECT_EQ(eCopyEnd::Stopped, CopyInSteps({Never()}, 4, 10, [] { return true; }));
+    EXPECT_EQ(eCopyEnd::Stopped, CopyInSteps({Never()}, 4, 10, [](auto) { return true; }));
 }
 
 TEST(CopyInSteps, AsksAgainBetweenAnyTwoSteps) {
     int asked = 0;
     EXPECT_EQ(eCopyEnd::Stopped,
-              CopyInSteps({Answers({4, -1}), Answers({4}), Never()}, 4, 100, [&] { return ++asked == 4; }));
+              CopyInSteps({Answers({4, -1}), Answers({4}), Never()}, 4, 100, [&](auto) { return ++asked == 4; }));
     EXPECT_EQ(4, asked);
 }
 
@@ -73,7 +73,7 @@ TEST(CopyInSteps, NeverAsksForMoreThanAStepNorForMoreThanIsExpected) {
         asked.push_back(limit);
         return static_cast<long long>(limit);
     };
-    EXPECT_EQ(eCopyEnd::Complete, CopyInSteps({way}, 64, 150, [] { return false; }));
+    EXPECT_EQ(eCopyEnd::Complete, CopyInSteps({way}, 64, 150, [](auto) { return false; }));
     EXPECT_EQ((std::vector<std::size_t>{64, 64, 22}), asked);
 }
 

@@ -18,6 +18,7 @@ static_assert(is<decltype(&Copy), bool (*)(const eFileName&, const eFileName&)>)
 static_assert(is<decltype(&CopyEx), bool (*)(const eFileName&, const eFileName&, bool*)>);
 static_assert(is<decltype(&Delete), bool (*)(const eFileName&)>);
 static_assert(is<decltype(&Rename), bool (*)(const eFileName&, const eFileName&)>);
+static_assert(is<decltype(&Replace), bool (*)(const eFileName&, const eFileName&)>);
 static_assert(is<decltype(&Size), unsigned long long (*)(const eFileName&)>);
 static_assert(is<std::underlying_type_t<eAccessMode>, int>);
 } // namespace OfFile
@@ -28,6 +29,8 @@ static_assert(is<decltype(&Access), bool (*)(const eFileNameW&, eAccessMode)>);
 static_assert(is<decltype(&Copy), bool (*)(const eFileNameW&, const eFileNameW&)>);
 static_assert(is<decltype(&CopyEx), bool (*)(const eFileNameW&, const eFileNameW&, bool*)>);
 static_assert(is<decltype(&Delete), bool (*)(const eFileNameW&)>);
+static_assert(is<decltype(&Rename), bool (*)(const eFileNameW&, const eFileNameW&)>);
+static_assert(is<decltype(&Replace), bool (*)(const eFileNameW&, const eFileNameW&)>);
 static_assert(is<decltype(&Size), unsigned long long (*)(const eFileNameW&)>);
 static_assert(is<std::underlying_type_t<eAccessMode>, int>);
 } // namespace OfFileW
@@ -45,6 +48,10 @@ static_assert(is<decltype(&Create), bool (*)(const eFileName&)>);
 static_assert(is<decltype(&Copy), void (*)(const eFileName&, const eFileName&)>);
 static_assert(is<decltype(&Delete), void (*)(const eFileName&, bool)>);
 static_assert(is<decltype(&PurgeEmpty), void (*)(const eFileName&)>);
+static_assert(is<decltype(&CopyTree),
+                 IO::System::eTreeResult (*)(const eFileName&, const eFileName&, const IO::System::eTreeTask&)>);
+static_assert(is<decltype(&DeleteTree), IO::System::eTreeResult (*)(const eFileName&, const IO::System::eTreeTask&)>);
+static_assert(is<decltype(&PurgeTree), IO::System::eTreeResult (*)(const eFileName&, const IO::System::eTreeTask&)>);
 static_assert(is<decltype(&SplitPath), Text (*)(const Text&, Text*, Text*, Text*, Text*)>);
 static_assert(is<decltype(&WorkingDir), Text (*)()>);
 } // namespace OfPath
@@ -56,6 +63,10 @@ static_assert(is<decltype(&Create), bool (*)(const eFileNameW&)>);
 static_assert(is<decltype(&Copy), void (*)(const eFileNameW&, const eFileNameW&)>);
 static_assert(is<decltype(&Delete), void (*)(const eFileNameW&, bool)>);
 static_assert(is<decltype(&PurgeEmpty), void (*)(const eFileNameW&)>);
+static_assert(is<decltype(&CopyTree),
+                 IO::System::eTreeResultW (*)(const eFileNameW&, const eFileNameW&, const IO::System::eTreeTask&)>);
+static_assert(is<decltype(&DeleteTree), IO::System::eTreeResultW (*)(const eFileNameW&, const IO::System::eTreeTask&)>);
+static_assert(is<decltype(&PurgeTree), IO::System::eTreeResultW (*)(const eFileNameW&, const IO::System::eTreeTask&)>);
 static_assert(is<decltype(&SplitPath), Text (*)(const Text&, Text*, Text*, Text*, Text*)>);
 static_assert(is<decltype(&WorkingDir), Text (*)()>);
 } // namespace OfPathW

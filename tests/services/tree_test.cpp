@@ -19,6 +19,7 @@ namespace {
 
 using IO::eFileId;
 using IO::Platform::eAnswer;
+using IO::Platform::eCopyWatch;
 using IO::Platform::eEntry;
 using IO::Platform::eEntryKind;
 using IO::Platform::eFolder;
@@ -99,6 +100,9 @@ public:
         }
         return false;
     }
+    bool IsListedWhole() override { return true; }
+    IO::Platform::eEntryFacts Facts(const eEntry&) override { return {}; }
+    bool ReachableName(const eEntry&, std::string*) override { return true; }
     eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) override {
         const auto found = Find(entry);
         if (IsBusy(found))
@@ -119,7 +123,7 @@ public:
         return made ? Enter(entry, opened) : eAnswer::Refused;
     }
     void EndLike(eFolder&) override {}
-    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
+    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link, const eCopyWatch&) override {
         const auto found = Find(entry);
         if (IsBusy(found))
             return eAnswer::Busy;
@@ -404,6 +408,121 @@ TEST_F(Tree, ManyBusyEntriesHoldADeletionUpForAboutASecondInAll) {
     EXPECT_EQ(1000u, root->below.size());
     EXPECT_GE(waited, std::chrono::milliseconds(1000));
     EXPECT_LT(waited, std::chrono::milliseconds(1250));
+}
+
+// --- What a watch is told ---
+
+// Writes down what it is told, one line each, and stops before a chosen line.
+class eNotes : public IO::System::eTreeWatch {
+public:
+    explicit eNotes(std::size_t stopAfter = 1000) : most(stopAfter) {}
+
+    void Done(eEntryKind kind, unsigned long long) override { Note(clearing ? "cleared" : "done", kind); }
+    void Passed(eEntryKind kind, unsigned long long) override { Note("passed", kind); }
+    void Failed(IO::System::eTreeStep step, const eEntry& entry, unsigned long long, int) override {
+        trail.push_back(entry);
+        FolderFailed(step, 0);
+        trail.pop_back();
+    }
+    void FolderFailed(IO::System::eTreeStep step, int) override {
+        static constexpr const char* kSteps[] = {"open", "create", "copy", "remove"};
+        std::string line = std::string("cannot ") + kSteps[static_cast<int>(step)] + (clearing ? " in the target" : "");
+        for (const eEntry& entry : trail)
+            line += (&entry == &trail.front() ? " " : "/") + std::string(static_cast<const char*>(entry.name));
+        lines.push_back(line);
+        stopped = lines.size() >= most;
+    }
+    bool Copying(unsigned long long) override { return !stopped; }
+    void Counted(eEntryKind kind, unsigned long long) override { Note("counted", kind); }
+
+    eShown lines;
+
+private:
+    void Note(const std::string& what, eEntryKind kind) {
+        lines.push_back(what + (kind == eEntryKind::Folder ? " folder" : kind == eEntryKind::Link ? " link" : " file"));
+        stopped = lines.size() >= most;
+    }
+
+    const std::size_t most;
+};
+
+TEST_F(Tree, AWatchIsToldWhatBecomesOfEachEntryOfADeletedTree) {
+    auto kept = File();
+    kept->locked = true;
+    auto sealed = Folder({{"file", File()}});
+    sealed->unlisted = true;
+    auto root = Folder({{"a", Folder({{"gone", File()}, {"kept", kept}})},
+                        {"b", Folder({{"link", Link("out")}})},
+                        {"sealed", sealed}});
+    eMemoryFolder opened(root, &watch);
+    eNotes notes;
+    EXPECT_FALSE(DeleteContents(opened, patience, &notes));
+    EXPECT_EQ((eShown{"done file", "cannot remove a/kept", "passed folder", "done link", "done folder",
+                      "cannot open sealed"}),
+              notes.lines);
+}
+
+TEST_F(Tree, AWatchIsToldOfTheFoldersThatPurgingRemovesAndOfThoseThatItCannotRemove) {
+    auto locked = Folder();
+    locked->locked = true;
+    auto root = Folder({{"a", Folder({{"b", Folder()}})}, {"full", Folder({{"file", File()}})}, {"locked", locked}});
+    eMemoryFolder opened(root, &watch);
+    eNotes notes;
+    EXPECT_FALSE(PurgeContents(opened, patience, &notes));
+    EXPECT_EQ((eShown{"done folder", "done folder", "passed file", "passed folder", "cannot remove locked"}),
+              notes.lines);
+}
+
+TEST_F(Tree, AWatchIsToldWhatIsCopiedAndWhatCannotBeClearedInTheTarget) {
+    watch.linksRefused = true;
+    auto sealed = Folder();
+    sealed->unlisted = true;
+    auto kept = File("old");
+    kept->locked = true;
+    auto source = Folder({{"a", Folder({{"file", File("new")}})},
+                          {"blocked", Folder({{"lost", File()}})},
+                          {"folder link", Link("folder")},
+                          {"sealed", sealed}});
+    auto target = Folder({{"a", Folder({{"kept", kept}})}, {"blocked", File()}});
+    eMemoryFolder from(source, &watch), to(target, &watch);
+    eNotes notes;
+    CopyContents(from, to, patience, &notes);
+    EXPECT_EQ((eShown{"cannot remove in the target a/kept", "done file", "done folder", "cannot create blocked",
+                      "cannot copy folder link", "cannot open sealed"}),
+              notes.lines);
+}
+
+TEST_F(Tree, AWatchCanStopAWalkAfterAnyEntry) {
+    const auto make = [] {
+        return Folder({{"a", Folder({{"b", Folder({{"file", File()}})}, {"file", File()}})}, {"file", File()}});
+    };
+    for (std::size_t most = 1; most < 5; ++most) {
+        const auto root = make();
+        eMemoryFolder deleted(root, &watch);
+        eNotes notes(most);
+        EXPECT_FALSE(DeleteContents(deleted, patience, &notes));
+        EXPECT_EQ(most, notes.lines.size());
+        EXPECT_EQ(5 - most, Shown(root).size());
+        const auto source = make(), target = Folder();
+        eMemoryFolder from(source, &watch), to(target, &watch);
+        eNotes copied(most);
+        CopyContents(from, to, patience, &copied);
+        EXPECT_EQ(most, copied.lines.size());
+        EXPECT_LT(Shown(target).size(), 5u);
+    }
+    EXPECT_EQ(0, watch.awake);
+}
+
+TEST_F(Tree, CountingTellsOfEveryEntryAndChangesNothing) {
+    auto sealed = Folder();
+    sealed->unlisted = true;
+    auto root = Folder({{"a", Folder({{"file", File()}})}, {"link", Link("out")}, {"sealed", sealed}});
+    const eShown before = Shown(root);
+    eMemoryFolder opened(root, &watch);
+    eNotes notes;
+    IO::System::CountContents(opened, patience, notes, true);
+    EXPECT_EQ((eShown{"counted folder", "counted file", "counted link", "counted folder"}), notes.lines);
+    EXPECT_EQ(before, Shown(root));
 }
 
 } // namespace

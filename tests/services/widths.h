@@ -30,12 +30,24 @@ struct eNarrow {
         return IO::System::File::CopyEx(from, to, flag);
     }
     static bool DeleteFile(const Name& name) { return IO::System::File::Delete(name); }
+    static bool Rename(const Name& from, const Name& to) { return IO::System::File::Rename(from, to); }
+    static bool Replace(const Name& from, const Name& to) { return IO::System::File::Replace(from, to); }
     static unsigned long long Size(const Name& name) { return IO::System::File::Size(name); }
 
     static bool Create(const Name& folder) { return IO::System::Path::Create(folder); }
     static void Copy(const Name& from, const Name& to) { IO::System::Path::Copy(from, to); }
     static void Delete(const Name& folder, bool recursive) { IO::System::Path::Delete(folder, recursive); }
     static void PurgeEmpty(const Name& folder) { IO::System::Path::PurgeEmpty(folder); }
+    using Result = IO::System::eTreeResult;
+    static Result CopyTree(const Name& from, const Name& to, const IO::System::eTreeTask& task = {}) {
+        return IO::System::Path::CopyTree(from, to, task);
+    }
+    static Result DeleteTree(const Name& folder, const IO::System::eTreeTask& task = {}) {
+        return IO::System::Path::DeleteTree(folder, task);
+    }
+    static Result PurgeTree(const Name& folder, const IO::System::eTreeTask& task = {}) {
+        return IO::System::Path::PurgeTree(folder, task);
+    }
     static Text Split(const Text& path, Text* drive, Text* dir, Text* name, Text* ext) {
         return IO::System::Path::SplitPath(path, drive, dir, name, ext);
     }
@@ -61,12 +73,24 @@ struct eWide {
         return IO::System::FileW::CopyEx(from, to, flag);
     }
     static bool DeleteFile(const Name& name) { return IO::System::FileW::Delete(name); }
+    static bool Rename(const Name& from, const Name& to) { return IO::System::FileW::Rename(from, to); }
+    static bool Replace(const Name& from, const Name& to) { return IO::System::FileW::Replace(from, to); }
     static unsigned long long Size(const Name& name) { return IO::System::FileW::Size(name); }
 
     static bool Create(const Name& folder) { return IO::System::PathW::Create(folder); }
     static void Copy(const Name& from, const Name& to) { IO::System::PathW::Copy(from, to); }
     static void Delete(const Name& folder, bool recursive) { IO::System::PathW::Delete(folder, recursive); }
     static void PurgeEmpty(const Name& folder) { IO::System::PathW::PurgeEmpty(folder); }
+    using Result = IO::System::eTreeResultW;
+    static Result CopyTree(const Name& from, const Name& to, const IO::System::eTreeTask& task = {}) {
+        return IO::System::PathW::CopyTree(from, to, task);
+    }
+    static Result DeleteTree(const Name& folder, const IO::System::eTreeTask& task = {}) {
+        return IO::System::PathW::DeleteTree(folder, task);
+    }
+    static Result PurgeTree(const Name& folder, const IO::System::eTreeTask& task = {}) {
+        return IO::System::PathW::PurgeTree(folder, task);
+    }
     static Text Split(const Text& path, Text* drive, Text* dir, Text* name, Text* ext) {
         return IO::System::PathW::SplitPath(path, drive, dir, name, ext);
     }

@@ -6,8 +6,9 @@
 
 // Single files. Names are passed to the system unchanged, with forward slashes: a backslash in a name counts as a
 // slash, even in a name that was read from a stream. On Linux wide names are UTF-8 on disk. On Windows names may have
-// any length and may end in dots and blanks; short names of devices ("nul", "aux.txt") are devices. Nothing here throws
-// or reports: every failure is a false or zero result. The functions keep no state, so any thread may call them.
+// any length and may end in dots and blanks; short names of devices ("nul", "aux.txt") are devices. A name that
+// contains a NUL names nothing. Nothing here throws or reports: every failure is a false or zero result. The functions
+// keep no state, so any thread may call them.
 
 namespace IO::System::File {
 
@@ -62,12 +63,24 @@ QZL_IO_API bool Delete(const eFileName& name);
 // On Windows an open file is usually refused, too.
 QZL_IO_API bool Rename(const eFileName& from, const eFileName& to);
 
+// Renames or moves a file like Rename, and replaces an existing file in one step: at every moment `to` is the old file
+// or the new one. True if that succeeded; otherwise both are as they were. What Windows refuses because a file is open
+// elsewhere is tried again for up to a quarter of a second.
+//
+// | the target                             | Windows                          | Linux                     |
+// |----------------------------------------|----------------------------------|---------------------------|
+// | is an existing file                    | replaced, unless it is read-only | replaced, by files        |
+// | is an existing folder                  | refused                          | an empty one, by folders  |
+// | is another name of the same file       | replaced                         | both names stay; true     |
+// | is on another volume                   | refused                          | refused                   |
+QZL_IO_API bool Replace(const eFileName& from, const eFileName& to);
+
 // The file's length in bytes; 0 if it is missing, may not be read, or is a folder or a device.
 QZL_IO_API unsigned long long Size(const eFileName& name);
 
 } // namespace IO::System::File
 
-// The functions of File for wide names, except Rename.
+// The functions of File for wide names.
 namespace IO::System::FileW {
 
 // The kinds of access that Access checks.
@@ -82,6 +95,8 @@ QZL_IO_API bool Access(const eFileNameW& name, eAccessMode mode);
 QZL_IO_API bool Copy(const eFileNameW& from, const eFileNameW& to);
 QZL_IO_API bool CopyEx(const eFileNameW& from, const eFileNameW& to, bool* cancel);
 QZL_IO_API bool Delete(const eFileNameW& name);
+QZL_IO_API bool Rename(const eFileNameW& from, const eFileNameW& to);
+QZL_IO_API bool Replace(const eFileNameW& from, const eFileNameW& to);
 QZL_IO_API unsigned long long Size(const eFileNameW& name);
 
 } // namespace IO::System::FileW

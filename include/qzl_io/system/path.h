@@ -5,9 +5,11 @@
 
 #include <qzl_io/export.h>
 #include <qzl_io/file_name.h>
+#include <qzl_io/system/tree.h>
 
-// Whole folders. A backslash in a folder's name counts as a slash. Only Create tells whether it failed; the other tree
-// operations skip what the system refuses and continue.
+// Whole folders. A backslash in a folder's name counts as a slash. A name that contains a NUL names nothing. Copy,
+// Delete and PurgeEmpty skip what the system refuses and continue; CopyTree, DeleteTree and PurgeTree do the same work
+// and tell what has become of it.
 //
 // Links (symbolic links and junctions, as eSearch::IsLink tells) never lead a tree operation out of the tree, even if a
 // folder is replaced by a link while the operation runs.
@@ -53,6 +55,19 @@ QZL_IO_API void Delete(const eFileName& folder, bool recursive);
 // current folder.
 QZL_IO_API void PurgeEmpty(const eFileName& folder);
 
+// Copies like Copy, and tells what could not be copied, or not be removed from `to`, and why. Devices and pipes cannot
+// be copied. Before anything in `to` is removed, `from` is opened: if that fails, `to` stays as it is. A cancelled copy
+// leaves a part of the tree, in which every file is complete.
+QZL_IO_API eTreeResult CopyTree(const eFileName& from, const eFileName& to, const eTreeTask& task = {});
+
+// Deletes like Delete with `recursive`, and tells what could not be removed, and why. The folders that stay above such
+// an entry are no failures of their own. A missing folder is a failure.
+QZL_IO_API eTreeResult DeleteTree(const eFileName& folder, const eTreeTask& task = {});
+
+// Removes empty folders like PurgeEmpty, and tells which of them could not be removed, or not be looked into, and why.
+// `folder` is a folder with or without "/" at its end. Sizes of files are not asked for.
+QZL_IO_API eTreeResult PurgeTree(const eFileName& folder, const eTreeTask& task = {});
+
 // Cuts a path into drive, folder, name and extension, by the same rules on both systems, and returns `path`. A null
 // pointer skips its part; an empty path leaves all outputs unchanged. Both kinds of slash separate folders. The parts,
 // joined, are the path again. The drive may have 2 characters and every other part 255: if one part is longer, all
@@ -82,6 +97,9 @@ QZL_IO_API bool Create(const eFileNameW& folder);
 QZL_IO_API void Copy(const eFileNameW& from, const eFileNameW& to);
 QZL_IO_API void Delete(const eFileNameW& folder, bool recursive);
 QZL_IO_API void PurgeEmpty(const eFileNameW& folder);
+QZL_IO_API eTreeResultW CopyTree(const eFileNameW& from, const eFileNameW& to, const eTreeTask& task = {});
+QZL_IO_API eTreeResultW DeleteTree(const eFileNameW& folder, const eTreeTask& task = {});
+QZL_IO_API eTreeResultW PurgeTree(const eFileNameW& folder, const eTreeTask& task = {});
 QZL_IO_API std::wstring SplitPath(const std::wstring& path, std::wstring* drive, std::wstring* dir, std::wstring* name,
                                   std::wstring* ext);
 QZL_IO_API std::wstring WorkingDir();

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <qzl_io/system/file.h>
 
+#include "files/whole_name.h"
 #include "platform/files.h"
+#include "platform/pure/patience.h"
 
 namespace IO::System {
 
 namespace {
 
-// A name with forward slashes only; a name from a stream may contain backslashes. The name must outlive this object.
+// A name with forward slashes only; a name from a stream may contain backslashes. Empty for a name that names nothing.
+// The name must outlive this object.
 template <class Name>
 class eForwardName {
 public:
@@ -19,7 +22,7 @@ public:
             turned = name;
     }
 
-    const Char* c_str() const { return turned.empty() ? given.c_str() : turned.c_str(); }
+    const Char* c_str() const { return WholeText(turned.empty() ? given : turned); }
 
 private:
     const Name& given;
@@ -34,6 +37,13 @@ bool CopyFile(const Name& from, const Name& to) {
         return false;
     Platform::CopyWhole(source.c_str(), target.c_str());
     return true;
+}
+
+template <class Name>
+bool ReplaceFile(const Name& from, const Name& to) {
+    const eForwardName source(from);
+    const eForwardName target(to);
+    return ePatience().Get([&] { return Platform::RenameOver(source.c_str(), target.c_str()); });
 }
 
 template <class Name>
@@ -65,6 +75,9 @@ bool Delete(const eFileName& name) {
 bool Rename(const eFileName& from, const eFileName& to) {
     return Platform::RenameFile(eForwardName(from).c_str(), eForwardName(to).c_str());
 }
+bool Replace(const eFileName& from, const eFileName& to) {
+    return ReplaceFile(from, to);
+}
 unsigned long long Size(const eFileName& name) {
     return Platform::FileSize(eForwardName(name).c_str());
 }
@@ -84,6 +97,12 @@ bool CopyEx(const eFileNameW& from, const eFileNameW& to, bool* cancel) {
 }
 bool Delete(const eFileNameW& name) {
     return Platform::EraseFile(eForwardName(name).c_str());
+}
+bool Rename(const eFileNameW& from, const eFileNameW& to) {
+    return Platform::RenameFile(eForwardName(from).c_str(), eForwardName(to).c_str());
+}
+bool Replace(const eFileNameW& from, const eFileNameW& to) {
+    return ReplaceFile(from, to);
 }
 unsigned long long Size(const eFileNameW& name) {
     return Platform::FileSize(eForwardName(name).c_str());

@@ -8,7 +8,10 @@
 
 #include "files/path_text.h"
 #include "files/tree.h"
+#include "files/tree_report.h"
+#include "files/whole_name.h"
 #include "platform/characters.h"
+#include "platform/file_handle.h"
 #include "platform/files.h"
 #include "platform/folder.h"
 #include "platform/machine.h"
@@ -22,11 +25,11 @@ namespace {
 // The system whose wide characters have 2 bytes is the one with drives.
 constexpr eNameRoot kNameRoot = sizeof(wchar_t) == 2 ? eNameRoot::Drive : eNameRoot::Slash;
 
-// As paths, these names would mean a root with everything on it.
+// As paths, these names would mean a root with everything on it; or they go on after the end that the system sees.
 template <class Name>
 bool NamesNothing(const Name& folder) {
     const auto* text = folder.c_str();
-    return text[0] == 0 || (text[1] == ':' && text[2] == 0);
+    return text[0] == 0 || (text[1] == ':' && text[2] == 0) || !IsWhole(folder.str());
 }
 
 // Null if the folder cannot be opened.
@@ -41,6 +44,8 @@ std::unique_ptr<eFolder> OpenFolder(const Char* name, eNamedLink link, ePatience
 template <class Char>
 bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience, eFolder* like = nullptr) {
     const Platform::eUnattended unattended;
+    if (!IsWhole(folder))
+        return false;
     if (folder.empty() || Platform::MayAccess(folder.c_str(), File::Exist))
         return true;
     const auto makeFolder = [&](const std::basic_string<Char>& part) {
@@ -50,45 +55,82 @@ bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience, eF
     return MakeParts(folder, FirstPart(std::basic_string_view<Char>(folder), kNameRoot), makeFolder);
 }
 
+// Takes the folder as a path, which names something.
 template <class Name>
-void DeleteFolder(const Name& folder, bool recursive, ePatience& patience) {
-    const Platform::eUnattended unattended;
-    if (NamesNothing(folder))
-        return;
-    const Name path = Name(folder).GetPath();
+void DeletePath(const Name& path, bool recursive, ePatience& patience, eTreeWatch* watch) {
     bool emptied = false;
-    if (recursive)
+    int notOpened = 0;
+    if (recursive) {
         if (const auto opened = OpenFolder(path.c_str(), eNamedLink::Refuse, patience))
-            emptied = DeleteContents(*opened, patience);
-    if (!patience.GetRemoved(emptied, [&] { return Platform::RemoveFolder(path.c_str()); }))
-        Platform::RemoveFolderLink(path.c_str());
+            emptied = DeleteContents(*opened, patience, watch);
+        else
+            notOpened = Platform::TakeRefusal();
+    }
+    if (watch && watch->IsStopped())
+        return;
+    bool removed = patience.GetRemoved(emptied, [&] { return Platform::RemoveFolder(path.c_str()); });
+    const int notRemoved = removed ? 0 : Platform::TakeRefusal();
+    removed = removed || Platform::RemoveFolderLink(path.c_str());
+    if (!watch)
+        return;
+    if (removed)
+        return watch->Done(eEntryKind::Folder, 0);
+    if (emptied || notOpened != 0)
+        watch->FolderFailed(notOpened != 0 ? eTreeStep::Open : eTreeStep::Remove,
+                            notOpened != 0 ? notOpened : notRemoved);
+    watch->Passed(eEntryKind::Folder, 0);
+}
+
+template <class Name>
+void DeleteFolder(const Name& folder, bool recursive) {
+    const Platform::eUnattended unattended;
+    ePatience patience;
+    if (!NamesNothing(folder))
+        DeletePath(folder.GetPath(), recursive, patience, nullptr);
+    Platform::TakeRefusal();
+}
+
+template <class Name>
+void CopyPath(const Name& source, const Name& target, ePatience& patience, eTreeWatch* watch) {
+    {
+        const eTreeWatch::eClearing clearing(watch);
+        if (!watch || Platform::MayAccess(target.c_str(), File::Exist))
+            DeletePath(target, true, patience, watch);
+    }
+    if (watch && watch->IsStopped())
+        return;
+    const auto openedSource = OpenFolder(source.c_str(), eNamedLink::Follow, patience);
+    if (!openedSource && watch)
+        watch->FolderFailed(eTreeStep::Open, Platform::TakeRefusal());
+    const bool isNew = !Platform::MayAccess(target.c_str(), File::Exist);
+    CreateFolder(target.str(), patience, openedSource.get());
+    const auto openedTarget = OpenFolder(target.c_str(), eNamedLink::Refuse, patience);
+    if (!openedTarget && watch) {
+        const eTreeWatch::eClearing clearing(watch);
+        watch->FolderFailed(eTreeStep::Create, Platform::TakeRefusal());
+    }
+    if (!openedSource || !openedTarget)
+        return;
+    if (isNew)
+        openedTarget->EndLike(*openedSource);
+    CopyContents(*openedSource, *openedTarget, patience, watch);
+    if (watch && !watch->IsStopped())
+        watch->Done(eEntryKind::Folder, 0);
 }
 
 template <class Name>
 void CopyFolder(const Name& from, const Name& to) {
     const Platform::eUnattended unattended;
-    if (NamesNothing(from) || NamesNothing(to))
-        return;
-    const Name source = Name(from).GetPath();
-    const Name target = Name(to).GetPath();
     ePatience patience;
-    DeleteFolder(target, true, patience);
-    const auto openedSource = OpenFolder(source.c_str(), eNamedLink::Follow, patience);
-    const bool isNew = !Platform::MayAccess(target.c_str(), File::Exist);
-    CreateFolder(target.str(), patience, openedSource.get());
-    const auto openedTarget = OpenFolder(target.c_str(), eNamedLink::Refuse, patience);
-    if (!openedSource || !openedTarget)
-        return;
-    if (isNew)
-        openedTarget->EndLike(*openedSource);
-    CopyContents(*openedSource, *openedTarget, patience);
+    if (!NamesNothing(from) && !NamesNothing(to))
+        CopyPath(Name(from).GetPath(), Name(to).GetPath(), patience, nullptr);
+    Platform::TakeRefusal();
 }
 
 // Prepends the name, as text, to whatever it and the mask find together: on Linux a listed name may contain a
 // backslash, which a name value would turn into a slash.
 template <class Search, class Name, class Char>
-void PurgeFound(const Name& prefix, const Char* mask) {
-    ePatience patience;
+void PurgeFound(const Name& prefix, const Char* mask, ePatience& patience) {
     for (Search search(prefix, mask); search.Valid(); search.Next()) {
         if (!search.IsSubfolder() || search.IsLink())
             continue;
@@ -104,11 +146,81 @@ template <class Search, class Name, class Char>
 void PurgeFolder(const Name& folder, const Char* mask) {
     const Platform::eUnattended unattended;
     const Name name(folder);
-    if (!name.str().ends_with(Char('/')))
-        return PurgeFound<Search>(name, mask);
     ePatience patience;
-    if (const auto opened = OpenFolder(name.c_str(), eNamedLink::Refuse, patience))
+    if (!name.str().ends_with(Char('/')))
+        PurgeFound<Search>(name, mask, patience);
+    else if (const auto opened = OpenFolder(WholeText(name), eNamedLink::Refuse, patience))
         PurgeContents(*opened, patience);
+    Platform::TakeRefusal();
+}
+
+// --- The operations that tell ---
+
+template <class Name>
+void PurgePath(const Name& path, ePatience& patience, eTreeReport<Name>& report) {
+    if (const auto opened = OpenFolder(path.c_str(), eNamedLink::Refuse, patience))
+        PurgeContents(*opened, patience, &report);
+    else
+        report.FolderFailed(eTreeStep::Open, Platform::TakeRefusal());
+}
+
+// Counts what is in a folder, if that is asked for; `whole` with the folder itself and the sizes of files. False if the
+// folder cannot be opened.
+template <class Name>
+bool CountTree(const Name& root, eNamedLink link, bool whole, ePatience& patience, eTreeReport<Name>& report) {
+    const auto opened = OpenFolder(root.c_str(), link, patience);
+    if (opened && report.Counts()) {
+        report.BeginCount();
+        if (whole)
+            report.Counted(eEntryKind::Folder, 0);
+        CountContents(*opened, patience, report, whole);
+        report.EndCount();
+    }
+    return opened != nullptr;
+}
+
+template <class Name>
+eTreeResultOf<Name> CopyTelling(const Name& from, const Name& to, const eTreeTask& task) {
+    const Platform::eUnattended unattended;
+    const Name source = from.GetPath();
+    const Name target = to.GetPath();
+    eTreeReport<Name> report(task, source.str(), target.str());
+    ePatience patience;
+    if (NamesNothing(from) || NamesNothing(to))
+        report.NamesNothing(NamesNothing(from) ? from.str() : to.str());
+    else if (!CountTree(source, eNamedLink::Follow, true, patience, report))
+        report.FolderFailed(eTreeStep::Open, Platform::TakeRefusal());
+    else if (!report.IsStopped())
+        CopyPath(source, target, patience, &report);
+    return report.Take();
+}
+
+template <class Name>
+eTreeResultOf<Name> DeleteTelling(const Name& folder, const eTreeTask& task) {
+    const Platform::eUnattended unattended;
+    const Name path = folder.GetPath();
+    eTreeReport<Name> report(task, path.str(), path.str());
+    ePatience patience;
+    if (NamesNothing(folder))
+        report.NamesNothing(folder.str());
+    else if (CountTree(path, eNamedLink::Refuse, true, patience, report); !report.IsStopped())
+        DeletePath(path, true, patience, &report);
+    return report.Take();
+}
+
+template <class Name>
+eTreeResultOf<Name> PurgeTelling(const Name& folder, const eTreeTask& task) {
+    const Platform::eUnattended unattended;
+    const Name path = folder.GetPath();
+    eTreeReport<Name> report(task, path.str(), path.str());
+    ePatience patience;
+    if (NamesNothing(folder))
+        report.NamesNothing(folder.str());
+    else if (!CountTree(path, eNamedLink::Refuse, false, patience, report))
+        report.FolderFailed(eTreeStep::Open, Platform::TakeRefusal());
+    else if (!report.IsStopped())
+        PurgePath(path, patience, report);
+    return report.Take();
 }
 
 template <class Char>
@@ -153,11 +265,20 @@ void Copy(const eFileName& from, const eFileName& to) {
     CopyFolder(from, to);
 }
 void Delete(const eFileName& folder, bool recursive) {
-    ePatience patience;
-    DeleteFolder(folder, recursive, patience);
+    DeleteFolder(eFileName(folder), recursive);
 }
 void PurgeEmpty(const eFileName& folder) {
     PurgeFolder<eSearch>(folder, "*.*");
+}
+
+eTreeResult CopyTree(const eFileName& from, const eFileName& to, const eTreeTask& task) {
+    return CopyTelling(eFileName(from), eFileName(to), task);
+}
+eTreeResult DeleteTree(const eFileName& folder, const eTreeTask& task) {
+    return DeleteTelling(eFileName(folder), task);
+}
+eTreeResult PurgeTree(const eFileName& folder, const eTreeTask& task) {
+    return PurgeTelling(eFileName(folder), task);
 }
 
 std::string SplitPath(const std::string& path, std::string* drive, std::string* dir, std::string* name,
@@ -181,11 +302,20 @@ void Copy(const eFileNameW& from, const eFileNameW& to) {
     CopyFolder(from, to);
 }
 void Delete(const eFileNameW& folder, bool recursive) {
-    ePatience patience;
-    DeleteFolder(folder, recursive, patience);
+    DeleteFolder(eFileNameW(folder), recursive);
 }
 void PurgeEmpty(const eFileNameW& folder) {
     PurgeFolder<eSearchW>(folder, L"*.*");
+}
+
+eTreeResultW CopyTree(const eFileNameW& from, const eFileNameW& to, const eTreeTask& task) {
+    return CopyTelling(eFileNameW(from), eFileNameW(to), task);
+}
+eTreeResultW DeleteTree(const eFileNameW& folder, const eTreeTask& task) {
+    return DeleteTelling(eFileNameW(folder), task);
+}
+eTreeResultW PurgeTree(const eFileNameW& folder, const eTreeTask& task) {
+    return PurgeTelling(eFileNameW(folder), task);
 }
 
 std::wstring SplitPath(const std::wstring& path, std::wstring* drive, std::wstring* dir, std::wstring* name,

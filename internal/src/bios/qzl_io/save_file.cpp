@@ -6,6 +6,7 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 
+#include "files/whole_name.h"
 #include "platform/file_handle.h"
 #include "platform/saved_file.h"
 
@@ -37,7 +38,7 @@ std::unique_ptr<Save> Begin(const Name& target, const std::string& text) {
     auto save = std::make_unique<Save>();
     save->notBegun = "\"" + text + "\" cannot be saved";
     save->notSaved = "\"" + text + "\" was not saved";
-    save->file = Platform::BeginSave(target.c_str(), &save->handle);
+    save->file = Platform::BeginSave(System::WholeText(target), &save->handle);
     if (!save->file)
         save->refusal = Platform::TakeRefusal();
     return save;

@@ -15,6 +15,7 @@
 #include <qzl_base/format.h>
 #include <qzl_io/streams/save_file.h>
 
+#include "files/whole_name.h"
 #include "platform/file_handle.h"
 #include "platform/saved_file.h"
 #include "sdl/copy.h"
@@ -362,7 +363,7 @@ eSDLWriter::eDocument::~eDocument() = default;
 
 template <class eName>
 void eSDLWriter::StartFile(const eName& path) {
-    if (IO::Platform::PrepareSave(path.c_str()))
+    if (IO::Platform::PrepareSave(IO::System::WholeText(path)))
         Start(std::make_unique<eFileTarget<eName>>(path));
     else
         Start(nullptr, CannotBeSaved(Narrow(path)));

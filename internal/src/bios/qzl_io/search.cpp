@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "files/whole_name.h"
 #include "platform/listing.h"
 #include "platform/pure/entry_kind.h"
 
@@ -81,7 +82,7 @@ template <class Char, class FileName>
 void eSearchOf<Char, FileName>::Begin(const FileName& folder, const FileName& mask) {
     End();
     valid = false;
-    cursor = eCursor::First(folder.GetAdd(FileName(mask)).c_str());
+    cursor = eCursor::First(System::WholeText(folder.GetAdd(FileName(mask))));
     valid = cursor != nullptr;
 }
 

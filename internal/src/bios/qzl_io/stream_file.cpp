@@ -12,6 +12,7 @@
 #include <qzl_base/format.h>
 #include <qzl_io/streams/save_file.h>
 
+#include "files/whole_name.h"
 #include "platform/file_handle.h"
 #include "streams/means.h"
 #include "streams/reported.h"
@@ -370,7 +371,7 @@ std::string eFileStream::Dump() const {
 }
 
 int eFileStream::CreateHandle(int openFlags) const {
-    return Platform::OpenFile(name.c_str(), openFlags);
+    return Platform::OpenFile(System::WholeText(name), openFlags);
 }
 
 void eFileStream::CreateHandleError() const {
@@ -402,7 +403,7 @@ std::string eFileStreamW::Dump() const {
 }
 
 int eFileStreamW::CreateHandle(int openFlags) const {
-    return Platform::OpenFile(name.c_str(), openFlags);
+    return Platform::OpenFile(System::WholeText(name), openFlags);
 }
 
 void eFileStreamW::CreateHandleError() const {

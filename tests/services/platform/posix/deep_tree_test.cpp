@@ -126,6 +126,19 @@ TEST_F(DeepTree, WithAFileAtItsLowestLevelIsNotPurged) {
     EXPECT_EQ(Count("tree"), std::pair(kDepth, 1));
 }
 
+TEST_F(DeepTree, IsSearchedToItsBottomByARecursiveSearch) {
+    MakeTree(kDepth);
+    const int before = OpenDescriptors();
+    IO::eTreeSearch search(Named("tree"), "file");
+    ASSERT_TRUE(search.Valid());
+    EXPECT_EQ(static_cast<std::size_t>(kDepth), search.Depth());
+    EXPECT_EQ(7u, search.Size());
+    EXPECT_LT(OpenDescriptors(), before + 30);
+    search.Next();
+    EXPECT_FALSE(search.Valid());
+    EXPECT_EQ(0u, search.Unread());
+}
+
 TEST_F(DeepTree, IsSearchedDownToTheLongestNameThatTheSystemTakes) {
     MakeTree(1);
     std::string name = At("tree/down/").string();

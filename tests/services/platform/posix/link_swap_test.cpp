@@ -265,16 +265,19 @@ TYPED_TEST(LinkSwap, NothingOutsideChangesWhileATreeIsDeletedCopiedAndPurged) {
     unsigned long long rounds = 0;
     const auto tree = this->Named("tree"), copy = this->Named("copy");
     const auto purged = this->Folder("tree");
+    IO::System::eTreeTask watched;
+    watched.progress = [](const auto&) { return true; };
     const eFacts outside = FactsOf(this->At("outside")), elsewhere = FactsOf(this->At("elsewhere"));
     for (; rounds < kFewestRounds || std::chrono::steady_clock::now() < end; ++rounds) {
         MakeTree(this->At("tree"), "in the tree");
         this->Disturbed([&] {
             TypeParam::Copy(tree, copy);
-            TypeParam::Copy(tree, copy);
+            TypeParam::CopyTree(tree, copy, watched);
             TypeParam::Delete(tree, true);
             TypeParam::Copy(copy, tree);
-            TypeParam::Delete(copy, true);
+            TypeParam::DeleteTree(copy, watched);
             TypeParam::PurgeEmpty(purged);
+            TypeParam::PurgeTree(purged, watched);
         });
         ASSERT_FALSE(this->HoldsWhatIsOutside("tree")) << rounds;
         ASSERT_FALSE(this->HoldsWhatIsOutside("copy")) << rounds;
@@ -283,7 +286,7 @@ TYPED_TEST(LinkSwap, NothingOutsideChangesWhileATreeIsDeletedCopiedAndPurged) {
         ASSERT_EQ("", Difference(elsewhere, FactsOf(this->At("elsewhere")))) << rounds;
     }
     if (LongTests())
-        std::printf("%llu rounds of six operations, %llu folders exchanged for links, %llu names planted\n", rounds,
+        std::printf("%llu rounds of seven operations, %llu folders exchanged for links, %llu names planted\n", rounds,
                     this->shared->folders.load(), this->shared->files.load());
     EXPECT_GT(this->shared->folders, rounds);
 }

@@ -102,7 +102,7 @@ protected:
 TEST_F(OpenedFolder, CopiesNoFileThatHasBecomeALink) {
     const auto from = Open("from"), to = Open("to");
     fs::create_symlink("../outside/file", temp.Path() / "from/file");
-    from->CopyFileTo(*to, file, eNamedLink::Refuse);
+    from->CopyFileTo(*to, file, eNamedLink::Refuse, {});
     EXPECT_FALSE(temp.Exists("to/file"));
 }
 
@@ -110,12 +110,12 @@ TEST_F(OpenedFolder, CopiesInPlaceOfALinkOrSecondNameInTheTargetAndNotToItsFile)
     const auto from = Open("from"), to = Open("to");
     temp.Write("from/file", "other");
     fs::create_hard_link(temp.Path() / "outside/file", temp.Path() / "to/file");
-    from->CopyFileTo(*to, file, eNamedLink::Refuse);
+    from->CopyFileTo(*to, file, eNamedLink::Refuse, {});
     EXPECT_EQ("precious", temp.Read("outside/file"));
     EXPECT_EQ("other", temp.Read("to/file"));
     fs::remove(temp.Path() / "to/file");
     fs::create_symlink("../outside/file", temp.Path() / "to/file");
-    from->CopyFileTo(*to, file, eNamedLink::Refuse);
+    from->CopyFileTo(*to, file, eNamedLink::Refuse, {});
     EXPECT_EQ("precious", temp.Read("outside/file"));
     EXPECT_FALSE(fs::is_symlink(temp.Path() / "to/file"));
     EXPECT_EQ("other", temp.Read("to/file"));

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include <qzl_io/export.h>
+
 // Files by handle, as streams need them. Sizes and positions are in bytes. Reads and writes have any size and continue
 // after interruptions and short counts.
 
@@ -20,7 +22,7 @@ int OpenFile(const wchar_t* name, int openFlags);
 
 // The system's number for why it refused this thread's last failed call of a function of this header; 0 if none has
 // failed since the last call of this function, or if the system gave no reason.
-int TakeRefusal() noexcept;
+QZL_IO_API int TakeRefusal() noexcept;
 
 // The system's own words for such a number; empty for 0.
 std::string RefusalText(int refusal);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
+#include "platform/pure/answer.h"
+
 // Single files, by names as the application gives them.
 
 namespace IO::Platform {
@@ -23,7 +25,12 @@ template <class Char>
 bool EraseFile(const Char* name);
 
 // False if the system refuses.
-bool RenameFile(const char* from, const char* to);
+template <class Char>
+bool RenameFile(const Char* from, const Char* to);
+
+// Renames likewise and replaces an existing file in one step. Busy as long as somebody else has one of them open.
+template <class Char>
+eAnswer RenameOver(const Char* from, const Char* to);
 
 // The length in bytes; 0 if the file cannot be opened for reading.
 template <class Char>

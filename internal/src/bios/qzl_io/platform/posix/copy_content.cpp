@@ -9,7 +9,6 @@
 #include <sys/sendfile.h>
 #include <unistd.h>
 
-#include "platform/cancel_flag.h"
 #include "platform/posix/descriptor.h"
 
 namespace IO::Platform {
@@ -48,8 +47,10 @@ long long PlainStep(int source, int target, std::size_t limit) {
     return count;
 }
 
-// Copies from the current positions of both files; a size of 0 means unknown.
-eCopyEnd CopyRun(int source, int target, unsigned long long size, const bool* cancel) {
+// Copies from the current positions of both files; a size of 0 means unknown. `before` is what the watch takes for
+// copied.
+eCopyEnd CopyRun(int source, int target, unsigned long long size, const eCopyWatch& watch,
+                 unsigned long long before = 0) {
     const eCopyWay inKernel = [=](std::size_t limit) -> long long {
         return Uninterrupted([&] { return ::copy_file_range(source, nullptr, target, nullptr, limit, 0); });
     };
@@ -57,7 +58,7 @@ eCopyEnd CopyRun(int source, int target, unsigned long long size, const bool* ca
         return Uninterrupted([&] { return ::sendfile(target, source, nullptr, limit); });
     };
     const eCopyWay plain = [=](std::size_t limit) { return PlainStep(source, target, limit); };
-    const auto stop = [cancel] { return cancel && IsCancelled(cancel); };
+    const auto stop = [&](unsigned long long arrived) { return watch && !watch(before + arrived); };
     // The kernel's copying calls cost more to set up than one read and one write.
     if (size <= kPlainStep)
         return CopyInSteps({plain}, kPlainStep, size, stop);
@@ -68,15 +69,16 @@ off_t MoveTo(int file, off_t position, int from = SEEK_SET) {
     return Uninterrupted([&] { return ::lseek(file, position, from); });
 }
 
-eCopyEnd CopyPart(int source, int target, off_t begin, off_t end, const bool* cancel) {
+eCopyEnd CopyPart(int source, int target, off_t begin, off_t end, const eCopyWatch& watch) {
     if (MoveTo(source, begin) < 0 || MoveTo(target, begin) < 0)
         return eCopyEnd::Failed;
-    return CopyRun(source, target, static_cast<unsigned long long>(end - begin), cancel);
+    return CopyRun(source, target, static_cast<unsigned long long>(end - begin), watch,
+                   static_cast<unsigned long long>(begin));
 }
 
 // If the system does not tell where holes are, the rest counts as data.
-eCopyEnd CopyAroundHoles(int source, int target, off_t size, const bool* cancel) {
-    if (cancel && IsCancelled(cancel))
+eCopyEnd CopyAroundHoles(int source, int target, off_t size, const eCopyWatch& watch) {
+    if (watch && !watch(0))
         return eCopyEnd::Stopped;
     for (off_t end = 0; end < size;) {
         off_t begin = MoveTo(source, end, SEEK_DATA);
@@ -87,7 +89,7 @@ eCopyEnd CopyAroundHoles(int source, int target, off_t size, const bool* cancel)
             begin = end;
             next = size;
         }
-        const eCopyEnd part = CopyPart(source, target, begin, next, cancel);
+        const eCopyEnd part = CopyPart(source, target, begin, next, watch);
         if (part != eCopyEnd::Complete)
             return part;
         end = next;
@@ -98,11 +100,11 @@ eCopyEnd CopyAroundHoles(int source, int target, off_t size, const bool* cancel)
 
 } // namespace
 
-eCopyEnd CopyContent(int source, const struct stat& facts, int target, eCopyHoles holes, const bool* cancel) {
+eCopyEnd CopyContent(int source, const struct stat& facts, int target, eCopyHoles holes, const eCopyWatch& watch) {
     const bool hasHoles = facts.st_blocks < facts.st_size / kBlockSize;
     if (hasHoles && holes == eCopyHoles::Keep)
-        return CopyAroundHoles(source, target, facts.st_size, cancel);
-    return CopyRun(source, target, static_cast<unsigned long long>(facts.st_size), cancel);
+        return CopyAroundHoles(source, target, facts.st_size, watch);
+    return CopyRun(source, target, static_cast<unsigned long long>(facts.st_size), watch);
 }
 
 } // namespace IO::Platform

@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include "platform/copy_watch.h"
 #include "platform/pure/copy_steps.h"
 
 namespace IO::Platform {
@@ -11,8 +12,9 @@ namespace IO::Platform {
 enum class eCopyHoles { Keep, Fill };
 
 // Copies a file's bytes, from the start, to the current position of the target, which must be its start if holes are
-// kept. Copies within the system if it can do so for these two files. Ends early when the byte that `cancel` points to
-// becomes non-zero; `cancel` may be null.
-System::eCopyEnd CopyContent(int source, const struct stat& facts, int target, eCopyHoles holes, const bool* cancel);
+// kept. Copies within the system if it can do so for these two files. Ends early when the watch says so. If it fails,
+// errno tells why.
+System::eCopyEnd CopyContent(int source, const struct stat& facts, int target, eCopyHoles holes,
+                             const eCopyWatch& watch);
 
 } // namespace IO::Platform

@@ -11,7 +11,8 @@ namespace IO::Platform {
 // Reads a folder's entries directly from the system, including "." and "..".
 class eEntryReader {
 public:
-    // The next entry, valid until the next call; null at the end, and if the folder can no longer be read.
+    // The next entry, valid until the next call; null at the end, and if the folder can no longer be read, as Failure
+    // then tells.
     const dirent64* Next(int folder) {
         if (position == end && !Fill(folder))
             return nullptr;
@@ -19,6 +20,9 @@ public:
         position += entry->d_reclen;
         return entry;
     }
+
+    // The system's error number, or 0.
+    int Failure() const { return failure; }
 
 private:
     bool Fill(int folder);
@@ -28,6 +32,7 @@ private:
     std::unique_ptr<std::byte[]> buffer;
     std::size_t position = 0;
     std::size_t end = 0;
+    int failure = 0;
 };
 
 } // namespace IO::Platform

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "platform/posix/copy_content.h"
+#include "platform/posix/failure.h"
 #include "platform/posix/replacement.h"
 
 namespace IO::Platform {
@@ -45,8 +46,8 @@ void KeepTime(int target, const struct stat& source) {
 }
 
 // Copies the content, and the time of its last change, to an empty file.
-eCopyEnd CopyWithTime(const eOpened& source, int target, const bool* cancel) {
-    const eCopyEnd end = CopyContent(source.file.Get(), source.facts, target, eCopyHoles::Keep, cancel);
+eCopyEnd CopyWithTime(const eOpened& source, int target, const eCopyWatch& watch) {
+    const eCopyEnd end = CopyContent(source.file.Get(), source.facts, target, eCopyHoles::Keep, watch);
     if (end == eCopyEnd::Complete)
         KeepTime(target, source.facts);
     return end;
@@ -81,8 +82,8 @@ private:
 // One copy to a target that exists.
 class eOverwriting {
 public:
-    eOverwriting(const eOpened& from, const eOpened& to, const eRealPlace* toPlace, const bool* stopFlag)
-        : source(from), target(to), place(toPlace), cancel(stopFlag) {}
+    eOverwriting(const eOpened& from, const eOpened& to, const eRealPlace* toPlace, const eCopyWatch& copyWatch)
+        : source(from), target(to), place(toPlace), watch(copyWatch) {}
 
     void Run() {
         if (!place || !target.IsRegular() || target.facts.st_nlink != 1 || !Replace())
@@ -97,7 +98,7 @@ private:
             return !IsForbidden(errno);
         if (!replacement.Resemble(target.file.Get(), target.facts))
             return false;
-        const eCopyEnd end = CopyWithTime(source, replacement.Get(), cancel);
+        const eCopyEnd end = CopyWithTime(source, replacement.Get(), watch);
         if (end == eCopyEnd::Stopped)
             Remove(place->folder.Get(), place->name.c_str());
         return end != eCopyEnd::Complete || replacement.TakePlace() || !IsForbidden(errno);
@@ -116,7 +117,7 @@ private:
         const bool rewound = Uninterrupted([&] { return ::lseek(source.file.Get(), 0, SEEK_SET); }) == 0;
         if (!rewound || !LetWait(target.file))
             return;
-        const eCopyEnd end = CopyContent(source.file.Get(), source.facts, to, eCopyHoles::Fill, cancel);
+        const eCopyEnd end = CopyContent(source.file.Get(), source.facts, to, eCopyHoles::Fill, watch);
         if (!target.IsRegular())
             return;
         const off_t arrived = Uninterrupted([&] { return ::lseek(to, 0, SEEK_CUR); });
@@ -131,53 +132,53 @@ private:
     const eOpened& source;
     const eOpened& target;
     const eRealPlace* place;
-    const bool* cancel;
+    const eCopyWatch& watch;
 };
 
-// Replaces whatever has the name, and writes through no link.
-void CopyAnew(const eOpened& source, const eRealPlace& place, const bool* cancel) {
+// Replaces whatever has the name, and writes through no link. False, with errno, if it does not get the name.
+bool CopyAnew(const eOpened& source, const eRealPlace& place, const eCopyWatch& watch) {
     eReplacement target(place, source.facts.st_mode & kPermissionBits);
-    if (target.IsOpen() && CopyWithTime(source, target.Get(), cancel) == eCopyEnd::Complete)
-        target.TakePlace();
+    return target.IsOpen() && CopyWithTime(source, target.Get(), watch) == eCopyEnd::Complete && target.TakePlace();
 }
 
-void CopyOpened(const eOpened& source, ePlace to, const bool* cancel) {
+void CopyOpened(const eOpened& source, ePlace to, const eCopyWatch& watch) {
     const eOpened existing(to, O_WRONLY);
     const bool isNew = !existing.file.IsOpen() && errno == ENOENT;
     if (!isNew && (!existing.file.IsOpen() || IsSame(existing.facts, source.facts)))
         return;
     const auto place = RealPlace(to);
     if (isNew && place)
-        CopyAnew(source, *place, cancel);
+        CopyAnew(source, *place, watch);
     else if (!isNew)
         eOverwriting(source, existing,
                      place && StandsAt({place->folder.Get(), place->name.c_str()}, existing.facts) ? &*place : nullptr,
-                     cancel)
+                     watch)
             .Run();
 }
 
 } // namespace
 
-void CopyRegularFile(ePlace from, ePlace to, const bool* cancel) {
+void CopyRegularFile(ePlace from, ePlace to, const eCopyWatch& watch) {
     const eOpened source(from, O_RDONLY);
     if (source.IsRegular())
-        CopyOpened(source, to, cancel);
+        CopyOpened(source, to, watch);
 }
 
-void CopyNewFile(ePlace from, ePlace to, eNamedLink link) {
+bool CopyNewFile(ePlace from, ePlace to, eNamedLink link, const eCopyWatch& watch) {
     const eOpened source(from, O_RDONLY | (link == eNamedLink::Refuse ? O_NOFOLLOW : 0));
     if (!source.IsRegular())
-        return;
+        return Refused(source.file.IsOpen() ? ENOTSUP : errno);
     constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL;
     eDescriptor target = OpenAtOnce(to.folder, to.name, kFlags, source.facts.st_mode & kPermissionBits);
-    if (!target.IsOpen()) {
-        if (errno == EEXIST)
-            CopyAnew(source, {OpenPlace(to.folder, "."), to.name}, nullptr);
-        return;
-    }
-    const eCopyEnd end = CopyWithTime(source, target.Get(), nullptr);
-    if (end != eCopyEnd::Complete || !target.Close())
-        Remove(to.folder, to.name);
+    if (!target.IsOpen() && errno == EEXIST)
+        return CopyAnew(source, {OpenPlace(to.folder, "."), to.name}, watch) || Refused(errno);
+    if (!target.IsOpen())
+        return Refused(errno);
+    if (CopyWithTime(source, target.Get(), watch) == eCopyEnd::Complete && target.Close())
+        return true;
+    const int reason = errno;
+    Remove(to.folder, to.name);
+    return Refused(reason);
 }
 
 } // namespace IO::Platform

@@ -16,10 +16,10 @@ namespace IO::Platform {
 namespace {
 
 template <class Char>
-void CopyNamed(const Char* from, const Char* to, const bool* cancel) {
+void CopyNamed(const Char* from, const Char* to, const eCopyWatch& watch) {
     const eNativeName source(from);
     const eNativeName target(to);
-    CopyRegularFile({AT_FDCWD, source.c_str()}, {AT_FDCWD, target.c_str()}, cancel);
+    CopyRegularFile({AT_FDCWD, source.c_str()}, {AT_FDCWD, target.c_str()}, watch);
 }
 
 } // namespace
@@ -32,12 +32,12 @@ bool MayAccess(const Char* name, int mode) {
 
 template <class Char>
 void CopyWhole(const Char* from, const Char* to) {
-    CopyNamed(from, to, nullptr);
+    CopyNamed(from, to, {});
 }
 
 template <class Char>
 void CopyStoppable(const Char* from, const Char* to, const bool* cancel) {
-    CopyNamed(from, to, cancel);
+    CopyNamed(from, to, WatchFlag(cancel));
 }
 
 template <class Char>
@@ -46,8 +46,16 @@ bool EraseFile(const Char* name) {
     return Uninterrupted([&] { return ::unlink(native.c_str()); }) == 0;
 }
 
-bool RenameFile(const char* from, const char* to) {
-    return Uninterrupted([&] { return std::rename(from, to); }) == 0;
+template <class Char>
+bool RenameFile(const Char* from, const Char* to) {
+    const eNativeName source(from);
+    const eNativeName target(to);
+    return Uninterrupted([&] { return std::rename(source.c_str(), target.c_str()); }) == 0;
+}
+
+template <class Char>
+eAnswer RenameOver(const Char* from, const Char* to) {
+    return RenameFile(from, to) ? eAnswer::Done : eAnswer::Refused;
 }
 
 // Asks without opening, since opening a device or a pipe has effects.
@@ -69,6 +77,10 @@ template void CopyStoppable(const char*, const char*, const bool*);
 template void CopyStoppable(const wchar_t*, const wchar_t*, const bool*);
 template bool EraseFile(const char*);
 template bool EraseFile(const wchar_t*);
+template bool RenameFile(const char*, const char*);
+template bool RenameFile(const wchar_t*, const wchar_t*);
+template eAnswer RenameOver(const char*, const char*);
+template eAnswer RenameOver(const wchar_t*, const wchar_t*);
 template unsigned long long FileSize(const char*);
 template unsigned long long FileSize(const wchar_t*);
 

@@ -14,7 +14,9 @@
 
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entries.h"
+#include "platform/posix/failure.h"
 #include "platform/posix/file_copy.h"
+#include "platform/posix/file_time.h"
 #include "platform/posix/native_name.h"
 #include "platform/pure/entry_kind.h"
 
@@ -31,8 +33,9 @@ eDescriptor OpenDescriptor(int parent, const char* name, int flags) {
     return eDescriptor(Uninterrupted([&] { return ::openat(parent, name, kFolderFlags | flags); }));
 }
 
+// The answer to a call that has just been made.
 eAnswer Told(bool done) {
-    return done ? eAnswer::Done : eAnswer::Refused;
+    return done || Refused(errno) ? eAnswer::Done : eAnswer::Refused;
 }
 
 // Makes a call that a signal may interrupt, and returns whether it succeeded.
@@ -44,6 +47,16 @@ bool Worked(Call call) {
 const char* NameOf(const eEntry& entry) {
     return static_cast<const char*>(entry.name);
 }
+
+} // namespace
+
+template <class Char>
+bool EntryText(const eEntry& entry, std::basic_string<Char>* text) {
+    *text = NameText<Char>(NameOf(entry));
+    return true;
+}
+
+namespace {
 
 // Reads its whole listing at the first Next, so that what is removed or added meanwhile cannot confuse it, and so that
 // the folder can rest from then on.
@@ -72,10 +85,27 @@ public:
         return true;
     }
 
+    bool IsListedWhole() override { return notListed == 0 || Refused(notListed); }
+
+    eEntryFacts Facts(const eEntry& entry) override {
+        struct stat status {};
+        const auto ask = [&](int flags) { return ::fstatat(folder.Get(), NameOf(entry), &status, flags); };
+        if (!Worked([&] { return ask(AT_SYMLINK_NOFOLLOW); }))
+            return {};
+        eEntryFacts facts{S_ISDIR(status.st_mode), 0, TicksOf(status.st_mtim)};
+        if (S_ISREG(status.st_mode))
+            facts.size = static_cast<unsigned long long>(status.st_size);
+        if (S_ISLNK(status.st_mode))
+            facts.isFolder = Worked([&] { return ask(0); }) && S_ISDIR(status.st_mode);
+        return facts;
+    }
+
+    bool ReachableName(const eEntry& entry, std::string* name) override { return EntryText(entry, name); }
+
     static eAnswer Open(int parent, const char* name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
         eDescriptor descriptor = OpenDescriptor(parent, name, link == eNamedLink::Refuse ? O_NOFOLLOW : 0);
         if (!descriptor.IsOpen())
-            return eAnswer::Refused;
+            return Told(false);
         *opened = std::make_unique<ePosixFolder>(std::move(descriptor));
         return eAnswer::Done;
     }
@@ -95,7 +125,7 @@ public:
         const bool told = Worked([&] { return ::fstatat(from, name, &like, AT_SYMLINK_NOFOLLOW); });
         const mode_t mode = told ? like.st_mode : mode_t{S_IRWXU};
         if (!Worked([&] { return ::mkdirat(folder.Get(), name, ToBeFilled(mode)); }))
-            return eAnswer::Refused;
+            return Told(false);
         const eAnswer answer = Enter(entry, opened);
         if (answer == eAnswer::Done)
             static_cast<ePosixFolder&>(**opened).EndWith(mode);
@@ -113,9 +143,10 @@ public:
         return Worked([&] { return ::fstat(folder.Get(), &status); }) ? status.st_mode : mode_t{S_IRWXU};
     }
 
-    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
-        CopyNewFile({folder.Get(), NameOf(entry)}, {Descriptor(target), NameOf(entry)}, link);
-        return eAnswer::Done;
+    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link, const eCopyWatch& watch) override {
+        const bool copied =
+            CopyNewFile({folder.Get(), NameOf(entry)}, {Descriptor(target), NameOf(entry)}, link, watch);
+        return copied ? eAnswer::Done : eAnswer::Refused;
     }
 
     eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
@@ -144,6 +175,8 @@ public:
         const bool told = opened.IsOpen() && Worked([&] { return ::fstat(opened.Get(), &status); });
         if (told && AreOneFolder(Id(), IdOf(status)))
             folder = std::move(opened);
+        else
+            notListed = ESTALE;
     }
 
 private:
@@ -163,6 +196,7 @@ private:
             listing.push_back(static_cast<char>(KindOf(*entry)));
             listing.insert(listing.end(), entry->d_name, entry->d_name + std::strlen(entry->d_name) + 1);
         }
+        notListed = reader.Failure();
     }
 
     eEntryKind KindOf(const dirent64& entry) const {
@@ -195,6 +229,7 @@ private:
     eFileId id;         // empty until asked for
     mode_t surplus = 0; // permissions of the owner that are removed in the end
     bool listed = false;
+    int notListed = 0; // why entries are missing from the listing
     std::vector<char> listing;
     std::size_t position = 0;
 };
@@ -239,6 +274,8 @@ bool RemoveFolderLink(const Char* name) {
     return leadsToFolder && Worked([&] { return ::unlink(link.c_str()); });
 }
 
+template bool EntryText(const eEntry&, std::string*);
+template bool EntryText(const eEntry&, std::wstring*);
 template eAnswer OpenFolder(const char*, eNamedLink, std::unique_ptr<eFolder>*);
 template eAnswer OpenFolder(const wchar_t*, eNamedLink, std::unique_ptr<eFolder>*);
 template eAnswer MakeFolder(const char*, eFolder*);

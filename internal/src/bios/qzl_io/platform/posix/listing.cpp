@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstring>
-#include <ctime>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,6 +12,7 @@
 
 #include "platform/posix/descriptor.h"
 #include "platform/posix/entries.h"
+#include "platform/posix/file_time.h"
 #include "platform/posix/native_name.h"
 #include "platform/pure/search_mask.h"
 
@@ -44,13 +44,6 @@ const dirent64* eListing::NextMatch() {
 }
 
 namespace {
-
-unsigned long long TicksOf(const timespec& time) {
-    constexpr unsigned long long kTicksPerSecond = 10'000'000;
-    constexpr unsigned long long kSecondsFrom1601To1970 = 11'644'473'600;
-    const auto seconds = static_cast<unsigned long long>(time.tv_sec) + kSecondsFrom1601To1970;
-    return seconds * kTicksPerSecond + static_cast<unsigned long long>(time.tv_nsec) / 100;
-}
 
 void SetName(std::string* name, const char* listed) {
     const std::size_t wanted = std::strlen(listed) + 1;

@@ -119,7 +119,7 @@ private:
         struct stat own {};
         return AskFacts(beside.Get(), &own) && LetWait(existing) &&
                Uninterrupted([&] { return ::lseek(beside.Get(), 0, SEEK_SET); }) == 0 &&
-               CopyContent(beside.Get(), own, target, eCopyHoles::Fill, nullptr) == System::eCopyEnd::Complete &&
+               CopyContent(beside.Get(), own, target, eCopyHoles::Fill, {}) == System::eCopyEnd::Complete &&
                Uninterrupted([&] { return ::ftruncate(target, own.st_size); }) == 0;
     }
 

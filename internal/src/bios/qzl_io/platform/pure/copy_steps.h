@@ -15,8 +15,8 @@ enum class eCopyEnd { Complete, Stopped, Failed };
 
 // Moves bytes in steps until `expected` bytes have been moved or there are no more; 0 means that the number is unknown.
 // Tries ways in order; each continues where the one before gave up. If a way finds nothing at all, only the last one is
-// believed, since some files show their content only to plain reads. Calls `stop` before the first step and between any
-// two.
+// believed, since some files show their content only to plain reads. Calls `stop`, with the number of bytes moved,
+// before the first step and between any two.
 template <class Stop>
 eCopyEnd CopyInSteps(std::initializer_list<eCopyWay> ways, std::size_t step, unsigned long long expected, Stop stop) {
     unsigned long long arrived = 0;
@@ -25,7 +25,7 @@ eCopyEnd CopyInSteps(std::initializer_list<eCopyWay> ways, std::size_t step, uns
             const unsigned long long left = expected - arrived;
             if (expected != 0 && left == 0)
                 return eCopyEnd::Complete;
-            if (stop())
+            if (stop(arrived))
                 return eCopyEnd::Stopped;
             moved = way(expected != 0 && left < step ? static_cast<std::size_t>(left) : step);
             if (moved == 0 && (arrived != 0 || &way == ways.end() - 1))

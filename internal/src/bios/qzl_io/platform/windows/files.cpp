@@ -48,9 +48,23 @@ bool EraseFile(const Char* name) {
     return ::DeleteFileW(eNativeName(name).c_str()) != FALSE;
 }
 
-bool RenameFile(const char* from, const char* to) {
+template <class Char>
+bool RenameFile(const Char* from, const Char* to) {
     const eUnattended unattended;
     return ::_wrename(eNativeName(from).c_str(), eNativeName(to).c_str()) == 0;
+}
+
+// Access is denied for good where the target may not be written or is a folder.
+template <class Char>
+eAnswer RenameOver(const Char* from, const Char* to) {
+    constexpr DWORD kDenying = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
+    const eUnattended unattended;
+    const eNativeName target(to);
+    if (::MoveFileExW(eNativeName(from).c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return eAnswer::Done;
+    const DWORD error = ::GetLastError();
+    const DWORD attributes = ::GetFileAttributesW(target.c_str());
+    return AnswerTo(error, attributes != INVALID_FILE_ATTRIBUTES && (attributes & kDenying) != 0);
 }
 
 template <class Char>
@@ -73,6 +87,10 @@ template void CopyStoppable(const char*, const char*, const bool*);
 template void CopyStoppable(const wchar_t*, const wchar_t*, const bool*);
 template bool EraseFile(const char*);
 template bool EraseFile(const wchar_t*);
+template bool RenameFile(const char*, const char*);
+template bool RenameFile(const wchar_t*, const wchar_t*);
+template eAnswer RenameOver(const char*, const char*);
+template eAnswer RenameOver(const wchar_t*, const wchar_t*);
 template unsigned long long FileSize(const char*);
 template unsigned long long FileSize(const wchar_t*);
 

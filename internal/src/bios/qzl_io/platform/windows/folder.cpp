@@ -10,7 +10,10 @@
 
 #include "platform/pure/answer.h"
 #include "platform/pure/entry_kind.h"
+#include "platform/windows/copy_watched.h"
+#include "platform/windows/failure.h"
 #include "platform/windows/file_numbers.h"
+#include "platform/windows/find_data.h"
 #include "platform/windows/native_name.h"
 #include "platform/windows/owned_handle.h"
 #include "platform/windows/pinned_folder.h"
@@ -47,7 +50,14 @@ eAnswer Told(BOOL done, const std::wstring& name, DWORD denying) {
     if (done)
         return eAnswer::Done;
     const DWORD error = ::GetLastError();
+    Refused(error);
     return AnswerTo(error, error == ERROR_ACCESS_DENIED && Has(name, denying));
+}
+
+// Answers a request that is not made, with the reason.
+eAnswer Refuse(DWORD reason) {
+    Refused(reason);
+    return eAnswer::Refused;
 }
 
 // "." and "..", and names that would lead out of the folder that lists them, whoever stores such names.
@@ -86,6 +96,14 @@ public:
         return false;
     }
 
+    bool IsListedWhole() override { return notListed == 0 || Refused(notListed); }
+
+    eEntryFacts Facts(const eEntry&) override {
+        return {(data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0, ListedSize(data), ListedTime(data)};
+    }
+
+    bool ReachableName(const eEntry&, std::string* name) override { return ListedName(data, name); }
+
     eAnswer Enter(const eEntry& entry, std::unique_ptr<eFolder>* opened) override {
         const std::wstring name = Named(entry);
         eOpenHandle inner;
@@ -114,12 +132,14 @@ public:
     }
     void EndLike(eFolder&) override {}
 
-    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link) override {
+    eAnswer CopyFileTo(eFolder& target, const eEntry& entry, eNamedLink link, const eCopyWatch& watch) override {
         const std::wstring from = Named(entry);
         const std::wstring to = Other(target).Named(entry);
         if (link == eNamedLink::Follow && Has(from, FILE_ATTRIBUTE_DIRECTORY))
-            return eAnswer::Refused;
-        return Told(::CopyFileW(from.c_str(), to.c_str(), FALSE), to, kAnyAttribute);
+            return Refuse(ERROR_PRIVILEGE_NOT_HELD);
+        const BOOL copied =
+            watch ? CopyWatched(from.c_str(), to.c_str(), watch) : ::CopyFileW(from.c_str(), to.c_str(), FALSE);
+        return Told(copied, to, kAnyAttribute);
     }
 
     eAnswer CopyLinkTo(eFolder& target, const eEntry& entry) override {
@@ -133,7 +153,7 @@ public:
             return made;
         // A system that cannot recreate the link has made it a plain folder.
         ::RemoveDirectoryW(to.c_str());
-        return eAnswer::Refused;
+        return Refuse(ERROR_NOT_SUPPORTED);
     }
 
     const eFileId& Id() override {
@@ -155,16 +175,23 @@ private:
         *opened = PinFolder(name, link == eNamedLink::Refuse ? kNoLinks : 0);
         if (!opened->IsOpen())
             return Told(FALSE, name, kAnyAttribute);
-        return IsRealFolder(*opened) ? eAnswer::Done : eAnswer::Refused;
+        return IsRealFolder(*opened) ? eAnswer::Done : Refuse(ERROR_DIRECTORY);
     }
 
     bool Advance() {
         if (search.IsOpen())
-            return ::FindNextFileW(search.Get(), &data) != FALSE;
+            return ::FindNextFileW(search.Get(), &data) || NoteEnd(ERROR_NO_MORE_FILES);
         if (std::exchange(listed, true))
             return false;
         search = eFindHandle(::FindFirstFileW((path + L'*').c_str(), &data));
-        return search.IsOpen();
+        return search.IsOpen() || NoteEnd(ERROR_FILE_NOT_FOUND);
+    }
+
+    // Always false. A listing ends with the error that says so, or before its end with any other.
+    bool NoteEnd(DWORD atEnd) {
+        const DWORD error = ::GetLastError();
+        notListed = error == atEnd ? 0 : error;
+        return false;
     }
 
     std::wstring Named(const eEntry& entry) const { return path + static_cast<const wchar_t*>(entry.name); }
@@ -177,17 +204,33 @@ private:
     eFileId id;
     bool identified = false;
     bool listed = false;
+    DWORD notListed = 0; // why entries are missing from the listing
     eFindHandle search;
     WIN32_FIND_DATAW data;
 };
 
 } // namespace
 
+template <>
+bool EntryText(const eEntry& entry, std::wstring* text) {
+    *text = static_cast<const wchar_t*>(entry.name);
+    return true;
+}
+
+template <>
+bool EntryText(const eEntry& entry, std::string* text) {
+    const std::wstring_view name = static_cast<const wchar_t*>(entry.name);
+    if (NarrowName(name, text))
+        return true;
+    *text = ShownName(name);
+    return false;
+}
+
 template <class Char>
 eAnswer OpenFolder(const Char* name, eNamedLink link, std::unique_ptr<eFolder>* opened) {
     const std::wstring folder = FolderName(name);
     if (link == eNamedLink::Refuse && IsLink(folder))
-        return eAnswer::Refused;
+        return Refuse(ERROR_DIRECTORY);
     return eWindowsFolder::OpenRoot(folder, link, opened);
 }
 
@@ -206,7 +249,7 @@ eAnswer RemoveFolder(const Char* name) {
 
 template <class Char>
 bool RemoveFolderLink(const Char*) {
-    return false;
+    return Refused(ERROR_DIRECTORY);
 }
 
 template eAnswer OpenFolder(const char*, eNamedLink, std::unique_ptr<eFolder>*);

@@ -7,6 +7,7 @@
 
 #include "platform/pure/entry_kind.h"
 #include "platform/unattended.h"
+#include "platform/windows/find_data.h"
 #include "platform/windows/native_name.h"
 #include "platform/windows/owned_handle.h"
 
@@ -25,10 +26,6 @@ private:
 
 namespace {
 
-constexpr unsigned long long Joined(DWORD high, DWORD low) {
-    return static_cast<unsigned long long>(high) << 32 | low;
-}
-
 // False for an entry without a name of this width.
 template <class Char>
 bool Fill(const WIN32_FIND_DATAW& data, eListedEntry<Char>* entry) {
@@ -36,8 +33,8 @@ bool Fill(const WIN32_FIND_DATAW& data, eListedEntry<Char>* entry) {
         return false;
     entry->isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     entry->isLink = IsListedLink(data.dwFileAttributes, data.dwReserved0);
-    entry->size = Joined(data.nFileSizeHigh, data.nFileSizeLow);
-    entry->modified = Joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime);
+    entry->size = ListedSize(data);
+    entry->modified = ListedTime(data);
     return true;
 }
 

@@ -16,7 +16,7 @@ using System::eNameKind;
 constexpr std::size_t kLongestName = 32767;
 constexpr std::size_t kLongestNarrowName = 4 * kLongestName;
 
-UINT CodePage() {
+UINT FileCodePage() {
     return ::AreFileApisANSI() ? CP_ACP : CP_OEMCP;
 }
 
@@ -29,7 +29,7 @@ bool IsAscii(std::basic_string_view<Char> text) {
 std::wstring Widened(std::string_view text) {
     const int size = static_cast<int>(text.size());
     const auto convert = [&](wchar_t* room, int count) {
-        return ::MultiByteToWideChar(CodePage(), MB_ERR_INVALID_CHARS, text.data(), size, room, count);
+        return ::MultiByteToWideChar(FileCodePage(), MB_ERR_INVALID_CHARS, text.data(), size, room, count);
     };
     std::wstring wide(static_cast<std::size_t>(convert(nullptr, 0)), L'\0');
     convert(wide.data(), static_cast<int>(wide.size()));
@@ -41,7 +41,7 @@ std::string Narrowed(std::wstring_view text) {
     const int size = static_cast<int>(text.size());
     DWORD flags = WC_NO_BEST_FIT_CHARS;
     const auto convert = [&](char* room, int count) {
-        return ::WideCharToMultiByte(CodePage(), flags, text.data(), size, room, count, nullptr, nullptr);
+        return ::WideCharToMultiByte(FileCodePage(), flags, text.data(), size, room, count, nullptr, nullptr);
     };
     int count = convert(nullptr, 0);
     // Pages that have every character reject the flag.
@@ -107,6 +107,10 @@ bool IsRoot(std::wstring_view extended) {
 
 } // namespace
 
+UINT NameCodePage() {
+    return ::AreFileApisANSI() ? ::GetACP() : ::GetOEMCP();
+}
+
 std::wstring WideName(std::string_view name) {
     if (IsAscii(name))
         return {name.begin(), name.end()};
@@ -122,6 +126,10 @@ bool NarrowName(std::wstring_view name, std::string* narrow) {
         return false;
     *narrow = std::move(converted);
     return true;
+}
+
+std::string ShownName(std::wstring_view name) {
+    return name.empty() ? std::string() : Narrowed(name);
 }
 
 eNativeName::eNativeName(const char* name) : text(SystemName(WideName(name))) {}

@@ -13,6 +13,9 @@ namespace IO::Platform {
 // long for a call, or if a component ends in a dot or a blank. A name that the system takes for a device ("con",
 // "aux.txt") is a device if it is short, and a file or folder of that name in extended form.
 
+// The number of the code page of narrow names.
+UINT NameCodePage();
+
 // The wide form of a narrow name. Empty, so that it names nothing, if the name contains a byte that is no character of
 // the code page.
 std::wstring WideName(std::string_view name);
@@ -21,6 +24,9 @@ std::wstring WideName(std::string_view name);
 // character, or the name contains a backslash, which a file name value turns into a slash even as the second half of a
 // double-byte character.
 bool NarrowName(std::wstring_view name, std::string* narrow);
+
+// A name for people in the narrow code page, with "?" for each character that the page lacks.
+std::string ShownName(std::wstring_view name);
 
 // A name in the form that the system takes.
 class eNativeName {
