@@ -67,6 +67,7 @@ configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/qzl_io-config.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/qzl_io-config-version.cmake
     VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/qzl_io-config.cmake ${PROJECT_BINARY_DIR}/qzl_io-config-version.cmake
+    ${PROJECT_SOURCE_DIR}/cmake/QzlUtf8Names.cmake ${PROJECT_SOURCE_DIR}/cmake/utf8-names.manifest
     DESTINATION ${package_folder} COMPONENT development)
 
 # The prefix is found from the pkg-config file's own place, so that an installation can be moved; folders that are

@@ -71,5 +71,9 @@ TEST_F(ToolLook, SystemTellsOfTheMachine) {
     folder.Write("here.txt", "12345");
     const std::string output = OutputOf({"system"});
     EXPECT_THAT(output, testing::HasSubstr("machine\n  computer "));
+    EXPECT_THAT(output, testing::HasSubstr("\nsystem\n  name "));
+    EXPECT_THAT(output, testing::HasSubstr("\n  processors "));
+    EXPECT_THAT(output, testing::HasSubstr("\nfolders of the user\n  settings "));
+    EXPECT_THAT(output, testing::HasSubstr(" bytes are free\n"));
     EXPECT_THAT(output, testing::HasSubstr(" 5  here.txt\n"));
 }

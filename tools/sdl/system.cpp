@@ -31,6 +31,34 @@ void PrintMachine(std::ostream& out) {
     PrintFact(out, "disk serial", IO::System::HDDSerialNumber());
 }
 
+void PrintSystem(std::ostream& out) {
+    const IO::System::eSystemFacts facts = IO::System::SystemFacts("sdl");
+    out << "system\n";
+    PrintFact(out, "name", facts.name);
+    PrintFact(out, "version", facts.version);
+    if (!facts.distribution.empty())
+        PrintFact(out, "distribution", facts.distribution);
+    PrintFact(out, "made for", facts.architecture);
+    PrintFact(out, "runs on", facts.machineArchitecture);
+    PrintFact(out, "processors", std::to_string(facts.processors));
+    PrintFact(out, "memory", std::to_string(facts.memory) + " bytes");
+    PrintFact(out, "id for sdl", facts.machineId);
+    PrintFact(out, "narrow names", IO::System::NamesAreUtf8() ? "UTF-8" : "the system's code page");
+}
+
+void PrintUserFolders(std::ostream& out) {
+    using IO::System::eUserFolder;
+    const auto print = [&out](std::string_view label, eUserFolder folder) {
+        PrintFact(out, label, IO::System::NameToUtf8(IO::System::UserFolderW(folder)));
+    };
+    out << "folders of the user\n";
+    print("settings", eUserFolder::Settings);
+    print("data", eUserFolder::Data);
+    print("cache", eUserFolder::Cache);
+    print("temporary", eUserFolder::Temporary);
+    print("documents", eUserFolder::Documents);
+}
+
 void PrintWorkingPaths(std::ostream& out) {
     const IO::System::eWorkingPaths paths("sdl");
     out << "working paths\n";
@@ -78,10 +106,14 @@ void PrintCurrentFolder(std::ostream& out) {
         bytes += search.Size();
     }
     out << "  " << files << " files of " << bytes << " bytes, " << folders << " folders\n";
+    if (IO::System::eSpace space; IO::System::GetSpace("./", &space))
+        out << "  " << space.free << " of " << space.total << " bytes are free\n";
 }
 
 eEnd ShowSystem() {
     PrintMachine(std::cout);
+    PrintSystem(std::cout);
+    PrintUserFolders(std::cout);
     PrintWorkingPaths(std::cout);
     PrintCurrentFolder(std::cout);
     return eEnd::Fine;

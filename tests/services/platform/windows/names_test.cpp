@@ -88,6 +88,22 @@ TYPED_TEST_SUITE(WindowsNames, eWidths, eWidthNames);
 
 constexpr std::string_view kVictim = "precious";
 
+TYPED_TEST(WindowsNames, ThatEndInDotsAndBlanksAreSavedInTheirOwnPlace) {
+    this->Make(L"a", kVictim);
+    this->Make(L"folder. ./", "");
+    for (const char* const name : {"a.", "a ", "a. .", "folder. ./b."}) {
+        const std::wstring onDisk = eWide::Of(name);
+        for (const char* const content : {"first", "second"}) {
+            const eStrictNames strict;
+            IO::eSaveFile file(this->Below(TypeParam::Of(name)));
+            file.Write(content, std::string_view(content).size());
+            EXPECT_TRUE(file.Commit()) << name << ": " << file.Failure().text;
+            EXPECT_EQ(content, this->Content(onDisk)) << name;
+        }
+        EXPECT_EQ(kVictim, this->Content(L"a")) << name;
+    }
+}
+
 // --- Outside the code page ---
 
 bool IsInNarrowCodePage(const std::wstring& text) {

@@ -214,6 +214,13 @@ HANDLE WINAPI FindFirstInstead(LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
 }
 
 decltype(&::FindNextFileW) systemsFindNext;
+
+// A drive that goes away while a folder is listed.
+BOOL WINAPI FindNextBroken(HANDLE, LPWIN32_FIND_DATAW) {
+    ::SetLastError(ERROR_NETNAME_DELETED);
+    return FALSE;
+}
+
 BOOL WINAPI FindNextInstead(HANDLE found, LPWIN32_FIND_DATAW data) {
     const BOOL another = systemsFindNext(found, data);
     if (another)
@@ -501,6 +508,80 @@ TEST_F(BusySystem, CopyExLooksAtTheFlagWheneverTheSystemReportsProgress) {
     EXPECT_FALSE(theStopped.hasFlag);
     EXPECT_EQ(DWORD{PROGRESS_CONTINUE}, theStopped.beforehand);
     EXPECT_EQ(DWORD{PROGRESS_CANCEL}, theStopped.afterwards);
+}
+
+// As Windows reports a copy and what it does when it is stopped.
+BOOL WINAPI WatchedInstead(LPCWSTR from, LPCWSTR to, LPPROGRESS_ROUTINE progress, LPVOID data, LPBOOL, DWORD) {
+    LARGE_INTEGER all{}, moved{};
+    all.QuadPart = 7;
+    for (moved.QuadPart = 0; moved.QuadPart <= 6; moved.QuadPart += 3)
+        if (progress(all, moved, all, moved, 1, CALLBACK_CHUNK_FINISHED, nullptr, nullptr, data) != PROGRESS_CONTINUE) {
+            ::SetLastError(ERROR_REQUEST_ABORTED);
+            return FALSE;
+        }
+    return ::CopyFileW(from, to, FALSE);
+}
+
+TEST_F(BusySystem, ACopyThatTellsShowsItsProgressWithinAFileAndCanBeStoppedThere) {
+    const eReplacedCall copying(kLibrary, "CopyFileExW", &WatchedInstead, &systemsStoppable);
+    MakeFile("from/file");
+    std::vector<unsigned long long> bytes;
+    IO::System::eTreeTask task;
+    task.countFirst = false;
+    task.progress = [&](const IO::System::eTreeProgress& at) { return bytes.push_back(at.now.bytes), true; };
+    EXPECT_TRUE(eWide::CopyTree(Named("from"), Named("to"), task));
+    EXPECT_EQ((std::vector<unsigned long long>{0, 3, 6, 7, 7}), bytes);
+    EXPECT_EQ(eNames{"file"}, Tree("to"));
+    task.progress = [](const IO::System::eTreeProgress& at) { return at.now.bytes < 3; };
+    const auto result = eWide::CopyTree(Named("from"), Named("other"), task);
+    EXPECT_TRUE(result.cancelled);
+    EXPECT_EQ(0u, result.failed);
+    EXPECT_EQ(eNames(), Tree("other"));
+}
+
+TEST_F(BusySystem, ADeletionThatTellsNamesAReadOnlyFileWithTheSystemsError) {
+    MakeFile("root/a/kept");
+    MakeFile("root/gone");
+    ASSERT_TRUE(::SetFileAttributesW(At("root/a/kept").c_str(), FILE_ATTRIBUTE_READONLY));
+    const auto result = eWide::DeleteTree(Named("root"));
+    ::SetFileAttributesW(At("root/a/kept").c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(1u, result.failed);
+    ASSERT_EQ(1u, result.failures.size());
+    EXPECT_EQ(Named("root/a/kept"), result.failures[0].name);
+    EXPECT_EQ(IO::System::eTreeStep::Remove, result.failures[0].step);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, result.failures[0].reason.number);
+    EXPECT_TRUE(result.failures[0].reason.text.starts_with("It could not be removed: "));
+}
+
+TEST_F(BusySystem, AListingThatBreaksOffIsAFailure) {
+    const eReplacedCall listing(kLibrary, "FindNextFileW", &FindNextBroken, &systemsFindNext);
+    MakeFile("root/file");
+    const auto result = eWide::CopyTree(Named("root"), Named("to"));
+    ASSERT_EQ(1u, result.failures.size());
+    EXPECT_EQ(Named("root").GetPath(), result.failures[0].name);
+    EXPECT_EQ(IO::System::eTreeStep::Open, result.failures[0].step);
+    EXPECT_EQ(ERROR_NETNAME_DELETED, result.failures[0].reason.number);
+    IO::eTreeSearchW search(Named("root"), L"*");
+    EXPECT_FALSE(search.Valid());
+    EXPECT_EQ(1u, search.Unread());
+}
+
+decltype(&::MoveFileExW) systemsMove;
+BOOL WINAPI MoveInstead(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    return !Fails(eCall::Any, from) && systemsMove(from, to, flags);
+}
+
+TEST_F(BusySystem, ReplaceTriesAgainWhatSomebodyHasOpen) {
+    const eReplacedCall moving(kLibrary, "MoveFileExW", &MoveInstead, &systemsMove);
+    MakeFile("new", "new");
+    MakeFile("old", "old");
+    Refuse(eCall::Any, L"new", ERROR_SHARING_VIOLATION, 2);
+    EXPECT_TRUE(eWide::Replace(Named("new"), Named("old")));
+    EXPECT_EQ(3, theSystem.calls);
+    EXPECT_EQ("new", Content("old"));
+    Refuse(eCall::Any, L"missing", 0, 0);
+    EXPECT_FALSE(eWide::Replace(Named("missing"), Named("old")));
+    EXPECT_EQ(1, theSystem.calls);
 }
 
 decltype(&::_filelengthi64) systemsLength;

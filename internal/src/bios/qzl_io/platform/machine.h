@@ -33,10 +33,24 @@ struct eSystemVersion {
     unsigned major = 0;
     unsigned minor = 0;
     bool server = false;
+    unsigned build = 0;
 };
 
 // The version of Windows; 0.0 if it is unknown.
 eSystemVersion SystemVersion();
+
+// What else the system tells; empty or 0 where it does not.
+struct eMachineFacts {
+    std::string release;             // of the kernel; empty on Windows
+    std::string osRelease;           // the file os-release
+    std::string architecture;        // of this process
+    std::string machineArchitecture; // of the machine
+    unsigned processors = 0;
+    unsigned long long memory = 0; // in bytes
+    std::string machineId;
+    bool idIsConfidential = false; // the id must not leave the machine as it is
+};
+eMachineFacts AskMachine();
 
 // Queries the serial number of the disk that holds the system. Returns 0 and the text, which may be empty, or the
 // system's error number.

@@ -13,6 +13,14 @@ std::string NarrowedName(const std::wstring& name) {
     return ByteName(name);
 }
 
+std::wstring NameOfUtf8(std::string_view utf8) {
+    return WideName(utf8);
+}
+
+std::string Utf8OfName(const std::wstring& name) {
+    return ByteName(name);
+}
+
 bool NamesAreUtf8() {
     return true;
 }

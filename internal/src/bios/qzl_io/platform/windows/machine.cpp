@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "platform/machine.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <type_traits>
@@ -118,6 +119,69 @@ OSVERSIONINFOEXW RunningVersion() {
     return version;
 }
 
+// Numbers of processors as IsWow64Process2 tells them.
+constexpr USHORT kX86 = 0x014c;
+constexpr USHORT kX64 = 0x8664;
+constexpr USHORT kArm64 = 0xaa64;
+
+// The processors that the compiler makes this library for.
+#if defined(_M_ARM64) || defined(__aarch64__)
+constexpr USHORT kOwnMachine = kArm64;
+#elif defined(_M_X64) || defined(__x86_64__)
+constexpr USHORT kOwnMachine = kX64;
+#else
+constexpr USHORT kOwnMachine = kX86;
+#endif
+
+const char* ArchitectureOf(USHORT machine) {
+    switch (machine) {
+    case kX86:
+        return "x86";
+    case kX64:
+        return "x86_64";
+    case kArm64:
+        return "aarch64";
+    default:
+        return "";
+    }
+}
+
+// GetNativeSystemInfo shows an emulated process the processors that are emulated; systems without the function that
+// tells the truth emulate none.
+USHORT NativeMachine() {
+    using eAsk = BOOL(WINAPI*)(HANDLE, USHORT*, USHORT*);
+    const HMODULE kernel = ::GetModuleHandleW(L"kernel32.dll");
+    const FARPROC found = kernel ? ::GetProcAddress(kernel, "IsWow64Process2") : nullptr;
+    USHORT process = 0;
+    USHORT native = 0;
+    if (found && reinterpret_cast<eAsk>(reinterpret_cast<void*>(found))(::GetCurrentProcess(), &process, &native))
+        return native;
+    SYSTEM_INFO info{};
+    ::GetNativeSystemInfo(&info);
+    return info.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_AMD64 ? kX64 : kX86;
+}
+
+// In lower case, as ids are compared. Empty if the registry does not hold it.
+std::string MachineGuid() {
+    HKEY key = nullptr;
+    if (::RegOpenKeyExA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\Microsoft\Cryptography)", 0, KEY_QUERY_VALUE | KEY_WOW64_64KEY,
+                        &key) != ERROR_SUCCESS)
+        return {};
+    const std::shared_ptr<HKEY__> owner(key, &::RegCloseKey);
+    std::array<char, 64> text{};
+    DWORD size = text.size() - 1;
+    DWORD type = 0;
+    const LSTATUS status =
+        ::RegQueryValueExA(key, "MachineGuid", nullptr, &type, reinterpret_cast<BYTE*>(text.data()), &size);
+    if (status != ERROR_SUCCESS || type != REG_SZ)
+        return {};
+    std::string guid = text.data();
+    std::transform(guid.begin(), guid.end(), guid.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'F' ? static_cast<char>(letter + 32) : letter;
+    });
+    return guid;
+}
+
 } // namespace
 
 template <class Char>
@@ -155,7 +219,20 @@ eProductIdQuery OpenProductId() {
 
 eSystemVersion SystemVersion() {
     const OSVERSIONINFOEXW version = RunningVersion();
-    return {version.dwMajorVersion, version.dwMinorVersion, IsServer()};
+    return {version.dwMajorVersion, version.dwMinorVersion, IsServer(), version.dwBuildNumber};
+}
+
+eMachineFacts AskMachine() {
+    eMachineFacts facts;
+    facts.architecture = ArchitectureOf(kOwnMachine);
+    facts.machineArchitecture = ArchitectureOf(NativeMachine());
+    facts.processors = ::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS);
+    MEMORYSTATUSEX memory{};
+    memory.dwLength = sizeof(memory);
+    if (::GlobalMemoryStatusEx(&memory))
+        facts.memory = memory.ullTotalPhys;
+    facts.machineId = MachineGuid();
+    return facts;
 }
 
 template std::string ComputerName<char>();
