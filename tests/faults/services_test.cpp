@@ -147,9 +147,18 @@ public:
 
     bool Tells() const override { return false; }
 
-private:
+protected:
     const eFileName from, to;
+
+private:
     std::map<std::string, std::string> source;
+};
+
+// Every entry that is missing must have been told.
+class eToldCopy : public eCopiedTree {
+public:
+    bool Run() override { return static_cast<bool>(Path::CopyTree(from, to)); }
+    bool Tells() const override { return true; }
 };
 
 class eDeletedTree : public eServiceScenario {
@@ -171,8 +180,18 @@ public:
 
     bool Tells() const override { return false; }
 
-private:
+protected:
     const eFileName root;
+};
+
+class eToldDeletion : public eDeletedTree {
+public:
+    bool Run() override {
+        const IO::System::eTreeResult result = Path::DeleteTree(root);
+        // What an earlier run has removed is missing.
+        return result || (result.failed == 1 && !folder.Exists("root"));
+    }
+    bool Tells() const override { return true; }
 };
 
 class ePurgedTree : public eServiceScenario {
@@ -290,10 +309,12 @@ TEST(Faults, WorkingWithFiles) {
 
 TEST(Faults, CopyingATree) {
     Torture<eCopiedTree>("copy a tree");
+    Torture<eToldCopy>("copy a tree and tell");
 }
 
 TEST(Faults, DeletingATree) {
     Torture<eDeletedTree>("delete a tree");
+    Torture<eToldDeletion>("delete a tree and tell");
 }
 
 TEST(Faults, PurgingATree) {

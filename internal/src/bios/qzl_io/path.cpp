@@ -55,30 +55,32 @@ bool CreateFolder(const std::basic_string<Char>& folder, ePatience& patience, eF
     return MakeParts(folder, FirstPart(std::basic_string_view<Char>(folder), kNameRoot), makeFolder);
 }
 
+// What has become of the root of a deleted tree.
+struct eRootEnd {
+    bool removed = false;
+    bool failed = false; // by itself, not because of what is still in it
+    eTreeStep step = eTreeStep::Remove;
+    int reason = 0;
+};
+
 // Takes the folder as a path, which names something.
 template <class Name>
-void DeletePath(const Name& path, bool recursive, ePatience& patience, eTreeWatch* watch) {
+eRootEnd DeletePath(const Name& path, bool recursive, ePatience& patience, eTreeWatch* watch) {
+    eRootEnd end;
     bool emptied = false;
-    int notOpened = 0;
     if (recursive) {
         if (const auto opened = OpenFolder(path.c_str(), eNamedLink::Refuse, patience))
             emptied = DeleteContents(*opened, patience, watch);
         else
-            notOpened = Platform::TakeRefusal();
+            end = {false, true, eTreeStep::Open, Platform::TakeRefusal()};
     }
     if (watch && watch->IsStopped())
-        return;
-    bool removed = patience.GetRemoved(emptied, [&] { return Platform::RemoveFolder(path.c_str()); });
-    const int notRemoved = removed ? 0 : Platform::TakeRefusal();
-    removed = removed || Platform::RemoveFolderLink(path.c_str());
-    if (!watch)
-        return;
-    if (removed)
-        return watch->Done(eEntryKind::Folder, 0);
-    if (emptied || notOpened != 0)
-        watch->FolderFailed(notOpened != 0 ? eTreeStep::Open : eTreeStep::Remove,
-                            notOpened != 0 ? notOpened : notRemoved);
-    watch->Passed(eEntryKind::Folder, 0);
+        return end;
+    end.removed = patience.GetRemoved(emptied, [&] { return Platform::RemoveFolder(path.c_str()); });
+    if (!end.removed && emptied)
+        end = {false, true, eTreeStep::Remove, Platform::TakeRefusal()};
+    end.removed = end.removed || Platform::RemoveFolderLink(path.c_str());
+    return end;
 }
 
 template <class Name>
@@ -90,12 +92,21 @@ void DeleteFolder(const Name& folder, bool recursive) {
     Platform::TakeRefusal();
 }
 
+// Tells what is wrong with the root of a copy's target: it is not there, or what was in it could not be looked at.
+void TellTarget(bool opened, bool isNew, const eRootEnd& cleared, eTreeWatch& watch) {
+    const eTreeWatch::eClearing clearing(&watch);
+    if (!opened)
+        watch.FolderFailed(eTreeStep::Create, Platform::TakeRefusal());
+    else if (!isNew && cleared.step == eTreeStep::Open && !cleared.removed)
+        watch.FolderFailed(cleared.step, cleared.reason);
+}
+
 template <class Name>
 void CopyPath(const Name& source, const Name& target, ePatience& patience, eTreeWatch* watch) {
+    eRootEnd cleared;
     {
         const eTreeWatch::eClearing clearing(watch);
-        if (!watch || Platform::MayAccess(target.c_str(), File::Exist))
-            DeletePath(target, true, patience, watch);
+        cleared = DeletePath(target, true, patience, watch);
     }
     if (watch && watch->IsStopped())
         return;
@@ -105,10 +116,8 @@ void CopyPath(const Name& source, const Name& target, ePatience& patience, eTree
     const bool isNew = !Platform::MayAccess(target.c_str(), File::Exist);
     CreateFolder(target.str(), patience, openedSource.get());
     const auto openedTarget = OpenFolder(target.c_str(), eNamedLink::Refuse, patience);
-    if (!openedTarget && watch) {
-        const eTreeWatch::eClearing clearing(watch);
-        watch->FolderFailed(eTreeStep::Create, Platform::TakeRefusal());
-    }
+    if (watch)
+        TellTarget(openedTarget != nullptr, isNew, cleared, *watch);
     if (!openedSource || !openedTarget)
         return;
     if (isNew)
@@ -196,6 +205,18 @@ eTreeResultOf<Name> CopyTelling(const Name& from, const Name& to, const eTreeTas
 }
 
 template <class Name>
+void DeleteTold(const Name& path, ePatience& patience, eTreeReport<Name>& report) {
+    const eRootEnd end = DeletePath(path, true, patience, &report);
+    if (report.IsStopped())
+        return;
+    if (end.removed)
+        return report.Done(eEntryKind::Folder, 0);
+    if (end.failed)
+        report.FolderFailed(end.step, end.reason);
+    report.Passed(eEntryKind::Folder, 0);
+}
+
+template <class Name>
 eTreeResultOf<Name> DeleteTelling(const Name& folder, const eTreeTask& task) {
     const Platform::eUnattended unattended;
     const Name path = folder.GetPath();
@@ -204,7 +225,7 @@ eTreeResultOf<Name> DeleteTelling(const Name& folder, const eTreeTask& task) {
     if (NamesNothing(folder))
         report.NamesNothing(folder.str());
     else if (CountTree(path, eNamedLink::Refuse, true, patience, report); !report.IsStopped())
-        DeletePath(path, true, patience, &report);
+        DeleteTold(path, patience, report);
     return report.Take();
 }
 

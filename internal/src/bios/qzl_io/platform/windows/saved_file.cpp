@@ -299,7 +299,16 @@ std::unique_ptr<eSavedFile> BeginBeside(const std::wstring& target, const BY_HAN
     return *handle != -1 ? std::move(saved) : nullptr;
 }
 
-// Uses the name as given if the system does not tell where links lead.
+// The final name of an open file, in which all links are followed; the name as given if the system tells none that
+// leads back to the file, as one from whose end dots and blanks are stripped.
+template <class Char>
+std::wstring TrueName(HANDLE file, const Char* given) {
+    std::wstring told = FinalName(file);
+    const eOpenHandle there = Open(told, 0, kShareAll, OPEN_EXISTING);
+    const bool leadsBack = there.IsOpen() && MayBeOneFile(NumberedId(file), NumberedId(there.Get()));
+    return leadsBack ? told : FolderName(given);
+}
+
 template <class Char>
 std::unique_ptr<eSavedFile> BeginExisting(const Char* target, const eOpenHandle& existing, int* handle) {
     BY_HANDLE_FILE_INFORMATION facts{};
@@ -311,8 +320,7 @@ std::unique_ptr<eSavedFile> BeginExisting(const Char* target, const eOpenHandle&
         Refused(ERROR_ACCESS_DENIED);
         return nullptr;
     }
-    const std::wstring told = FinalName(existing.Get());
-    return BeginBeside(told.empty() ? FolderName(target) : told, &facts, NumberedId(existing.Get()), handle);
+    return BeginBeside(TrueName(existing.Get(), target), &facts, NumberedId(existing.Get()), handle);
 }
 
 template <class Char>
@@ -377,7 +385,7 @@ bool PrepareSave(const Char* target) {
             return false;
         const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(opened.handle));
         if (::GetFileType(file) == FILE_TYPE_DISK)
-            told = FinalName(file);
+            told = TrueName(file, target);
     }
     const auto mayAddFile = [&] {
         return Open(ePlace(told).folder, FILE_ADD_FILE, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS).IsOpen();
