@@ -18,7 +18,7 @@ eFileName NarrowName(const eFileNameW& name) {
 }
 
 eFileName NameFromUtf8(std::string_view utf8) {
-    return Platform::NarrowedName(Platform::NameOfUtf8(utf8));
+    return NarrowName(NameFromUtf8W(utf8));
 }
 
 eFileNameW NameFromUtf8W(std::string_view utf8) {
