@@ -205,6 +205,33 @@ TEST_F(Guides, Searches) {
     EXPECT_EQ(shown, "");
 }
 
+TEST_F(Guides, SearchesOfTrees) {
+    for (const auto& entry : IO::eTreeSearch("c:/data", {"*.sdl", "*.json"}))
+        if (entry.IsFile())
+            Use(entry.Name(), entry.Size());
+    EXPECT_EQ(shown, "");
+}
+
+TEST_F(Guides, TreesThatTell) {
+    work.Write("data/file", "content");
+    const bool stopped = false;
+    unsigned long long bytes = 0;
+    std::string warned;
+    const auto Show = [&](unsigned long long now, unsigned long long) { bytes = now; };
+    const auto Warn = [&](const eFileName&, const std::string& text) { warned += text; };
+    IO::System::eTreeTask task;
+    task.progress = [&](const IO::System::eTreeProgress& at) {
+        Show(at.now.bytes, at.all.bytes);
+        return !stopped; // false cancels; what is done by then stays done
+    };
+    const IO::System::eTreeResult result = IO::System::Path::CopyTree("data", "backup", task);
+    for (const auto& failure : result.failures)
+        Warn(failure.name, failure.reason.text); // "The file could not be copied: Permission denied."
+    EXPECT_TRUE(result);
+    EXPECT_EQ(bytes, 7u);
+    EXPECT_EQ(warned, "");
+}
+
 TEST_F(Guides, FilesFromStrangers) {
     work.Write("scene.sdl", kScene);
     const eFileName file("scene.sdl");
