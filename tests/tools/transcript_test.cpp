@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -84,16 +86,26 @@ private:
     std::string Placed(std::string text) const {
         ReplaceAll(&text, folder.Name(), "{folder}/");
         text = std::regex_replace(text, std::regex("(\"name\":\"sdl\",\"version\":\")[^\"]*"), "$1{version}");
-        for (const char* const reason : {"No such file or directory", "File not found", "Path not found"})
+        for (const char* const reason :
+             {"No such file or directory", "File not found", "Path not found", "Invalid name"})
             ReplaceAll(&text, reason, "{there is none}");
         return text;
     }
 
-    // The same of what `sdl system` prints.
+    // What `sdl system` prints, without the facts and times of this machine.
     static std::string WithoutFacts(const std::string& text) {
-        static const std::regex fact("(\n  [a-z][a-z ]{15})[^\n]*");
-        static const std::regex time("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}");
-        return std::regex_replace(std::regex_replace(text, fact, "$1{fact}"), time, "{time}");
+        constexpr std::size_t kFact = 18;
+        std::istringstream lines(text);
+        std::string shown;
+        for (std::string line; std::getline(lines, line); shown += line + '\n') {
+            if (line.size() < kFact || !line.starts_with("  "))
+                continue;
+            if (line.ends_with(".sdl"))
+                line.replace(2, kFact - 2, "{time}");
+            else if (line[2] >= 'a' && line[2] <= 'z')
+                line.replace(kFact, std::string::npos, "{fact}");
+        }
+        return shown;
     }
 
     eTempFolder folder;
