@@ -29,10 +29,10 @@ std::string Home() {
 
 // The variable's folder, or the one below the user's own.
 std::string BaseFolder(const char* variable, const char* below) {
-    const std::string named = Variable(variable);
+    std::string named = Variable(variable);
     if (!named.empty())
         return named;
-    const std::string home = Home();
+    std::string home = Home();
     return home.empty() ? home : home + below;
 }
 

@@ -35,7 +35,7 @@ inline std::string AssignedTo(std::string_view name, std::string_view file) {
     while (!file.empty()) {
         const std::size_t end = file.find('\n');
         std::string_view line = file.substr(0, end);
-        file = end == file.npos ? std::string_view() : file.substr(end + 1);
+        file = end == std::string_view::npos ? std::string_view() : file.substr(end + 1);
         line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
         if (line.starts_with(name) && line.substr(name.size()).starts_with('='))
             value = AssignedValue(line.substr(name.size() + 1));

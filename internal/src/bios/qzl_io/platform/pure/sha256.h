@@ -46,7 +46,8 @@ constexpr void Mix(eState& state, std::string_view block) {
     for (std::size_t at = 0; at < 16; ++at)
         words[at] = WordAt(block, 4 * at);
     for (std::size_t at = 16; at < words.size(); ++at) {
-        const std::uint32_t low = words[at - 15], high = words[at - 2];
+        const std::uint32_t low = words[at - 15];
+        const std::uint32_t high = words[at - 2];
         words[at] = words[at - 16] + (std::rotr(low, 7) ^ std::rotr(low, 18) ^ low >> 3) + words[at - 7] +
                     (std::rotr(high, 17) ^ std::rotr(high, 19) ^ high >> 10);
     }
