@@ -19,7 +19,7 @@
 
 namespace {
 
-struct eArguments {
+struct eCheckArguments {
     std::vector<std::string> files;
     std::string signature;
     std::string schema;
@@ -49,7 +49,7 @@ xError::eDiagnostic WrongSignature(const eSDLDocument& document, const std::stri
 }
 
 std::optional<eSDLSchema> SchemaFor(const std::string& file, const eSDLDocument& document,
-                                    const eArguments& arguments) {
+                                    const eCheckArguments& arguments) {
     if (!arguments.schema.empty())
         return OpenSchema(arguments.schema);
     if (arguments.noSchema || file == kStandard)
@@ -73,7 +73,7 @@ void Check(const eSDLDocument& document, const std::optional<eSDLSchema>& schema
     std::move(mistakes.begin(), mistakes.end(), std::back_inserter(findings->mistakes));
 }
 
-eFindings FindingsOf(const std::string& file, const eArguments& arguments) {
+eFindings FindingsOf(const std::string& file, const eCheckArguments& arguments) {
     eSDLDocument document;
     OpenDocument(&document, file);
     eFindings findings;
@@ -90,7 +90,7 @@ eFindings FindingsOf(const std::string& file, const eArguments& arguments) {
     return findings;
 }
 
-eEnd Check(const eArguments& arguments) {
+eEnd Check(const eCheckArguments& arguments) {
     const std::unique_ptr<eFindingsOutput> output = arguments.sarif  ? SarifOutput()
                                                     : arguments.json ? JsonOutput()
                                                                      : TextOutput();
@@ -113,7 +113,7 @@ eEnd Check(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareCheck(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eCheckArguments>();
     verb->add_option("FILE", arguments->files, "the documents")->required();
     verb->add_option("--signature", arguments->signature, "the word after the first {, without regard to letter case");
     const auto schema = verb->add_option("--schema", arguments->schema, "the schema that the documents must keep to");

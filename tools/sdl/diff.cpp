@@ -232,13 +232,13 @@ private:
     std::vector<eStep> steps;
 };
 
-struct eArguments {
+struct eDiffArguments {
     std::string left;
     std::string right;
     bool quiet = false;
 };
 
-eEnd Diff(const eArguments& arguments) {
+eEnd Diff(const eDiffArguments& arguments) {
     const eTree left(arguments.left);
     const eTree right(arguments.right);
     terminal::EndProgress();
@@ -252,7 +252,7 @@ eEnd Diff(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareDiff(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eDiffArguments>();
     verb->add_option("A", arguments->left, "the one document")->required();
     verb->add_option("B", arguments->right, "the other one")->required();
     verb->add_flag("-q,--quiet", arguments->quiet, "print nothing, and tell by the exit code");

@@ -17,7 +17,7 @@
 
 namespace {
 
-struct eArguments {
+struct eFormatArguments {
     std::vector<std::string> files;
     bool inPlace = false;
     bool check = false;
@@ -31,7 +31,7 @@ std::filesystem::path PathOf(const std::string& name) {
     return {std::u8string(name.begin(), name.end())};
 }
 
-eSDLLayout LayoutFor(const std::string& file, const eArguments& arguments) {
+eSDLLayout LayoutFor(const std::string& file, const eFormatArguments& arguments) {
     eSDLLayout layout;
     TakeSettings(PathOf(file), &layout);
     if (arguments.indent)
@@ -68,7 +68,7 @@ void Print(const std::string& text) {
 }
 
 // Returns whether the file had that layout before.
-bool FormatFile(const std::string& file, const eArguments& arguments) {
+bool FormatFile(const std::string& file, const eFormatArguments& arguments) {
     const eSDLLayout layout = LayoutFor(file, arguments);
     eSDLDocument document;
     OpenFaultless(&document, file);
@@ -88,7 +88,7 @@ bool FormatFile(const std::string& file, const eArguments& arguments) {
     return same;
 }
 
-eEnd Format(const eArguments& arguments) {
+eEnd Format(const eFormatArguments& arguments) {
     eEnd end = eEnd::Fine;
     for (const std::string& file : arguments.files) {
         try {
@@ -105,7 +105,7 @@ eEnd Format(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareFormat(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eFormatArguments>();
     verb->add_option("FILE", arguments->files, "the documents")->required();
     const auto inPlace = verb->add_flag("-i,--in-place", arguments->inPlace, "replace each file whose layout differs");
     verb->add_flag("--check", arguments->check, "change nothing, and list the files whose layout differs")

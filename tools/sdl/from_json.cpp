@@ -16,7 +16,7 @@
 
 namespace {
 
-struct eArguments {
+struct eFromJsonArguments {
     std::string input;
     std::string output;
 };
@@ -78,7 +78,7 @@ void Convert(const std::string& name, IO::eStream& output, eJsonLosses* losses) 
     throw eTrouble(ShownName(name) + ": " + terminal::Printable(warning.Message()));
 }
 
-eEnd FromJson(const eArguments& arguments) {
+eEnd FromJson(const eFromJsonArguments& arguments) {
     eOutput output(arguments.output);
     eJsonLosses losses;
     Convert(arguments.input, output.Stream(), &losses);
@@ -91,7 +91,7 @@ eEnd FromJson(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareFromJson(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eFromJsonArguments>();
     verb->add_option("IN", arguments->input, "the JSON document")->required();
     verb->add_option("OUT", arguments->output, "the SDL file")->required();
     return [arguments] { return FromJson(*arguments); };

@@ -11,7 +11,7 @@
 
 namespace {
 
-struct eArguments : ePathArguments {
+struct eGetArguments : ePathArguments {
     bool source = false;
 };
 
@@ -19,13 +19,13 @@ bool IsValue(const eSDLNode& node) {
     return !node.IsBlock() && node.Kind() != eSDLKind::Word;
 }
 
-void Print(const std::string& text) {
+void PrintLine(const std::string& text) {
     static const bool toPeople = console::IsTerminal(console::eStream::Output);
     std::cout << (toPeople ? terminal::Printable(text) : text) << '\n';
 }
 
 void PrintValue(const eSDLNode& value) {
-    Print(value.As<std::string>().value_or(value.Text()));
+    PrintLine(value.As<std::string>().value_or(value.Text()));
 }
 
 bool HasBlocks(const eSDLNode& block) {
@@ -38,7 +38,7 @@ bool HasBlocks(const eSDLNode& block) {
 // A value as it is, a word and a block as their values: a block that holds blocks, as it stands in the document.
 void PrintNode(const eSDLNode& node, bool asSource) {
     if (asSource || (node.IsBlock() && HasBlocks(node)))
-        return Print(node.Text());
+        return PrintLine(node.Text());
     if (IsValue(node))
         return PrintValue(node);
     if (!node.IsBlock())
@@ -47,7 +47,7 @@ void PrintNode(const eSDLNode& node, bool asSource) {
         PrintValue(value);
 }
 
-eEnd GetNodes(const eArguments& arguments) {
+eEnd GetNodes(const eGetArguments& arguments) {
     eSDLDocument document;
     const std::vector<eSDLNode> nodes = OpenAt(&document, arguments);
     terminal::EndProgress();
@@ -59,7 +59,7 @@ eEnd GetNodes(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareGet(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eGetArguments>();
     DeclarePath(verb, "the document", arguments.get());
     verb->add_flag("--source", arguments->source, "as it stands in the document");
     return [arguments] { return GetNodes(*arguments); };

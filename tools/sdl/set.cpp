@@ -12,7 +12,7 @@
 
 namespace {
 
-struct eArguments : ePathArguments {
+struct eSetArguments : ePathArguments {
     std::string value;
     bool asString = false;
     bool asWord = false;
@@ -41,7 +41,7 @@ std::optional<eSDLItem> Literal(const std::string& text) {
 
 // A number and a text in quotes are what they are in SDL. Any other text becomes a word where a word was, if it can be
 // one, and otherwise a string.
-eSDLItem ItemFor(const eSDLNode& old, const eArguments& arguments) {
+eSDLItem ItemFor(const eSDLNode& old, const eSetArguments& arguments) {
     if (arguments.asWord)
         return eSDLItem::Word(arguments.value);
     if (!arguments.asString) {
@@ -58,7 +58,7 @@ eSDLNode ValueOf(const eSDLNode& node) {
     return node.IsBlock() || (node.Kind() == eSDLKind::Word && node.Value()) ? node.Value() : node;
 }
 
-void SetNode(eSDLDocument* document, const eSDLNode& node, const eArguments& arguments) {
+void SetNode(eSDLDocument* document, const eSDLNode& node, const eSetArguments& arguments) {
     const eSDLNode old = ValueOf(node);
     const eSDLItem item = ItemFor(old, arguments);
     if (!item.IsGood())
@@ -71,7 +71,7 @@ void SetNode(eSDLDocument* document, const eSDLNode& node, const eArguments& arg
         RefuseEdit(arguments, *document, "set");
 }
 
-eEnd SetValue(const eArguments& arguments) {
+eEnd SetValue(const eSetArguments& arguments) {
     eSDLDocument document;
     const std::vector<eSDLNode> nodes = OpenAt(&document, arguments);
     if (nodes.empty())
@@ -86,7 +86,7 @@ eEnd SetValue(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareSet(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eSetArguments>();
     DeclarePath(verb, kEditedHelp, arguments.get());
     verb->add_option("VALUE", arguments->value, "a number, a text, or an SDL string with its quotes")->required();
     const auto string =

@@ -12,13 +12,13 @@ namespace {
 
 constexpr std::size_t kDeepest = 1000;
 
-struct eArguments {
+struct eShowArguments {
     std::string file;
     std::size_t depth = 8;
     std::size_t names = 8;
 };
 
-eEnd Show(const eArguments& arguments) {
+eEnd Show(const eShowArguments& arguments) {
     const eOutline outline(arguments.file, arguments.depth);
     terminal::EndProgress();
     outline.PrintCounts(std::cout);
@@ -30,7 +30,7 @@ eEnd Show(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareShow(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eShowArguments>();
     verb->add_option("FILE", arguments->file, "the document")->required();
     verb->add_option("--depth", arguments->depth, "levels of blocks that are listed")
         ->check(CLI::Range(std::size_t{0}, kDeepest))

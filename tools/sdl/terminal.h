@@ -12,6 +12,9 @@ namespace terminal {
 // direction of a text or are invisible, are shown by their numbers, as <U+001B>, ill-formed parts as U+FFFD.
 std::string Printable(std::string_view text);
 
+// So many tokens are read between two looks at the time.
+inline constexpr unsigned kTokensBetweenProgress = 1 << 16;
+
 // Replaces the line of progress on standard error, ten times in a second at most and only on a terminal.
 void ShowProgress(const std::string& text);
 // The same at once, for work of one step on a file: only if the file is so large that this takes long.

@@ -295,7 +295,7 @@ void ShowChanges(const std::string& input, const eChanges& changes) {
         ShowMessage(name + Counted(changes.infinite, "number") + " beyond the range of floats became null");
 }
 
-struct eArguments {
+struct eToJsonArguments {
     std::string input;
     std::string output;
     int indent = 2;
@@ -303,7 +303,7 @@ struct eArguments {
     bool anyNames = false;
 };
 
-eEnd ToJson(const eArguments& arguments) {
+eEnd ToJson(const eToJsonArguments& arguments) {
     eToJson conversion(arguments.input, arguments.anyNames);
     conversion.FindShapes();
     eOutput output(arguments.output);
@@ -318,7 +318,7 @@ eEnd ToJson(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareToJson(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eToJsonArguments>();
     verb->add_option("IN", arguments->input, "the SDL document")->required();
     verb->add_option("OUT", arguments->output, "the JSON file")->required();
     verb->add_option("--indent", arguments->indent, "blanks for each level")

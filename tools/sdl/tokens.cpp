@@ -18,8 +18,6 @@
 
 namespace {
 
-constexpr unsigned kTokensBetweenProgress = 1 << 16;
-
 const char* KindOf(const eSDLParserToken& token) {
     switch (token.type) {
     case sdlError:
@@ -80,7 +78,7 @@ private:
     unsigned long long column = 1;
 };
 
-struct eArguments {
+struct eTokensArguments {
     std::string file;
 };
 
@@ -135,7 +133,7 @@ private:
     }
 
     void Progress() {
-        if (++tokens % kTokensBetweenProgress == 0)
+        if (++tokens % terminal::kTokensBetweenProgress == 0)
             terminal::ShowProgress("reading " + ShownName(name), static_cast<unsigned long long>(parser.Cptr() - begin),
                                    size);
     }
@@ -151,7 +149,7 @@ private:
     bool fine = true;
 };
 
-eEnd Tokens(const eArguments& arguments) {
+eEnd Tokens(const eTokensArguments& arguments) {
     eTokens tokens(arguments.file);
     const bool fine = tokens.Print();
     terminal::EndProgress();
@@ -161,7 +159,7 @@ eEnd Tokens(const eArguments& arguments) {
 } // namespace
 
 eVerb::eRun DeclareTokens(CLI::App* verb) {
-    const auto arguments = std::make_shared<eArguments>();
+    const auto arguments = std::make_shared<eTokensArguments>();
     verb->add_option("FILE", arguments->file, "the document")->required();
     return [arguments] { return Tokens(*arguments); };
 }

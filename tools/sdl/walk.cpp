@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr unsigned kTokensBetweenProgress = 1 << 16;
-
 // Whether a text that ends the document ends within a string, the only token that its end can break.
 bool EndsWithinString(const char* text) {
     IO::eMemoryStream content;
@@ -48,7 +46,7 @@ eWalk::eWalk(const std::string& name) : eSDLReader(Opened(name)), fileName(name)
 
 bool eWalk::Next() {
     const char* const before = Parser().Cptr();
-    if (++tokens % kTokensBetweenProgress == 0)
+    if (++tokens % terminal::kTokensBetweenProgress == 0)
         ReportProgress();
     if (!Get()) {
         RequireEnd(before);

@@ -10,8 +10,9 @@ namespace {
 
 using nlohmann::json;
 
-constexpr int kObject = 19;          // a kind of symbol
-constexpr std::size_t kDeepest = 64; // of the levels that are listed; others would be of no use, and overflow stacks
+constexpr int kObject = 19; // a kind of symbol
+constexpr std::size_t kDeepestListed =
+    64; // of the levels that are listed; others would be of no use, and overflow stacks
 
 std::string NameOf(const eSDLNode& block) {
     const std::string_view name = block.Name();
@@ -35,7 +36,7 @@ public:
         while (open.size() > OpenBefore(part))
             Close(located.begin);
         if (part.kind == eSDLKind::Block)
-            open.push_back(part.depth < kDeepest ? Begun(located) : json());
+            open.push_back(part.depth < kDeepestListed ? Begun(located) : json());
         else if (part.kind == eSDLKind::BlockEnd && !open.empty())
             Close(located.end);
     }
