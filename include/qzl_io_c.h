@@ -14,8 +14,8 @@
 //
 //     qzl_document* document;
 //     double power = 0;
-//     if (qzl_document_new(&document) == QZL_OK && qzl_document_open(document, "scene.sdl", QZL_TERMINATED) == QZL_OK
-//     &&
+//     if (qzl_document_new(&document) == QZL_OK &&
+//         qzl_document_open(document, "scene.sdl", QZL_TERMINATED) == QZL_OK &&
 //         qzl_document_get_number(document, "scene/light[1]/power", QZL_TERMINATED, &power) == QZL_OK)
 //         printf("%g\n", power);
 //     qzl_document_free(document);
@@ -94,7 +94,7 @@ typedef struct qzl_limits {
     size_t size;           // sizeof(qzl_limits)
     uint64_t source_bytes; // of the text, SDL or JSON
     uint64_t token_bytes;  // of a token in it
-    uint64_t json_depth;   // of objects and arrays within each other; 127 at most in any case
+    uint64_t json_depth;   // of objects and arrays within each other; 128 at most in any case
 } qzl_limits;
 
 // How qzl_document_format lays out.
