@@ -22,13 +22,15 @@ const std::wstring& WideMask(const std::wstring& mask) {
     return mask;
 }
 
+} // namespace
+
 // The place of a search in its tree.
 template <class Char, class FileName>
-class eTreeWalk {
+class eTreeSearchOf<Char, FileName>::eWalk {
 public:
     using eText = std::basic_string<Char>;
 
-    eTreeWalk(const FileName& folder, std::span<const FileName> wanted) : start(folder.GetPath()) {
+    eWalk(const FileName& folder, std::span<const FileName> wanted) : start(folder.GetPath()) {
         for (const FileName& mask : wanted)
             masks.emplace_back(WideMask(mask.str()));
         matchesAll = std::any_of(masks.begin(), masks.end(), [](const auto& mask) { return mask.MatchesAll(); });
@@ -133,14 +135,6 @@ private:
     unsigned long long unread = 0;
     bool entered = true; // the entry is no folder, or has been entered, or is to be skipped
     bool valid = false;
-};
-
-} // namespace
-
-template <class Char, class FileName>
-class eTreeSearchOf<Char, FileName>::eWalk : public eTreeWalk<Char, FileName> {
-public:
-    using eTreeWalk<Char, FileName>::eTreeWalk;
 };
 
 template <class Char, class FileName>
