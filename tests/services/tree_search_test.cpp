@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
+#include <initializer_list>
 #include <ranges>
 #include <set>
 #include <string>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ template <class Width>
 class TreeSearch : public eRealTree<Width> {
 protected:
     using Search = std::conditional_t<sizeof(typename Width::Char) == 1, IO::eTreeSearch, IO::eTreeSearchW>;
-    using Masks = std::vector<typename Width::Name>;
+    using Masks = std::initializer_list<typename Width::Name>;
 
     void MakeSample() const {
         this->MakeFile("root/one.txt", "1");
@@ -29,7 +29,7 @@ protected:
         this->MakeFolder("root/docs.txt/inner");
     }
 
-    Search Of(const Masks& masks) const { return Search(this->Named("root"), masks); }
+    Search Of(Masks masks) const { return Search(this->Named("root"), masks); }
 
     // The paths that a search lists, sorted; folders end in "/".
     static eNames Listed(Search search) {
