@@ -98,6 +98,12 @@ private:
         std::istringstream lines(text);
         std::string shown;
         for (std::string line; std::getline(lines, line); shown += line + '\n') {
+            if (line.starts_with("  distribution ")) { // Linux has one
+                std::getline(lines, line);
+            } else if (line.ends_with(" bytes are free")) {
+                line = "  {space}";
+                continue;
+            }
             if (line.size() < kFact || !line.starts_with("  "))
                 continue;
             if (line.ends_with(".sdl"))
