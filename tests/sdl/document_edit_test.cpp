@@ -117,6 +117,8 @@ TEST(DocumentEdit, TokensNeverGrowTogether) {
         {"{a x ; c\n}", AfterPart(eSDLKind::Comment, 1), "{a x ; c\n1\n}"},
         {"{a 1}", After("a/0", eSDLItem::Source("; c")), "{a 1 ; c\r\n}"},
         {"{a 1 2}", Before("a/1", eSDLItem::Source("; c")), "{a 1 ; c\r\n2}"},
+        {"{a} \uFEFFb", Remove("a"), " \uFEFFb"}, // or it would be the text's byte-order mark
+        {"\uFEFF{a} \uFEFFb", Remove("a"), "\uFEFF\uFEFFb"},
         {"\"x\\", Append("", 1), nullptr},
         {"{a \"x", Append("a", 1), nullptr},
         {"{a (\"c\" }", Append("a", 1), nullptr},

@@ -193,6 +193,7 @@ private:
     ePiece* Erase(const ePosition& begin, const ePosition& end);
     void Release(std::uint64_t id);
     ePiece* AddText(std::string text, const eSpot& parent, ePiece* next);
+    bool WouldBeMark(const ePiece& piece) const;
     void AddBlankAt(ePiece* next, const eSpot& parent);
     void ForgetChildren(const eSDLNode& block);
     void ForgetNames(const eSDLNode& block);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "document/body.h"
+#include "qzl_base/shared/unicode.h"
 
 namespace xSDL {
 namespace {
@@ -314,10 +315,16 @@ ePiece* eDocumentBody::AddText(std::string text, const eSpot& parent, ePiece* ne
     return Link({fragment.source.get(), lastFragment, 0, size, nullptr, nullptr}, next);
 }
 
-// Puts a blank before the piece if the characters there would become one token.
+// Whether the piece, now the first one, begins with bytes that would be skipped as the text's byte-order mark.
+bool eDocumentBody::WouldBeMark(const ePiece& piece) const {
+    return original.Begin() == 0 && &piece != &edge && piece.before == &edge &&
+           piece.source->Bytes(piece.begin, piece.end).starts_with(unicode::kByteOrderMark);
+}
+
+// Puts a blank before the piece if the characters there would become one token, or none.
 void eDocumentBody::AddBlankAt(ePiece* next, const eSpot& parent) {
     const ePosition position{next, next->begin};
-    if (NeedBlankBetween(CharacterBefore(position), CharacterAt(position)))
+    if (WouldBeMark(*next) || NeedBlankBetween(CharacterBefore(position), CharacterAt(position)))
         AddText(" ", parent, next);
 }
 
