@@ -47,7 +47,8 @@ public:
 
     void Next() {
         const Platform::eUnattended unattended;
-        for (valid = folders != nullptr; valid;) {
+        valid = folders != nullptr;
+        while (valid) {
             if (!std::exchange(entered, true))
                 GoDown();
             valid = FindEntry();
