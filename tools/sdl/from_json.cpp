@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <memory>
 #include <optional>
+#include <regex>
 #include <string>
 
 #include <qzl_base/diagnostic.h>
@@ -36,16 +36,21 @@ void ShowLosses(const std::string& input, const eJsonLosses& losses) {
     tell(losses.texts, "string", " cut at a NUL character");
 }
 
-// What is wrong in a JSON document, as the library tells it: "* Line 2, Column 18 Syntax error: Malformed token".
+// What is wrong in a JSON document, as the library tells it: "* Line 2, Column 18 Syntax error: Malformed token" with
+// cpprestsdk, which counts the columns of the first line from 2, and "Line 2, Column 17: Malformed token" with
+// simdjson.
 std::optional<xError::eDiagnostic> MistakeIn(const std::string& name, const std::string& message) {
+    static const std::regex pattern("(\\* )?Line ([0-9]{1,9}), Column ([0-9]{1,9}):? ([^\n]*)[^]*");
+    std::smatch parts;
+    if (!std::regex_match(message, parts, pattern))
+        return std::nullopt;
     xError::eDiagnostic mistake;
     xError::ePlace& place = mistake.excerpt.place;
-    char what[200];
-    if (std::sscanf(message.c_str(), "* Line %d, Column %d %199[^\n]", &place.line, &place.column, what) != 3)
-        return std::nullopt;
-    if (place.line == 1) // whose columns are counted from 2
+    place.line = std::stoi(parts[2]);
+    place.column = std::stoi(parts[3]);
+    if (parts[1].matched && place.line == 1)
         place.column = std::max(place.column - 1, 1);
-    mistake.message = what;
+    mistake.message = parts[4];
     place.source = name;
     return mistake;
 }
