@@ -31,6 +31,7 @@ class eSchemaRules;
 class QZL_IO_API eSDLSchema {
 public:
     static constexpr std::size_t kAll = ~std::size_t{0};
+    static constexpr std::size_t kMostErrors = 1000; // of a schema that Errors tells
 
     // What is wrong in the document is told by Errors; the rules that are right apply.
     explicit eSDLSchema(const eSDLDocument& document);
@@ -43,7 +44,7 @@ public:
     static const char* TextOfSchemas();
 
     // What is wrong in the schema, in the order of the places: against the schema of schemas, and names of types that
-    // do not exist, ranges and counts that nothing can keep to.
+    // do not exist, ranges and counts that nothing can keep to. At most kMostErrors.
     const std::vector<xError::eDiagnostic>& Errors() const;
 
     // All that is wrong in a document, at most so many, in the order of the places: what eSDLDocument::Errors tells and

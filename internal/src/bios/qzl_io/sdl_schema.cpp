@@ -24,9 +24,9 @@ eSDLSchema& eSDLSchema::operator=(eSDLSchema&& other) noexcept = default;
 eSDLSchema::~eSDLSchema() = default;
 
 eSDLSchema::eSDLSchema(const eSDLDocument& document) : rules(std::make_unique<xSDL::eSchemaRules>()) {
-    std::vector<xError::eDiagnostic> mistakes = OfSchemas().Check(document);
+    std::vector<xError::eDiagnostic> mistakes = OfSchemas().Check(document, kMostErrors);
     rules->Read(document, &mistakes);
-    xSDL::Sort(&mistakes, kAll);
+    xSDL::Sort(&mistakes, kMostErrors);
     rules->mistakes = std::move(mistakes);
 }
 
