@@ -305,3 +305,10 @@ TEST(SchemaDraft, AcceptsItsDocuments) {
         deep += "{a 1 ";
     DraftOf({deep + std::string(2'000, '}')});
 }
+
+TEST(Schema, TellsTheFirstThousandMistakesOfASchemaAtMost) {
+    std::string text;
+    for (int count = 0; count < 5000; ++count)
+        text += "1 ";
+    EXPECT_EQ(eSDLSchema(eSDLDocument(text)).Errors().size(), eSDLSchema::kMostErrors);
+}

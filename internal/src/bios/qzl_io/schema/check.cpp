@@ -126,6 +126,8 @@ private:
         std::size_t furthest = 0;
         const std::size_t firstWaiting = waiting.size();
         for (const eSDLNode& child : block) {
+            if (IsFull())
+                return;
             if (child.IsBlock()) {
                 EndWord(word, ofWord);
                 word = {};
