@@ -247,3 +247,12 @@ TEST(SdlInterface, MembersKeepTheirOrder) {
     EXPECT_LT(place(state, state.token), place(state, state.line));
     EXPECT_LT(place(state, state.line), place(state, state.position));
 }
+
+// As std::min and EXPECT_EQ take them, without optimization too.
+TEST(SdlInterface, ConstantsCanBeBoundToReferences) {
+    const std::vector<const std::size_t*> counts = {&eSDLDocument::kAll, &eSDLSchema::kAll, &eSDLSchema::kMostErrors};
+    EXPECT_EQ(*counts[0], ~std::size_t{0});
+    EXPECT_EQ(*counts[1], ~std::size_t{0});
+    EXPECT_EQ(*counts[2], 1000U);
+    EXPECT_EQ(eSDLLayout().indent, eSDLLayout::kTab);
+}

@@ -396,6 +396,9 @@ void eSDLParts::eIterator::TakeAt() {
 
 // --- eSDLDocument ---
 
+// Bound to a reference, a constant of an exported class is imported from here.
+constexpr std::size_t eSDLDocument::kAll;
+
 eSDLDocument::eSDLDocument() : eSDLDocument(std::string()) {}
 
 eSDLDocument::eSDLDocument(std::string text, std::string name, const eSDLLimits& limits)

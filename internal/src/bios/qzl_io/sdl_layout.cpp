@@ -146,6 +146,9 @@ private:
 
 } // namespace
 
+// Bound to a reference, a constant of an exported class is imported from here.
+constexpr int eSDLLayout::kTab;
+
 std::string eSDLLayout::Format(const eSDLDocument& document) const {
     return eFormatting(document, *this).Text();
 }

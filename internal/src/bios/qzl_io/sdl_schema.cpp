@@ -18,6 +18,10 @@ void Append(std::vector<xError::eDiagnostic>* list, std::vector<xError::eDiagnos
 
 } // namespace
 
+// Bound to a reference, a constant of an exported class is imported from here.
+constexpr std::size_t eSDLSchema::kAll;
+constexpr std::size_t eSDLSchema::kMostErrors;
+
 eSDLSchema::eSDLSchema(std::unique_ptr<xSDL::eSchemaRules> itsRules) : rules(std::move(itsRules)) {}
 eSDLSchema::eSDLSchema(eSDLSchema&& other) noexcept = default;
 eSDLSchema& eSDLSchema::operator=(eSDLSchema&& other) noexcept = default;
