@@ -20,6 +20,7 @@ FIRST = {"color": "#d9730d", "marker": "s", "markersize": 7, "zorder": 3}
 FIRST_TOO = {**FIRST, "markerfacecolor": "none", "markeredgewidth": 1.6}
 SECOND = {"color": "#2ea043", "marker": "^", "markersize": 8, "zorder": 3}
 THIRD = {"color": "#a371f7", "marker": "D", "markersize": 6.5, "zorder": 3}
+FOURTH = {"color": "#d6336c", "marker": "v", "markersize": 8, "zorder": 3}
 
 STYLE = {
     "svg.fonttype": "none",
@@ -135,6 +136,7 @@ def reading(run):
         ("by hand: a bare tokenizer", LIMIT, "(one read and a )?bare switch tokenizer"),
         ("RapidJSON with SSE2", FIRST_TOO, ".*, built with SSE2"),
         ("libconfig++", THIRD, r"libconfig\+\+"),
+        ("simdjson On-Demand", FOURTH, "simdjson On-Demand"),
     ]
     return dot_chart(run, "Reading a document value by value", READING, series)
 

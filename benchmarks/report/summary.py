@@ -56,6 +56,7 @@ PEAKS = [
 SHORT_NAMES = [
     ("RapidJSON.* SSE2", "RapidJSON with SSE2"),
     ("RapidJSON.*", "RapidJSON"),
+    ("simdjson.*", "simdjson"),
     ("protobuf.*", "protobuf"),
     ("C stdio.*", "C stdio"),
     ("std::stringbuf.*", "std::stringbuf"),
