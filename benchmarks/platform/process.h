@@ -28,6 +28,13 @@ void ReturnLargeBlocks();
 // Runs this program again with other arguments and returns what it printed; empty if it failed.
 std::string RunSelf(const std::vector<std::string>& arguments);
 
+// Runs a command without a shell, with its output in the file, and waits for its end. Throws std::system_error if it
+// cannot be started, std::runtime_error if it fails.
+void RunCommand(const std::vector<std::string>& words, const std::string& output = "/dev/null");
+
+// The seconds of the processor that all commands so far took.
+double SecondsOfCommands();
+
 // A folder in memory if the system has one with this many bytes of room, else the folder for temporary files.
 std::string FastFolder(size_t room);
 

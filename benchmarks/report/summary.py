@@ -28,11 +28,11 @@ BESIDE_OTHERS = [
     ("JSON value converted to SDL: strings", "json", "JSON to SDL, file to file: strings, .*"),
     ("JSON value converted to SDL: numbers", "json", "JSON to SDL, file to file: numbers, .*"),
     ("JSON value converted to SDL: objects", "json", "JSON to SDL, file to file: objects, .*"),
-    ("file of 20,000 walked over", "services", "walk over [0-9]* files"),
-    ("file and its size, of 20,000 walked over", "services", "walk over .*, each one's size asked"),
-    ("file of 20,000 copied", "services", "copy of .*"),
-    ("file of 20,000 deleted", "services", "deletion of .*"),
-    ("folder of 20,000 empty ones purged", "services", "purge of .*"),
+    ("file walked over, of 200 or 20,000 files", "services", "walk over [^,]*"),
+    ("file and its size, walked over", "services", "walk over .*, each one's size asked"),
+    ("file copied, of 200 or 20,000 files", "services", "copy of .*"),
+    ("file deleted, of 200 or 20,000 files", "services", "deletion of .*"),
+    ("folder purged, of 200 or 20,000 empty ones", "services", "purge of .*"),
 ]
 
 # The lines of the table of our own ratios: label, family, pattern of the works.

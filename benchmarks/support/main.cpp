@@ -151,7 +151,8 @@ private:
         if (const std::string* const failure = FailureOf(run))
             taken.failure = *failure;
         else if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-            taken.seconds.push_back(run.cpu_accumulated_time / static_cast<double>(run.iterations));
+            taken.seconds.push_back((found->second->isCommand ? run.real_accumulated_time : run.cpu_accumulated_time) /
+                                    static_cast<double>(run.iterations));
     }
 
     const std::map<std::string, const eRow*>& rows;
@@ -189,8 +190,11 @@ void Measure(benchmark::State& state, const eWork& work, const eRow& row, eAgree
             row.before();
             state.ResumeTiming();
         }
+        const double commands = row.isCommand ? platform::SecondsOfCommands() : 0;
         checksum = MeasuredPass(row);
         benchmark::DoNotOptimize(checksum);
+        if (row.isCommand)
+            state.SetIterationTime(platform::SecondsOfCommands() - commands);
     }
     if (!agreement.Agrees(work, checked.Sum(row, checksum)))
         state.SkipWithError("reads other values than the first contender");
@@ -249,6 +253,8 @@ int RunAll(eSuite& suite, const eArguments& arguments, int count, char** given) 
                 progress.Next("run", ++runs, allRuns, RowName(*work, row));
                 Measure(state, *work, row, agreement, checked);
             });
+            if (row.isCommand)
+                registered->UseManualTime();
             const int own = OwnRepetitions(row, arguments.options);
             if (own > 0)
                 registered->Repetitions(own);

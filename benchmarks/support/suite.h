@@ -38,10 +38,11 @@ struct eRow {
     std::function<std::uint64_t()> pass;
     // Called once after the first pass, untimed: returns the checksum of what the pass produced. May be empty.
     std::function<std::uint64_t()> check;
-    bool counted = true; // a row of ours whose instructions are counted
-    double values = 0;   // values that one pass handles, if the number differs from the work's
-    double size = 0;     // the row's place on the work's axis, if the work has one
-    int repetitions = 0; // 0: as many as the run demands
+    bool isCommand = false; // the pass runs commands, whose own time is measured
+    bool counted = true;    // a row of ours whose instructions are counted
+    double values = 0;      // values that one pass handles, if the number differs from the work's
+    double size = 0;        // the row's place on the work's axis, if the work has one
+    int repetitions = 0;    // 0: as many as the run demands
     // The most memory in bytes that a pass may need above what was held before; empty for no limit. Called after the
     // run. The peak of the row named `peakBase` is added to the result.
     std::function<double()> peakAllowed = {};

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "../process.h"
 
+#include <fcntl.h>
 #include <malloc.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -77,6 +83,35 @@ std::string RunSelf(const std::vector<std::string>& arguments) {
     while (output && fgets(piece.data(), static_cast<int>(piece.size()), output.get()))
         text += piece.data();
     return text;
+}
+
+void RunCommand(const std::vector<std::string>& words, const std::string& output) {
+    std::vector<char*> arguments;
+    for (const std::string& word : words)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    pid_t process = 0;
+    const int refused = posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (refused != 0)
+        throw std::system_error(refused, std::generic_category(), words[0]);
+    int status = 0;
+    while (waitpid(process, &status, 0) < 0 && errno == EINTR)
+        continue;
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        throw std::runtime_error(words[0] + " has failed");
+}
+
+double SecondsOfCommands() {
+    rusage used = {};
+    getrusage(RUSAGE_CHILDREN, &used);
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+    };
+    return seconds(used.ru_utime) + seconds(used.ru_stime);
 }
 
 std::string FastFolder(size_t room) {
