@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "../support/documents.h"
 #include "../support/suite.h"
@@ -12,31 +15,57 @@ namespace bench {
 // Works on documents of records: the load returns the number of records, the others a sum of their counts, so that each
 // contender must have found the same.
 
-inline std::string LoadWork(unsigned kilobytes) {
-    return "load to be edited: records, " + SizeName(kilobytes);
-}
-
-inline std::string FindWork(unsigned kilobytes) {
-    return "find one in a thousand by index: records, " + SizeName(kilobytes);
-}
-
-inline std::string SumWork(unsigned kilobytes) {
-    return "look at every record: records, " + SizeName(kilobytes);
-}
-
-inline std::string SetWork(unsigned kilobytes) {
-    return "load, set one value in a hundred, write the text: records, " + SizeName(kilobytes);
-}
-
-inline std::string FormatWork(unsigned kilobytes) {
-    return "load and write with a fixed layout: records, " + SizeName(kilobytes);
-}
-
 constexpr std::size_t kFoundEvery = 1000;
 constexpr std::size_t kSetEvery = 100;
 
-inline double Each(std::size_t items, std::size_t every) {
-    return static_cast<double>((items + every - 1) / every);
+// Adds the rows of one library on one size. Its struct has
+//
+//     static constexpr const char* kName;
+//     static constexpr eKind kKind;                                            // Ours or Peer
+//     static constexpr eFormat kFormat;                                        // of the text
+//     static std::shared_ptr<...> Parse(const std::string& text);
+//     static std::uint64_t Load(const std::string& text);                      // the number of records
+//     static std::uint64_t Find(const ...& document, std::size_t items);       // the sum of one count in kFoundEvery
+//     static std::uint64_t Sum(const ...& document);                           // the sum of all counts
+//
+// and, if it writes documents, two functions that return the text:
+//
+//     static std::string Set(const std::string& text);                         // one count in kSetEvery is 7
+//     static std::string Format(const std::string& text);
+template <class Library>
+void AddRows(eSuite& suite, unsigned kilobytes) {
+    const std::string& text = Text(eDocument::Records, kilobytes, Library::kFormat);
+    const std::size_t items = Items(eDocument::Records, kilobytes);
+    const auto document = Library::Parse(text);
+    const bool isPeer = Library::kKind == eKind::Peer;
+    const auto add = [&](const std::string& title, std::size_t every, double target, const char* unit,
+                         std::function<std::uint64_t()> pass, std::function<std::uint64_t()> check = {}) {
+        const std::string work = title + ": records, " + SizeName(kilobytes);
+        const eKind kind = isPeer && target == 0 ? eKind::Note : Library::kKind;
+        if (suite.Wants(work))
+            suite.Add(work, static_cast<double>((items + every - 1) / every),
+                      {Library::kName, kind, isPeer ? target : 0, text.size(), {}, std::move(pass), std::move(check)},
+                      unit);
+    };
+    add("load to be edited", 1, 0.1, "record", [&text] { return Library::Load(text); });
+    add("find one in a thousand by index", kFoundEvery, 0, "path", [=] { return Library::Find(*document, items); });
+    add("look at every record", 1, 0, "record", [=] { return Library::Sum(*document); });
+    if constexpr (requires { Library::Set(text); }) {
+        const auto addWriting = [&](const char* title, std::size_t every, const char* unit,
+                                    std::string (*write)(const std::string&)) {
+            add(
+                title, every, 0.2, unit, [&text, write] { return std::uint64_t{!write(text).empty()}; },
+                [&text, write] { return Library::Sum(*Library::Parse(write(text))); });
+        };
+        addWriting("load, set one value in a hundred, write the text", kSetEvery, "edit", Library::Set);
+        addWriting("load and write with a fixed layout", 1, "record", Library::Format);
+    }
+}
+
+template <class Library>
+void AddAllRows(eSuite& suite) {
+    for (const unsigned kilobytes : suite.Options().kilobytes)
+        AddRows<Library>(suite, kilobytes);
 }
 
 } // namespace bench
