@@ -29,6 +29,25 @@ public:
     void Number(T value) {
         next = std::to_chars(next, limit, value).ptr;
     }
+    // Needs room for twice the text.
+    void Escaped(std::string_view text) {
+        unsigned char escaped = 0;
+        for (const char c : text)
+            escaped |= static_cast<unsigned char>((c == '"') | (c == '\\') | (c == '\n'));
+        if (!escaped)
+            return Put(text);
+        for (const char c : text) {
+            if (c == '"' || c == '\\' || c == '\n')
+                *next++ = '\\';
+            *next++ = c == '\n' ? 'n' : c;
+        }
+    }
+    void Line(size_t depth) {
+        *next++ = '\r';
+        *next++ = '\n';
+        std::memset(next, '\t', depth);
+        next += depth;
+    }
     size_t Size() const { return static_cast<size_t>(next - bytes.get()); }
     const char* Data() const { return bytes.get(); }
 
@@ -77,38 +96,81 @@ void Write(eBytes& out, const eRecord& record) {
     out.Put("}\r\n\t}");
 }
 
-eBytes WriteAll(eRecords records) {
+void Write(eBytes& out, const eTextBlock& block) {
+    out.Room(16);
+    out.Put("\r\n\t{text");
+    for (const std::string& text : block.texts) {
+        out.Room(2 * text.size() + 16);
+        out.Put("\r\n\t\t\"");
+        out.Escaped(text);
+        out.Put('"');
+    }
+    out.Room(16);
+    out.Put("\r\n\t}");
+}
+
+void Write(eBytes& out, const eNumberRow& row) {
+    out.Room(2 * kNumbersOfEachKind * kNumberRoom + 16);
+    out.Put("\r\n\t{row");
+    for (int i = 0; i < kNumbersOfEachKind; ++i) {
+        out.Put(' ');
+        out.Number(row.ints[i]);
+        out.Put(' ');
+        out.Number(row.floats[i]);
+    }
+    out.Put('}');
+}
+
+void Write(eBytes& out, const eNodeChain& chain) {
+    for (size_t i = 0; i < kChainDepth; ++i) {
+        out.Room(chain.names[i].size() + kNumberRoom + kChainDepth + 16);
+        out.Line(i + 1);
+        out.Put("{node ");
+        out.Number(chain.numbers[i]);
+        out.Put(" \"");
+        out.Put(chain.names[i]);
+        out.Put('"');
+    }
+    out.Room(kChainDepth * (kChainDepth + 4));
+    out.Put('}');
+    for (size_t depth = kChainDepth - 1; depth >= 1; --depth) {
+        out.Line(depth);
+        out.Put('}');
+    }
+}
+
+template <class eItems>
+eBytes WriteAll(eItems items) {
     eBytes out;
     out.Room(16);
     out.Put("{scene");
-    for (const eRecord& record : records)
-        Write(out, record);
+    for (const auto& item : items)
+        Write(out, item);
     out.Room(16);
     out.Put("\r\n}\r\n");
     return out;
 }
 
-std::uint64_t Check(eRecords records) {
-    eBytes out = WriteAll(records);
+template <class eItems>
+size_t Size(eItems items) {
+    return WriteAll(items).Size();
+}
+
+template <class eItems>
+std::uint64_t Check(eItems items) {
+    eBytes out = WriteAll(items);
     out.Room(1);
     out.Put('\0');
     return ReadBare(out.Data());
 }
 
 const eContender contender(2, [](eSuite& suite) {
-    for (const unsigned kilobytes : suite.Options().kilobytes) {
-        if (!suite.Wants(WriteWork(kilobytes)))
-            continue;
-        const size_t count = Items(eDocument::Records, kilobytes);
-        suite.Add(WriteWork(kilobytes), Values(eDocument::Records, kilobytes),
-                  {"appending by hand with to_chars",
-                   eKind::Limit,
-                   1.25,
-                   WriteAll(Records(count)).Size(),
-                   {},
-                   [count] { return WriteAll(Records(count)).Size(); },
-                   [count] { return Check(Records(count)); }});
-    }
+    ForEachScene(suite, [&](const eScene& scene, auto items) {
+        const auto size = [=] { return SizeOfAll(scene, items, [](auto each) { return Size(each); }); };
+        const auto check = [=] { return CheckOfAll(scene, items, [](auto each) { return Check(each); }); };
+        suite.Add(scene.work, scene.values,
+                  {"appending by hand with to_chars", eKind::Limit, 1.2, size(), {}, size, check});
+    });
 });
 
 } // namespace

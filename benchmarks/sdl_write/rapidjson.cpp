@@ -38,43 +38,75 @@ void Write(eWriter& writer, const eRecord& record) {
     writer.EndObject();
 }
 
-void WriteAll(rapidjson::StringBuffer& to, eRecords records) {
-    eWriter writer(to);
+void Write(eWriter& writer, const eTextBlock& block) {
     writer.StartObject();
-    writer.Key("scene", 5);
+    writer.Key("text", 4);
     writer.StartArray();
-    for (const eRecord& record : records)
-        Write(writer, record);
+    for (const std::string& text : block.texts)
+        writer.String(text.data(), Length(text.size()));
     writer.EndArray();
     writer.EndObject();
 }
 
-size_t Size(eRecords records) {
+void Write(eWriter& writer, const eNumberRow& row) {
+    writer.StartObject();
+    writer.Key("row", 3);
+    writer.StartArray();
+    for (int i = 0; i < kNumbersOfEachKind; ++i) {
+        writer.Int(row.ints[i]);
+        writer.Double(row.decimals[i]);
+    }
+    writer.EndArray();
+    writer.EndObject();
+}
+
+void Write(eWriter& writer, const eNodeChain& chain) {
+    for (int i = 0; i < kChainDepth; ++i) {
+        writer.StartObject();
+        writer.Key("node", 4);
+        writer.StartArray();
+        writer.Int(chain.numbers[i]);
+        writer.String(chain.names[i].data(), Length(chain.names[i].size()));
+    }
+    for (int i = 0; i < kChainDepth; ++i) {
+        writer.EndArray();
+        writer.EndObject();
+    }
+}
+
+template <class eItems>
+void WriteAll(rapidjson::StringBuffer& to, eItems items) {
+    eWriter writer(to);
+    writer.StartObject();
+    writer.Key("scene", 5);
+    writer.StartArray();
+    for (const auto& item : items)
+        Write(writer, item);
+    writer.EndArray();
+    writer.EndObject();
+}
+
+template <class eItems>
+size_t Size(eItems items) {
     rapidjson::StringBuffer text;
-    WriteAll(text, records);
+    WriteAll(text, items);
     return text.GetSize();
 }
 
-std::uint64_t Check(eRecords records) {
+template <class eItems>
+std::uint64_t Check(eItems items) {
     rapidjson::StringBuffer text;
-    WriteAll(text, records);
-    return ReadJsonText(text.GetString());
+    WriteAll(text, items);
+    return ReadJsonText<rapidjson::kParseFullPrecisionFlag>(text.GetString());
 }
 
 const eContender contender(1, [](eSuite& suite) {
-    for (const unsigned kilobytes : suite.Options().kilobytes) {
-        if (!suite.Wants(WriteWork(kilobytes)))
-            continue;
-        const size_t count = Items(eDocument::Records, kilobytes);
-        suite.Add(WriteWork(kilobytes), Values(eDocument::Records, kilobytes),
-                  {"RapidJSON Writer to StringBuffer",
-                   eKind::Peer,
-                   1.0,
-                   Size(Records(count)),
-                   {},
-                   [count] { return Size(Records(count)); },
-                   [count] { return Check(Records(count)); }});
-    }
+    ForEachScene(suite, [&](const eScene& scene, auto items) {
+        const auto size = [=] { return SizeOfAll(scene, items, [](auto each) { return Size(each); }); };
+        const auto check = [=] { return CheckOfAll(scene, items, [](auto each) { return Check(each); }); };
+        suite.Add(scene.work, scene.values,
+                  {"RapidJSON Writer to StringBuffer", eKind::Peer, 0.85, size(), {}, size, check});
+    });
 });
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <map>
 #include <string_view>
 #include <tuple>
@@ -164,10 +165,20 @@ int Coordinate(eRandom& random) {
     return random.Below(2) == 0 ? -odd : odd;
 }
 
-// A float with all its digits, from 0.0001 to 100000.
+// A float with all its digits, from 0.0001 to 100000. None is an integer, which some formats write as such.
 float AnyFloat(eRandom& random) {
     static constexpr std::array<float, 5> kScales{0.0001f, 0.01f, 1.0f, 100.0f, 10000.0f};
-    return (static_cast<float>(random.Below(1u << 24)) + 0.5f) / 16777216.0f * kScales[random.Below(5)];
+    const float value = (static_cast<float>(random.Below(1u << 24)) + 0.5f) / 16777216.0f * kScales[random.Below(5)];
+    return value == std::trunc(value) ? value + 0.5f : value;
+}
+
+// The double with the float's decimal text.
+double AsWritten(float value) {
+    std::array<char, 32> digits;
+    const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    double written = 0;
+    std::from_chars(digits.data(), end, written);
+    return written;
 }
 
 void AppendInt(std::string& to, int value) {
@@ -184,9 +195,17 @@ void AppendFloat(std::string& to, float value) {
         to += ".0";
 }
 
+// All formats escape alike what the documents contain.
 void AppendQuoted(std::string& to, std::string_view text) {
     to += '"';
-    to += text;
+    for (const char c : text)
+        if (c == '\n')
+            to += "\\n";
+        else {
+            if (c == '"' || c == '\\')
+                to += '\\';
+            to += c;
+        }
     to += '"';
 }
 
@@ -214,37 +233,37 @@ void AppendRecord(std::string& to, const eSyntax& syntax, std::uint64_t index) {
     to += syntax.recordClose;
 }
 
-std::string Sentence(eRandom& random, size_t length, bool escapes) {
+std::string Sentence(eRandom& random, size_t length, bool quotes) {
     std::string text;
     while (text.size() < length) {
         text += kWords[random.Below(16)];
         text += ' ';
     }
-    if (escapes)
-        text += "said \\\"so\\\"\\nand went";
+    if (quotes)
+        text += "said \"so\"\nand went";
     return text;
 }
 
 void AppendStrings(std::string& to, const eSyntax& syntax, std::uint64_t index) {
-    eRandom random(index);
+    const eTextBlock block = TextBlock(index);
     to += syntax.texts;
     for (int i = 0; i < kStringsInBlock; ++i) {
         if (i != 0 && syntax.value != " ")
             to += ",";
         to += syntax.text;
-        AppendQuoted(to, Sentence(random, 20 + random.Below(160), i == 7));
+        AppendQuoted(to, block.texts[i]);
     }
     to += syntax.textsClose;
 }
 
 void AppendNumbers(std::string& to, const eSyntax& syntax, std::uint64_t index) {
-    eRandom random(index);
+    const eNumberRow row = NumberRow(index);
     to += syntax.row;
     for (int i = 0; i < kNumbersOfEachKind; ++i) {
         to += i == 0 ? std::string_view() : syntax.value;
-        AppendInt(to, AnyInt(random));
+        AppendInt(to, row.ints[i]);
         to += syntax.value;
-        AppendFloat(to, AnyFloat(random));
+        AppendFloat(to, row.floats[i]);
     }
     to += syntax.rowClose;
 }
@@ -257,13 +276,13 @@ void AppendLine(std::string& to, const eSyntax& syntax, int depth) {
 }
 
 void AppendChain(std::string& to, const eSyntax& syntax, std::uint64_t index) {
-    eRandom random(index);
+    const eNodeChain chain = NodeChain(index);
     for (int depth = 1; depth <= kChainDepth; ++depth) {
         AppendLine(to, syntax, depth);
         to += syntax.node;
-        AppendInt(to, AnyInt(random));
+        AppendInt(to, chain.numbers[depth - 1]);
         to += syntax.value;
-        AppendQuoted(to, kWords[random.Below(16)]);
+        AppendQuoted(to, chain.names[depth - 1]);
         to += depth == kChainDepth ? syntax.nodeLast : syntax.nodeInner;
     }
     to += syntax.nodeClose;
@@ -359,6 +378,35 @@ eRecord Record(std::uint64_t index) {
     for (int& each : record.ids)
         each = AnyInt(random);
     return record;
+}
+
+eTextBlock TextBlock(std::uint64_t index) {
+    eRandom random(index);
+    eTextBlock block;
+    for (int i = 0; i < kStringsInBlock; ++i)
+        block.texts[i] = Sentence(random, 20 + random.Below(160), i == 7);
+    return block;
+}
+
+eNumberRow NumberRow(std::uint64_t index) {
+    eRandom random(index);
+    eNumberRow row;
+    for (int i = 0; i < kNumbersOfEachKind; ++i) {
+        row.ints[i] = AnyInt(random);
+        row.floats[i] = AnyFloat(random);
+        row.decimals[i] = AsWritten(row.floats[i]);
+    }
+    return row;
+}
+
+eNodeChain NodeChain(std::uint64_t index) {
+    eRandom random(index);
+    eNodeChain chain;
+    for (int i = 0; i < kChainDepth; ++i) {
+        chain.numbers[i] = AnyInt(random);
+        chain.names[i] = kWords[random.Below(16)];
+    }
+    return chain;
 }
 
 const std::string& Text(eDocument document, unsigned kilobytes, eFormat format) {

@@ -52,4 +52,25 @@ struct eRecord {
 };
 eRecord Record(std::uint64_t index);
 
+// The content of one block of strings.
+struct eTextBlock {
+    std::string texts[kStringsInBlock];
+};
+eTextBlock TextBlock(std::uint64_t index);
+
+// The content of one row of numbers.
+struct eNumberRow {
+    int ints[kNumbersOfEachKind];
+    float floats[kNumbersOfEachKind];
+    double decimals[kNumbersOfEachKind]; // the floats as in their decimal texts, for writers without floats
+};
+eNumberRow NumberRow(std::uint64_t index);
+
+// The content of one chain, from the outermost block to the innermost.
+struct eNodeChain {
+    int numbers[kChainDepth];
+    std::string names[kChainDepth];
+};
+eNodeChain NodeChain(std::uint64_t index);
+
 } // namespace bench

@@ -256,6 +256,7 @@ private:
     void OpenBlock();
     void CloseBlock();
     bool RemoveEmptyBlock();
+    bool HandOver(IO::eStream& target);
     void WriteReleasing(IO::eStream& target);
     void Empty();
 

@@ -81,6 +81,10 @@ private:
     void Grow(unsigned long long size);
     // The size after one step; the size itself if there is no step.
     unsigned long long NextSize(unsigned long long size) const;
+    unsigned long long SizeFor(unsigned long long needed) const;
+    // Replaces the buffer by a block of the heap with n bytes of data, as if they had been written to an empty stream.
+    // False, and nothing is changed, if the size cannot be reached.
+    bool UseWritten(unsigned char* block, unsigned long long n);
     static bool IsOfLibraryClass(const eStream& stream); // exactly: a derived class may have its own hooks
     unsigned char* NewBlock(unsigned long long size) const;
     void UseNewBlock(unsigned char* block, unsigned long long size, unsigned long long length);

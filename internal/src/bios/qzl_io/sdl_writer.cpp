@@ -13,6 +13,7 @@
 #include <qzl_base/convert.h>
 #include <qzl_base/error.h>
 #include <qzl_base/format.h>
+#include <qzl_io/detail/compiler.h>
 #include <qzl_io/streams/save_file.h>
 
 #include "files/whole_name.h"
@@ -20,6 +21,7 @@
 #include "platform/saved_file.h"
 #include "sdl/copy.h"
 #include "streams/failure_text.h"
+#include "streams/steps.h"
 
 namespace {
 
@@ -120,9 +122,9 @@ void eSDLTextStream::Resize(unsigned long long capacity) {
     roomEnd = resized + capacity;
 }
 
-char* eSDLTextStream::MakeRoom(unsigned long long room) {
+QZL_IO_NOINLINE char* eSDLTextStream::MakeRoom(unsigned long long room) {
     const unsigned long long size = Size();
-    unsigned long long capacity = size + Room();
+    unsigned long long capacity = std::max(size + Room(), kTextCapacity);
     while (capacity - size < room)
         capacity *= 2;
     Resize(capacity);
@@ -169,7 +171,7 @@ void eSDLTextStream::WriteString(const char* string) {
     layout |= kSpacePending;
 }
 
-char* eSDLTextStream::PutEscapedAt(char* to, std::string_view characters) {
+QZL_IO_NOINLINE char* eSDLTextStream::PutEscapedAt(char* to, std::string_view characters) {
     end = to;
     const std::size_t size = EscapedSize(characters) + 1;
     return PutEscaped(Room() >= size ? end : MakeRoom(size), characters);
@@ -276,11 +278,23 @@ void eSDLTextStream::Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> ciph
         end = Separate(0);
     if (target && cipher)
         WriteEncoded(*target, *cipher, text.get(), Size());
+    else if (target && HandOver(*target))
+        return;
     else if (target && Size() > kKeptByHeap)
         WriteReleasing(*target);
     else if (target)
         target->Write(text.get(), Size());
     Empty();
+}
+
+// The target may take the text's own memory; the next item then makes new one.
+bool eSDLTextStream::HandOver(IO::eStream& target) {
+    if (!IO::eStreamSteps::HandOver(target, text.get(), Size()))
+        return false;
+    static_cast<void>(text.release());
+    roomEnd = nullptr;
+    Empty();
+    return true;
 }
 
 // The text is emptied first, since a part of it is lost if the target throws.

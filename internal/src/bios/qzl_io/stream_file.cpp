@@ -80,7 +80,7 @@ struct eFileStreamBase::eDirectWays {
                   kOpenCreate == Platform::kOpenCreate);
 
     static constexpr eStreamDirect kDirect = {Serves, Read, Write, AreApart, Copy};
-    static constexpr eStreamMeans kMeans = {&kDirect, nullptr};
+    static constexpr eStreamMeans kMeans = {&kDirect, nullptr, nullptr};
 };
 
 bool eFileStreamBase::eDirectWays::Serves(const eStream& stream) {

@@ -34,8 +34,9 @@ void FreeHeapBlock(unsigned char*& block) {
 
 struct eMemoryStream::eBulkWays {
     static void Overflow(eStream& stream, unsigned long long n);
+    static bool Adopt(eStream& stream, unsigned char* block, unsigned long long n);
 
-    static constexpr eStreamMeans kMeans = {nullptr, Overflow};
+    static constexpr eStreamMeans kMeans = {nullptr, Overflow, Adopt};
 };
 
 // The library's own classes grow at once to the size that the steps for n bytes would reach.
@@ -45,6 +46,12 @@ void eMemoryStream::eBulkWays::Overflow(eStream& stream, unsigned long long n) {
     auto& memory = static_cast<eMemoryStream&>(stream);
     const bool full = memory.ptr == memory.bufferEnd || memory.Blocked();
     memory.OverflowTo(full ? Address(memory.ptr) - Address(memory.buffer) + n : 0);
+}
+
+bool eMemoryStream::eBulkWays::Adopt(eStream& stream, unsigned char* block, unsigned long long n) {
+    auto& memory = static_cast<eMemoryStream&>(stream);
+    const bool empty = memory.buffer && memory.ptr == memory.buffer && memory.eos == memory.buffer;
+    return IsOfLibraryClass(stream) && empty && n > memory.bufferSize && memory.UseWritten(block, n);
 }
 
 // --- eMemoryStream ---
@@ -181,14 +188,34 @@ void eMemoryStream::Overflow() {
     OverflowTo(0);
 }
 
-void eMemoryStream::OverflowTo(unsigned long long needed) {
+// The size after one step, and after as many more as the needed size takes.
+unsigned long long eMemoryStream::SizeFor(unsigned long long needed) const {
     unsigned long long size = NextSize(bufferSize);
     if (growBy > 0 && needed > size)
         size += (needed - size) / growBy * growBy;
     for (unsigned long long next = NextSize(size); size < needed && next > size; next = NextSize(size))
         size = next;
+    return size;
+}
+
+void eMemoryStream::OverflowTo(unsigned long long needed) {
+    const unsigned long long size = SizeFor(needed);
     if (size > bufferSize)
         Grow(size);
+}
+
+// A block of the heap gets the size that growth would have reached, and the room after its data is cleared.
+bool eMemoryStream::UseWritten(unsigned char* block, unsigned long long n) {
+    const unsigned long long size = SizeFor(n);
+    auto* const resized = static_cast<unsigned char*>(size < n ? nullptr : std::realloc(block, size));
+    if (!resized)
+        return false;
+    std::memset(resized + n, 0, size - n);
+    ReleaseBuffer();
+    UseNewBlock(resized, size, n);
+    MoveTo(Shifted(buffer, n));
+    Enable(StreamMode::Modified);
+    return true;
 }
 
 unsigned long long eMemoryStream::NextSize(unsigned long long size) const {

@@ -26,6 +26,9 @@ struct eStreamMeans {
     const eStreamDirect* direct;
     // Makes room for n bytes at the position like Overflow, in one step if the class is the library's own.
     void (*overflow)(eStream& stream, unsigned long long n);
+    // Takes over a block that std::malloc made, instead of writing its first n bytes, if the stream is empty and would
+    // have to grow for them. False, and nothing is changed, if it does not.
+    bool (*adopt)(eStream& stream, unsigned char* block, unsigned long long n);
 };
 
 } // namespace IO

@@ -57,6 +57,10 @@ bool eStreamSteps::MakeRoom(unsigned long long n) {
     return false;
 }
 
+bool eStreamSteps::HandOver(eStream& stream, void* block, unsigned long long n) {
+    return stream.means && stream.means->adopt && stream.means->adopt(stream, static_cast<unsigned char*>(block), n);
+}
+
 bool eStreamSteps::ReadAll(void* target, unsigned long long n) {
     auto* to = static_cast<unsigned char*>(target);
     while (n > 0) {

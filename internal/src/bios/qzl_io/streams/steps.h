@@ -26,6 +26,9 @@ public:
     // Reads n bytes, or none without a report.
     bool TryReadAll(void* target, unsigned long long n);
     bool WriteAll(const unsigned char* source, unsigned long long n);
+    // Hands over a block that std::malloc made instead of writing its first n bytes. False if the stream does not take
+    // blocks, or not now; nothing has then been changed.
+    static bool HandOver(eStream& stream, void* block, unsigned long long n);
 
     // Whether a copy from the stream continues, after a refill; its end is not reported.
     static bool HasMoreToCopy(eStream& source);
