@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -53,6 +54,49 @@ TEST(JsonStreams, ARefusedDocumentIsAWarningAndWritesNothing) {
     EXPECT_EQ(output.Size(), 0u);
     ASSERT_EQ(reports.warnings().size(), 1u);
     EXPECT_THAT(reports.warnings()[0].context, testing::StartsWith("\"Stream\""));
+}
+
+// What a document says of its values is told only once the whole of it is known to be JSON.
+TEST(JsonStreams, ARefusedDocumentIsOneWarningWhateverItsValuesAre) {
+    for (const char* json : {"[99999999999, \"a\", ]", "[1e999, [2}", "{\"a\": 1e999, \"b\": \"c\"", "[1e999] 2",
+                             "[99999999999, 1e999, tru]", "[1, 2, 3, nul]", "{\"name of\": null, \"b\" 1}"}) {
+        const eReports reports;
+        IO::eMemoryStream input = StreamOf(json);
+        IO::eMemoryStream output;
+        eJsonLosses losses;
+        EXPECT_FALSE(JsonStreamToSdl(input, output, &losses)) << json;
+        EXPECT_EQ(output.Size(), 0u) << json;
+        EXPECT_EQ(reports.warnings().size(), 1u) << json;
+        EXPECT_EQ(losses.integers + losses.floats + losses.names + losses.nulls, 0u) << json;
+        EXPECT_TRUE(losses.firstName.empty()) << json;
+    }
+}
+
+TEST(JsonStreams, AValueThatIsWarnedOfChangesNothingElse) {
+    const struct {
+        const char* number;
+        const char* written;
+        const char* warning;
+    } rows[] = {{"99999999999", "0", "Json number not parsed correctly."},
+                {"1e999", "0", "Saving invalid floating number inf. It was truncated to 0"}};
+    for (const auto& row : rows) {
+        const eReports reports;
+        const std::string longer(5000, 'x');
+        IO::eMemoryStream input = StreamOf("{\"first\": \"text\", \"a b\": [true, \"quo\\\"ted\", \"" + longer +
+                                           "\", {\"inner\": {\"x\": " + row.number + "}}, null], \"last\": \"\"}");
+        IO::eMemoryStream output;
+        eJsonLosses losses;
+        EXPECT_TRUE(JsonStreamToSdl(input, output, &losses));
+        EXPECT_EQ(TextOf(output), "{first \"text\"}\r\n{a b\r\n\t1\r\n\t\"quo\\\"ted\"\r\n\t\"" + longer +
+                                      "\"\r\n\t{\r\n\t\t{inner\r\n\t\t\t{x " + row.written +
+                                      "}\r\n\t\t}\r\n\t}\r\n}\r\n{last \"\"}\r\n");
+        ASSERT_EQ(MessagesOf(reports.warnings()), std::vector<std::string>{row.warning});
+        EXPECT_THAT(reports.warnings()[0].context, testing::HasSubstr("/a b/3/inner/x"));
+        EXPECT_EQ(losses.booleans, 1u);
+        EXPECT_EQ(losses.nulls, 1u);
+        EXPECT_EQ(losses.names, 1u);
+        EXPECT_EQ(losses.firstName, "/a b");
+    }
 }
 
 TEST(JsonStreams, ADocumentBeyondALimitIsRefused) {

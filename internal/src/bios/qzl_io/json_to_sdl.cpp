@@ -2,6 +2,7 @@
 #include <qzl_io/sdl/json_to_sdl.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -144,12 +145,13 @@ std::string ReadFile(eFileAtWork* file, const eJsonLimits& limits) {
 // The output of one conversion. The file is opened when the text is complete, so that an earlier failure leaves it
 // unchanged.
 struct eConvertedText {
-    void WriteTo(IO::eStream* target) {
+    void WriteTo(IO::eStream* target) const {
         beginning.WriteTo(target);
-        end.Flush(target, nullptr);
+        end->Flush(target, nullptr);
     }
+    void Restart() { *this = eConvertedText(); }
 
-    eSDLTextStream end;
+    std::unique_ptr<eSDLTextStream> end = std::make_unique<eSDLTextStream>();
     eTextPieces beginning;
 };
 
@@ -190,14 +192,22 @@ bool HasNul(std::string_view text) {
 class eSdlFromJson final : public eJsonSink {
 public:
     eSdlFromJson(eConvertedText* target, eFileAtWork* source, eJsonLosses* lost)
-        : text(target->end), beginning(target->beginning), file(*source), losses(lost) {
+        : converted(*target), file(*source), losses(lost) {
         file.place = &place;
     }
     ~eSdlFromJson() { file.place = nullptr; }
     eSdlFromJson(const eSdlFromJson&) = delete;
     eSdlFromJson& operator=(const eSdlFromJson&) = delete;
 
-    void BeginDocument() override { file.line = ConversionReport::kWalkingLine; }
+    void BeginDraft() override {
+        Restart();
+        draft = true;
+    }
+    void BeginDocument() override {
+        Restart();
+        draft = false;
+        file.line = ConversionReport::kWalkingLine;
+    }
 
     void BeginObject() override;
     void Name(std::string_view name) override;
@@ -218,18 +228,25 @@ private:
 
     static constexpr int kItemsInPiece = 8192;
 
+    void Restart();
+    void LeaveDraft() const {
+        if (draft)
+            throw eJsonDraftEnds();
+    }
+
     void BeginItem();
     void BeginScalar();
     void BeginContainer(eKind kind);
     void EndContainer();
     void EndValue();
-    void EndLine() { text.newlinePending = true; }
+    void EndLine() { text->newlinePending = true; }
 
     void WriteInt(int value);
     void WriteLongInteger();
 
-    eSDLWriter::eWriteStream& text;
-    eTextPieces& beginning;
+    eConvertedText& converted;
+    eSDLTextStream* text = converted.end.get();
+    bool draft = false;
     int items = 0; // since the last piece
     eJsonPlace place;
     eFileAtWork& file;
@@ -237,11 +254,21 @@ private:
     bool objectBegun = false; // since the last member or value
 };
 
+void eSdlFromJson::Restart() {
+    converted.Restart();
+    text = converted.end.get();
+    items = 0;
+    place = eJsonPlace();
+    objectBegun = false;
+    if (losses)
+        *losses = eJsonLosses();
+}
+
 // Begins an item that starts a line, before which the text may be cut.
 void eSdlFromJson::BeginItem() {
     if (++items < kItemsInPiece)
         return;
-    beginning.Take(&text);
+    converted.beginning.Take(text);
     items = 0;
 }
 
@@ -253,7 +280,7 @@ void eSdlFromJson::BeginScalar() {
 void eSdlFromJson::BeginContainer(eKind kind) {
     if (place.Around() == eKind::Array) {
         BeginItem();
-        text.WriteControl(sdlBlockStart);
+        text->WriteControl(sdlBlockStart);
     }
     if (place.Around() != eKind::Document)
         EndLine();
@@ -265,14 +292,14 @@ void eSdlFromJson::EndContainer() {
     if (place.Around() != eKind::Document)
         EndLine();
     if (place.Around() == eKind::Array)
-        text.WriteControl(sdlBlockEnd);
+        text->WriteControl(sdlBlockEnd);
     EndValue();
 }
 
 void eSdlFromJson::EndValue() {
     switch (place.Around()) {
     case eKind::Object:
-        text.WriteControl(sdlBlockEnd);
+        text->WriteControl(sdlBlockEnd);
         break;
     case eKind::Array:
         place.EndElement();
@@ -297,8 +324,8 @@ void eSdlFromJson::EndObject() {
 
 void eSdlFromJson::Name(std::string_view name) {
     BeginItem();
-    text.WriteControl(sdlBlockStart);
-    text.WriteIdent(name.data(), eSDLWriter::eWriteStream::kNoKeyword);
+    text->WriteControl(sdlBlockStart);
+    text->WriteIdent(name.data(), eSDLWriter::eWriteStream::kNoKeyword);
     place.NameMember(name);
     objectBegun = false;
     if (losses && !IsWord(name) && ++losses->names == 1)
@@ -321,13 +348,13 @@ void eSdlFromJson::String(std::string_view string) {
     BeginScalar();
     if (losses && HasNul(string))
         ++losses->texts;
-    text.WriteString(string.data());
+    text->WriteString(string.data());
     EndValue();
 }
 
 void eSdlFromJson::WriteInt(int value) {
     BeginScalar();
-    text.WriteInt(value);
+    text->WriteInt(value);
     EndValue();
 }
 
@@ -335,8 +362,9 @@ void eSdlFromJson::WriteLongInteger() {
     BeginScalar();
     if (losses)
         ++losses->integers;
+    LeaveDraft();
     xError::Warning(ConversionReport::kSource, ConversionReport::kNumberLine, "Json number not parsed correctly.", 0);
-    text.WriteInt(0);
+    text->WriteInt(0);
     EndValue();
 }
 
@@ -361,11 +389,14 @@ void eSdlFromJson::Double(double value) {
     const auto narrow = static_cast<float>(value);
     if (losses && static_cast<double>(narrow) != value)
         ++losses->floats;
-    text.WriteFloat(narrow);
+    if (!std::isfinite(narrow))
+        LeaveDraft();
+    text->WriteFloat(narrow);
     EndValue();
 }
 
 void eSdlFromJson::Unknown() {
+    LeaveDraft();
     xError::Fatal(ConversionReport::kSource, ConversionReport::kValueTypeLine,
                   "Json parsing failed due to unknown json value type.");
 }
@@ -419,6 +450,8 @@ std::unique_ptr<eConvertedText> Converted(eFileAtWork* reading, eJsonLosses* los
         eSdlFromJson sink(text.get(), reading, losses);
         FeedJson(read(), &sink);
     });
+    if (!converted && losses)
+        *losses = eJsonLosses();
     return converted ? std::move(text) : nullptr;
 }
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <emmintrin.h>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -33,7 +34,7 @@ bool PassDigits(std::string_view* text) {
 }
 
 bool Pass(std::string_view* text, std::string_view characters) {
-    if (text->empty() || characters.find(text->front()) == characters.npos)
+    if (text->empty() || characters.find(text->front()) == std::string_view::npos)
         return false;
     text->remove_prefix(1);
     return true;
@@ -75,6 +76,7 @@ double LargeNumber(std::string_view text) {
 // Receives a document that is only checked.
 class eNoSink final : public eJsonSink {
 public:
+    void BeginDraft() override {}
     void BeginDocument() override {}
     void BeginObject() override {}
     void Name(std::string_view) override {}
@@ -95,7 +97,8 @@ constexpr std::size_t kMostDepth = 1024;
 // Walks through a document, which the parser checks on the way.
 class eFeeder {
 public:
-    eFeeder(const ondemand::parser& itsParser, eJsonSink* target) : parser(itsParser), sink(*target) {}
+    eFeeder(const ondemand::parser& itsParser, std::string* itsSource, eJsonSink* target)
+        : parser(itsParser), source(*itsSource), sink(*target) {}
 
     // `Value` is a value or a document.
     template <class Value>
@@ -111,12 +114,14 @@ private:
 
     void Enter();
     void Leave() { --depth; }
-    void Unescape(ondemand::raw_json_string raw, std::string* text) const;
+    template <class eUse>
+    void UseText(ondemand::raw_json_string raw, eUse use);
+    std::string Unescaped(ondemand::raw_json_string raw, const char* end) const;
 
     const ondemand::parser& parser;
+    std::string& source;
     eJsonSink& sink;
     std::size_t depth = 0;
-    std::string string; // the last one
 };
 
 void eFeeder::Enter() {
@@ -124,33 +129,59 @@ void eFeeder::Enter() {
         throw simdjson::simdjson_error(simdjson::DEPTH_ERROR);
 }
 
-// The parser has found the end of every string.
-void eFeeder::Unescape(ondemand::raw_json_string raw, std::string* text) const {
+// While this lives, a text within the source ends with a NUL instead of its quote.
+class eNulInPlace {
+public:
+    explicit eNulInPlace(char* quote) : place(quote) { *place = '\0'; }
+    ~eNulInPlace() { *place = '"'; }
+    eNulInPlace(const eNulInPlace&) = delete;
+    eNulInPlace& operator=(const eNulInPlace&) = delete;
+
+private:
+    char* place;
+};
+
+// The first quote or backslash. The parser has found the end of every string, and there is room to read after the text.
+const char* PlainEnd(const char* text) {
+    for (;; text += sizeof(__m128i)) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+        const __m128i found =
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\')));
+        if (const int mask = _mm_movemask_epi8(found); mask != 0)
+            return text + std::countr_zero(static_cast<unsigned>(mask));
+    }
+}
+
+// Calls use(text). A text without escapes is used where it is.
+template <class eUse>
+void eFeeder::UseText(ondemand::raw_json_string raw, eUse use) {
     const char* const begin = raw.raw();
-    const char* end = begin;
-    while (*end != '"' && *end != '\\')
-        ++end;
-    text->assign(begin, end);
-    if (*end == '"')
-        return;
+    const char* const end = PlainEnd(begin);
+    if (*end != '"')
+        return use(std::string_view(Unescaped(raw, end)));
+    const eNulInPlace nul(source.data() + (end - source.data()));
+    use(std::string_view(begin, end));
+}
+
+std::string eFeeder::Unescaped(ondemand::raw_json_string raw, const char* end) const {
     while (*end != '"')
         end += *end == '\\' ? 2 : 1;
-    text->resize(static_cast<std::size_t>(end - begin) + simdjson::SIMDJSON_PADDING);
-    auto* target = reinterpret_cast<std::uint8_t*>(text->data());
+    std::string text(static_cast<std::size_t>(end - raw.raw()) + simdjson::SIMDJSON_PADDING, '\0');
+    auto* target = reinterpret_cast<std::uint8_t*>(text.data());
     const std::string_view unescaped = parser.unescape(raw, target);
-    text->resize(unescaped.size());
+    text.resize(unescaped.size());
+    return text;
 }
 
 void eFeeder::FeedObject(ondemand::object object) {
     Enter();
     sink.BeginObject();
-    std::string name;
-    for (auto member : object) {
-        Unescape(member.key(), &name);
-        sink.Name(name);
-        ondemand::value value = member.value();
-        Feed(value);
-    }
+    for (auto member : object)
+        UseText(member.key(), [&](std::string_view name) {
+            sink.Name(name);
+            ondemand::value value = member.value();
+            Feed(value);
+        });
     sink.EndObject();
     Leave();
 }
@@ -168,10 +199,10 @@ void eFeeder::FeedArray(ondemand::array array) {
 
 template <class Value>
 void eFeeder::FeedNumber(Value& value) {
-    const std::string_view token = WithoutBlanks(value.raw_json_token());
+    const std::string_view token = value.raw_json_token();
     ondemand::number number;
     if (value.get_number().get(number) != simdjson::SUCCESS)
-        return sink.Double(LargeNumber(token));
+        return sink.Double(LargeNumber(WithoutBlanks(token)));
     switch (number.get_number_type()) {
     case ondemand::number_type::signed_integer: {
         const std::int64_t integer = number.get_int64();
@@ -200,8 +231,7 @@ void eFeeder::Feed(Value& value) {
     case ondemand::json_type::array:
         return FeedArray(value.get_array());
     case ondemand::json_type::string:
-        Unescape(value.get_raw_json_string(), &string);
-        return sink.String(string);
+        return UseText(value.get_raw_json_string(), [&](std::string_view text) { sink.String(text); });
     case ondemand::json_type::number:
         return FeedNumber(value);
     case ondemand::json_type::boolean:
@@ -243,17 +273,43 @@ std::size_t PlaceOf(simdjson::error_code error, std::string_view text, ondemand:
     return static_cast<std::size_t>(stopped - text.data());
 }
 
-void Check(std::string_view text, ondemand::document* document, const ondemand::parser& parser) {
-    try {
-        eNoSink nobody;
-        eFeeder(parser, &nobody).Feed(*document);
-        const bool passed = document->current_location().error() == simdjson::OUT_OF_BOUNDS;
-        if (!passed && !IsNumber(WithoutBlanks(text))) // the parser does not pass a number that it does not take
-            throw simdjson::simdjson_error(simdjson::TRAILING_CONTENT);
-    } catch (const simdjson::simdjson_error& refusal) {
-        Refuse(text, PlaceOf(refusal.error(), text, document), refusal.what());
+// A JSON text, which the parser goes through as often as is wanted.
+class eSource {
+public:
+    explicit eSource(std::string* source)
+        : whole(*source), text(json_text::WithoutByteOrderMark(whole)), document(Iterate(&parser, text)) {}
+
+    // Passes the document to a sink. Refuses what is not JSON, though the sink has then had events of it.
+    void Feed(eJsonSink* sink) {
+        try {
+            eFeeder(parser, &whole, sink).Feed(document);
+            const bool passed = document.current_location().error() == simdjson::OUT_OF_BOUNDS;
+            if (!passed && !IsNumber(WithoutBlanks(text))) // the parser does not pass a number that it does not take
+                throw simdjson::simdjson_error(simdjson::TRAILING_CONTENT);
+        } catch (const simdjson::simdjson_error& refusal) {
+            Refuse(text, PlaceOf(refusal.error(), text, &document), refusal.what());
+        }
+        document.rewind();
     }
-}
+
+    // False if the sink has something to report, which must wait until the whole text is known to be JSON.
+    bool FeedDraft(eJsonSink* sink) {
+        try {
+            sink->BeginDraft();
+            Feed(sink);
+            return true;
+        } catch (const eJsonDraftEnds&) {
+            document.rewind();
+            return false;
+        }
+    }
+
+private:
+    std::string& whole;
+    std::string_view text;
+    ondemand::parser parser;
+    ondemand::document document;
+};
 
 } // namespace
 
@@ -262,11 +318,11 @@ const std::string_view kJsonEngine = "simdjson";
 void FeedJson(std::string text, eJsonSink* sink) {
     text.reserve(text.size() + kRoomAfterJson);
     json_text::RefuseLoneSurrogates(text);
-    const std::string_view json = json_text::WithoutByteOrderMark(text);
-    ondemand::parser parser;
-    ondemand::document document = Iterate(&parser, json);
-    Check(json, &document, parser);
-    document.rewind();
+    eSource source(&text);
+    if (source.FeedDraft(sink))
+        return;
+    eNoSink nobody;
+    source.Feed(&nobody);
     sink->BeginDocument();
-    eFeeder(parser, sink).Feed(document);
+    source.Feed(sink);
 }

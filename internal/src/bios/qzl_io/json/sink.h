@@ -6,11 +6,17 @@
 #include <string>
 #include <string_view>
 
+// Ends a draft; the document has then to be checked before it is received.
+struct eJsonDraftEnds {};
+
 // Receives one JSON document in its own order, repeated names included. Texts are UTF-8, with a NUL directly after the
 // last character.
 class eJsonSink {
 public:
-    // The whole text is well-formed; the events of its value follow.
+    // The events of the document follow, but the text may yet turn out not to be JSON. Nothing may be reported, so an
+    // event that would be throws eJsonDraftEnds.
+    virtual void BeginDraft() = 0;
+    // The whole text is well-formed; all events of its value follow, also those that a draft has had.
     virtual void BeginDocument() = 0;
 
     virtual void BeginObject() = 0;
