@@ -5,12 +5,19 @@
 #include <string>
 #include <vector>
 
+#include <qzl_io/sdl/json_to_sdl.h>
+
 #include "../support/documents.h"
 #include "../support/read_bare.h"
 #include "../support/suite.h"
 #include "../support/work_folder.h"
 
 namespace bench {
+
+// Whether the parser that the library was built with makes a tree of the document.
+inline bool KeepsTree() {
+    return JsonEngine() == "cpprestsdk";
+}
 
 // One JSON document to convert: strings, numbers or objects.
 struct eJsonWork {

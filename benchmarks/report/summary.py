@@ -13,7 +13,14 @@ BESIDE_OTHERS = [
     ("SDL value read from a file: records", "sdl_read", "read value by value from a file: .*"),
     ("SDL token", "sdl_read", "lexing alone: .*"),
     ("keyword looked up", "keywords", "keyword look-up, table of .*"),
-    ("SDL value written: records", "sdl_write", "write to memory: .*"),
+    ("SDL value written: records", "sdl_write", "write to memory: records, .*"),
+    ("SDL value written: strings", "sdl_write", "write to memory: strings, .*"),
+    ("SDL value written: numbers", "sdl_write", "write to memory: numbers, .*"),
+    ("SDL value written: nested blocks", "sdl_write", "write to memory: nested, .*"),
+    ("document to be edited, loaded", "documents", "load to be edited: .*"),
+    ("one record in a thousand found by index", "documents", "find one in a thousand .*"),
+    ("every record of a document looked at", "documents", "look at every record: .*"),
+    ("document loaded, changed and written", "documents", "load, set one value .*"),
     ("typed value written to memory with room", "typed_values", "typed values into a memory stream with room, .*"),
     ("typed value written to a growing stream", "typed_values", "typed values into a growing stream, .*"),
     ("typed value read from memory", "typed_values", "typed values read from memory, .*"),
@@ -28,6 +35,9 @@ BESIDE_OTHERS = [
     ("JSON value converted to SDL: strings", "json", "JSON to SDL, file to file: strings, .*"),
     ("JSON value converted to SDL: numbers", "json", "JSON to SDL, file to file: numbers, .*"),
     ("JSON value converted to SDL: objects", "json", "JSON to SDL, file to file: objects, .*"),
+    ("the same with simdjson: strings", "json_simdjson", "JSON to SDL, file to file: strings, .*"),
+    ("the same with simdjson: numbers", "json_simdjson", "JSON to SDL, file to file: numbers, .*"),
+    ("the same with simdjson: objects", "json_simdjson", "JSON to SDL, file to file: objects, .*"),
     ("file walked over, of 200 or 20,000 files", "services", "walk over [^,]*"),
     ("file and its size, walked over", "services", "walk over .*, each one's size asked"),
     ("file copied, of 200 or 20,000 files", "services", "copy of .*"),
@@ -42,6 +52,11 @@ BESIDE_OURSELVES = [
     ("value read from a file of 10 or 100 MB, beside one of 1 MB", "memory", "reading a file .*"),
     ("value written to such a file", "memory", "writing a file.*"),
     ("value converted from such a file", "memory", "converting JSON.*"),
+    ("record read with limits, with its place, or to the last byte", "safety", "safety in reading records, .*"),
+    ("typed value read with limits, checked, or in a transaction", "safety", "safety in reading typed values .*"),
+    ("document of 1 KB saved in one step, beside one written in place", "files", "saving a document of [0-9]* KB"),
+    ("document of 1 or 100 MB saved in one step, beside one written in place", "files",
+     "saving a document of [0-9]* MB"),
 ]
 
 # The lines of the table of memory: label, family, pattern of the works.
@@ -51,6 +66,9 @@ PEAKS = [
     ("converting JSON: strings", "json", ".*: strings, .*"),
     ("converting JSON: numbers", "json", ".*: numbers, .*"),
     ("converting JSON: objects", "json", ".*: objects, .*"),
+    ("with simdjson: strings", "json_simdjson", ".*: strings, .*"),
+    ("with simdjson: numbers", "json_simdjson", ".*: numbers, .*"),
+    ("with simdjson: objects", "json_simdjson", ".*: objects, .*"),
 ]
 
 SHORT_NAMES = [
@@ -126,7 +144,7 @@ def beside_ourselves(run):
     lines = []
     for label, family, pattern in BESIDE_OURSELVES:
         rows = [row for row in run.rows(family, pattern) if row["kind"] == "ours" and row["target"]]
-        lines.append((label, judged(rows), ratio(rows[0]["target"])))
+        lines.append((label, judged(rows), span([ratio(target) for target in sorted({row["target"] for row in rows})])))
     return table(("time for one", "times as long", "allowed"), lines)
 
 
