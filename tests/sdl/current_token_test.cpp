@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -185,6 +186,53 @@ TEST(CurrentToken, GoesBackOnceToTypeValuesLineAndPlace) {
     token.ForgetBefore();
     token.Back();
     EXPECT_EQ(token.Text(), "ABC");
+}
+
+// The type, values, line, place in the source and text, of the token and of the one before it.
+std::vector<std::string> Described(eCurrentToken token) {
+    std::vector<std::string> all;
+    for (int times = 0; times < 2; ++times) {
+        all.push_back(std::to_string(token.Type()) + " " + std::to_string(token.Int()) + " " +
+                      std::to_string(token.Float()) + " in line " + std::to_string(token.Line()) + " to " +
+                      std::to_string(token.Position() - source.Begin()) + ": " + std::string(token.Text()));
+        token.Back();
+    }
+    return all;
+}
+
+TEST(CurrentToken, IsPlainUnlessItIsLentOrHasATextOfItsOwn) {
+    for (const ePlace place : {ePlace::Source, ePlace::Copied, ePlace::Own}) {
+        eCurrentToken token = TokenIn(place);
+        EXPECT_EQ(token.IsPlain(), place != ePlace::Own);
+        token.Lend();
+        EXPECT_FALSE(token.IsPlain());
+    }
+}
+
+TEST(CurrentToken, PlainOnesAreAcceptedLikeOthers) {
+    for (const ePlace place : {ePlace::Source, ePlace::Copied}) {
+        eCurrentToken plain = TokenIn(place);
+        plain.SetFloat(2.5f);
+        eCurrentToken other = plain;
+        plain.AcceptPlain(sdlString, source.Upper(5), 7, source.Begin() + 50);
+        other.Accept(sdlString, source.Upper(5), 7, source.Begin() + 50);
+        EXPECT_EQ(Described(plain), Described(other));
+    }
+}
+
+TEST(CurrentToken, APlainBlockIsItsBraceAndThenItsKeyword) {
+    for (const ePlace place : {ePlace::Source, ePlace::Copied}) {
+        eCurrentToken plain = TokenIn(place);
+        plain.SetFloat(2.5f);
+        eCurrentToken other = plain;
+        const std::string_view keyword = source.Lower(9).substr(6);
+        const char* const brace = keyword.data() - 1;
+        plain.AcceptPlainBlock(brace, 8, keyword, 42);
+        other.Accept(sdlBlockStart, {brace, 0}, 8, brace + 1);
+        other.Accept(sdlBlockId, keyword, 8, keyword.data() + keyword.size());
+        other.SetId(42);
+        EXPECT_EQ(Described(plain), Described(other));
+    }
 }
 
 TEST(CurrentToken, TheOneBeforeIsTakenAndGivenWithItsText) {

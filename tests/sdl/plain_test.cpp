@@ -34,6 +34,15 @@ ePlain NumberAt(const char* at, const char* source) {
     return {end, number.type, number.digits, number.exponent};
 }
 
+// What a reader takes without a look at an exponent.
+ePlain DecimalAt(const char* at, const char* source) {
+    xSDL::eLexeme number;
+    const char* const end = xSDL::PassPlainDecimal(at, source, &number);
+    if (!end || xSDL::ContinuesNumber(*end))
+        return {};
+    return {end, number.type, number.digits, number.exponent};
+}
+
 class PlainForms : public testing::Test {
 protected:
     // The number of forms found, which all agree with the lexer.
@@ -59,8 +68,10 @@ protected:
     void CompareAll(const char* at, const char* source) {
         Compare(IntAt(at, source), at);
         Compare(NumberAt(at, source), at);
+        Compare(DecimalAt(at, source), at);
         Compare({.end = xSDL::PassPlainString(at), .type = sdlString}, at);
         Compare({.end = xSDL::PassWord(at), .type = sdlIdent}, at);
+        Compare({.end = xSDL::PassShortWord(at), .type = sdlIdent}, at);
         Compare({.end = xSDL::PassPlainBlockStart(at), .type = sdlBlockStart}, at);
         Compare({.end = xSDL::PassBlockEnd(at), .type = sdlBlockEnd}, at);
     }
@@ -81,18 +92,43 @@ TEST_F(PlainForms, AreTheUsualOnes) {
         const char* text;
         bool isInt;
         bool isNumber;
+        bool isDecimal;
     } rows[] = {
-        {"7", true, true},       {"-7 ", true, true},    {"0", true, true},      {"123456789012345", true, true},
-        {"1.5", false, true},    {"-0.25", false, true}, {"1e5", false, true},   {"12.5e-3", false, true},
-        {"0x1F", false, false},  {"+5", false, false},   {"-", false, false},    {"1e+", false, false},
-        {"1e100", false, false}, {"0e5", false, true},   {"word", false, false}, {"1234567890123456", false, false},
+        {"7", true, true, true},
+        {"-7 ", true, true, true},
+        {"0", true, true, true},
+        {"123456789012345", true, true, true},
+        {"1.5", false, true, true},
+        {"-0.25", false, true, true},
+        {"123456.12345678", false, true, true},
+        {"1.", false, true, true},
+        {"1e5", false, true, false},
+        {"12.5e-3", false, true, false},
+        {"0x1F", false, false, false},
+        {"+5", false, false, false},
+        {"-", false, false, false},
+        {"1e+", false, false, false},
+        {"1e100", false, false, false},
+        {"0e5", false, true, false},
+        {"word", false, false, false},
+        {"1234567890123456", false, false, false},
+        {"1234567.12345678", false, false, false},
     };
     for (const auto& row : rows) {
         const std::string source = std::string(kReadBefore, ' ') + row.text + std::string(xSDL::kTextEnd, '\0');
         const char* const at = source.data() + kReadBefore;
         EXPECT_EQ(IntAt(at, source.data()).end != nullptr, row.isInt) << row.text;
         EXPECT_EQ(NumberAt(at, source.data()).end != nullptr, row.isNumber) << row.text;
+        EXPECT_EQ(DecimalAt(at, source.data()).end != nullptr, row.isDecimal) << row.text;
         EXPECT_EQ(NumberAt(at, at).end, nullptr) << row.text << " at the beginning of a source";
+    }
+}
+
+TEST_F(PlainForms, WordsOfUpTo16CharactersAreShort) {
+    for (std::size_t size = 1; size <= 20; ++size) {
+        const std::string source = std::string(size, 'w') + std::string(xSDL::kTextEnd, '\0');
+        const char* const end = xSDL::PassShortWord(source.data());
+        EXPECT_EQ(end, size <= 16 ? source.data() + size : nullptr) << size;
     }
 }
 

@@ -45,6 +45,12 @@ public:
     // remain those of the token before. False if the text exceeds the limit; the current token is then
     // as it was, with none before it.
     bool Accept(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
+    // Whether a token can be accepted by AcceptPlain: it is not lent, and no string has to be kept.
+    bool IsPlain() const { return !lent && text.place != ePlace::Own; }
+    // Accept for a plain token, without a call.
+    void AcceptPlain(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
+    // Accepts the { and the keyword of a block as plain tokens; the current one is then of type sdlBlockId.
+    void AcceptPlainBlock(const char* brace, int line, std::string_view keyword, int id);
     // Accepts the end of the source, which is no token. The text also remains that of the token before.
     void AcceptEnd(int line, const char* next);
     // Continues reading elsewhere.
@@ -111,6 +117,7 @@ private:
     };
 
     void Remember();
+    void RememberPlain();
     void KeepString();
     bool IsChanged() const;
     bool Fill();

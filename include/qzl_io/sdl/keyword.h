@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <string_view>
 
 #include <qzl_io/export.h>
 
@@ -51,10 +52,14 @@ public:
     eSDLKeyword* next; // next entry of the table, null in the last one
 
 private:
+    friend class eSDLParser;
     friend class xSDL::eKeywordIndex;
 
     template <class... eSought>
     static const eSDLKeyword* FindFrom(const eSDLKeyword* entry, eSought... sought);
+    static int IdFrom(const eSDLKeyword* entry, const char* name, std::size_t length);
+    // The id, as FindIn returns it, if the name is written as in the table or is clearly not there.
+    static bool FindAtOnce(const eSDLKeyword* table, std::string_view name, int* id);
     const xSDL::eKeywordIndex& Index(bool withNumbers) const;
     const xSDL::eKeywordIndex& RefreshIndex(bool withNumbers) const;
 

@@ -330,8 +330,13 @@ private:
     eBlockName SeeBlockName();
     template <class T>
     T GetSmall();
+    using eCutter = eSDLParser::eCutter<false>;
+    using eNearCutter = eSDLParser::eCutter<true>;
     int NextInt();
     float NextFloat();
+    void NextString(const xSDL::eCheck& check);
+    int ReadBlock(int id);
+    void NextBlockEnd();
     template <class T>
     T NextInteger();
     std::string_view TakeWord();
@@ -347,6 +352,7 @@ private:
     void RequireRoomForSource();
     char SeePlainToken();
     eSDLParserLexType NextWord();
+    eSDLParserLexType NextFarWord();
     bool EnterBlock();
     // Whether there is a mark that the next block start would displace.
     bool AreMarksKept() const { return !blockMark.empty() || !previousBlockMark.empty(); }

@@ -288,7 +288,7 @@ bool eSDLParser::Get() {
 // The first character tells the kind, and the most frequent form of that kind is tried. None of these forms contains a
 // backslash, so only CutAny sets `escaped`.
 bool eSDLParser::Cut() {
-    eCutter cutter(*this);
+    eCutter<false> cutter(*this);
     const xSDL::eTokenBegin begin = cutter.Begin();
     escaped = false;
     bool taken = false;

@@ -248,17 +248,18 @@ const std::string& eSDLReader::GetSignature() {
     return ReadSignature(Checks::kSignatureNotSDL);
 }
 
-// Each read first tries the most frequent form of the expected token. Anything else (a token of another form, a control
-// block, a hidden block, the end of an included source) is left to Next, after which the source may be another one.
+// Each read first tries the most frequent form of the expected token: first near, then anywhere. Anything else (a token
+// of another form, a control block, a hidden block, the end of an included source) is left to Next, after which the
+// source may be another one.
 int eSDLReader::GetInt() {
     eSDLParser& parser = *parsers.back();
-    if (eSDLParser::eCutter(parser).TakeInt())
+    if (eNearCutter cutter(parser); cutter && cutter.TakeInt())
         return parser.current.Int();
     return NextInt();
 }
 
 int eSDLReader::NextInt() {
-    if (Next() != sdlInt)
+    if (!eCutter(*parsers.back()).TakeInt() && Next() != sdlInt)
         Fail(Checks::kInteger);
     const xSDL::eCurrentToken& token = parsers.back()->current;
     RequireFits<int>(NumberText(token));
@@ -267,14 +268,15 @@ int eSDLReader::NextInt() {
 
 float eSDLReader::GetFloat() {
     eSDLParser& parser = *parsers.back();
-    if (eSDLParser::eCutter(parser).TakeNumber())
+    if (eNearCutter cutter(parser); cutter && cutter.TakeNumber())
         return parser.current.Float();
     return NextFloat();
 }
 
 float eSDLReader::NextFloat() {
-    if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
-        Fail(Checks::kNumber);
+    if (!eCutter(*parsers.back()).TakeNumber())
+        if (const eSDLParserLexType type = Next(); type != sdlInt && type != sdlFloat)
+            Fail(Checks::kNumber);
     RequireFloatFits();
     return parsers.back()->current.Float();
 }
@@ -322,7 +324,7 @@ double eSDLReader::GetDouble() {
 template <class T>
 T eSDLReader::GetSmall() {
     eSDLParser& parser = *parsers.back();
-    if (eSDLParser::eCutter(parser).TakeInt())
+    if (eNearCutter cutter(parser); cutter && cutter.TakeInt())
         return static_cast<T>(parser.current.Int());
     const int value = NextInt();
     RequireFits<T>(NumberText(parsers.back()->current));
@@ -346,9 +348,13 @@ bool eSDLReader::GetBool() {
     return !Test(sdlNumber) || GetInt() != 0;
 }
 
-void eSDLReader::RequireString(const eCheck& check) {
-    eSDLParser& parser = *parsers.back();
-    if (!eSDLParser::eCutter(parser).TakeString())
+QZL_IO_ALWAYS_INLINE void eSDLReader::RequireString(const eCheck& check) {
+    if (eNearCutter cutter(*parsers.back()); !cutter || !cutter.TakeString())
+        NextString(check);
+}
+
+void eSDLReader::NextString(const eCheck& check) {
+    if (!eCutter(*parsers.back()).TakeString())
         Require(sdlString, check);
 }
 
@@ -389,11 +395,19 @@ const eSDLParserToken& eSDLReader::GetToken(eSDLParserLexType type) {
     return Token();
 }
 
-// The fast path ignores marks, so it is not taken while there is a mark that the start would displace. The type tells
-// Back that the mark goes back with the identifier.
+// The fast paths ignore marks, so they are not taken while there is a mark that the start would displace. The type
+// tells Back that the mark goes back with the identifier.
 int eSDLReader::GetBlock(int id) {
+    if (AreMarksKept())
+        return ReadBlock(id);
     eSDLParser& parser = *parsers.back();
-    if (AreMarksKept() || !eSDLParser::eCutter(parser).TakeBlockStart())
+    if (eNearCutter cutter(parser); cutter && cutter.TakeBlock(Keywords(), id))
+        return parser.current.Int();
+    return ReadBlock(id);
+}
+
+int eSDLReader::ReadBlock(int id) {
+    if (AreMarksKept() || !eCutter(*parsers.back()).TakeBlockStart())
         Require(sdlBlockStart, Checks::kBlockStart);
     const eSDLParserLexType type = NextWord();
     if (type != sdlKeyword || (id != 0 && parsers.back()->current.Int() != id))
@@ -514,7 +528,7 @@ bool eSDLReader::Test(eSDLParserLexType type, int id) {
 // The character that tells what is next; 0 if only reading can tell. Reading a block start and going back preserves the
 // marks only if there are none.
 QZL_IO_ALWAYS_INLINE char eSDLReader::SeePlainToken() {
-    return AreMarksKept() ? '\0' : eSDLParser::eCutter(*parsers.back()).See(parsers.size() > 1);
+    return AreMarksKept() ? '\0' : eCutter(*parsers.back()).See(parsers.size() > 1);
 }
 
 bool eSDLReader::Start() {
@@ -541,7 +555,7 @@ eSDLReader::eBlockName eSDLReader::SeeBlockName() {
     if (seen && seen != '{')
         return {};
     if (seen) {
-        const std::string_view name = eSDLParser::eCutter(*parsers.back()).SeeBlockName();
+        const std::string_view name = eCutter(*parsers.back()).SeeBlockName();
         if (!name.empty())
             return {Keywords() ? eSDLKeyword::FindIn(Keywords(), name.data(), name.size()) : 0, name};
     }
@@ -715,7 +729,14 @@ void eSDLReader::RequireWithinLimit(const eSDLParser& parser) {
 // Like Next, where a word is expected.
 eSDLParserLexType eSDLReader::NextWord() {
     eSDLParser& parser = *parsers.back();
-    return eSDLParser::eCutter(parser).TakeWord(Keywords()) ? parser.current.Type() : Next();
+    if (eNearCutter cutter(parser); cutter && cutter.TakeWord(Keywords()))
+        return parser.current.Type();
+    return NextFarWord();
+}
+
+eSDLParserLexType eSDLReader::NextFarWord() {
+    eSDLParser& parser = *parsers.back();
+    return eCutter(parser).TakeWord(Keywords()) ? parser.current.Type() : Next();
 }
 
 // Takes the mark of the block that has just started. False if the block is hidden.
@@ -735,9 +756,13 @@ void eSDLReader::Require(eSDLParserLexType type, const eCheck& check) {
         Fail(check);
 }
 
-void eSDLReader::RequireBlockEnd() {
-    eSDLParser& parser = *parsers.back();
-    if (!eSDLParser::eCutter(parser).TakeBlockEnd())
+QZL_IO_ALWAYS_INLINE void eSDLReader::RequireBlockEnd() {
+    if (eNearCutter cutter(*parsers.back()); !cutter || !cutter.TakeBlockEnd())
+        NextBlockEnd();
+}
+
+void eSDLReader::NextBlockEnd() {
+    if (!eCutter(*parsers.back()).TakeBlockEnd())
         Require(sdlBlockEnd, Checks::kBlockEnd);
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,6 +21,13 @@ namespace xSDL {
 
 // Reported of a token that is not accepted.
 inline constexpr char kTokenLimit[] = "Token limit exceeded!";
+
+// Both values of a token as one word, which compilers do not make of two members.
+QZL_IO_ALWAYS_INLINE void CopyValues(eSDLParserToken* to, const eSDLParserToken& from) {
+    static_assert(offsetof(eSDLParserToken, intValue) == offsetof(eSDLParserToken, floatValue) + sizeof(float));
+    constexpr std::size_t kValues = offsetof(eSDLParserToken, floatValue);
+    std::memcpy(reinterpret_cast<char*>(to) + kValues, reinterpret_cast<const char*>(&from) + kValues, 8);
+}
 
 inline void eCurrentToken::Start(const char* position) {
     now = {};
@@ -39,6 +47,29 @@ QZL_IO_ALWAYS_INLINE bool eCurrentToken::Accept(eSDLParserLexType type, std::str
     return !lent || Fill();
 }
 
+QZL_IO_ALWAYS_INLINE void eCurrentToken::AcceptPlain(eSDLParserLexType type, std::string_view textInSource, int line,
+                                                     const char* next) {
+    RememberPlain();
+    now.token.type = type;
+    now.line = line;
+    now.position = next;
+    text = {textInSource, ePlace::Source};
+}
+
+QZL_IO_ALWAYS_INLINE void eCurrentToken::AcceptPlainBlock(const char* brace, int line, std::string_view keyword,
+                                                          int id) {
+    before.token.type = sdlBlockStart;
+    CopyValues(&before.token, now.token);
+    before.line = line;
+    before.position = brace + 1;
+    textBefore = {{brace, 0}, ePlace::Source};
+    now.token.type = sdlBlockId;
+    now.token.intValue = id;
+    now.line = line;
+    now.position = keyword.data() + keyword.size();
+    text = {keyword, ePlace::Source};
+}
+
 // The string may now be that of the token before, and is then needed twice.
 inline void eCurrentToken::AcceptEnd(int line, const char* next) {
     Remember();
@@ -54,14 +85,17 @@ inline void eCurrentToken::JumpTo(const char* next, int line) {
 }
 
 // Copies everything but the string: for most tokens it is out of date, or contains no more than the source.
-QZL_IO_ALWAYS_INLINE void eCurrentToken::Remember() {
+QZL_IO_ALWAYS_INLINE void eCurrentToken::RememberPlain() {
     before.token.type = now.token.type;
-    before.token.floatValue = now.token.floatValue;
-    before.token.intValue = now.token.intValue;
+    CopyValues(&before.token, now.token);
     before.line = now.line;
     before.position = now.position;
     textBefore.source = text.source;
     textBefore.place = ePlace::Source;
+}
+
+QZL_IO_ALWAYS_INLINE void eCurrentToken::Remember() {
+    RememberPlain();
     if (text.place == ePlace::Own || (lent && IsChanged()))
         KeepString();
 }

@@ -9,18 +9,24 @@
 
 #include "qzl_base/shared/decimal_float.h"
 #include "sdl/current_token.h"
+#include "sdl/keyword_index.h"
 #include "sdl/number.h"
 #include "sdl/plain.h"
 
 // Makes a parser's next token the current one. A reader's call often determines the kind of the token, so there is a
 // function for each kind. It takes a token of that kind in its most frequent form and within the limit, or returns
 // false and leaves everything unchanged, for eSDLParser::Cut to take any token. Inline in the parser and the reader.
+//
+// A near cutter takes only what needs no call: a token after blanks alone, while the token before it is plain. So a
+// function that tries it first, and calls another one at its end, keeps nothing on the stack.
+template <bool near>
 class eSDLParser::eCutter {
 public:
     // A cutter of the next token. The parser's place does not change.
-    QZL_IO_ALWAYS_INLINE explicit eCutter(eSDLParser& cutParser)
-        : parser(cutParser), begin(xSDL::FindToken(parser.current.Position(), parser.current.Line())) {}
+    QZL_IO_ALWAYS_INLINE explicit eCutter(eSDLParser& cutParser) : parser(cutParser), begin(Find(cutParser.current)) {}
 
+    // Whether there is anything that it might take.
+    explicit operator bool() const { return begin.at != nullptr; }
     const xSDL::eTokenBegin& Begin() const { return begin; }
 
     QZL_IO_ALWAYS_INLINE bool TakeInt() {
@@ -32,8 +38,9 @@ public:
     // Takes a number of either kind.
     QZL_IO_ALWAYS_INLINE bool TakeNumber() {
         xSDL::eLexeme number;
-        const char* const end = xSDL::PassPlainNumber(begin.at, parser.plainNumbers, &number);
-        if (!end)
+        const char* const end = near ? xSDL::PassPlainDecimal(begin.at, parser.plainNumbers, &number)
+                                     : xSDL::PassPlainNumber(begin.at, parser.plainNumbers, &number);
+        if (!end || (near && xSDL::ContinuesNumber(*end)))
             return false;
         if (number.type == sdlInt)
             return AcceptInt(number.digits, end);
@@ -53,10 +60,16 @@ public:
 
     // Takes an identifier, or a keyword of the table.
     QZL_IO_ALWAYS_INLINE bool TakeWord(const eSDLKeyword* table) {
-        const char* const end = xSDL::PassWord(begin.at);
+        const char* const end = near ? xSDL::PassShortWord(begin.at) : xSDL::PassWord(begin.at);
         if (!end)
             return false;
-        const int id = table ? eSDLKeyword::FindIn(table, begin.at, static_cast<std::size_t>(end - begin.at)) : 0;
+        const std::string_view word(begin.at, static_cast<std::size_t>(end - begin.at));
+        int id;
+        if (!eSDLKeyword::FindAtOnce(table, word, &id)) {
+            if (near)
+                return false;
+            id = eSDLKeyword::FindIn(table, word.data(), word.size());
+        }
         if (!Accept(id != 0 ? sdlKeyword : sdlIdent, begin.at, end, end))
             return false;
         if (id != 0)
@@ -72,6 +85,20 @@ public:
     QZL_IO_ALWAYS_INLINE bool TakeBlockEnd() {
         const char* const end = xSDL::PassBlockEnd(begin.at);
         return end && Accept(sdlBlockEnd, end, end, end + 1);
+    }
+
+    // Takes a block start and the keyword that directly follows it, which has that id unless it is 0.
+    QZL_IO_ALWAYS_INLINE bool TakeBlock(const eSDLKeyword* table, int wanted) requires near {
+        const char* const brace = xSDL::PassPlainBlockStart(begin.at);
+        const char* const end = brace ? xSDL::PassShortWord(brace + 1) : nullptr;
+        if (!end)
+            return false;
+        const std::string_view word(brace + 1, static_cast<std::size_t>(end - brace - 1));
+        int id;
+        if (!eSDLKeyword::FindAtOnce(table, word, &id) || id == 0 || (wanted != 0 && id != wanted))
+            return false;
+        parser.current.AcceptPlainBlock(brace, begin.line, word, id);
+        return true;
     }
 
     // The character that the next token begins with; 0 if it does not tell what the token is (SeePlain). The state is
@@ -92,12 +119,24 @@ public:
     }
 
 private:
+    QZL_IO_ALWAYS_INLINE static xSDL::eTokenBegin Find(const xSDL::eCurrentToken& current) {
+        if constexpr (!near)
+            return xSDL::FindToken(current.Position(), current.Line());
+        else if (current.IsPlain()) [[likely]]
+            return xSDL::FindNearToken(current.Position(), current.Line());
+        else
+            return {nullptr, 0};
+    }
+
     bool IsNegative() const { return *begin.at == '-'; }
 
     QZL_IO_ALWAYS_INLINE bool Accept(eSDLParserLexType type, const char* textBegin, const char* textEnd,
                                      const char* next) {
-        return parser.current.Accept(type, {textBegin, static_cast<std::size_t>(textEnd - textBegin)}, begin.line,
-                                     next);
+        const std::string_view text(textBegin, static_cast<std::size_t>(textEnd - textBegin));
+        if constexpr (!near)
+            return parser.current.Accept(type, text, begin.line, next);
+        parser.current.AcceptPlain(type, text, begin.line, next);
+        return true;
     }
 
     QZL_IO_ALWAYS_INLINE bool AcceptInt(unsigned long long digits, const char* end) {

@@ -92,9 +92,7 @@ void eKeywordIndex::InsertName(const eSDLKeyword* entry) noexcept {
         Chain(sameName.get(), slot.entry->place, count);
         return;
     }
-    slot.head = FoldCase(LoadUpTo8(name, length));
-    slot.tail = length > 8 ? FoldCase(LoadLast8(name, length)) : 0;
-    slot.length = length;
+    slot.name = {name, length};
     slot.entry = entry;
 }
 
@@ -145,7 +143,7 @@ const eSDLKeyword* eKeywordIndex::FindFrom(const eSDLKeyword& entry, int id) con
 
 std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) const {
     return PlaceFrom(HashName(name, length), [=](const eSlot& slot) {
-        return slot.length == length && SameName(slot.entry->name, name, length);
+        return slot.name.length == length && SameName(slot.entry->name, name, length);
     });
 }
 
@@ -209,12 +207,13 @@ int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name) {
 }
 
 int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name, std::size_t length) {
-    if (!table)
-        return 0;
-    const xSDL::eKeywordIndex* const index = table->index.load(std::memory_order_acquire);
-    const eSDLKeyword* const entry =
-        index && !index->Outdated() ? index->Find(name, length) : FindFrom(table, name, length);
-    return entry ? entry->id : 0;
+    int id;
+    return FindAtOnce(table, {name, length}, &id) ? id : IdFrom(table, name, length);
+}
+
+QZL_IO_NOINLINE int eSDLKeyword::IdFrom(const eSDLKeyword* entry, const char* name, std::size_t length) {
+    const eSDLKeyword* const found = FindFrom(entry, name, length);
+    return found ? found->id : 0;
 }
 
 const char* eSDLKeyword::FindIn(const eSDLKeyword* table, int id) {

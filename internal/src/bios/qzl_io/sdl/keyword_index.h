@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
+#include <qzl_io/detail/compiler.h>
 #include <qzl_io/sdl/keyword.h>
 
 #include "sdl/scan.h"
@@ -51,6 +53,16 @@ public:
     bool Outdated() const { return last.load(std::memory_order_acquire)->next != nullptr; }
 
     const eSDLKeyword* Find(const char* name, std::size_t length) const { return slots[PlaceOf(name, length)].entry; }
+    // Finds a name that is written as in the table, or that is clearly not there. False if it takes Find to tell.
+    QZL_IO_ALWAYS_INLINE bool FindAtOnce(const char* name, std::size_t length, const eSDLKeyword** found) const {
+        if (length > kCompared)
+            return false;
+        const eCompared compared(name, length);
+        const std::size_t first = compared.Hash() & mask;
+        const std::size_t at = PlaceFrom(first, [&](const eSlot& slot) { return slot.name == compared; });
+        *found = slots[at].entry;
+        return at == first || *found;
+    }
     // Call only if HasNumbers; the table of ids is built on demand.
     const eSDLKeyword* Find(int id) const { return numbers[PlaceOf(id)].entry; }
     bool HasNumbers() const { return hasNumbers.load(std::memory_order_acquire); }
@@ -75,10 +87,29 @@ private:
     static constexpr std::size_t kRoomForEach = 4; // slots
     static constexpr std::size_t kCompared = 16;   // characters that are compared in a slot
 
-    struct eSlot {
-        std::uint64_t head = 0; // the name's first eight characters, combined with the last eight if it has more
+    // What is compared of a name, as it is written: its first eight characters, and its last eight if it has more.
+    struct eCompared {
+        eCompared() = default;
+        eCompared(const char* name, std::size_t size)
+            : head(LoadUpTo8(name, size)), tail(size > 8 ? LoadLast8(name, size) : 0), length(size) {}
+
+        bool operator==(const eCompared&) const = default;
+        bool IsFolded(const eCompared& other) const {
+            return FoldCase(head) == FoldCase(other.head) && FoldCase(tail) == FoldCase(other.tail) &&
+                   length == other.length;
+        }
+        std::uint64_t Hash() const {
+            const std::uint64_t hash = MixedIn(length, head);
+            return length > 8 ? MixedIn(hash, tail) : hash;
+        }
+
+        std::uint64_t head = 0;
         std::uint64_t tail = 0;
         std::size_t length = 0;
+    };
+
+    struct eSlot {
+        eCompared name;
         const eSDLKeyword* entry = nullptr; // null: the slot is free
     };
 
@@ -108,16 +139,8 @@ private:
     std::size_t PlaceOf(const char* name, std::size_t length) const {
         if (length > kCompared)
             return PlaceOfLong(name, length);
-        const std::uint64_t head = LoadUpTo8(name, length);
-        std::uint64_t hash = MixedIn(length, head);
-        std::uint64_t tail = 0;
-        if (length > 8) {
-            tail = LoadLast8(name, length);
-            hash = MixedIn(hash, tail);
-        }
-        return PlaceFrom(hash, [length, head = FoldCase(head), tail = FoldCase(tail)](const eSlot& slot) {
-            return slot.head == head && slot.tail == tail && slot.length == length;
-        });
+        const eCompared compared(name, length);
+        return PlaceFrom(compared.Hash(), [&](const eSlot& slot) { return slot.name.IsFolded(compared); });
     }
 
     std::size_t PlaceOfLong(const char* name, std::size_t length) const;
@@ -151,3 +174,16 @@ private:
 };
 
 } // namespace xSDL
+
+QZL_IO_ALWAYS_INLINE bool eSDLKeyword::FindAtOnce(const eSDLKeyword* table, std::string_view name, int* id) {
+    *id = 0;
+    if (!table)
+        return true;
+    const xSDL::eKeywordIndex* const found = table->index.load(std::memory_order_acquire);
+    const eSDLKeyword* entry;
+    if (!found || found->Outdated() || !found->FindAtOnce(name.data(), name.size(), &entry))
+        return false;
+    if (entry)
+        *id = entry->id;
+    return true;
+}

@@ -185,6 +185,17 @@ QZL_IO_ALWAYS_INLINE eTokenBegin FindToken(const char* at, int line) {
     return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
 }
 
+// Likewise without a call; null if there is a comment before the token.
+QZL_IO_ALWAYS_INLINE eTokenBegin FindNearToken(const char* at, int line) {
+    if (*at == ' ') [[likely]]
+        ++at;
+    if (Begins(*at) != eBegins::Gap)
+        return {at, line};
+    if (PassBlankBlock(&at, &line)) [[unlikely]]
+        at = PassBlanks(at, &line);
+    return {*at == ';' ? nullptr : at, line};
+}
+
 // Tokens that consist of their first character: brackets, operators, errors, and the end of the text, which has no
 // type.
 inline const char* CutSingle(const char* at, const eStep& step, eLexeme* token) {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstdint>
 
 #include <qzl_io/detail/compiler.h>
 
-#include "qzl_base/shared/powers_of_ten.h"
 #include "sdl/lexer.h"
 
 // The most frequent form of each kind of token, passed without a check for other forms. Each function returns the end
@@ -19,6 +19,18 @@ QZL_IO_ALWAYS_INLINE unsigned NoDigits(const char* begin, unsigned sign) {
     return (Mask(IsDigit(Load16(begin))) ^ 0xFFFFu) >> sign;
 }
 
+// The characters after which a number may be of another kind than it seems.
+inline constexpr std::array<bool, 256> kContinuesNumber = [] {
+    std::array<bool, 256> continues{};
+    for (const char c : {'.', 'e', 'E', 'x'})
+        continues[static_cast<unsigned char>(c)] = true;
+    return continues;
+}();
+
+QZL_IO_ALWAYS_INLINE bool ContinuesNumber(char c) {
+    return kContinuesNumber[static_cast<unsigned char>(c)];
+}
+
 // The functions for numbers read up to 16 characters before the end of the digits, so they take none before the 16th
 // character of `source`. A number has less than 16 characters, without its exponent.
 QZL_IO_ALWAYS_INLINE const char* PassPlainInt(const char* begin, const char* source, unsigned long long* value) {
@@ -28,37 +40,44 @@ QZL_IO_ALWAYS_INLINE const char* PassPlainInt(const char* begin, const char* sou
         return nullptr;
     const auto digits = static_cast<unsigned>(std::countr_zero(others));
     const char* const end = begin + sign + digits;
-    if (*end == '.' || (*end | 0x20) == 'e' || *end == 'x')
+    if (ContinuesNumber(*end))
         return nullptr;
     *value = DigitsBefore(end, digits);
     return end;
 }
 
-// Passes a number of either kind whose digits tell its value.
-QZL_IO_ALWAYS_INLINE const char* PassPlainNumber(const char* begin, const char* source, eLexeme* number) {
+// Passes the digits of a number of either kind, and its point. An exponent may follow.
+QZL_IO_ALWAYS_INLINE const char* PassPlainDecimal(const char* begin, const char* source, eLexeme* number) {
     const unsigned sign = *begin == '-';
     unsigned others = NoDigits(begin, sign);
     if (begin - source < 16 || others == 0 || (others & 1) != 0)
         return nullptr;
     const char* const first = begin + sign;
     const auto digits = static_cast<unsigned>(std::countr_zero(others));
-    const char* at = first + digits;
-    bool takesExponent = *begin != '0' || digits > 1;
-    number->type = sdlInt;
+    const char* const whole = first + digits;
     number->exact = true;
-    number->digits = DigitsBefore(at, digits);
-    if (*at == '.') {
-        others &= others - 1;
-        if (others == 0)
-            return nullptr;
-        at = first + std::countr_zero(others);
-        const unsigned decimals = static_cast<unsigned>(std::countr_zero(others)) - digits - 1;
-        number->digits =
-            number->digits * decimal::kPowersOfTen<std::uint64_t, 15>[decimals] + DigitsBefore(at, decimals);
-        number->type = sdlFloat;
-        number->exponent = -static_cast<int>(decimals);
-        takesExponent = true;
+    if (*whole != '.') {
+        number->type = sdlInt;
+        number->digits = DigitsBefore(whole, digits);
+        return whole;
     }
+    others &= others - 1;
+    if (others == 0)
+        return nullptr;
+    const auto size = static_cast<unsigned>(std::countr_zero(others));
+    const unsigned decimals = size - digits - 1;
+    number->type = sdlFloat;
+    number->digits = DigitsBefore(first + size, size - 1, decimals);
+    number->exponent = -static_cast<int>(decimals);
+    return first + size;
+}
+
+// Passes a number of either kind whose digits tell its value.
+QZL_IO_ALWAYS_INLINE const char* PassPlainNumber(const char* begin, const char* source, eLexeme* number) {
+    const char* const at = PassPlainDecimal(begin, source, number);
+    if (!at)
+        return nullptr;
+    const bool takesExponent = *begin != '0' || at - begin > 1;
     const char* const end = CutFromDigits(begin, at, takesExponent, number);
     return number->exact && *end != 'x' ? end : nullptr;
 }
@@ -73,6 +92,12 @@ QZL_IO_ALWAYS_INLINE const char* PassPlainString(const char* begin) {
 
 QZL_IO_ALWAYS_INLINE const char* PassWord(const char* begin) {
     return Begins(*begin) == eBegins::Word ? PassIdent(begin + 1) : nullptr;
+}
+
+// Passes a word of at most 16 characters.
+QZL_IO_ALWAYS_INLINE const char* PassShortWord(const char* begin) {
+    const unsigned others = Mask(IsInIdent(Load16(begin + 1))) ^ 0xFFFFu;
+    return Begins(*begin) == eBegins::Word && others != 0 ? begin + 1 + std::countr_zero(others) : nullptr;
 }
 
 // Passes a block start without a mark, whose text is empty.

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <emmintrin.h>
 
+#include <qzl_io/detail/compiler.h>
+
 #include "qzl_base/shared/powers_of_ten.h"
 
 // Runs of characters in an SDL text, found 16 at a time. Every function may read up to kTextEnd bytes from any
@@ -87,8 +89,12 @@ inline const char* PassWhile(const char* at, Test test) {
             return at + std::countr_zero(other);
 }
 
+inline __m128i IsInIdent(__m128i bytes) {
+    return Or(IsLetter(bytes), IsDigit(bytes));
+}
+
 inline const char* PassIdent(const char* at) {
-    return PassWhile(at, [](__m128i bytes) { return Or(IsLetter(bytes), IsDigit(bytes)); });
+    return PassWhile(at, IsInIdent);
 }
 
 inline const char* PassMark(const char* at) {
@@ -131,19 +137,21 @@ constexpr int LinesOn(int line, std::size_t by) {
     return static_cast<int>(static_cast<unsigned>(line) + static_cast<unsigned>(by));
 }
 
+// Passes 16 characters or, if not all are blanks, those before the first other one. Counts their line feeds.
+QZL_IO_ALWAYS_INLINE bool PassBlankBlock(const char** at, int* line) {
+    const __m128i bytes = Load16(*at);
+    const unsigned others = Mask(IsBlank(bytes)) ^ 0xFFFFu;
+    for (unsigned feeds = Mask(Is(bytes, '\n')) & (others ^ (others - 1)); feeds; feeds &= feeds - 1)
+        *line = LinesOn(*line, 1);
+    *at += std::countr_zero(others | 0x10000u);
+    return others == 0;
+}
+
 // Passes blanks and counts their line feeds.
-inline const char* PassBlanks(const char* at, int* line) {
-    for (;; at += 16) {
-        const __m128i bytes = Load16(at);
-        const unsigned other = Mask(IsBlank(bytes)) ^ 0xFFFFu;
-        unsigned feeds = Mask(Is(bytes, '\n'));
-        if (other)
-            feeds &= (1u << std::countr_zero(other)) - 1;
-        for (; feeds; feeds &= feeds - 1)
-            *line = LinesOn(*line, 1);
-        if (other)
-            return at + std::countr_zero(other);
+QZL_IO_ALWAYS_INLINE const char* PassBlanks(const char* at, int* line) {
+    while (PassBlankBlock(&at, line)) {
     }
+    return at;
 }
 
 inline std::size_t CountLineFeeds(const char* begin, const char* end) {
@@ -196,20 +204,35 @@ inline const char* PassDigits(const char* at, unsigned long long* value) {
     }
 }
 
-// The number that the digits before `end` form, at most 16 of them. Reads the 16 bytes before `end`.
-inline std::uint64_t DigitsBefore(const char* end, unsigned count) {
+// Keeps the digits of the last characters, at most 16, as their values.
+inline __m128i KeepLast(unsigned count) {
     alignas(16) static constexpr std::array<unsigned char, 32> kKeep = [] {
         std::array<unsigned char, 32> keep{};
         std::fill(keep.begin() + 16, keep.end(), static_cast<unsigned char>(0x0F));
         return keep;
     }();
-    const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep.data() + count));
-    const __m128i ones = _mm_and_si128(Load16(end - 16), keep);
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep.data() + count));
+}
+
+// The number that 16 digits form, given as their values.
+inline std::uint64_t NumberOf(__m128i ones) {
     const __m128i pairs = _mm_srli_epi16(_mm_mullo_epi16(ones, _mm_set1_epi16(10 << 8 | 1)), 8);
     const __m128i fours = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 100));
     const __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), _mm_set1_epi32(1 << 16 | 10000));
     const auto halves = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eights));
     return (halves & 0xFFFFFFFFu) * 100000000 + (halves >> 32);
+}
+
+// The number that the digits before `end` form, at most 16 of them. Reads the 16 bytes before `end`.
+inline std::uint64_t DigitsBefore(const char* end, unsigned count) {
+    return NumberOf(_mm_and_si128(Load16(end - 16), KeepLast(count)));
+}
+
+// Likewise with a point before the last digits, which does not count. Reads the 17 bytes before `end`.
+inline std::uint64_t DigitsBefore(const char* end, unsigned count, unsigned decimals) {
+    const __m128i fraction = KeepLast(decimals);
+    const __m128i whole = _mm_andnot_si128(fraction, KeepLast(count));
+    return NumberOf(Or(_mm_and_si128(Load16(end - 16), fraction), _mm_and_si128(Load16(end - 17), whole)));
 }
 
 } // namespace xSDL
