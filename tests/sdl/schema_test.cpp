@@ -306,6 +306,34 @@ TEST(SchemaDraft, AcceptsItsDocuments) {
     DraftOf({deep + std::string(2'000, '}')});
 }
 
+// Its lines are indented, so a rule for each of many levels would take their square.
+TEST(SchemaDraft, HasOthersInPlaceOfRulesBelowThe32ndLevel) {
+    const auto nested = [](int levels) {
+        std::string text;
+        for (int level = 0; level < levels; ++level)
+            text += "{a";
+        return text + std::string(static_cast<std::size_t>(levels), '}');
+    };
+    EXPECT_EQ(DraftOf({nested(32)}).find("{others}"), std::string::npos);
+    const std::string draft = DraftOf({nested(33)});
+    EXPECT_NE(draft.find("\r\n" + std::string(33, '\t') + "{others}\r\n" + std::string(32, '\t') + "}\r\n"),
+              std::string::npos);
+    EXPECT_EQ(DraftOf({nested(100'000)}), draft);
+}
+
+// A block that many blocks of one name might hold is looked at where it stands alone.
+TEST(SchemaDraft, OfManyBlocksWithManyNamesTakesTimeInProportion) {
+    std::string text = "{a";
+    for (int name = 0; name < 30'000; ++name)
+        text += "{b" + std::to_string(name) + "}";
+    text += "}";
+    for (int block = 0; block < 100'000; ++block)
+        text += "{a}";
+    const eSDLDocument document(text);
+    const std::string draft = eSDLSchema::Draft({&document});
+    EXPECT_NE(draft.find("{block b29999 {count 0 1}}"), std::string::npos);
+}
+
 TEST(Schema, TellsTheFirstThousandMistakesOfASchemaAtMost) {
     std::string text;
     for (int count = 0; count < 5000; ++count)

@@ -17,6 +17,9 @@ namespace {
 
 constexpr std::size_t kMostSingle = 4; // values that have a rule each
 constexpr std::size_t kMostChoices = 8;
+// A rule is indented by its depth, so that without a limit the draft of a document of nothing but braces would grow
+// with its square.
+constexpr std::size_t kDeepest = 32;
 
 // The values at one place.
 struct eSeenValue {
@@ -43,11 +46,14 @@ struct eSeenValue {
 struct eSeenBlock {
     std::string name;
     std::size_t instances = 0;
-    eCount count{kMany, 0}; // in one block around
+    eCount count{kMany, 0};       // in one block around that has any
+    std::size_t blocksAround = 0; // that have any
     eCount valueCount{kMany, 0};
     std::vector<eSeenValue> values; // those after kMostSingle count as the last one
     std::vector<std::size_t> children;
     unsigned long long inThisBlock = 0;
+    std::size_t depth = 0;
+    bool others = false; // blocks that are too deep for rules of their own
 };
 
 // A long integer is a number to a schema's float only.
@@ -91,14 +97,16 @@ public:
 
 private:
     void LookAt(const eSDLNode& block, std::size_t index, std::vector<std::pair<eSDLNode, std::size_t>>* waiting) {
-        const bool first = seen[index].instances++ == 0;
-        for (const std::size_t child : seen[index].children)
-            seen[child].inThisBlock = 0;
+        ++seen[index].instances;
+        std::vector<std::size_t> children;
         unsigned long long values = 0;
         for (const eSDLNode& child : block) {
-            if (child.IsBlock()) {
-                const std::size_t at = ChildOf(index, std::string(child.Name()), first);
-                ++seen[at].inThisBlock;
+            if (child.IsBlock() && seen[index].depth == kDeepest) {
+                seen[index].others = true;
+            } else if (child.IsBlock()) {
+                const std::size_t at = ChildOf(index, std::string(child.Name()));
+                if (seen[at].inThisBlock++ == 0)
+                    children.push_back(at);
                 waiting->emplace_back(child, at);
             } else {
                 const std::size_t place = std::min<std::size_t>(values++, kMostSingle);
@@ -108,8 +116,10 @@ private:
             }
         }
         Count(&seen[index].valueCount, values);
-        for (const std::size_t child : seen[index].children)
-            Count(&seen[child].count, seen[child].inThisBlock);
+        for (const std::size_t child : children) {
+            ++seen[child].blocksAround;
+            Count(&seen[child].count, std::exchange(seen[child].inThisBlock, 0));
+        }
     }
 
     static void Count(eCount* count, unsigned long long number) {
@@ -117,15 +127,13 @@ private:
         count->most = std::max(count->most, number);
     }
 
-    // A name that earlier blocks did not have may be missing.
-    std::size_t ChildOf(std::size_t index, const std::string& name, bool first) {
+    std::size_t ChildOf(std::size_t index, const std::string& name) {
         const auto found = byName.find({index, Folded(name)});
         if (found != byName.end())
             return found->second;
         const std::size_t child = seen.size();
         seen.emplace_back().name = name;
-        if (!first)
-            seen[child].count.least = 0;
+        seen[child].depth = seen[index].depth + 1;
         seen[index].children.push_back(child);
         byName.emplace(std::pair(index, Folded(name)), child);
         return child;
@@ -175,7 +183,7 @@ private:
         WriteValue(writer, any, block.valueCount, true);
     }
 
-    void WriteHead(eSDLWriter& writer, std::size_t index) const {
+    void WriteHead(eSDLWriter& writer, std::size_t index, std::size_t around) const {
         const eSeenBlock& block = seen[index];
         if (index == 0) {
             Open(writer, "schema");
@@ -183,9 +191,12 @@ private:
             Open(writer << endl, "block");
             if (!block.name.empty())
                 writer << ident{block.name.c_str()};
-            WriteCount(writer, block.count, block.count.most > 1);
+            const bool everywhere = block.blocksAround == seen[around].instances;
+            WriteCount(writer, {everywhere ? block.count.least : 0, block.count.most}, block.count.most > 1);
         }
         WriteValues(writer, block);
+        if (block.others)
+            Open(writer << endl, "others") << endb;
     }
 
     void Write(eSDLWriter& writer) const {
@@ -193,18 +204,19 @@ private:
             std::size_t block;
             std::size_t next = 0;
         };
-        WriteHead(writer, 0);
+        WriteHead(writer, 0, 0);
         std::vector<eOpen> open{{0}};
         while (!open.empty()) {
             const std::vector<std::size_t>& children = seen[open.back().block].children;
             if (open.back().next == children.size()) {
-                if (!children.empty() || !seen[open.back().block].values.empty())
+                const eSeenBlock& block = seen[open.back().block];
+                if (!children.empty() || !block.values.empty() || block.others)
                     writer << endl;
                 writer << endb;
                 open.pop_back();
             } else {
                 const std::size_t child = children[open.back().next++];
-                WriteHead(writer, child);
+                WriteHead(writer, child, open.back().block);
                 open.push_back({child});
             }
         }
