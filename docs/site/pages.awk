@@ -77,11 +77,11 @@ inside {
 }
 
 /^#+ / {
+    gsub(/`/, "") # shown as marks in headings
     text = $0
     sub(/^#+ /, "", text)
-    gsub(/`/, "", text)
     if (FNR == 1 || self != "CHANGELOG") # where headings come again
-        $0 = (FNR == 1 ? "# " text : $0) " {#" (FNR == 1 ? label(self) : label(self, anchor(text))) "}"
+        $0 = $0 " {#" (FNR == 1 ? label(self) : label(self, anchor(text))) "}"
     print
     if (FNR == 1 && self != "index")
         print "\n[TOC]"
