@@ -69,7 +69,10 @@ TEST_F(ToolLookAtLength, DepthTakesNoStackAndLengthNoSquare) {
 
 TEST_F(ToolLook, SystemTellsOfTheMachine) {
     folder.Write("here.txt", "12345");
-    const std::string output = OutputOf({"system"});
+    const eEnded ended = Run({"system"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(WithoutDiskWarning(ended.errors), "");
+    const std::string& output = ended.output;
     EXPECT_THAT(output, testing::HasSubstr("machine\n  computer "));
     EXPECT_THAT(output, testing::HasSubstr("\nsystem\n  name "));
     EXPECT_THAT(output, testing::HasSubstr("\n  processors "));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,11 @@
 #include "support/process.h"
 #include "support/temp_folder.h"
 #include "support/wine.h"
+
+// The messages without the warning that the disk does not tell its serial number, as in a container.
+inline std::string WithoutDiskWarning(const std::string& errors) {
+    return std::regex_replace(errors, std::regex("sdl: eHDDInfo: obtain serialNumber failure\\([0-9]+\\)\r?\n"), "");
+}
 
 // Runs the program `sdl` in a folder of its own.
 class Tool : public testing::Test {

@@ -56,8 +56,10 @@ public:
                                         command.inputFile.empty() ? "" : folder.Read(command.inputFile), folder.Path());
         if (!command.outputFile.empty())
             folder.Write(command.outputFile, std::exchange(ended.output, {}));
-        if (program == "sdl" && !arguments.empty() && arguments.front() == "system")
+        if (program == "sdl" && !arguments.empty() && arguments.front() == "system") {
             ended.output = WithoutFacts(ended.output);
+            ended.errors = WithoutDiskWarning(ended.errors);
+        }
         return {ended.code, Placed(std::move(ended.output)), Placed(std::move(ended.errors))};
     }
 
