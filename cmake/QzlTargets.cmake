@@ -85,7 +85,7 @@ endfunction()
 # examples of this tree) and QZL_DOCUMENTS_DIR (real documents, which may be missing).
 set(QZL_DOCUMENTS_DIR ${PROJECT_SOURCE_DIR}/../shared/data CACHE PATH "Folder with further JSON documents to test with")
 function(qzl_examples_definition target)
-    file(REAL_PATH ${QZL_DOCUMENTS_DIR} documents)
+    cmake_path(ABSOLUTE_PATH QZL_DOCUMENTS_DIR NORMALIZE OUTPUT_VARIABLE documents)
     set(root)
     if(WIN32 AND CMAKE_CROSSCOMPILING)
         set(root "Z:")

@@ -31,7 +31,8 @@ std::wstring WideOf(std::u16string_view units) {
     for (std::size_t at = 0; at < units.size(); ++at) {
         const bool isPair =
             unicode::IsHighSurrogate(units[at]) && at + 1 < units.size() && unicode::IsLowSurrogate(units[at + 1]);
-        text.push_back(static_cast<wchar_t>(isPair ? unicode::OfPair(units[at], units[at + 1]) : units[at]));
+        const char32_t unit = units[at];
+        text.push_back(static_cast<wchar_t>(isPair ? unicode::OfPair(units[at], units[at + 1]) : unit));
         at += isPair ? 1 : 0;
     }
     return text;
