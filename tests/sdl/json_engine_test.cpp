@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <cstddef>
+#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gmock/gmock.h>
+#include <qzl_base/convert.h>
 #include <qzl_io/sdl/json_to_sdl.h>
 #include <qzl_io/streams.h>
 
@@ -66,6 +69,53 @@ TEST(JsonEngine, DecidesWhatIsAcceptedBeyondJson) {
         const bool accepted = Converted(row.json) != kRefused;
         EXPECT_EQ(accepted, JsonEngine() == "simdjson" ? row.simdjson : row.cpprestsdk) << row.what;
         EXPECT_EQ(reports.warnings().size(), accepted ? 0U : 1U) << row.what;
+    }
+}
+
+TEST(JsonEngine, ReadsNumbersOfAnyNumberOfDigits) {
+    const std::vector<std::string> numbers = {"0",
+                                              "-0",
+                                              "1.5",
+                                              "-2147483648",
+                                              "4294967295",
+                                              "174830184460147.4048",
+                                              "1748301844601474048.0",
+                                              "0.1748301844601474048",
+                                              "9007199254740993.0",
+                                              "-9007199254740993.00000000001",
+                                              "1.00000005960464477539062500001",
+                                              "1.0000000596046447753906250",
+                                              "123456789012345678901234567890.5",
+                                              "0.00000000000000000000012345678901234567890",
+                                              "7.0064923216240853546186479164495806564013097093825788587853e-46",
+                                              "340282346638528859811704183484516925440.0",
+                                              "12345678901234567890123456789012345678",
+                                              "1e-400",
+                                              "-0.0344321443184467440737095516168",
+                                              "0.034432144318446744073",
+                                              "-1.5e-3",
+                                              "-0.0",
+                                              "0.1",
+                                              "-999999999999.999",
+                                              "99999999.9999999",
+                                              "0.00000000000001",
+                                              "16777217.0",
+                                              "999999999999999.0",
+                                              "1234567890123456.5",
+                                              "25E+2",
+                                              "-21474429496729683649",
+                                              "21474429496729683649",
+                                              "1." + std::string(1500, '5')};
+    for (const std::string& number : numbers) {
+        const eReports reports;
+        const double value = std::strtod(number.c_str(), nullptr);
+        const bool isReal =
+            number.find_first_of(".e") != std::string::npos || value >= 4294967296.0 || value < -2147483648.0;
+        const std::string text = isReal ? ToString(static_cast<float>(value))
+                                        : ToString(static_cast<int>(static_cast<long long>(value)), false);
+        EXPECT_EQ(Converted('[' + number + ']'), text + "\r\n") << number;
+        EXPECT_EQ(Converted(number), text) << number << " alone";
+        EXPECT_TRUE(reports.warnings().empty()) << number;
     }
 }
 

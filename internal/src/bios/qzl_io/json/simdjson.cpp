@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <emmintrin.h>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -23,7 +22,7 @@ namespace ondemand = simdjson::ondemand;
 
 static_assert(kRoomAfterJson >= simdjson::SIMDJSON_PADDING);
 
-// --- Numbers that the parser does not take ---
+// --- Numbers ---
 
 // Passes digits; false if there are none.
 bool PassDigits(std::string_view* text) {
@@ -42,9 +41,16 @@ bool Pass(std::string_view* text, std::string_view characters) {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
+bool IsBlank(char character) {
+    return character == ' ' || character == '\t' || character == '\r' || character == '\n';
+}
+
 std::string_view WithoutBlanks(std::string_view text) {
-    text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
-    return text.substr(std::min(text.size(), text.find_first_not_of(kBlanks)));
+    while (!text.empty() && IsBlank(text.back()))
+        text.remove_suffix(1);
+    while (!text.empty() && IsBlank(text.front()))
+        text.remove_prefix(1);
+    return text;
 }
 
 bool IsNumber(std::string_view text) {
@@ -61,13 +67,19 @@ bool IsNumber(std::string_view text) {
     return text.empty();
 }
 
-// The value of a number that is too large for the parser: an integer beyond 64 bits, or a number beyond the doubles.
-double LargeNumber(std::string_view text) {
+bool IsInteger(std::string_view text) {
+    Pass(&text, "-");
+    return PassDigits(&text) && text.empty();
+}
+
+// The value of a number with a fraction or an exponent, or of an integer beyond 64 bits.
+double RealNumber(std::string_view text) {
     if (!IsNumber(text))
         throw simdjson::simdjson_error(simdjson::NUMBER_ERROR);
     double value = 0;
-    if (std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc::result_out_of_range)
-        value = std::numeric_limits<double>::infinity() * (text.front() == '-' ? -1 : 1);
+    const char* const end = text.data() + text.size();
+    if (std::from_chars(text.data(), end, value).ec == std::errc::result_out_of_range)
+        value = simdjson::internal::from_chars(text.data(), end); // zero or infinite
     return value;
 }
 
@@ -109,6 +121,11 @@ private:
     void FeedArray(ondemand::array array);
     template <class Value>
     void FeedNumber(Value& value);
+    template <class Value>
+    bool FeedShortNumber(Value& value);
+    void FeedInteger(std::int64_t value) {
+        return value < 0 ? sink.Signed(value) : sink.Unsigned(static_cast<std::uint64_t>(value));
+    }
     template <class Value>
     void FeedNull(Value& value);
 
@@ -197,22 +214,40 @@ void eFeeder::FeedArray(ondemand::array array) {
     Leave();
 }
 
+// False if the parser does not take the number.
+template <class Value>
+bool eFeeder::FeedShortNumber(Value& value) {
+    ondemand::number_type type{};
+    std::int64_t integer = 0;
+    double real = 0;
+    if (value.get_number_type().get(type) != simdjson::SUCCESS)
+        return false;
+    if (type == ondemand::number_type::floating_point_number) {
+        if (value.get_double().get(real) != simdjson::SUCCESS)
+            return false;
+        sink.Double(real);
+    } else {
+        if (value.get_int64().get(integer) != simdjson::SUCCESS)
+            return false;
+        FeedInteger(integer);
+    }
+    return true;
+}
+
+// Of some longer numbers with a fraction the parser makes others.
 template <class Value>
 void eFeeder::FeedNumber(Value& value) {
-    const std::string_view token = value.raw_json_token();
-    ondemand::number number;
-    if (value.get_number().get(number) != simdjson::SUCCESS)
-        return sink.Double(LargeNumber(WithoutBlanks(token)));
-    switch (number.get_number_type()) {
-    case ondemand::number_type::signed_integer: {
-        const std::int64_t integer = number.get_int64();
-        return integer < 0 ? sink.Signed(integer) : sink.Unsigned(static_cast<std::uint64_t>(integer));
-    }
-    case ondemand::number_type::unsigned_integer:
-        return sink.Unsigned(number.get_uint64());
-    default:
-        return sink.Double(number.get_double());
-    }
+    constexpr std::size_t kShort = 19;
+    std::string_view token = value.raw_json_token();
+    if (token.size() <= kShort && FeedShortNumber(value))
+        return;
+    token = WithoutBlanks(token);
+    ondemand::number integer;
+    if (!IsInteger(token) || value.get_number().get(integer) != simdjson::SUCCESS)
+        return sink.Double(RealNumber(token));
+    if (integer.is_int64())
+        return FeedInteger(integer.get_int64());
+    sink.Unsigned(integer.get_uint64());
 }
 
 template <class Value>
