@@ -132,10 +132,10 @@ private:
 
     QZL_IO_ALWAYS_INLINE bool Accept(eSDLParserLexType type, const char* textBegin, const char* textEnd,
                                      const char* next) {
-        const std::string_view text(textBegin, static_cast<std::size_t>(textEnd - textBegin));
+        const std::string_view itsText(textBegin, static_cast<std::size_t>(textEnd - textBegin));
         if constexpr (!near)
-            return parser.current.Accept(type, text, begin.line, next);
-        parser.current.AcceptPlain(type, text, begin.line, next);
+            return parser.current.Accept(type, itsText, begin.line, next);
+        parser.current.AcceptPlain(type, itsText, begin.line, next);
         return true;
     }
 

@@ -185,14 +185,20 @@ QZL_IO_ALWAYS_INLINE eTokenBegin FindToken(const char* at, int line) {
     return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
 }
 
-// Likewise without a call; null if there is a comment before the token.
+// Likewise without a call; null if there is a comment before the token. A branch, which the processor predicts, steps
+// over each of a few blanks, so that the token can be loaded before they are.
 QZL_IO_ALWAYS_INLINE eTokenBegin FindNearToken(const char* at, int line) {
     if (*at == ' ') [[likely]]
         ++at;
     if (Begins(*at) != eBegins::Gap)
         return {at, line};
-    if (PassBlankBlock(&at, &line)) [[unlikely]]
-        at = PassBlanks(at, &line);
+    for (const char* const few = at + 4; Has(stBetween, *at); ++at) {
+        if (at == few) [[unlikely]] {
+            at = PassBlanks(at, &line);
+            break;
+        }
+        line = LinesOn(line, *at == '\n');
+    }
     return {*at == ';' ? nullptr : at, line};
 }
 
