@@ -37,7 +37,7 @@ const eContender contender(1, [](eSuite& suite) {
         suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),
                   {"protobuf CodedOutputStream, 32 KiB over a file",
                    eKind::Peer,
-                   1.0,
+                   0.9,
                    TypedBytes(kilobytes),
                    {},
                    [=] { return PutAll(out, sets); },
