@@ -123,7 +123,7 @@ protected:
 private:
     friend class eSDLReader;
 
-    template <bool near>
+    template <bool isNear>
     class eCutter;
     // Called before a report is made. A reader uses it to put its other sources on the stack, so that the report names
     // them, too. Returns where this source was included, innermost first.

@@ -19,7 +19,7 @@
 //
 // A near cutter takes only what needs no call: a token after blanks alone, while the token before it is plain. So a
 // function that tries it first, and calls another one at its end, keeps nothing on the stack.
-template <bool near>
+template <bool isNear>
 class eSDLParser::eCutter {
 public:
     // A cutter of the next token. The parser's place does not change.
@@ -38,9 +38,9 @@ public:
     // Takes a number of either kind.
     QZL_IO_ALWAYS_INLINE bool TakeNumber() {
         xSDL::eLexeme number;
-        const char* const end = near ? xSDL::PassPlainDecimal(begin.at, parser.plainNumbers, &number)
-                                     : xSDL::PassPlainNumber(begin.at, parser.plainNumbers, &number);
-        if (!end || (near && xSDL::ContinuesNumber(*end)))
+        const char* const end = isNear ? xSDL::PassPlainDecimal(begin.at, parser.plainNumbers, &number)
+                                       : xSDL::PassPlainNumber(begin.at, parser.plainNumbers, &number);
+        if (!end || (isNear && xSDL::ContinuesNumber(*end)))
             return false;
         if (number.type == sdlInt)
             return AcceptInt(number.digits, end);
@@ -60,13 +60,13 @@ public:
 
     // Takes an identifier, or a keyword of the table.
     QZL_IO_ALWAYS_INLINE bool TakeWord(const eSDLKeyword* table) {
-        const char* const end = near ? xSDL::PassShortWord(begin.at) : xSDL::PassWord(begin.at);
+        const char* const end = isNear ? xSDL::PassShortWord(begin.at) : xSDL::PassWord(begin.at);
         if (!end)
             return false;
         const std::string_view word(begin.at, static_cast<std::size_t>(end - begin.at));
         int id;
         if (!eSDLKeyword::FindAtOnce(table, word, &id)) {
-            if (near)
+            if (isNear)
                 return false;
             id = eSDLKeyword::FindIn(table, word.data(), word.size());
         }
@@ -88,7 +88,7 @@ public:
     }
 
     // Takes a block start and the keyword that directly follows it, which has that id unless it is 0.
-    QZL_IO_ALWAYS_INLINE bool TakeBlock(const eSDLKeyword* table, int wanted) requires near {
+    QZL_IO_ALWAYS_INLINE bool TakeBlock(const eSDLKeyword* table, int wanted) requires isNear {
         const char* const brace = xSDL::PassPlainBlockStart(begin.at);
         const char* const end = brace ? xSDL::PassShortWord(brace + 1) : nullptr;
         if (!end)
@@ -120,7 +120,7 @@ public:
 
 private:
     QZL_IO_ALWAYS_INLINE static xSDL::eTokenBegin Find(const xSDL::eCurrentToken& current) {
-        if constexpr (!near)
+        if constexpr (!isNear)
             return xSDL::FindToken(current.Position(), current.Line());
         else if (current.IsPlain()) [[likely]]
             return xSDL::FindNearToken(current.Position(), current.Line());
@@ -133,7 +133,7 @@ private:
     QZL_IO_ALWAYS_INLINE bool Accept(eSDLParserLexType type, const char* textBegin, const char* textEnd,
                                      const char* next) {
         const std::string_view itsText(textBegin, static_cast<std::size_t>(textEnd - textBegin));
-        if constexpr (!near)
+        if constexpr (!isNear)
             return parser.current.Accept(type, itsText, begin.line, next);
         parser.current.AcceptPlain(type, itsText, begin.line, next);
         return true;
