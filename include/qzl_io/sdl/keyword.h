@@ -58,7 +58,7 @@ private:
     template <class... eSought>
     static const eSDLKeyword* FindFrom(const eSDLKeyword* entry, eSought... sought);
     static int IdFrom(const eSDLKeyword* entry, const char* name, std::size_t length);
-    // The id, as FindIn returns it, if the name is written as in the table or is clearly not there.
+    // The id, as FindIn returns it, if it takes no call to find.
     static bool FindAtOnce(const eSDLKeyword* table, std::string_view name, int* id);
     const xSDL::eKeywordIndex& Index(bool withNumbers) const;
     const xSDL::eKeywordIndex& RefreshIndex(bool withNumbers) const;

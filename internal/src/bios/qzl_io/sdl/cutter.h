@@ -65,11 +65,10 @@ public:
             return false;
         const std::string_view word(begin.at, static_cast<std::size_t>(end - begin.at));
         int id;
-        if (!eSDLKeyword::FindAtOnce(table, word, &id)) {
-            if (isNear)
-                return false;
+        if constexpr (!isNear)
             id = eSDLKeyword::FindIn(table, word.data(), word.size());
-        }
+        else if (!eSDLKeyword::FindAtOnce(table, word, &id))
+            return false;
         if (!Accept(id != 0 ? sdlKeyword : sdlIdent, begin.at, end, end))
             return false;
         if (id != 0)

@@ -92,7 +92,9 @@ void eKeywordIndex::InsertName(const eSDLKeyword* entry) noexcept {
         Chain(sameName.get(), slot.entry->place, count);
         return;
     }
-    slot.name = {name, length};
+    slot.head = FoldCase(LoadUpTo8(name, length));
+    slot.tail = length > 8 ? FoldCase(LoadLast8(name, length)) : 0;
+    slot.length = length;
     slot.entry = entry;
 }
 
@@ -143,7 +145,7 @@ const eSDLKeyword* eKeywordIndex::FindFrom(const eSDLKeyword& entry, int id) con
 
 std::size_t eKeywordIndex::PlaceOfLong(const char* name, std::size_t length) const {
     return PlaceFrom(HashName(name, length), [=](const eSlot& slot) {
-        return slot.name.length == length && SameName(slot.entry->name, name, length);
+        return slot.length == length && SameName(slot.entry->name, name, length);
     });
 }
 
@@ -207,8 +209,13 @@ int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name) {
 }
 
 int eSDLKeyword::FindIn(const eSDLKeyword* table, const char* name, std::size_t length) {
-    int id;
-    return FindAtOnce(table, {name, length}, &id) ? id : IdFrom(table, name, length);
+    if (!table)
+        return 0;
+    const xSDL::eKeywordIndex* const found = table->index.load(std::memory_order_acquire);
+    if (!found || found->Outdated()) [[unlikely]]
+        return IdFrom(table, name, length);
+    const eSDLKeyword* const entry = found->Find(name, length);
+    return entry ? entry->id : 0;
 }
 
 QZL_IO_NOINLINE int eSDLKeyword::IdFrom(const eSDLKeyword* entry, const char* name, std::size_t length) {

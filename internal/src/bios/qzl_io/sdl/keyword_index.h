@@ -53,15 +53,12 @@ public:
     bool Outdated() const { return last.load(std::memory_order_acquire)->next != nullptr; }
 
     const eSDLKeyword* Find(const char* name, std::size_t length) const { return slots[PlaceOf(name, length)].entry; }
-    // Finds a name that is written as in the table, or that is clearly not there. False if it takes Find to tell.
+    // Likewise without a call. False if it takes one, as a long name does.
     QZL_IO_ALWAYS_INLINE bool FindAtOnce(const char* name, std::size_t length, const eSDLKeyword** found) const {
         if (length > kCompared)
             return false;
-        const eCompared compared(name, length);
-        const std::size_t first = compared.Hash() & mask;
-        const std::size_t at = PlaceFrom(first, [&](const eSlot& slot) { return slot.name == compared; });
-        *found = slots[at].entry;
-        return at == first || *found;
+        *found = slots[PlaceOfShort(name, length)].entry;
+        return true;
     }
     // Call only if HasNumbers; the table of ids is built on demand.
     const eSDLKeyword* Find(int id) const { return numbers[PlaceOf(id)].entry; }
@@ -87,29 +84,10 @@ private:
     static constexpr std::size_t kRoomForEach = 4; // slots
     static constexpr std::size_t kCompared = 16;   // characters that are compared in a slot
 
-    // What is compared of a name, as it is written: its first eight characters, and its last eight if it has more.
-    struct eCompared {
-        eCompared() = default;
-        eCompared(const char* name, std::size_t size)
-            : head(LoadUpTo8(name, size)), tail(size > 8 ? LoadLast8(name, size) : 0), length(size) {}
-
-        bool operator==(const eCompared&) const = default;
-        bool IsFolded(const eCompared& other) const {
-            return FoldCase(head) == FoldCase(other.head) && FoldCase(tail) == FoldCase(other.tail) &&
-                   length == other.length;
-        }
-        std::uint64_t Hash() const {
-            const std::uint64_t hash = MixedIn(length, head);
-            return length > 8 ? MixedIn(hash, tail) : hash;
-        }
-
-        std::uint64_t head = 0;
+    struct eSlot {
+        std::uint64_t head = 0; // the name's first eight characters, combined with the last eight if it has more
         std::uint64_t tail = 0;
         std::size_t length = 0;
-    };
-
-    struct eSlot {
-        eCompared name;
         const eSDLKeyword* entry = nullptr; // null: the slot is free
     };
 
@@ -137,10 +115,20 @@ private:
 
     // The slot of a name or, if the index does not contain it, the free slot where it belongs.
     std::size_t PlaceOf(const char* name, std::size_t length) const {
-        if (length > kCompared)
-            return PlaceOfLong(name, length);
-        const eCompared compared(name, length);
-        return PlaceFrom(compared.Hash(), [&](const eSlot& slot) { return slot.name.IsFolded(compared); });
+        return length > kCompared ? PlaceOfLong(name, length) : PlaceOfShort(name, length);
+    }
+
+    QZL_IO_ALWAYS_INLINE std::size_t PlaceOfShort(const char* name, std::size_t length) const {
+        const std::uint64_t head = LoadUpTo8(name, length);
+        std::uint64_t hash = MixedIn(length, head);
+        std::uint64_t tail = 0;
+        if (length > 8) {
+            tail = LoadLast8(name, length);
+            hash = MixedIn(hash, tail);
+        }
+        return PlaceFrom(hash, [length, head = FoldCase(head), tail = FoldCase(tail)](const eSlot& slot) {
+            return slot.head == head && slot.tail == tail && slot.length == length;
+        });
     }
 
     std::size_t PlaceOfLong(const char* name, std::size_t length) const;
