@@ -165,13 +165,14 @@ TYPED_TEST(PathServices, DeleteWorksFiftyLevelsDeep) {
 
 // Twenty thousand files by narrow names. Both widths walk in the same way, so a tenth is enough for the wide names.
 TYPED_TEST(PathServices, LargeTreesAreCopiedAndDeleted) {
-    constexpr int kFilesPerFolder = std::same_as<TypeParam, eNarrow> ? 1000 : 100;
+    // Wine takes minutes for the larger one.
+    const auto filesInFolder = std::same_as<TypeParam, eNarrow> && !IsUnderWine() ? 1000u : 100u;
     for (int folder = 0; folder < 20; ++folder)
-        for (int file = 0; file < kFilesPerFolder; ++file)
+        for (unsigned file = 0; file < filesInFolder; ++file)
             this->MakeFile("root/" + std::to_string(folder) + "/" + std::to_string(file), "x");
     TypeParam::Copy(this->Named("root"), this->Named("copy"));
     const eNames copied = this->Tree("copy");
-    EXPECT_EQ(20u * (kFilesPerFolder + 1u), copied.size());
+    EXPECT_EQ(20u * (filesInFolder + 1u), copied.size());
     EXPECT_EQ(this->Tree("root"), copied);
     TypeParam::Delete(this->Named("root"), true);
     TypeParam::Delete(this->Named("copy"), true);
