@@ -218,15 +218,15 @@ void eFeeder::FeedArray(ondemand::array array) {
 template <class Value>
 bool eFeeder::FeedShortNumber(Value& value) {
     ondemand::number_type type{};
-    std::int64_t integer = 0;
-    double real = 0;
     if (value.get_number_type().get(type) != simdjson::SUCCESS)
         return false;
     if (type == ondemand::number_type::floating_point_number) {
+        double real = 0;
         if (value.get_double().get(real) != simdjson::SUCCESS)
             return false;
         sink.Double(real);
     } else {
+        std::int64_t integer = 0;
         if (value.get_int64().get(integer) != simdjson::SUCCESS)
             return false;
         FeedInteger(integer);
