@@ -194,7 +194,8 @@ QZL_IO_ALWAYS_INLINE eTokenBegin FindNearToken(const char* at, int line) {
         return {at, line};
     for (const char* const few = at + 4; Has(stBetween, *at); ++at) {
         if (at == few) [[unlikely]] {
-            at = PassBlanks(at, &line);
+            while (PassBlankBlock(&at, &line)) {
+            }
             break;
         }
         line = LinesOn(line, *at == '\n');

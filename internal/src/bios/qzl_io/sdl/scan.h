@@ -148,7 +148,7 @@ QZL_IO_ALWAYS_INLINE bool PassBlankBlock(const char** at, int* line) {
 }
 
 // Passes blanks and counts their line feeds.
-QZL_IO_ALWAYS_INLINE const char* PassBlanks(const char* at, int* line) {
+inline const char* PassBlanks(const char* at, int* line) {
     while (PassBlankBlock(&at, line)) {
     }
     return at;
