@@ -12,7 +12,7 @@ static const char kSettings[] = "{settings ; of the player\n"
 static int Fail(const qzl_document* document) {
     qzl_mistake error = {.size = sizeof error};
     if (qzl_document_error(document, &error) == QZL_OK)
-        fprintf(stderr, "%s\n", *error.rendered ? error.rendered : error.message);
+        (void)fprintf(stderr, "%s\n", *error.rendered ? error.rendered : error.message);
     return 1;
 }
 

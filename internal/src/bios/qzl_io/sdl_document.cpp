@@ -396,8 +396,8 @@ void eSDLParts::eIterator::TakeAt() {
 
 // --- eSDLDocument ---
 
-// Bound to a reference, a constant of an exported class is imported from here.
-constexpr std::size_t eSDLDocument::kAll;
+// Bound to a reference, a constant of an exported class is imported from here on Windows.
+constexpr std::size_t eSDLDocument::kAll; // NOLINT(readability-redundant-declaration): it makes the place
 
 eSDLDocument::eSDLDocument() : eSDLDocument(std::string()) {}
 

@@ -146,8 +146,8 @@ private:
 
 } // namespace
 
-// Bound to a reference, a constant of an exported class is imported from here.
-constexpr int eSDLLayout::kTab;
+// Bound to a reference, a constant of an exported class is imported from here on Windows.
+constexpr int eSDLLayout::kTab; // NOLINT(readability-redundant-declaration): it makes the place
 
 std::string eSDLLayout::Format(const eSDLDocument& document) const {
     return eFormatting(document, *this).Text();

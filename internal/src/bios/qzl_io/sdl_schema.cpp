@@ -18,9 +18,9 @@ void Append(std::vector<xError::eDiagnostic>* list, std::vector<xError::eDiagnos
 
 } // namespace
 
-// Bound to a reference, a constant of an exported class is imported from here.
-constexpr std::size_t eSDLSchema::kAll;
-constexpr std::size_t eSDLSchema::kMostErrors;
+// Bound to a reference, a constant of an exported class is imported from here on Windows.
+constexpr std::size_t eSDLSchema::kAll;        // NOLINT(readability-redundant-declaration): it makes the place
+constexpr std::size_t eSDLSchema::kMostErrors; // NOLINT(readability-redundant-declaration): it makes the place
 
 eSDLSchema::eSDLSchema(std::unique_ptr<xSDL::eSchemaRules> itsRules) : rules(std::move(itsRules)) {}
 eSDLSchema::eSDLSchema(eSDLSchema&& other) noexcept = default;

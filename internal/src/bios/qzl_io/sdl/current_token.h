@@ -62,7 +62,7 @@ QZL_IO_ALWAYS_INLINE void eCurrentToken::AcceptPlainBlock(const char* brace, int
     CopyValues(&before.token, now.token);
     before.line = line;
     before.position = brace + 1;
-    textBefore = {{brace, 0}, ePlace::Source};
+    textBefore = {{brace, brace}, ePlace::Source};
     now.token.type = sdlBlockId;
     now.token.intValue = id;
     now.line = line;
