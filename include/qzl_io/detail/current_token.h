@@ -116,6 +116,7 @@ private:
         ePlace place = ePlace::Source;
     };
 
+    void Take(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
     void Remember();
     void RememberPlain();
     void KeepString();

@@ -37,23 +37,25 @@ inline void eCurrentToken::Start(const char* position) {
     textBefore = {};
 }
 
-QZL_IO_ALWAYS_INLINE bool eCurrentToken::Accept(eSDLParserLexType type, std::string_view textInSource, int line,
-                                                const char* next) {
-    Remember();
+QZL_IO_ALWAYS_INLINE void eCurrentToken::Take(eSDLParserLexType type, std::string_view textInSource, int line,
+                                              const char* next) {
     now.token.type = type;
     now.line = line;
     now.position = next;
     text = {textInSource, ePlace::Source};
+}
+
+QZL_IO_ALWAYS_INLINE bool eCurrentToken::Accept(eSDLParserLexType type, std::string_view textInSource, int line,
+                                                const char* next) {
+    Remember();
+    Take(type, textInSource, line, next);
     return !lent || Fill();
 }
 
 QZL_IO_ALWAYS_INLINE void eCurrentToken::AcceptPlain(eSDLParserLexType type, std::string_view textInSource, int line,
                                                      const char* next) {
     RememberPlain();
-    now.token.type = type;
-    now.line = line;
-    now.position = next;
-    text = {textInSource, ePlace::Source};
+    Take(type, textInSource, line, next);
 }
 
 QZL_IO_ALWAYS_INLINE void eCurrentToken::AcceptPlainBlock(const char* brace, int line, std::string_view keyword,
@@ -63,11 +65,8 @@ QZL_IO_ALWAYS_INLINE void eCurrentToken::AcceptPlainBlock(const char* brace, int
     before.line = line;
     before.position = brace + 1;
     textBefore = {{brace, brace}, ePlace::Source};
-    now.token.type = sdlBlockId;
+    Take(sdlBlockId, keyword, line, keyword.data() + keyword.size());
     now.token.intValue = id;
-    now.line = line;
-    now.position = keyword.data() + keyword.size();
-    text = {keyword, ePlace::Source};
 }
 
 // The string may now be that of the token before, and is then needed twice.
