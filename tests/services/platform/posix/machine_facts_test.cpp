@@ -9,9 +9,16 @@
 
 #include "support/reports.h"
 
-#include "platform/machine.h"
+#include "platform/characters.h"
 
 // The units under test are compiled here under other names, over the test's own machine.
+
+namespace IO::SimulatedPlatform {
+using Platform::LowerCase;
+}
+
+#define Platform SimulatedPlatform
+#include "platform/machine.h"
 
 namespace {
 
@@ -76,6 +83,7 @@ unsigned int AskDiskSerial(std::string* serial) {
 #define HDDSerialNumberW SimulatedHDDSerialNumberW
 #include "system_hdd.cpp"
 #include "system_info.cpp"
+#undef Platform
 
 namespace System = IO::System;
 

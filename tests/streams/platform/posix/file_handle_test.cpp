@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 // The unit under test is compiled here with its system calls renamed, so that each can be interrupted, cut short or
-// refused.
+// refused; and in a namespace of its own, beside the unit in the library, which other tests call.
 
 namespace {
 
@@ -119,6 +119,7 @@ ssize_t simulated_write(int, const void* source, std::size_t n) {
 
 } // namespace
 
+#define Platform SimulatedPlatform
 #define openat simulated_openat
 #define close simulated_close
 #define fstat simulated_fstat
@@ -138,8 +139,9 @@ ssize_t simulated_write(int, const void* source, std::size_t n) {
 #undef pwrite
 #undef write
 #undef copy_file_range
+#undef Platform
 
-namespace Platform = IO::Platform;
+namespace Platform = IO::SimulatedPlatform;
 
 namespace {
 
