@@ -62,8 +62,12 @@ TEST(DocumentErrors, ABlockThatIsNotClosedIsReportedWithWhereItBegins) {
     ASSERT_EQ(errors[0].notes.size(), 2U);
     EXPECT_EQ(errors[0].notes[0].message, "The block begins here.");
     EXPECT_EQ(errors[0].notes[0].excerpt.place.line, 1);
+    EXPECT_EQ(errors[0].notes[0].excerpt.markBegin, 0U);
+    EXPECT_EQ(errors[0].notes[0].excerpt.markEnd, 1U);
     EXPECT_EQ(errors[0].notes[1].message, "Perhaps this block is not closed: the } that it has is indented less.");
     EXPECT_EQ(errors[0].notes[1].excerpt.place.line, 2);
+    EXPECT_EQ(errors[0].notes[1].excerpt.markBegin, 2U);
+    EXPECT_EQ(errors[0].notes[1].excerpt.markEnd, 3U);
 }
 
 TEST(DocumentErrors, TheNearestRightWordIsSuggested) {

@@ -50,4 +50,14 @@ TEST(DocumentText, AnyBytesComeBackAndAreErrorsWhereAReaderRefusesThem) {
     }
 }
 
+TEST(DocumentParts, TellTheNumberOfBlocksAroundThem) {
+    using namespace std::string_literals;
+    const eSDLDocument document("\xEF\xBB\xBF; c\n{a {#m b 1}(define x)$}2\0{"s);
+    std::string shown;
+    for (const eSDLPart& part : document.Parts())
+        if (part.kind != eSDLKind::Blank)
+            shown += std::string(part.text) + ' ' + std::to_string(part.depth) + '\n';
+    EXPECT_EQ(shown, "\xEF\xBB\xBF 0\n; c 0\n{ 0\na 1\n{#m 1\nb 2\n1 2\n} 1\n(define x) 1\n$ 1\n} 0\n2 0\n\0{ 0\n"s);
+}
+
 } // namespace

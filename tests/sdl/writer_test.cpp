@@ -183,7 +183,7 @@ TEST(Writer, WritesTheFirstDocumentOutWhenItIsOpenedAgain) {
     EXPECT_TRUE(writer.Open(eFileName(folder.Name("third.sdl"))));
     EXPECT_EQ(Content(second), "{item\r\n\t2}");
     writer << 3;
-    writer.Close();
+    EXPECT_TRUE(writer.Open(eFileNameW(folder.NameW(L"fourth.sdl"))));
     EXPECT_EQ(folder.Read("third.sdl"), "3");
 }
 
