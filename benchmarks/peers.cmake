@@ -38,4 +38,23 @@ bench_peer(tomlplusplus toml++/toml.h)
 bench_peer(toml11 toml/parser.hpp)
 bench_peer(protobuf google/protobuf/io/coded_stream.h protobuf)
 bench_peer(cpprest cpprest/json.h cpprest)
+
+# libucl is no package of its own: Debian's rspamd has a copy in its source package, which takes from rspamd what the
+# folder libucl has here.
+set(QZL_BENCH_LIBUCL_FOLDER ${PROJECT_BINARY_DIR}/libucl CACHE PATH "Where the source package with libucl is kept")
+set(libucl ${QZL_BENCH_LIBUCL_FOLDER}/source/contrib)
+execute_process(COMMAND ${PROJECT_SOURCE_DIR}/cmake/fetch-source
+        rspamd rspamd contrib/libucl/ucl.h ${QZL_BENCH_LIBUCL_FOLDER}
+    OUTPUT_QUIET ERROR_QUIET RESULT_VARIABLE result)
+if(result EQUAL 0)
+    file(GLOB sources ${libucl}/libucl/*.c)
+    list(FILTER sources EXCLUDE REGEX "/lua_")
+    add_library(bench_peer_libucl STATIC EXCLUDE_FROM_ALL ${sources} libucl/lower_case.c)
+    target_include_directories(bench_peer_libucl SYSTEM PUBLIC ${libucl}/libucl)
+    target_include_directories(bench_peer_libucl PRIVATE libucl ${libucl}/uthash ${libucl}/mumhash)
+    target_compile_options(bench_peer_libucl PRIVATE -w)
+    target_link_libraries(bench_peer_libucl PRIVATE m)
+else()
+    list(APPEND QZL_BENCH_MISSING_PEERS libucl)
+endif()
 list(JOIN QZL_BENCH_MISSING_PEERS ", " QZL_BENCH_MISSING_PEERS)

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "../support/documents.h"
@@ -34,28 +35,42 @@ constexpr std::size_t kSetEvery = 100;
 //     static std::string Format(const std::string& text);
 template <class Library>
 void AddRows(eSuite& suite, unsigned kilobytes) {
-    const std::string& text = Text(eDocument::Records, kilobytes, Library::kFormat);
-    const std::size_t items = Items(eDocument::Records, kilobytes);
-    const auto document = Library::Parse(text);
     const bool isPeer = Library::kKind == eKind::Peer;
-    const auto add = [&](const std::string& title, std::size_t every, double target, const char* unit,
-                         std::function<std::uint64_t()> pass, std::function<std::uint64_t()> check = {}) {
+    // `make` makes the pass, with what it works on, and its check.
+    const auto add = [&](const std::string& title, std::size_t every, double target, const char* unit, auto make) {
         const std::string work = title + ": records, " + SizeName(kilobytes);
+        if (!suite.Wants(work, Library::kName))
+            return;
+        const std::string& text = Text(eDocument::Records, kilobytes, Library::kFormat);
+        const std::size_t items = Items(eDocument::Records, kilobytes);
         const eKind kind = isPeer && target == 0 ? eKind::Note : Library::kKind;
-        if (suite.Wants(work))
-            suite.Add(work, static_cast<double>((items + every - 1) / every),
-                      {Library::kName, kind, isPeer ? target : 0, text.size(), {}, std::move(pass), std::move(check)},
-                      unit);
+        eRow row{Library::kName, kind, isPeer ? target : 0, text.size(), {}, {}, {}};
+        std::tie(row.pass, row.check) = make(text, items);
+        suite.Add(work, static_cast<double>((items + every - 1) / every), std::move(row), unit);
     };
-    add("load to be edited", 1, 0.1, "record", [&text] { return Library::Load(text); });
-    add("find one in a thousand by index", kFoundEvery, 0, "path", [=] { return Library::Find(*document, items); });
-    add("look at every record", 1, 0, "record", [=] { return Library::Sum(*document); });
-    if constexpr (requires { Library::Set(text); }) {
+    using ePass = std::function<std::uint64_t()>;
+    using ePasses = std::pair<ePass, ePass>;
+    decltype(Library::Parse(std::string())) document;
+    const auto parsed = [&document](const std::string& text) {
+        if (!document)
+            document = Library::Parse(text);
+        return document;
+    };
+    add("load to be edited", 1, 0.1, "record",
+        [](const std::string& text, std::size_t) { return ePasses([&text] { return Library::Load(text); }, {}); });
+    add("find one in a thousand by index", kFoundEvery, 0, "path", [&](const std::string& text, std::size_t items) {
+        return ePasses([known = parsed(text), items] { return Library::Find(*known, items); }, {});
+    });
+    add("look at every record", 1, 0, "record", [&](const std::string& text, std::size_t) {
+        return ePasses([known = parsed(text)] { return Library::Sum(*known); }, {});
+    });
+    if constexpr (requires { Library::Set(std::string()); }) {
         const auto addWriting = [&](const char* title, std::size_t every, const char* unit,
                                     std::string (*write)(const std::string&)) {
-            add(
-                title, every, 0.2, unit, [&text, write] { return std::uint64_t{!write(text).empty()}; },
-                [&text, write] { return Library::Sum(*Library::Parse(write(text))); });
+            add(title, every, 0.2, unit, [write](const std::string& text, std::size_t) {
+                return ePasses([&text, write] { return std::uint64_t{!write(text).empty()}; },
+                               [&text, write] { return Library::Sum(*Library::Parse(write(text))); });
+            });
         };
         addWriting("load, set one value in a hundred, write the text", kSetEvery, "edit", Library::Set);
         addWriting("load and write with a fixed layout", 1, "record", Library::Format);

@@ -76,6 +76,10 @@ public:
 
     // Whether the suite wants rows of the work. Ask before creating the work's data.
     bool Wants(const std::string& work) const { return only.empty() || only.starts_with(work + "/"); }
+    // Whether it wants the contender's row of the work.
+    bool Wants(const std::string& work, const std::string& contender) const {
+        return only.empty() || only == work + "/" + contender;
+    }
 
     // Adds a row to the work of that name, which is created if it is new.
     void Add(const std::string& work, double values, eRow row, const std::string& unit = "value",
