@@ -50,6 +50,16 @@ std::string LinesOf(const eExcerpt& excerpt) {
     return text.substr(head.size(), caret - head.size()) + '\n' + text.substr(caret + gutter.size());
 }
 
+// Of a character that is not ASCII.
+std::string Utf8Of(char32_t code) {
+    const auto unit = [code](unsigned mark, int shift) { return static_cast<char>(mark | (code >> shift & 0x3f)); };
+    if (code < 0x800)
+        return {unit(0xc0, 6), unit(0x80, 0)};
+    if (code < 0x10000)
+        return {unit(0xe0, 12), unit(0x80, 6), unit(0x80, 0)};
+    return {unit(0xf0, 18), unit(0x80, 12), unit(0x80, 6), unit(0x80, 0)};
+}
+
 TEST(Diagnostic, ShowsItsPartsInOrder) {
     eDiagnostic diagnostic = DiagnosticOf(ExcerptOf("{|lihgt| 1}"));
     diagnostic.expected = "a block's keyword";
@@ -113,6 +123,27 @@ TEST(Diagnostic, PutsTheCaretBelowThePlaceAsATerminalShowsIt) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(LinesOf(ExcerptOf(row.line)), row.shown) << row.what;
+}
+
+// The sums were computed from the Unicode Character Database; a character that is not assigned counts as those around
+// it, and the characters that change the direction of writing are shown as another one.
+TEST(Diagnostic, GivesEveryCharacterItsColumns) {
+    const struct {
+        char32_t first;
+        char32_t last;
+    } ranges[] = {{0xa1, 0xd7ff}, {0xe000, 0x200ff}, {0x3ff00, 0x400ff}, {0xe0000, 0xe01ff}};
+    unsigned long long withoutColumn = 0;
+    unsigned long long wide = 0;
+    for (const auto& range : ranges) {
+        for (char32_t code = range.first; code <= range.last; ++code) {
+            const std::string lines = LinesOf(ExcerptOf(Utf8Of(code) + "|x|"));
+            const std::size_t columns = lines.size() - lines.find('\n') - 3;
+            withoutColumn += columns == 0 ? code : 0;
+            wide += columns == 2 ? code : 0;
+        }
+    }
+    EXPECT_EQ(withoutColumn, 1082645270U);
+    EXPECT_EQ(wide, 3459658240U);
 }
 
 TEST(Diagnostic, ShowsThatALineIsCut) {

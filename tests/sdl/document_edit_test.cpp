@@ -307,4 +307,12 @@ TEST(DocumentEdit, WhatCannotBeReadOrSavedIsAFailure) {
     EXPECT_EQ(limited.Errors().front().message, "Token limit exceeded!");
 }
 
+TEST(DocumentEdit, LineEndsAreLearntFromTheFirst64KiB) {
+    for (const std::size_t feed : {65535U, 65536U}) {
+        eSDLDocument document(std::string(feed, ' ') + "\n1");
+        ASSERT_TRUE(document.Append(document.Root(), eSDLItem::Block("b")));
+        EXPECT_EQ(document.Text().substr(feed + 2), feed == 65535 ? "\n{b}" : "\r\n{b}") << feed;
+    }
+}
+
 } // namespace

@@ -22,6 +22,10 @@ std::string Short(const xError::eDiagnostic& diagnostic) {
            diagnostic.message + " " + diagnostic.found;
 }
 
+std::string ExpectedIn(const char* text) {
+    return eSDLDocument(text).Errors().at(0).expected;
+}
+
 const eExpected kExpected[] = {
     {"{a 1}", {}},
     {"a $# b\n\xC3\xA9\xC3\xA9 \x80",
@@ -68,6 +72,12 @@ TEST(DocumentErrors, ABlockThatIsNotClosedIsReportedWithWhereItBegins) {
     EXPECT_EQ(errors[0].notes[1].excerpt.place.line, 2);
     EXPECT_EQ(errors[0].notes[1].excerpt.markBegin, 2U);
     EXPECT_EQ(errors[0].notes[1].excerpt.markEnd, 3U);
+}
+
+TEST(DocumentErrors, SayWhatWasExpected) {
+    EXPECT_EQ(ExpectedIn("{a"), "a }");
+    EXPECT_EQ(ExpectedIn("(foo)"), "a string, an operator, include, define or mod");
+    EXPECT_EQ(ExpectedIn("(+ 1 x)"), "a number");
 }
 
 TEST(DocumentErrors, TheNearestRightWordIsSuggested) {

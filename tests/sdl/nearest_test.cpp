@@ -30,6 +30,10 @@ TEST(Nearest, IsTheRightOneOfOneMistake) {
         EXPECT_EQ(NearestTo(row.misspelt, {"color", "light", "sphere"}), "light") << row.mistake;
 }
 
+TEST(Nearest, IsTheWordItselfWhateverCameBefore) {
+    EXPECT_EQ(NearestTo("light", {"lights", "light", "lighs"}), "light");
+}
+
 TEST(Nearest, MayHaveMoreMistakesTheLongerItIs) {
     const std::string right = "abcdefghijk";
     for (std::size_t length = 2; length <= right.size(); ++length) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <random>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -40,6 +41,16 @@ TEST(OffsetStack, IsEmptyAgainAfterTheLastIsRemoved) {
         stack.Pop();
         EXPECT_EQ(stack.Size(), 0u);
     }
+}
+
+TEST(OpenBlocks, AreFoundBehindCharactersThatBeginNoToken) {
+    const std::string text = std::string("{a \1 $ {b ") + std::string(xSDL::kTextEnd, '\0');
+    const std::size_t size = text.size() - xSDL::kTextEnd;
+    xSDL::eOpenBlocks blocks;
+    const xSDL::eOpenBlocks::eOpen open = blocks.Find(text.data(), 0, size, size);
+    ASSERT_EQ(blocks.Count(open), 2u);
+    EXPECT_EQ(blocks.At(open, 0), text.rfind('{'));
+    EXPECT_EQ(blocks.At(open, 1), 0u);
 }
 
 } // namespace

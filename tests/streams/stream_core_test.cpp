@@ -256,7 +256,7 @@ TEST(StreamCore, AHookFindsBadAsItIs) {
 }
 
 TEST(StreamCore, AHookThatFailsIsNotReportedTwice) {
-    enum class eHow { Reports, ReportsNothing, OnlySetsBad };
+    enum class eHow { Reports, ReportsNothing, OnlySetsBad, SeeksWithoutFailure };
     struct eFailing : eBareStream {
         using eBareStream::eBareStream;
         void Overflow() override {
@@ -264,6 +264,8 @@ TEST(StreamCore, AHookThatFailsIsNotReportedTwice) {
                 Fail("the hook", 7, "cannot");
             if (how == eHow::OnlySetsBad)
                 Enable(Mode::Bad);
+            if (how == eHow::SeeksWithoutFailure)
+                Seek(0, eSeekDir::Current);
         }
         eHow how = eHow::Reports;
     };
@@ -276,7 +278,8 @@ TEST(StreamCore, AHookThatFailsIsNotReportedTwice) {
          {eRow{eHow::Reports, false, {"cannot"}}, eRow{eHow::Reports, true, {"cannot"}},
           eRow{eHow::OnlySetsBad, false, {}}, eRow{eHow::OnlySetsBad, true, {"Attempt to write beyond the stream!"}},
           eRow{eHow::ReportsNothing, false, {"Attempt to write beyond the stream!"}},
-          eRow{eHow::ReportsNothing, true, {"Attempt to write beyond the stream!"}}}) {
+          eRow{eHow::ReportsNothing, true, {"Attempt to write beyond the stream!"}},
+          eRow{eHow::SeeksWithoutFailure, false, {"Attempt to write beyond the stream!"}}}) {
         const eReports reports;
         unsigned char bytes[4] = {};
         eFailing stream(bytes, 4, 4, Mode::Errors);

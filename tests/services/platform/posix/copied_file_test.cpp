@@ -106,6 +106,17 @@ TEST_F(CopiedFile, KeepsTheAttributesOfAnExistingTarget) {
     EXPECT_STREQ("red", value);
 }
 
+TEST_F(CopiedFile, ReplacesTheTargetAtTheEndOfAsManyLinksAsTheSystemFollows) {
+    MakeFile("from", "new");
+    MakeFile("link0", "old");
+    for (int link = 1; link <= 40; ++link)
+        fs::create_symlink("link" + std::to_string(link - 1), At("link" + std::to_string(link)));
+    const ino_t before = Facts("link0").st_ino;
+    EXPECT_TRUE(Copy("from", "link40"));
+    EXPECT_EQ("new", Content("link0"));
+    EXPECT_NE(before, Facts("link0").st_ino);
+}
+
 TEST_F(CopiedFile, IsWrittenInPlaceWhereTheTargetMayBeWrittenButNotReplaced) {
     SetMode("", 0755);
     struct eRow {

@@ -420,6 +420,16 @@ TEST_F(SaveFault, EveryFailingCallLeavesTheOldDocumentOrTheNewOne) {
         }
 }
 
+TEST_F(SaveFault, WhatIsNotCommittedIsNotWrittenToTheDisk) {
+    const eFault fault("pwrite", EIO, 1);
+    {
+        IO::eSaveFile file(Name("file"));
+        file.Write("document", 8);
+    }
+    EXPECT_FALSE(fault.Struck());
+    EXPECT_FALSE(folder.Exists("file"));
+}
+
 TEST_F(SaveFault, AFileWithTwoNamesIsWholeOrItsDocumentIsKept) {
     const std::string document(200'000, 'n');
     for (const int error : kErrors)
