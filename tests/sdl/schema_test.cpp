@@ -292,6 +292,11 @@ TEST(SchemaDraft, SaysWhatIsInAllDocuments) {
               "}\r\n");
 }
 
+TEST(SchemaDraft, GivesUpToFourValuesARuleEach) {
+    const std::string rule = "\t\t{value int}\r\n";
+    EXPECT_EQ(DraftOf({"{a 1 2 3 4}"}), "{schema\r\n\t{block a\r\n" + rule + rule + rule + rule + "\t}\r\n}\r\n");
+}
+
 TEST(SchemaDraft, AcceptsItsDocuments) {
     DraftOf({});
     DraftOf({""});

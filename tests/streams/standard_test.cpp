@@ -269,6 +269,38 @@ TEST(StandardBuffer, HasNoRoomWhereTheStreamHasNone) {
     EXPECT_EQ(MessagesOf(reports.errors()), (std::vector<std::string>{"Attempt to write beyond the stream!"}));
 }
 
+TEST(StandardBuffer, ThatCannotGiveBackWhatItHasReadAheadMarksItsStream) {
+    class eLeavingStream : public IO::eFileStream {
+    public:
+        using eFileStream::eFileStream;
+        bool leaves = false;
+
+    private:
+        void Overflow() override {
+            Leave();
+            eFileStream::Overflow();
+        }
+        void Underflow() override {
+            Leave();
+            eFileStream::Underflow();
+        }
+        void Leave() const {
+            if (leaves)
+                throw std::runtime_error("gone");
+        }
+    };
+    const eTempFolder folder;
+    eLeavingStream stream(eFileName(folder.Write("a", std::string(100'000, 'a'))), IO::StreamMode::Read);
+    stream.Seek(32'766, IO::eSeekDir::Begin);
+    {
+        IO::eStandardBuffer buffer(stream);
+        EXPECT_EQ(buffer.sbumpc(), 'a');
+        stream.leaves = true;
+        EXPECT_FALSE(stream.Enabled(IO::StreamMode::Bad));
+    }
+    EXPECT_TRUE(stream.Enabled(IO::StreamMode::Bad));
+}
+
 // --- Guards of handlers ---
 
 TEST(HandlerGuards, RestoreWhatWasThere) {
