@@ -289,8 +289,6 @@ void eSdlFromJson::BeginContainer(eKind kind) {
 
 void eSdlFromJson::EndContainer() {
     place.Leave();
-    if (place.Around() != eKind::Document)
-        EndLine();
     if (place.Around() == eKind::Array)
         text->WriteControl(sdlBlockEnd);
     EndValue();
