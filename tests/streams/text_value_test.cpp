@@ -105,7 +105,7 @@ TEST(TextValues, WideTextsAreCountedInUtf16Units) {
         std::string bytes;
     };
     const eRow rows[] = {
-        {L"", "\0"s},
+        {std::wstring(), "\0"s},
         {L"aZ", "\2a\0Z\0"s},
         {L"\x20AC", "\1\xAC\x20"s},
         {std::wstring(L"a\0b", 3), "\3a\0\0\0b\0"s},
