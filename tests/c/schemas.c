@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSL-1.0
+#include <stdio.h>
 #include <string.h>
 
 #include "check.h"
@@ -27,6 +28,22 @@ static void DocumentsAreCheckedAgainstSchemas(void) {
     qzl_schema_free(schema);
 }
 
+static void SchemasAreReadFromFiles(void) {
+    qzl_schema* schema = NULL;
+    size_t count = 0;
+    qzl_document* rules = Parsed(kRules);
+    CHECK_STATUS(qzl_document_save(rules, "c_rules.sdls", Z), QZL_OK);
+    qzl_document_free(rules);
+    CHECK_STATUS(qzl_schema_new(&schema), QZL_OK);
+    CHECK_STATUS(qzl_schema_open(schema, "c_rules.sdls", Z), QZL_OK);
+    remove("c_rules.sdls");
+    qzl_document* document = Parsed("{scene {light 11}}");
+    CHECK_STATUS(qzl_document_check(document, schema, SIZE_MAX, &count), QZL_OK);
+    CHECK_NUMBER(count, 1);
+    qzl_document_free(document);
+    qzl_schema_free(schema);
+}
+
 static void MistakesOfSchemasAreTold(void) {
     qzl_schema* schema = NULL;
     qzl_mistake mistake = {.size = sizeof mistake};
@@ -46,5 +63,6 @@ static void MistakesOfSchemasAreTold(void) {
 
 void TestSchemas(void) {
     DocumentsAreCheckedAgainstSchemas();
+    SchemasAreReadFromFiles();
     MistakesOfSchemasAreTold();
 }

@@ -151,6 +151,27 @@ TEST(DocumentEdit, WhatIsInsertedLooksLikeItsNeighbours) {
     });
 }
 
+// Beside more blanks than are looked at, what is inserted stands where it can.
+TEST(DocumentEdit, LongBlanksAndLinesAreNotLookedThrough) {
+    const std::string blanks(5000, ' ');
+    const std::string word(5000, 'w');
+    const struct {
+        std::string before;
+        eEditing edit;
+        std::string after;
+    } rows[] = {
+        {"{a" + blanks + "1}", Before("a/0", 3), "{a" + blanks + "3 1}"},
+        {"{a}" + blanks, Append("", eSDLItem::Block("b")), "{a}" + blanks + "\r\n{b}"},
+        {"{a 1" + blanks + "}", Append("a", 3), "{a 1" + blanks + "3}"},
+        {"{a\n1 \"" + word + "\"\n}", Append("a", 3), "{a\n1 \"" + word + "\"\n\t3\n}"},
+    };
+    for (const auto& row : rows) {
+        eSDLDocument document(row.before);
+        EXPECT_TRUE(row.edit(document));
+        EXPECT_EQ(document.Text(), row.after);
+    }
+}
+
 TEST(DocumentEdit, WhatIsRemovedTakesItsLinesWithIt) {
     ExpectEdits({
         {"{s\n  {a 1}\n  {b}\n}", Remove("s/a"), "{s\n  {b}\n}"},
@@ -265,6 +286,13 @@ TEST(DocumentEdit, ALoopMayRemoveAndSetItsNode) {
         else
             document.Set(child, 8);
     EXPECT_EQ(document.Text(), "{s\n\t{b 7}\n\t8\n}");
+}
+
+TEST(DocumentEdit, WhatIsSavedUnderAWideNameIsTheText) {
+    const eTempFolder folder;
+    const eSDLDocument document("{a}");
+    EXPECT_TRUE(document.Save(eFileNameW(folder.NameW(L"a.sdl"))));
+    EXPECT_EQ(folder.Read("a.sdl"), "{a}");
 }
 
 TEST(DocumentEdit, WhatIsSavedIsTheText) {

@@ -48,6 +48,11 @@ const eFinding kFindings[] = {
     {"*/draft", {}},
     {"scene/draft", {}},
     {"scene/*[id=7]", {"{ {id 7} }"}},
+    {"scene/light[power=1.5]/power", {"power"}},
+    {"scene/light[1][power=2]/0", {"\"lamp 1\""}},
+    {"scene/light[1][power=3]/0", {}},
+    {"scene/*[vertex=1.0]", {"{#k mesh {vertex 1} {vertex 2 3}}"}},
+    {"scene/light/power[name=1]", {}},
     {"loose", {"loose"}},
     {"1", {"0x1F"}},
     {"0", {"loose"}},
@@ -208,6 +213,44 @@ TEST(DocumentFind, NodesTellWhatTheyAre) {
     EXPECT_FALSE(eSDLNode().Next());
     EXPECT_FALSE(eSDLNode().Value());
     EXPECT_TRUE(eSDLNode() == eSDLNode());
+}
+
+TEST(DocumentFind, WhatIsNoNumberHasNoValue) {
+    const eSDLDocument document("w 1 {b} (+ 1 2 \"c\") 1e99 (/ 1 0) (+ 1");
+    EXPECT_EQ(document.Find("w").Value(1).Kind(), eSDLKind::None);
+    EXPECT_FALSE(document.Find("w").As<float>());
+    EXPECT_FALSE(eSDLNode().As<float>());
+    EXPECT_EQ(document.Find("3").Text(), "1e99");
+    EXPECT_FALSE(document.Find("3").As<float>());
+    EXPECT_TRUE(document.Find("3").As<double>());
+    const eSDLDocument words("{light power 1 2 3}");
+    EXPECT_EQ(words.Find("light/power").Value(2).As<int>(), 3);
+    EXPECT_FALSE(words.Find("light/power").Value(3));
+    for (const char* const wrong : {"(+ 1 x)", "(+ 1 \"s\")", "(+)", "(+ 1", "(* 2 ; c"}) {
+        const eSDLDocument calculation(wrong);
+        for (const eSDLPart& part : calculation.Parts()) {
+            EXPECT_FALSE(part.node.As<float>()) << wrong;
+            EXPECT_FALSE(part.node.As<double>()) << wrong;
+            EXPECT_FALSE(part.node.As<int>()) << wrong;
+        }
+    }
+}
+
+// The places noted for one block give way to those for others.
+TEST(DocumentFind, ChildrenOfManyBlocksAreFoundByTheirIndex) {
+    std::string text;
+    for (int block = 0; block < 40; ++block) {
+        text += "{b";
+        for (int child = 0; child < 200; ++child)
+            text += " {c " + std::to_string(child) + "}";
+        text += "}\n";
+    }
+    const eSDLDocument document(text);
+    for (const int child : {199, 100, 150})
+        for (int block = 0; block < 40; ++block) {
+            const std::string path = "b[" + std::to_string(block) + "]/c[" + std::to_string(child) + "]/0";
+            ASSERT_EQ(document.Find(path).As<int>(), child) << path;
+        }
 }
 
 } // namespace

@@ -253,6 +253,27 @@ TEST(Schema, SaysWhatWordsAndTheirValuesAre) {
     EXPECT_EQ(schema.NamesIn(document.Find("light")), (std::vector<std::string>{"power"}));
 }
 
+TEST(Schema, ShortensLongValuesBetweenCharacters) {
+    std::string text;
+    for (int character = 0; character < 200; ++character)
+        text += "\u20ac";
+    const std::string told =
+        Told("{value word {one_of a}} {block b {value string {one_of \"x\"}}}", "a {b \"" + text + "\"}");
+    EXPECT_NE(told.find("\u20ac..."), std::string::npos) << told;
+    EXPECT_EQ(told.find("\xE2..."), std::string::npos);
+    EXPECT_EQ(told.find("\xE2\x82..."), std::string::npos);
+}
+
+TEST(Schema, ANumberBeyondDoublesIsOutOfAnyRange) {
+    EXPECT_EQ(Told("{block a {value float {range 0 1}}}", "{a 1e999}"), "1:4 1e999 is out of range!\n");
+}
+
+TEST(Schema, IsMovedWithItsRules) {
+    eSDLSchema schema = SchemaOf("{block a}");
+    schema = SchemaOf("{block b}");
+    EXPECT_EQ(Told(schema.Check(eSDLDocument("{b}"))), "");
+}
+
 // --- Drafts ---
 
 namespace {

@@ -272,6 +272,16 @@ TYPED_TEST(SearchServices, CopiesHaveTheSameStateAndMoveOnTogether) {
     EXPECT_TRUE(first.Valid());
 }
 
+TYPED_TEST(SearchServices, AreSteppedByEitherIncrement) {
+    for (const char* name : {"a", "b"})
+        this->MakeFile(std::string("folder/") + name);
+    typename TypeParam::Search search(this->Folder("folder"), TypeParam::Of("*.*"));
+    int files = 0;
+    for (auto at = search.begin(); !(at == search.end()); at++)
+        files += search.IsFile();
+    EXPECT_EQ(2, files);
+}
+
 TYPED_TEST(SearchServices, ACopyOutlivesTheOriginalsEnd) {
     for (const char* name : {"a", "b"})
         this->MakeFile(std::string("folder/") + name);

@@ -123,6 +123,14 @@ TYPED_TEST(TreeResult, OfATargetThatCannotBeAFolderNamesTheTarget) {
     EXPECT_EQ("content", this->Content("file"));
 }
 
+TYPED_TEST(TreeResult, OfACopyIntoItselfCountsWhatWasThereBefore) {
+    this->MakeFile("from/a/file", "1");
+    const auto result = TypeParam::CopyTree(this->Named("from"), this->Named("from/a/copy"));
+    EXPECT_TRUE(result);
+    EXPECT_EQ(result.done.files, 1u);
+    EXPECT_EQ((eNames{"a/", "a/copy/", "a/copy/a/", "a/copy/a/file", "a/file"}), this->Tree("from"));
+}
+
 TYPED_TEST(TreeResult, OfANameThatNamesNothingSaysSo) {
     using eGiven = typename TypeParam::Name;
     using eChars = typename TypeParam::Text;

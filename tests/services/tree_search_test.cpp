@@ -150,3 +150,15 @@ TYPED_TEST(TreeSearch, ListsLinksAndEntersNone) {
         EXPECT_NE(entry.IsSubfolder(), entry.IsFile());
     }
 }
+
+TYPED_TEST(TreeSearch, IsSteppedByEitherIncrementAndMoved) {
+    this->MakeSample();
+    const auto all = [] { return typename TypeParam::Name(TypeParam::Of("*")); };
+    typename TestFixture::Search search = this->Of({all()});
+    std::size_t entries = 0;
+    for (auto at = search.begin(); !(at == search.end()); at++)
+        ++entries;
+    EXPECT_EQ(8u, entries);
+    search = this->Of({all()});
+    EXPECT_TRUE(search.Valid());
+}

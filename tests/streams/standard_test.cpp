@@ -301,6 +301,17 @@ TEST(StandardBuffer, ThatCannotGiveBackWhatItHasReadAheadMarksItsStream) {
     EXPECT_TRUE(stream.Enabled(IO::StreamMode::Bad));
 }
 
+TEST(StandardBuffer, TakesTheEndOfTheDataForNoCharacter) {
+    struct eOpenBuffer : IO::eStandardBuffer {
+        using eStandardBuffer::eStandardBuffer;
+        using eStandardBuffer::overflow;
+    };
+    IO::eMemoryStream stream;
+    eOpenBuffer buffer(stream);
+    EXPECT_NE(buffer.overflow(eOpenBuffer::traits_type::eof()), eOpenBuffer::traits_type::eof());
+    EXPECT_EQ(stream.Size(), 0u);
+}
+
 // --- Guards of handlers ---
 
 TEST(HandlerGuards, RestoreWhatWasThere) {

@@ -9,6 +9,7 @@
 
 #include "services/real_tree.h"
 #include "support/platform/posix/as_nobody.h"
+#include "support/platform/posix/fault.h"
 
 // What permissions refuse, told by the operations on trees. The work runs in a process that is subject to them, and
 // returns the number of the first promise that is not kept.
@@ -160,4 +161,29 @@ TEST_F(TreeFailures, OfARecursiveSearchAreCountedAsFoldersThatWereNotRead) {
     });
     Allow("root/sealed", 0777);
     EXPECT_EQ(0, broken);
+}
+
+TEST_F(TreeFailures, BeyondTheFirstThousandAreCounted) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    for (int file = 0; file <= 1000; ++file)
+        MakeFile("root/" + std::to_string(file));
+    const eFault fault("unlinkat", EIO, 1, eFault::kAlways);
+    const eTreeResult result = Path::DeleteTree(Named("root"));
+    EXPECT_EQ(result.failed, 1001u);
+    EXPECT_EQ(result.failures.size(), 1000u);
+}
+
+TEST_F(TreeFailures, OfASearchAreTheFoldersThatTheSystemDoesNotOpen) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    MakeFile("root/a/file");
+    MakeFile("root/b/file");
+    IO::eTreeSearch search(Named("root"), "*");
+    const eFault fault("openat", EIO, 1, eFault::kAlways);
+    int entries = 0;
+    for (; search.Valid(); search.Next())
+        ++entries;
+    EXPECT_EQ(entries, 2);
+    EXPECT_EQ(search.Unread(), 2u);
 }
