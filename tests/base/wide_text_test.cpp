@@ -243,6 +243,7 @@ TEST(WideText, AnUnknownCodePageKnowsAsciiOnly) {
                                                                    codePage))
             << codePage;
         EXPECT_EQ("a??b", WideCharToString(Wide({'a', 0xe4, 0x1f600, 'b'}), codePage)) << codePage;
+        EXPECT_EQ("\x7f?", WideCharToString(Wide({0x7f, 0x80}), codePage)) << codePage;
     }
 }
 
