@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "document/block_index.h"
+#include "document/child_index.h"
 #include "support/rounds.h"
 
 namespace {
@@ -89,6 +90,25 @@ TEST(DocumentIndex, BlocksOfWholeGroupsAreFound) {
             pairs += "{}";
         ExpectIndex(pairs, random, true);
         ExpectIndex("{" + pairs, random, false);
+    }
+}
+
+TEST(ChildIndex, KeepsEvenlySpacedPlacesWhateverRoomThereIs) {
+    using xSDL::eChildIndex;
+    for (std::size_t room = 8; room < 40; ++room) {
+        eChildIndex index(room * 2 * sizeof(eChildIndex::ePlace));
+        eChildIndex::ePlaces& places = index.Of({0, 0}, xSDL::eCounted::Blocks, "");
+        std::size_t after = 0;
+        for (std::size_t child = 0; child < 1000; ++child)
+            after = index.Pass(&places, {{0, 10 * child}, child}, after);
+        EXPECT_LE(places.list.size(), room);
+        for (std::size_t at = 0; at < places.list.size(); ++at) {
+            ASSERT_EQ(places.list[at].before, at * places.every) << room;
+            ASSERT_EQ(places.list[at].child.offset, 10 * places.list[at].before) << room;
+        }
+        if (!places.list.empty()) {
+            EXPECT_EQ(places.list.back().before + after, 1000u) << room;
+        }
     }
 }
 

@@ -237,6 +237,7 @@ TEST(Schema, SaysWhatPartsAre) {
               (std::vector<std::string>{"point", "spot", "sun"}));
     EXPECT_EQ(schema.Says(document.Find("scene/hut")).doc, "");
     EXPECT_EQ(schema.Says(document.Find("scene/hut/0")).kind, "");
+    EXPECT_EQ(schema.Says(eSDLDocument("{scene 5}").Find("scene/0")).kind, "");
     EXPECT_EQ(schema.Says(eSDLNode()).doc, "");
     EXPECT_EQ(schema.NamesIn(document.Root()), (std::vector<std::string>{"scene"}));
     EXPECT_EQ(schema.NamesIn(document.Find("scene")), (std::vector<std::string>{"camera", "light"}));
