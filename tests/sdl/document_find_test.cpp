@@ -53,7 +53,7 @@ const eFinding kFindings[] = {
     {"scene/light[1][power=3]/0", {}},
     {"scene/*[vertex=1.0]", {"{#k mesh {vertex 1} {vertex 2 3}}"}},
     {"scene/light/power[name=1]", {}},
-    {"scene/*[lamp=1]", {}},
+    {"scene/light/*[lamp=1]", {}},
     {"loose", {"loose"}},
     {"1", {"0x1F"}},
     {"0", {"loose"}},
