@@ -141,6 +141,20 @@ TEST_F(CopiedFile, IsWrittenInPlaceWhereTheTargetMayBeWrittenButNotReplaced) {
     }
 }
 
+TEST_F(CopiedFile, LeavesATargetThatItCannotReplaceForAnyOtherReason) {
+    if (!eFault::ReachesLibraries())
+        GTEST_SKIP() << "the libraries' calls do not pass through the test program";
+    for (const int error : {EIO, ENOSPC}) {
+        MakeFile("from", "new");
+        MakeFile("to", "something older");
+        const eFault fault("renameat", error);
+        Copy("from", "to");
+        EXPECT_TRUE(fault.Struck());
+        EXPECT_EQ("something older", Content("to"));
+    }
+    EXPECT_EQ((eNames{"from", "to"}), Tree(""));
+}
+
 TEST_F(CopiedFile, IsWrittenInPlaceWhereItIsMountedByItself) {
     if (!eFault::ReachesLibraries())
         GTEST_SKIP() << "the libraries' calls do not pass through the test program";
