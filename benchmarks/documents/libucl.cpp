@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <ucl.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -60,7 +62,7 @@ struct eLibucl {
         std::size_t bytes = 0;
         unsigned char* const text = ucl_object_emit_len(&document, UCL_EMIT_JSON, &bytes);
         std::string copy(reinterpret_cast<const char*>(text), bytes);
-        free(text);
+        std::free(text);
         return copy;
     }
 };
