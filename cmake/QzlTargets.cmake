@@ -24,6 +24,10 @@ function(qzl_own_target target)
         $<$<COMPILE_LANGUAGE:CXX>:${QZL_WARNINGS}>
         $<$<COMPILE_LANGUAGE:C>:${QZL_C_WARNINGS}>
         $<$<AND:$<COMPILE_LANGUAGE:C,CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:${QZL_WARNING_IS_ERROR}>)
+    if(QZL_SANITIZE)
+        # Clang links the sanitizers' part for C++, which the libraries need, into no program in C.
+        set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+    endif()
 endfunction()
 
 # qzl_add_library(name [LEAVE_OUT regex]): the library of the calling folder, shared or static by BUILD_SHARED_LIBS,

@@ -340,7 +340,7 @@ std::string Repeated(const std::string& unit, std::size_t count) {
 }
 
 // Sanitizers watch the same work on shorter texts.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QZL_SANITIZED
 constexpr std::size_t kCount = 2'000;
 #else
 constexpr std::size_t kCount = 20'000;

@@ -211,7 +211,7 @@ std::string Rewritten(const std::string& json, bool throughSdl) {
 }
 
 // With a sanitizer a document of 2 MB takes half a minute.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QZL_SANITIZED
 constexpr std::uintmax_t kLargest = 1 << 20;
 #else
 constexpr std::uintmax_t kLargest = std::numeric_limits<std::uintmax_t>::max();

@@ -119,7 +119,7 @@ private:
     eTempFolder folder;
 };
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QZL_SANITIZED
 constexpr bool kSanitized = true;
 #else
 constexpr bool kSanitized = false;

@@ -111,7 +111,7 @@ eVerb::eRun DeclareFormat(CLI::App* verb) {
     verb->add_flag("--check", arguments->check, "change nothing, and list the files whose layout differs")
         ->excludes(inPlace);
     const auto indent = verb->add_option("--indent", arguments->indent, "blanks for each level instead of a tab")
-                            ->check(CLI::Range(0, kWidestIndent));
+                            ->check(AtMost(kWidestIndent));
     verb->add_flag("--tabs", arguments->tabs, "a tab for each level, whatever .sdlformat says")->excludes(indent);
     const auto lf = verb->add_flag("--lf", arguments->lf, "lines end with LF instead of CR LF");
     verb->add_flag("--crlf", arguments->crLf, "lines end with CR LF, whatever .sdlformat says")->excludes(lf);

@@ -33,7 +33,7 @@ eVerb::eRun DeclareShow(CLI::App* verb) {
     const auto arguments = std::make_shared<eShowArguments>();
     verb->add_option("FILE", arguments->file, "the document")->required();
     verb->add_option("--depth", arguments->depth, "levels of blocks that are listed")
-        ->check(CLI::Range(std::size_t{0}, kDeepest))
+        ->check(AtMost(kDeepest))
         ->capture_default_str();
     verb->add_option("--names", arguments->names, "names that are listed in one block")->capture_default_str();
     return [arguments] { return Show(*arguments); };

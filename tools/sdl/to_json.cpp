@@ -322,7 +322,7 @@ eVerb::eRun DeclareToJson(CLI::App* verb) {
     verb->add_option("IN", arguments->input, "the SDL document")->required();
     verb->add_option("OUT", arguments->output, "the JSON file")->required();
     verb->add_option("--indent", arguments->indent, "blanks for each level")
-        ->check(CLI::Range(0, 16))
+        ->check(AtMost(16))
         ->capture_default_str();
     verb->add_flag("--compact", arguments->compact, "all on one line");
     verb->add_flag(

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <span>
 #include <stdexcept>
@@ -34,6 +35,9 @@ struct eVerb {
 };
 
 std::span<const eVerb> Verbs();
+
+// Takes whole numbers from 0 to most, and has the same message with each version of the library for command lines.
+CLI::Validator AtMost(std::size_t most);
 
 eVerb::eRun DeclareCheck(CLI::App* verb);
 eVerb::eRun DeclareDiff(CLI::App* verb);

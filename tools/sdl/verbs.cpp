@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "verb.h"
 
+#include <charconv>
+#include <cstddef>
+#include <string>
+
 namespace {
 
 constexpr eVerb kVerbs[] = {
@@ -55,4 +59,17 @@ constexpr eVerb kVerbs[] = {
 
 std::span<const eVerb> Verbs() {
     return kVerbs;
+}
+
+CLI::Validator AtMost(std::size_t most) {
+    const std::string range = "0 to " + std::to_string(most);
+    const auto mistake = [most, range](const std::string& text) -> std::string {
+        std::size_t number = 0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number);
+        if (error == std::errc() && stop == end && number <= most)
+            return {};
+        return "'" + text + "' is no number from " + range;
+    };
+    return {mistake, range};
 }

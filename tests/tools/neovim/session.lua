@@ -46,7 +46,11 @@ local hover = ask("textDocument/hover", { position = { line = 1, character = 15 
 require_that(hover.contents.value == "float `1.5`", "the value under the cursor is told")
 
 vim.api.nvim_buf_set_lines(0, 1, 2, true, { '{light   "sun" 1.5}' })
-vim.lsp.buf.formatting_sync({}, 10000)
+if vim.lsp.buf.format then
+  vim.lsp.buf.format({ timeout_ms = 10000 })
+else -- before Neovim 0.8
+  vim.lsp.buf.formatting_sync({}, 10000)
+end
 require_that(vim.api.nvim_buf_get_lines(0, 1, 2, true)[1] == '\t{light "sun" 1.5}', "the document is formatted")
 
 vim.lsp.stop_client(client)

@@ -114,7 +114,7 @@ TEST_F(CodePage, ThatCannotBeOpenedForWantOfDescriptorsIsReported) {
 
 // The system says of a page that it cannot load that it does not know it.
 TEST_F(CodePage, ThatMayBeUnknownOnlyForWantOfRoomThrowsBadAlloc) {
-#ifdef __SANITIZE_THREAD__
+#ifdef QZL_THREADS_SANITIZED
     GTEST_SKIP() << "the thread sanitizer needs this call for itself";
 #endif
     const eFault fault("mmap", ENOMEM);

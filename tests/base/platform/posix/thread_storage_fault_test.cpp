@@ -10,7 +10,7 @@
 #include "support/platform/posix/fault.h"
 
 TEST(ThreadStorageFault, AnObjectThatTheSystemCannotKeepThrowsBadAllocAndTheNextOneIsKept) {
-#ifdef __SANITIZE_THREAD__
+#ifdef QZL_THREADS_SANITIZED
     GTEST_SKIP() << "the thread sanitizer needs this call for itself";
 #endif
     if (!eFault::ReachesLibraries())

@@ -4,15 +4,7 @@
 #include "check.h"
 
 // The library allocates with malloc, which the program replaces here. A sanitizer has its own.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QZL_OWN_HEAP 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QZL_OWN_HEAP 1
-#endif
-#endif
-
-#ifdef QZL_OWN_HEAP
+#ifdef QZL_SANITIZED
 
 int FailAllocations(long first) {
     (void)first;

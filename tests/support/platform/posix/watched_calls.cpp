@@ -139,7 +139,7 @@ DEFINED(iconv_t, iconv_open, (const char* to, const char* from)) {
 }
 
 // The thread sanitizer calls it before it has started itself.
-#ifndef __SANITIZE_THREAD__
+#ifndef QZL_THREADS_SANITIZED
 DEFINED(void*, mmap, (void* place, std::size_t n, int protection, int flags, int file, off_t at)) {
     THE_SYSTEMS(void*, mmap, (void*, std::size_t, int, int, int, off_t));
     return Takes("mmap", Unstoppable()) ? MAP_FAILED : passOn(place, n, protection, flags, file, at);
@@ -152,7 +152,7 @@ DEFINED(int, getpwuid_r, (uid_t user, passwd* record, char* room, std::size_t n,
 }
 
 // The thread sanitizer calls these before it has started itself.
-#ifndef __SANITIZE_THREAD__
+#ifndef QZL_THREADS_SANITIZED
 DEFINED(int, pthread_key_create, (pthread_key_t * key, void (*destroy)(void*))) {
     THE_SYSTEMS(int, pthread_key_create, (pthread_key_t*, void (*)(void*)));
     return Takes("pthread_key_create", Unstoppable()) ? errno : passOn(key, destroy);
