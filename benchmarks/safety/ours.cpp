@@ -22,8 +22,6 @@ namespace {
 constexpr double kNothing = 1.05;
 // A place is asked for once a record, which has nine values.
 constexpr double kPlaces = 1.15;
-// With limits each token is cut before it is converted.
-constexpr double kCutTokens = 2.0;
 // A checked value is asked for twice: whether it is there, and what it is.
 constexpr double kChecked = 2.0;
 
@@ -93,12 +91,12 @@ void AddReading(eSuite& suite, unsigned kilobytes) {
         suite.Add(work, Values(eDocument::Records, kilobytes), OwnRow(contender, target, text.size(), std::move(pass)));
     };
     add("eSDLReader", 0, [&text] { return ReadRecords(text, {}); });
-    add("with limits", kCutTokens, [&text] { return ReadRecords(text, FarLimits()); });
+    add("with limits", kNothing, [&text] { return ReadRecords(text, FarLimits()); });
     add("with ReportOnce and Finish", kNothing, [&text] { return ReadAndFinish(text); });
     add("with the place of each record", kPlaces, [&text] { return ReadWithPlaces(text); });
 }
 
-std::uint64_t GetChecked(IO::eStream& in, std::size_t sets) {
+std::uint64_t GetChecked(IO::eStream& in, const eSets& sets) {
     return GetSets(sets, [&](eTypedValues& set) {
         in.TryGet(set.integer);
         in.TryGet(set.byte);
@@ -109,7 +107,7 @@ std::uint64_t GetChecked(IO::eStream& in, std::size_t sets) {
     });
 }
 
-std::uint64_t GetInTransactions(IO::eStream& in, std::size_t sets) {
+std::uint64_t GetInTransactions(IO::eStream& in, const eSets& sets) {
     return GetSets(sets, [&](eTypedValues& set) {
         IO::eReadTransaction record(in);
         in >> set.integer >> set.byte >> set.real >> set.precise >> set.large >> set.name;
@@ -121,15 +119,15 @@ void AddValues(eSuite& suite, unsigned kilobytes) {
     const std::string work = "safety in reading typed values from memory, " + SizeName(kilobytes);
     if (!suite.Wants(work))
         return;
-    const std::size_t sets = Sets(kilobytes);
-    const auto filled = std::make_shared<IO::eMemoryStream>(sets * kBytesOfSet + 64, 0);
+    const eSets sets = Sets(kilobytes);
+    const auto filled = std::make_shared<IO::eMemoryStream>(sets.Bytes() + 64, 0);
     PutOnStream(*filled, sets);
     const auto limited = std::make_shared<IO::eMemoryStream>(*filled);
     limited->SetLimits({kFarLimit, kFarLimit});
-    using eGet = std::uint64_t (*)(IO::eStream&, std::size_t);
+    using eGet = std::uint64_t (*)(IO::eStream&, const eSets&);
     const auto add = [&](const char* contender, double target, const std::shared_ptr<IO::eMemoryStream>& from,
                          eGet get) {
-        suite.Add(work, static_cast<double>(sets) * kValuesInSet, OwnRow(contender, target, sets * kBytesOfSet, [=] {
+        suite.Add(work, sets.Values(), OwnRow(contender, target, sets.Bytes(), [=] {
                       from->Reset();
                       return get(*from, sets);
                   }));

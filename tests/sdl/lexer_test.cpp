@@ -175,7 +175,7 @@ TEST(SdlLexer, CutsRandomTextsAsTheAutomatonDoes) {
     const std::string significant = "aZ_ee00xx159..--++#%{}()\"\"\";;\\\n\r\t   ==**//$@\x80\xFF";
     std::mt19937 random(20);
     const auto pick = [&](std::size_t count) { return random() % count; };
-    const std::size_t wanted = LongTests() ? 10'000'000 : 1'000'000;
+    const std::size_t wanted = LongTests() ? 100'000'000 : 1'000'000;
     for (std::size_t tokens = 0; tokens < wanted;) {
         std::string text;
         const bool anyBytes = pick(4) == 0;

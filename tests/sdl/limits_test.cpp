@@ -132,6 +132,7 @@ TEST_F(SdlLimits, ParametersMayNotMakeASourceLargerNotEvenForAWhile) {
 TEST_F(SdlLimits, ATokenOfAnyKindThatIsLongerIsReportedAndStaysUnread) {
     static eSDLKeyword* table;
     static const eSDLKeyword word(table, "keyword", 7);
+    static const eSDLKeyword longWord(table, "a_keyword_of_many_characters", 8);
     struct eRow {
         std::string token;
         std::function<void(eLimitedReader&)> read;
@@ -149,6 +150,28 @@ TEST_F(SdlLimits, ATokenOfAnyKindThatIsLongerIsReportedAndStaysUnread) {
         {"\"1234\\n78\"", [](auto& reader) { EXPECT_EQ(reader.GetString(), "1234\n78"); }, 8},
         {"\"\\\n2345678\"", [](auto& reader) { reader.GetString(); }, 9},
         {"a2345678", [](auto& reader) { EXPECT_EQ(reader.GetIdent(), "a2345678"); }, 8},
+        // Longer than what a reader takes without asking for the limit.
+        {"\"123456789012345678901234\"",
+         [](auto& reader) { EXPECT_EQ(reader.GetString(), "123456789012345678901234"); }, 24},
+        {"\"123456789012345678901234\"",
+         [](auto& reader) { EXPECT_EQ(reader.GetStringW(), L"123456789012345678901234"); }, 24},
+        {"1 \"123456789012345678901234\"",
+         [](auto& reader) {
+             EXPECT_EQ(reader.GetInt(), 1);
+             EXPECT_EQ(reader.GetString(), "123456789012345678901234");
+         },
+         24},
+        {"000000000000000000000001", [](auto& reader) { EXPECT_EQ(reader.GetInt(), 1); }, 24},
+        {"1.0000000000000000000000", [](auto& reader) { EXPECT_EQ(reader.GetFloat(), 1); }, 24},
+        {"1000000000000.0000e-0012", [](auto& reader) { EXPECT_EQ(reader.GetFloat(), 1); }, 24},
+        {"0x0000000000000000001234", [](auto& reader) { EXPECT_EQ(reader.GetInt(), 0x1234); }, 24},
+        {"a234567890123456", [](auto& reader) { EXPECT_EQ(reader.GetIdent(), "a234567890123456"); }, 16},
+        {"a2345678901234567", [](auto& reader) { EXPECT_EQ(reader.GetIdent(), "a2345678901234567"); }, 17},
+        {"a23456789012345678901234", [](auto& reader) { EXPECT_EQ(reader.GetIdent(), "a23456789012345678901234"); },
+         24},
+        {"a_keyword_of_many_characters", [](auto& reader) { EXPECT_EQ(reader.GetKeyword(), 8); }, 28},
+        {"{a_keyword_of_many_characters", [](auto& reader) { EXPECT_EQ(reader.GetBlock(8), 8); }, 28},
+        {"{#34567890123456789012345678 9}", [](auto& reader) { reader >> begb; }, 26},
         {"a2345678", [](auto& reader) { EXPECT_EQ(reader.GetToken().text, "a2345678"); }, 8},
         {"keyword", [](auto& reader) { EXPECT_EQ(reader.GetKeyword(), 7); }, 7},
         {"{keyword", [](auto& reader) { EXPECT_EQ(reader.GetBlock(7), 7); }, 7},
@@ -211,16 +234,18 @@ TEST_F(SdlLimits, ATokenOfAnyKindThatIsLongerIsReportedAndStaysUnread) {
 }
 
 TEST_F(SdlLimits, AfterTheReportOfATokenTheSamePlaceIsReadAgain) {
-    eLimitedReader reader("1\n2 \"long text\" 3", {.tokenBytes = 4});
-    EXPECT_EQ(reader.GetInt(), 1);
-    EXPECT_EQ(reader.GetInt(), 2);
-    for (int round = 0; round < 3; ++round)
-        ExpectReport([&] { reader.GetString(); }, kToken, kReaderUnit, 600);
-    EXPECT_THAT(reports.errors()[0].context, HasSubstr("2: 2 \xAB\"long text\" 3"));
-    EXPECT_FALSE(reader.End());
-    reader.Back();
-    eSDLParserToken operand;
-    ExpectReport([&] { reader.GetOperand(&operand); }, kToken, kReaderUnit, 600);
+    for (const unsigned long long most : {4u, 17u}) {
+        eLimitedReader reader("1\n2 \"long text of bytes\" 3", {.tokenBytes = most});
+        EXPECT_EQ(reader.GetInt(), 1);
+        EXPECT_EQ(reader.GetInt(), 2);
+        for (int round = 0; round < 3; ++round)
+            ExpectReport([&] { reader.GetString(); }, kToken, kReaderUnit, 600);
+        EXPECT_THAT(reports.errors()[0].context, HasSubstr("2: 2 \xAB\"long text of bytes\" 3"));
+        EXPECT_FALSE(reader.End());
+        reader.Back();
+        eSDLParserToken operand;
+        ExpectReport([&] { reader.GetOperand(&operand); }, kToken, kReaderUnit, 600);
+    }
 }
 
 TEST_F(SdlLimits, AParserGivesATokenThatIsTooLongAsAnErrorThatStaysUnread) {

@@ -30,7 +30,8 @@ namespace xSDL {
 // Lend lends the token for the parser's life: a caller may keep a reference to it, which shows every token that
 // follows, and may change it. From then on a token that becomes Source is Copied at once.
 //
-// Limit also lends the token. So only tokens that are lent can be too long, and the others do not ask.
+// The texts of plain tokens are short, but for strings, so these alone are compared with the limit. A limit that
+// forbids short texts lends the token, so that no token is plain.
 //
 // Invariants: a lent token is not Source. The token before is not Copied. If the position of the token before is null,
 // there is none. Texts in the source are followed there by kTextEnd characters that may be read.
@@ -47,8 +48,9 @@ public:
     bool Accept(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
     // Whether a token can be accepted by AcceptPlain: it is not lent, and no string has to be kept.
     bool IsPlain() const { return !lent && text.place != ePlace::Own; }
-    // Accept for a plain token, without a call.
+    // Accept for a plain token, without a call. A text of more than kLongestPlain bytes must be known to be admitted.
     void AcceptPlain(eSDLParserLexType type, std::string_view textInSource, int line, const char* next);
+    static constexpr std::size_t kLongestPlain = 16;
     // Accepts the { and the keyword of a block as plain tokens; the current one is then of type sdlBlockId.
     void AcceptPlainBlock(const char* brace, int line, std::string_view keyword, int id);
     // Accepts the end of the source, which is no token. The text also remains that of the token before.
@@ -123,6 +125,7 @@ private:
     bool IsChanged() const;
     bool Fill();
     bool FillLong();
+    bool Refuse();
 
     // The usual libraries keep this many characters in a std::string without allocating memory.
     static constexpr std::size_t kShortText = 15;

@@ -49,7 +49,14 @@ QZL_IO_ALWAYS_INLINE bool eCurrentToken::Accept(eSDLParserLexType type, std::str
                                                 const char* next) {
     Remember();
     Take(type, textInSource, line, next);
-    return !lent || Fill();
+    if (lent)
+        return Fill();
+    return Admits(textInSource.size()) || Refuse();
+}
+
+QZL_IO_NOINLINE inline bool eCurrentToken::Refuse() {
+    Back();
+    return false;
 }
 
 QZL_IO_ALWAYS_INLINE void eCurrentToken::AcceptPlain(eSDLParserLexType type, std::string_view textInSource, int line,
@@ -192,7 +199,8 @@ inline void eCurrentToken::Lend() {
 }
 
 inline void eCurrentToken::Limit(std::size_t bytes) {
-    Lend();
+    if (bytes < kLongestPlain)
+        Lend();
     ForgetBefore();
     longest = bytes;
     filledInline = std::min(bytes, kShortText);
@@ -214,10 +222,8 @@ QZL_IO_ALWAYS_INLINE bool eCurrentToken::Fill() {
 
 // The limit is looked at here because a short text does not pay for it.
 QZL_IO_NOINLINE inline bool eCurrentToken::FillLong() {
-    if (text.source.size() > longest) {
-        Back();
-        return false;
-    }
+    if (!Admits(text.source.size()))
+        return Refuse();
     now.token.text.assign(text.source);
     text.place = ePlace::Copied;
     return true;

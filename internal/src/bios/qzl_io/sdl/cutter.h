@@ -55,7 +55,9 @@ public:
 
     QZL_IO_ALWAYS_INLINE bool TakeString() {
         const char* const end = xSDL::PassPlainString(begin.at);
-        return end && Accept(sdlString, begin.at + 1, end, end + 1);
+        if (!end || (isNear && !parser.current.Admits(static_cast<std::size_t>(end - begin.at - 1))))
+            return false;
+        return Accept(sdlString, begin.at + 1, end, end + 1);
     }
 
     // Takes an identifier, or a keyword of the table.
