@@ -51,13 +51,13 @@ private:
     size_t held = 0;
 };
 
-size_t PutAll(const std::string& name, size_t sets) {
+size_t PutAll(const std::string& name, const eSets& sets) {
     eWrittenBlock block(name);
     block.Grow(PutByHand(block, sets), 0);
-    return sets;
+    return sets.count;
 }
 
-std::uint64_t GetAll(const std::string& name, size_t sets) {
+std::uint64_t GetAll(const std::string& name, const eSets& sets) {
     eReadBlock block(name);
     return GetByHand(block, sets);
 }
@@ -125,26 +125,25 @@ size_t Copy(const std::string& from, const std::string& to) {
     return copied;
 }
 
-void AddTyped(eSuite& suite, unsigned kilobytes) {
-    const size_t sets = Sets(kilobytes);
+void AddTyped(eSuite& suite, const eSets& sets) {
     const std::string out = WorkFile("limit_typed.bin");
-    suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),
+    suite.Add(TypedOutWork(sets), sets.Values(),
               {"memcpy into 32 KiB and raw calls",
                eKind::Limit,
                1.15,
-               TypedBytes(kilobytes),
+               sets.Bytes(),
                {},
                [=] { return PutAll(out, sets); },
                [=] {
                    PutAll(out, sets);
                    return SumOfBytes(ReadWhole(out));
                }});
-    const std::string in = TypedFile(kilobytes);
-    suite.Add(TypedInWork(kilobytes), TypedCount(kilobytes),
+    const std::string in = TypedFile(sets);
+    suite.Add(TypedInWork(sets), sets.Values(),
               {"memcpy from 32 KiB and raw calls",
                eKind::Limit,
                1.15,
-               TypedBytes(kilobytes),
+               sets.Bytes(),
                {},
                [=] { return GetAll(in, sets); },
                {}});
@@ -152,9 +151,8 @@ void AddTyped(eSuite& suite, unsigned kilobytes) {
 
 const eContender contender(2, [](eSuite& suite) {
     const eOptions& options = suite.Options();
-    for (const unsigned kilobytes : options.kilobytes)
-        if (WantsTyped(suite, kilobytes))
-            AddTyped(suite, kilobytes);
+    for (const eSets& sets : TypedSets(suite))
+        AddTyped(suite, sets);
     if (!WantsBulk(suite))
         return;
     const size_t pieces = BulkPieces(options);

@@ -44,38 +44,35 @@ size_t Copy(const std::string& from, const std::string& to) {
     return source->Size();
 }
 
-size_t PutAll(const std::string& file, size_t sets) {
+size_t PutAll(const std::string& file, const eSets& sets) {
     const auto stream = Open(file, kToWrite);
     PutOnStream(*stream, sets);
     return stream->Position();
 }
 
-std::uint64_t GetAll(const std::string& file, size_t sets) {
+std::uint64_t GetAll(const std::string& file, const eSets& sets) {
     const auto stream = Open(file, kToRead);
     return GetFromStream(*stream, sets);
 }
 
 const eContender contender(0, [](eSuite& suite) {
     const eOptions& options = suite.Options();
-    for (const unsigned kilobytes : options.kilobytes) {
-        if (!WantsTyped(suite, kilobytes))
-            continue;
-        const size_t sets = Sets(kilobytes);
+    for (const eSets& sets : TypedSets(suite)) {
         const std::string out = WorkFile("ours_typed.bin");
-        suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),
+        suite.Add(TypedOutWork(sets), sets.Values(),
                   {"eFileStream <<",
                    eKind::Ours,
                    0,
-                   TypedBytes(kilobytes),
+                   sets.Bytes(),
                    {},
                    [=] { return PutAll(out, sets); },
                    [=] {
                        PutAll(out, sets);
                        return SumOfBytes(ReadWhole(out));
                    }});
-        const std::string in = TypedFile(kilobytes);
-        suite.Add(TypedInWork(kilobytes), TypedCount(kilobytes),
-                  {"eFileStream >>", eKind::Ours, 0, TypedBytes(kilobytes), {}, [=] { return GetAll(in, sets); }, {}});
+        const std::string in = TypedFile(sets);
+        suite.Add(TypedInWork(sets), sets.Values(),
+                  {"eFileStream >>", eKind::Ours, 0, sets.Bytes(), {}, [=] { return GetAll(in, sets); }, {}});
     }
     if (!WantsBulk(suite))
         return;

@@ -13,7 +13,7 @@ namespace {
 
 namespace proto = google::protobuf::io;
 
-size_t PutAll(const std::string& file, size_t sets) {
+size_t PutAll(const std::string& file, const eSets& sets) {
     eRawOutput raw(file);
     proto::CopyingOutputStreamAdaptor adaptor(&raw, static_cast<int>(kBlockSize));
     proto::CodedOutputStream out(&adaptor);
@@ -21,7 +21,7 @@ size_t PutAll(const std::string& file, size_t sets) {
     return static_cast<size_t>(out.ByteCount());
 }
 
-std::uint64_t GetAll(const std::string& file, size_t sets) {
+std::uint64_t GetAll(const std::string& file, const eSets& sets) {
     eRawInput raw(file);
     proto::CopyingInputStreamAdaptor adaptor(&raw, static_cast<int>(kBlockSize));
     proto::CodedInputStream in(&adaptor);
@@ -29,28 +29,25 @@ std::uint64_t GetAll(const std::string& file, size_t sets) {
 }
 
 const eContender contender(1, [](eSuite& suite) {
-    for (const unsigned kilobytes : suite.Options().kilobytes) {
-        if (!WantsTyped(suite, kilobytes))
-            continue;
-        const size_t sets = Sets(kilobytes);
+    for (const eSets& sets : TypedSets(suite)) {
         const std::string out = WorkFile("protobuf_typed.bin");
-        suite.Add(TypedOutWork(kilobytes), TypedCount(kilobytes),
+        suite.Add(TypedOutWork(sets), sets.Values(),
                   {"protobuf CodedOutputStream, 32 KiB over a file",
                    eKind::Peer,
                    0.9,
-                   TypedBytes(kilobytes),
+                   sets.Bytes(),
                    {},
                    [=] { return PutAll(out, sets); },
                    [=] {
                        PutAll(out, sets);
                        return SumOfBytes(ReadWhole(out));
                    }});
-        const std::string in = TypedFile(kilobytes);
-        suite.Add(TypedInWork(kilobytes), TypedCount(kilobytes),
+        const std::string in = TypedFile(sets);
+        suite.Add(TypedInWork(sets), sets.Values(),
                   {"protobuf CodedInputStream, 32 KiB over a file",
                    eKind::Peer,
                    1.0,
-                   TypedBytes(kilobytes),
+                   sets.Bytes(),
                    {},
                    [=] { return GetAll(in, sets); },
                    {}});

@@ -85,35 +85,38 @@ inline std::string CopyWork(const eOptions& options) {
 }
 
 // The file of typed values that every contender reads.
-inline std::string TypedFile(unsigned kilobytes) {
-    static std::map<unsigned, std::string> made;
-    const auto [entry, isNew] = made.try_emplace(kilobytes);
+inline std::string TypedFile(const eSets& sets) {
+    static std::map<std::string, std::string> made;
+    const auto [entry, isNew] = made.try_emplace(sets.name + std::to_string(sets.kilobytes));
     if (isNew) {
-        entry->second = WorkFile("typed" + std::to_string(kilobytes) + ".bin");
-        WriteWhole(entry->second, EncodedSets(Sets(kilobytes)));
+        entry->second = WorkFile("typed" + std::to_string(made.size()) + ".bin");
+        WriteWhole(entry->second, EncodedSets(sets));
     }
     return entry->second;
 }
-inline std::string TypedOutWork(unsigned kilobytes) {
-    return "typed values to a file, " + SizeName(kilobytes);
+inline std::string TypedOutWork(const eSets& sets) {
+    return std::string(sets.name) + " to a file, " + SizeName(sets.kilobytes);
 }
-inline std::string TypedInWork(unsigned kilobytes) {
-    return "typed values from a file, " + SizeName(kilobytes);
+inline std::string TypedInWork(const eSets& sets) {
+    return std::string(sets.name) + " from a file, " + SizeName(sets.kilobytes);
+}
+
+// The sets of both kinds that the suite wants written or read.
+inline std::vector<eSets> TypedSets(const eSuite& suite) {
+    std::vector<unsigned> sizes = suite.Options().kilobytes;
+    if (suite.Options().full)
+        sizes.push_back(1'000'000);
+    std::vector<eSets> wanted;
+    for (const auto make : {Sets, MixedSets})
+        for (const unsigned kilobytes : sizes)
+            if (const eSets sets = make(kilobytes); suite.Wants(TypedOutWork(sets)) || suite.Wants(TypedInWork(sets)))
+                wanted.push_back(sets);
+    return wanted;
 }
 
 inline bool WantsBulk(const eSuite& suite) {
     const eOptions& options = suite.Options();
     return suite.Wants(BulkReadWork(options)) || suite.Wants(BulkWriteWork(options)) || suite.Wants(CopyWork(options));
-}
-inline bool WantsTyped(const eSuite& suite, unsigned kilobytes) {
-    return suite.Wants(TypedOutWork(kilobytes)) || suite.Wants(TypedInWork(kilobytes));
-}
-
-inline double TypedCount(unsigned kilobytes) {
-    return static_cast<double>(Sets(kilobytes)) * kValuesInSet;
-}
-inline size_t TypedBytes(unsigned kilobytes) {
-    return Sets(kilobytes) * kBytesOfSet;
 }
 
 } // namespace bench

@@ -176,21 +176,23 @@ def draw_growth_over_size(axes, run):
         ("writing", FIRST, "memory", "writing a file, with its records generated meanwhile"),
         ("converting JSON", SECOND, "memory", "converting JSON, file to file"),
     ]
-    sizes = {1}
+    sizes = set()
     for legend, style, family, work in works:
         rows = run.rows(family, work)
+        base = rows[0]["ns"]
+        rows = sorted(rows, key=lambda row: row["size"])
         sizes.update(row["size"] for row in rows)
-        axes.plot([row["size"] for row in rows], [row["ns"] / rows[0]["ns"] for row in rows], label=legend, **style)
+        axes.plot([row["size"] for row in rows], [row["ns"] / base for row in rows], label=legend, **style)
         for row in rows:
             low, high = quartiles(row)
-            axes.plot([row["size"]] * 2, [low / rows[0]["ns"], high / rows[0]["ns"]], color=style["color"])
-    axes.axhline(1.5, color=INK, linestyle="--", linewidth=1.2, label="allowed: 1.5")
+            axes.plot([row["size"]] * 2, [low / base, high / base], color=style["color"])
+    axes.axhline(1.15, color=INK, linestyle="--", linewidth=1.2, label="allowed: 1.15")
     axes.set_xscale("log")
     log_axis(axes.xaxis, sorted(sizes))
     axes.set_ylim(bottom=0)
     axes.grid(axis="y")
     axes.set_xlabel("size of the document in MB, logarithmic")
-    axes.set_ylabel("time for one value, 1 MB = 1")
+    axes.set_ylabel("time for one value, 16 MB = 1")
     axes.set_title("Cost over the size of a document", loc="left")
     axes.legend(loc="lower right")
 

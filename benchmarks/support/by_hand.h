@@ -96,7 +96,7 @@ private:
 
 // Copies the sets to a sink; returns the place after the last byte.
 template <class Sink>
-unsigned char* PutByHand(Sink& sink, size_t sets) {
+unsigned char* PutByHand(Sink& sink, const eSets& sets) {
     eHandWriter<Sink> out(sink);
     PutSets(sets, [&](const eTypedValues& set) {
         out.Put(set.integer);
@@ -110,7 +110,7 @@ unsigned char* PutByHand(Sink& sink, size_t sets) {
 }
 
 template <class Source>
-std::uint64_t GetByHand(Source& source, size_t sets) {
+std::uint64_t GetByHand(Source& source, const eSets& sets) {
     eHandReader<Source> in(source);
     return GetSets(sets, [&](eTypedValues& set) {
         in.Get(set.integer);

@@ -11,7 +11,7 @@
 namespace bench {
 
 // Writes the sets through protobuf's coded streams, as the bytes that all contenders write.
-inline void PutCoded(google::protobuf::io::CodedOutputStream& out, size_t sets) {
+inline void PutCoded(google::protobuf::io::CodedOutputStream& out, const eSets& sets) {
     PutSets(sets, [&](const eTypedValues& set) {
         out.WriteLittleEndian32(static_cast<std::uint32_t>(set.integer));
         out.WriteRaw(&set.byte, 1);
@@ -23,7 +23,7 @@ inline void PutCoded(google::protobuf::io::CodedOutputStream& out, size_t sets) 
     });
 }
 
-inline std::uint64_t GetCoded(google::protobuf::io::CodedInputStream& in, size_t sets) {
+inline std::uint64_t GetCoded(google::protobuf::io::CodedInputStream& in, const eSets& sets) {
     return GetSets(sets, [&](eTypedValues& set) {
         std::uint32_t word = 0;
         std::uint64_t wide = 0;

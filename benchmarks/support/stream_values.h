@@ -10,13 +10,13 @@
 namespace bench {
 
 // Writes the sets through the operators of any stream.
-inline void PutOnStream(IO::eStream& out, size_t sets) {
+inline void PutOnStream(IO::eStream& out, const eSets& sets) {
     PutSets(sets, [&](const eTypedValues& set) {
         out << set.integer << set.byte << set.real << set.precise << set.large << set.name;
     });
 }
 
-inline std::uint64_t GetFromStream(IO::eStream& in, size_t sets) {
+inline std::uint64_t GetFromStream(IO::eStream& in, const eSets& sets) {
     return GetSets(sets, [&](eTypedValues& set) {
         in >> set.integer >> set.byte >> set.real >> set.precise >> set.large >> set.name;
     });

@@ -39,27 +39,27 @@ private:
 };
 
 template <class Sink>
-size_t PutAll(Sink& sink, size_t sets) {
+size_t PutAll(Sink& sink, const eSets& sets) {
     const unsigned char* const end = PutByHand(sink, sets);
     return static_cast<size_t>(end - sink.Begin());
 }
 
-std::uint64_t GetAll(const std::string& bytes, size_t sets) {
+std::uint64_t GetAll(const std::string& bytes, const eSets& sets) {
     eWhole whole(bytes);
     return GetByHand(whole, sets);
 }
 
 template <class Sink>
-std::uint64_t SumWritten(Sink sink, size_t sets) {
+std::uint64_t SumWritten(Sink sink, const eSets& sets) {
     const size_t size = PutAll(sink, sets);
     return SumOfBytes({reinterpret_cast<const char*>(sink.Begin()), size});
 }
 
 const eContender contender(2, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
-        const size_t sets = Sets(kilobytes);
-        const size_t size = sets * kBytesOfSet;
-        const double values = static_cast<double>(sets) * kValuesInSet;
+        const eSets sets = Sets(kilobytes);
+        const size_t size = sets.Bytes();
+        const double values = sets.Values();
         const auto room = std::make_shared<eHandRoom>(size);
         suite.Add(RoomWork(kilobytes), values,
                   {"memcpy by hand, one comparison each",

@@ -13,7 +13,7 @@ std::uint64_t SumOf(const IO::eStream& stream) {
     return SumOfBytes({reinterpret_cast<const char*>(stream.Buffer()), stream.Size()});
 }
 
-size_t PutAgain(IO::eMemoryStream& stream, size_t sets) {
+size_t PutAgain(IO::eMemoryStream& stream, const eSets& sets) {
     stream.Clear();
     PutOnStream(stream, sets);
     return stream.Size();
@@ -21,9 +21,9 @@ size_t PutAgain(IO::eMemoryStream& stream, size_t sets) {
 
 const eContender contender(0, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
-        const size_t sets = Sets(kilobytes);
-        const size_t size = sets * kBytesOfSet;
-        const double values = static_cast<double>(sets) * kValuesInSet;
+        const eSets sets = Sets(kilobytes);
+        const size_t size = sets.Bytes();
+        const double values = sets.Values();
         const auto room = std::make_shared<IO::eMemoryStream>(size + 64, 0);
         suite.Add(RoomWork(kilobytes), values,
                   {"eMemoryStream <<",

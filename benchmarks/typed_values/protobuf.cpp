@@ -12,23 +12,23 @@ namespace {
 
 namespace proto = google::protobuf::io;
 
-size_t PutAll(std::string& room, size_t sets) {
+size_t PutAll(std::string& room, const eSets& sets) {
     proto::ArrayOutputStream array(room.data(), static_cast<int>(room.size()));
     proto::CodedOutputStream out(&array);
     PutCoded(out, sets);
     return static_cast<size_t>(out.ByteCount());
 }
 
-std::uint64_t GetAll(const std::string& bytes, size_t sets) {
+std::uint64_t GetAll(const std::string& bytes, const eSets& sets) {
     proto::CodedInputStream in(reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<int>(bytes.size()));
     return GetCoded(in, sets);
 }
 
 const eContender contender(1, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
-        const size_t sets = Sets(kilobytes);
-        const size_t size = sets * kBytesOfSet;
-        const double values = static_cast<double>(sets) * kValuesInSet;
+        const eSets sets = Sets(kilobytes);
+        const size_t size = sets.Bytes();
+        const double values = sets.Values();
         const auto room = std::make_shared<std::string>(size, '\0');
         suite.Add(RoomWork(kilobytes), values,
                   {"protobuf CodedOutputStream on an array",

@@ -11,7 +11,7 @@ void Put(std::stringbuf& out, const T& value) {
     out.sputn(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-void PutAll(std::stringbuf& out, size_t sets) {
+void PutAll(std::stringbuf& out, const eSets& sets) {
     PutSets(sets, [&](const eTypedValues& set) {
         Put(out, set.integer);
         Put(out, set.byte);
@@ -25,12 +25,12 @@ void PutAll(std::stringbuf& out, size_t sets) {
 
 const eContender contender(1, [](eSuite& suite) {
     for (const unsigned kilobytes : suite.Options().kilobytes) {
-        const size_t sets = Sets(kilobytes);
-        suite.Add(GrowingWork(kilobytes), static_cast<double>(sets) * kValuesInSet,
+        const eSets sets = Sets(kilobytes);
+        suite.Add(GrowingWork(kilobytes), sets.Values(),
                   {"std::stringbuf::sputn",
                    eKind::Peer,
                    0.8,
-                   sets * kBytesOfSet,
+                   sets.Bytes(),
                    {},
                    [sets] {
                        std::stringbuf out;
