@@ -321,9 +321,7 @@ eVerb::eRun DeclareToJson(CLI::App* verb) {
     const auto arguments = std::make_shared<eToJsonArguments>();
     verb->add_option("IN", arguments->input, "the SDL document")->required();
     verb->add_option("OUT", arguments->output, "the JSON file")->required();
-    verb->add_option("--indent", arguments->indent, "blanks for each level")
-        ->check(AtMost(16))
-        ->capture_default_str();
+    verb->add_option("--indent", arguments->indent, "blanks for each level")->check(AtMost(16))->capture_default_str();
     verb->add_flag("--compact", arguments->compact, "all on one line");
     verb->add_flag(
         "--any-names", arguments->anyNames,
