@@ -13,6 +13,7 @@
 
 #include "../support/keywords.h"
 #include "../support/read_bare.h"
+#include "../support/read_scene.h"
 #include "../support/suite.h"
 #include "../support/sum_scene.h"
 #include "../support/work_folder.h"
@@ -75,16 +76,6 @@ std::uint64_t ReadFile(const std::string& file) {
     return SumScene(eDocument::Records, reader);
 }
 
-std::uint64_t ReadMemory(const std::string& text) {
-    IO::eBufferStream stream(reinterpret_cast<const unsigned char*>(text.data()), text.size(), text.size());
-    eSDLReader reader(&stream, nullptr);
-    reader.PushKeywords(SceneKeywords());
-    reader.GetBlock(wordScene);
-    const std::uint64_t sum = SumScene(eDocument::Records, reader);
-    reader >> endb;
-    return sum;
-}
-
 void WriteRecords(eSDLWriter& writer, size_t count) {
     writer.PushKeywords(SceneKeywords());
     writer << block{wordScene} << endl;
@@ -142,8 +133,8 @@ void AddReading(eSuite& suite, unsigned megabytes) {
 void AddReadingMemory(eSuite& suite, unsigned megabytes) {
     const eLargeDocument& document = Document(megabytes);
     eRow row = Grown(megabytes, "eSDLReader(eStream*)");
-    row.pass = [&document] { return ReadMemory(document.text); };
-    row.check = [&document] { return SameSum(ReadMemory(document.text), document.sum); };
+    row.pass = [&document] { return ReadScene(eDocument::Records, document.text); };
+    row.check = [&document] { return SameSum(ReadScene(eDocument::Records, document.text), document.sum); };
     suite.Add(kReadingMemoryWork, 0, row, "value", "MB");
 
     eRow pages = Grown(megabytes, "the text copied into fresh pages");

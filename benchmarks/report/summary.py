@@ -11,6 +11,7 @@ BESIDE_OTHERS = [
     ("SDL value read: nested blocks", "sdl_read", "read value by value: nested, .*"),
     ("SDL value read: records under comments", "sdl_read", "read value by value: comments, .*"),
     ("SDL value read from a file: records", "sdl_read", "read value by value from a file: .*"),
+    ("SDL value read: texts of unusual shape", "sdl_read", "read an unusual text: .*"),
     ("SDL token", "sdl_read", "lexing alone: .*"),
     ("keyword looked up", "keywords", "keyword look-up, table of .*"),
     ("SDL value written: records", "sdl_write", "write to memory: records, .*"),

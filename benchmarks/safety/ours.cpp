@@ -9,6 +9,7 @@
 #include <string>
 
 #include "../support/keywords.h"
+#include "../support/read_scene.h"
 #include "../support/stream_values.h"
 #include "../support/suite.h"
 #include "../support/sum_scene.h"
@@ -33,16 +34,6 @@ eSDLLimits FarLimits() {
     limits.tokenBytes = kFarLimit;
     limits.includeDepth = 16;
     return limits;
-}
-
-std::uint64_t ReadRecords(const std::string& text, const eSDLLimits& limits) {
-    IO::eBufferStream stream(std::string_view{text});
-    eSDLReader reader(&stream, nullptr, limits);
-    reader.PushKeywords(SceneKeywords());
-    reader.GetBlock(wordScene);
-    const std::uint64_t sum = SumScene(eDocument::Records, reader);
-    reader >> endb;
-    return sum;
 }
 
 // An application that keeps where each record began, to complain of it later.
@@ -90,8 +81,8 @@ void AddReading(eSuite& suite, unsigned kilobytes) {
     const auto add = [&](const char* contender, double target, std::function<std::uint64_t()> pass) {
         suite.Add(work, Values(eDocument::Records, kilobytes), OwnRow(contender, target, text.size(), std::move(pass)));
     };
-    add("eSDLReader", 0, [&text] { return ReadRecords(text, {}); });
-    add("with limits", kNothing, [&text] { return ReadRecords(text, FarLimits()); });
+    add("eSDLReader", 0, [&text] { return ReadScene(eDocument::Records, text); });
+    add("with limits", kNothing, [&text] { return ReadScene(eDocument::Records, text, FarLimits()); });
     add("with ReportOnce and Finish", kNothing, [&text] { return ReadAndFinish(text); });
     add("with the place of each record", kPlaces, [&text] { return ReadWithPlaces(text); });
 }

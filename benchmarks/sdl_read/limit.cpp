@@ -7,6 +7,7 @@
 #include "../support/read_bare.h"
 #include "../support/work_folder.h"
 #include "scene.h"
+#include "shapes.h"
 
 namespace bench {
 namespace {
@@ -36,6 +37,13 @@ std::uint64_t ReadBareFile(const std::string& file) {
     return ReadBare(text.get());
 }
 
+std::uint64_t ReadBareShaped(const eShapedText& shaped) {
+    std::uint64_t sum = 0;
+    for (std::uint64_t i = 0; i < shaped.readings; ++i)
+        sum += ReadBare(shaped.text.c_str());
+    return sum;
+}
+
 const eContender contender(2, [](eSuite& suite) {
     static const eSceneWords words;
     ForEachDocument(suite.Options(), [&](eDocument document, unsigned kilobytes) {
@@ -56,8 +64,18 @@ const eContender contender(2, [](eSuite& suite) {
                    {}});
         suite.Add(
             LexWork(document, kilobytes), values,
-            {"bare switch tokenizer", eKind::Limit, 1.0, text.size(), {}, [&] { return LexBare(text.c_str()); }, {}});
+            {"bare switch tokenizer", eKind::Limit, 0.6, text.size(), {}, [&] { return LexBare(text.c_str()); }, {}});
     });
+    const unsigned least = suite.Options().kilobytes.front();
+    for (const eShapedText& shaped : ShapedTexts(least))
+        suite.Add(ShapeWork(shaped, least), shaped.values,
+                  {"bare switch tokenizer",
+                   eKind::Limit,
+                   1.2,
+                   shaped.text.size() * shaped.readings,
+                   {},
+                   [shaped] { return ReadBareShaped(shaped); },
+                   {}});
     for (const unsigned kilobytes : suite.Options().kilobytes) {
         if (!suite.Wants(FileWork(kilobytes)))
             continue;

@@ -9,24 +9,45 @@
 #include <vector>
 
 #include "../support/keywords.h"
+#include "../support/read_scene.h"
 #include "../support/sum_scene.h"
 #include "../support/work_folder.h"
 #include "scene.h"
+#include "shapes.h"
 
 namespace bench {
 namespace {
+
+// What skipping a block may take of the time of reading it.
+constexpr double kSkipping = 0.1;
 
 IO::eBufferStream StreamOver(const std::string& text) {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.size(), text.size()};
 }
 
-std::uint64_t ReadText(eDocument document, const std::string& text) {
+std::uint64_t ReadUnit(eShape shape, const std::string& text) {
     IO::eBufferStream stream = StreamOver(text);
     eSDLReader reader(&stream, nullptr);
     reader.PushKeywords(SceneKeywords());
     reader.GetBlock(wordScene);
-    const std::uint64_t sum = SumScene(document, reader);
+    eChecksum sum;
+    while (!reader.End())
+        if (shape == eShape::EmptyBlocks)
+            reader >> begb >> endb;
+        else if (shape == eShape::EmptyStrings)
+            sum.Text(reader.GetString());
+        else
+            sum.Integer(reader.GetInt());
     reader >> endb;
+    return sum.Value();
+}
+
+std::uint64_t ReadShaped(const eShapedText& shaped) {
+    std::uint64_t sum = 0;
+    for (std::uint64_t i = 0; i < shaped.readings; ++i)
+        sum += shaped.shape == eShape::OneLine || shaped.shape == eShape::Tiny
+                   ? ReadScene(eDocument::Records, shaped.text)
+                   : ReadUnit(shaped.shape, shaped.text);
     return sum;
 }
 
@@ -73,7 +94,7 @@ void AddReading(eSuite& suite, eDocument document, unsigned kilobytes) {
         return;
     const std::string& text = Text(document, kilobytes, eFormat::Sdl);
     suite.Add(ReadWork(document, kilobytes), Values(document, kilobytes),
-              {"eSDLReader", eKind::Ours, 0, text.size(), {}, [=, &text] { return ReadText(document, text); }, {}});
+              {"eSDLReader", eKind::Ours, 0, text.size(), {}, [=, &text] { return ReadScene(document, text); }, {}});
 }
 
 void AddLexing(eSuite& suite, eDocument document, unsigned kilobytes) {
@@ -112,9 +133,26 @@ void AddSkipping(eSuite& suite, unsigned kilobytes) {
                [text] { return ReadThenNext(*text); },
                {},
                false});
-    suite.Add(
-        work, values,
-        {"eSDLReader::SkipBlock", eKind::Ours, 1.0 / 3, text->size(), {}, [text] { return SkipThenNext(*text); }, {}});
+    suite.Add(work, values,
+              {"eSDLReader::SkipBlock",
+               eKind::Ours,
+               kSkipping,
+               text->size(),
+               {},
+               [text] { return SkipThenNext(*text); },
+               {}});
+}
+
+void AddShaped(eSuite& suite, unsigned kilobytes) {
+    for (const eShapedText& shaped : ShapedTexts(kilobytes))
+        suite.Add(ShapeWork(shaped, kilobytes), shaped.values,
+                  {"eSDLReader",
+                   eKind::Ours,
+                   0,
+                   shaped.text.size() * shaped.readings,
+                   {},
+                   [shaped] { return ReadShaped(shaped); },
+                   {}});
 }
 
 void AddFile(eSuite& suite, unsigned kilobytes) {
@@ -137,6 +175,7 @@ const eContender contender(0, [](eSuite& suite) {
                     [&](eDocument document, unsigned kilobytes) { AddLexing(suite, document, kilobytes); });
     for (const unsigned kilobytes : suite.Options().kilobytes)
         AddSkipping(suite, kilobytes);
+    AddShaped(suite, suite.Options().kilobytes.front());
 });
 
 } // namespace

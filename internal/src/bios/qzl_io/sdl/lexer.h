@@ -168,14 +168,26 @@ struct eTokenBegin {
     int line;
 };
 
+// Passes blanks and counts their line feeds. A branch, which the processor predicts, steps over each of a few, so that
+// what follows can be loaded before they are.
+QZL_IO_ALWAYS_INLINE const char* PassFewBlanks(const char* at, int* line) {
+    for (const char* const few = at + 4; Has(stBetween, *at); ++at) {
+        if (at == few) [[unlikely]] {
+            while (PassBlankBlock(&at, line)) {
+            }
+            break;
+        }
+        *line = LinesOn(*line, *at == '\n');
+    }
+    return at;
+}
+
 // Out of line and only in registers, so that tokens within a line do not pay for it.
 QZL_IO_NOINLINE inline eTokenBegin PassGap(const char* at, int line) {
-    for (;;) {
-        at = PassBlanks(at, &line);
-        if (*at != ';')
-            return {at, line};
-        at = PassComment(at + 1);
-    }
+    at = PassBlanks(at, &line);
+    while (*at == ';')
+        at = PassFewBlanks(PassComment(at + 1), &line);
+    return {at, line};
 }
 
 // Within a line there is usually one blank before a token.
@@ -185,21 +197,13 @@ QZL_IO_ALWAYS_INLINE eTokenBegin FindToken(const char* at, int line) {
     return Begins(*at) == eBegins::Gap ? PassGap(at, line) : eTokenBegin{at, line};
 }
 
-// Likewise without a call; null if there is a comment before the token. A branch, which the processor predicts, steps
-// over each of a few blanks, so that the token can be loaded before they are.
+// Likewise without a call; null if there is a comment before the token.
 QZL_IO_ALWAYS_INLINE eTokenBegin FindNearToken(const char* at, int line) {
     if (*at == ' ') [[likely]]
         ++at;
     if (Begins(*at) != eBegins::Gap)
         return {at, line};
-    for (const char* const few = at + 4; Has(stBetween, *at); ++at) {
-        if (at == few) [[unlikely]] {
-            while (PassBlankBlock(&at, &line)) {
-            }
-            break;
-        }
-        line = LinesOn(line, *at == '\n');
-    }
+    at = PassFewBlanks(at, &line);
     return {*at == ';' ? nullptr : at, line};
 }
 
