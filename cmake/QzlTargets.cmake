@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: BSL-1.0
 # Functions for declaring the targets of a folder.
+include(CheckCXXCompilerFlag)
+
 set(QZL_WARNINGS
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-align
     -Woverloaded-virtual -Wformat=2 -Wundef -Wimplicit-fallthrough -Wextra-semi
@@ -17,13 +19,28 @@ if(MSVC)
     set(QZL_DIALECT /utf-8 $<$<COMPILE_LANGUAGE:CXX>:/permissive-> $<$<COMPILE_LANGUAGE:CXX>:/Zc:__cplusplus>)
 endif()
 
+# For Windows GCC takes the stack for aligned to vectors of 32 bytes, which it is not. The assembler can replace the
+# instructions for aligned vectors; where it cannot, AVX2 is not used.
+set(QZL_VECTOR_OPTIONS)
+set(QZL_VECTOR_DEFINITIONS)
+if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    check_cxx_compiler_flag(-Wa,-muse-unaligned-vector-move QZL_UNALIGNED_VECTOR_MOVES)
+    if(QZL_UNALIGNED_VECTOR_MOVES)
+        set(QZL_VECTOR_OPTIONS -Wa,-muse-unaligned-vector-move)
+    else()
+        set(QZL_VECTOR_DEFINITIONS QZL_IO_WITHOUT_AVX2)
+    endif()
+endif()
+
 # qzl_own_target(target): a target that is compiled from our own sources with our warnings.
 function(qzl_own_target target)
     target_compile_options(${target} PRIVATE
         $<$<COMPILE_LANGUAGE:C,CXX>:${QZL_DIALECT}>
         $<$<COMPILE_LANGUAGE:CXX>:${QZL_WARNINGS}>
+        $<$<COMPILE_LANGUAGE:CXX>:${QZL_VECTOR_OPTIONS}>
         $<$<COMPILE_LANGUAGE:C>:${QZL_C_WARNINGS}>
         $<$<AND:$<COMPILE_LANGUAGE:C,CXX>,$<BOOL:${QZL_WARNINGS_AS_ERRORS}>>:${QZL_WARNING_IS_ERROR}>)
+    target_compile_definitions(${target} PRIVATE ${QZL_VECTOR_DEFINITIONS})
     if(QZL_SANITIZE)
         # Clang links the sanitizers' part for C++, which the libraries need, into no program in C.
         set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)

@@ -53,7 +53,7 @@ TEST(LargeCounts, AParserShowsSuchLines) {
 TEST(LargeCounts, ABlockMayHoldMoreBlocksThanAnIntCounts) {
     const std::string text = Padded("{{{ } {{ } \n { }}} ");
     for (const long long depth : {static_cast<long long>(INT_MAX) - 2, 1LL << 32}) {
-        const xSDL::eSkimmed skimmed = xSDL::eSkim(text.data(), depth).Run();
+        const xSDL::eSkimmed skimmed = xSDL::eSkim(text.data(), depth).Run(xSDL::PassBySse2);
         EXPECT_EQ(skimmed.end, xSDL::eSkimEnd::EndOfText);
         EXPECT_EQ(skimmed.depth, depth + 1);
         EXPECT_EQ(skimmed.starts, 6u);

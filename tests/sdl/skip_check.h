@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,11 +13,14 @@
 #include <qzl_io/streams.h>
 
 #include "open_reader.h"
+#include "sdl/skim.h"
+#include "support/processor.h"
 
 // The state after skipping the rest of a block: the token at the end with its place, and the token that Back returns
 // to.
 struct eSkipOutcome {
     bool failed = false;
+    bool masksAgree = true; // of every width
     eSDLParserLexType type = sdlNone;
     std::string text;
     int line = 0;
@@ -32,7 +36,8 @@ struct eSkipOutcome {
 inline std::ostream& operator<<(std::ostream& out, const eSkipOutcome& outcome) {
     return out << (outcome.failed ? "fails at " : "ends at ") << outcome.type << " [" << outcome.text << "] line "
                << outcome.line << ", " << outcome.position << " after " << outcome.typeBefore << " ["
-               << outcome.textBefore << "] line " << outcome.lineBefore << ", " << outcome.positionBefore;
+               << outcome.textBefore << "] line " << outcome.lineBefore << ", " << outcome.positionBefore
+               << (outcome.masksAgree ? "" : ", but not by masks of every width");
 }
 
 inline eSkipOutcome OutcomeAt(eSDLParser& parser, const char* begin, bool failed) {
@@ -70,7 +75,29 @@ inline eSkipOutcome SkipPlainly(const std::string& text) {
     }
 }
 
-// Skips by the reader's own function.
+// What skimming finds, with the last two tokens as they are cut from the place that it tells.
+inline std::string Skim(std::string text, xSDL::eMaskPasser passByMasks) {
+    text.append(xSDL::kTextEnd, '\0');
+    const xSDL::eSkimmed skimmed = xSDL::eSkim(text.data(), 0).Run(passByMasks);
+    std::string last;
+    const char* at = skimmed.anchor;
+    for (int line = xSDL::LinesOn(1, LinesBefore(at, skimmed)); at <= skimmed.stop;) {
+        xSDL::eLexeme token;
+        const bool more = CutToken(&at, &line, &token) && token.type != sdlError;
+        const std::size_t before = last.rfind(';', last.size() - 1);
+        last = last.substr(before == std::string::npos ? 0 : before) + ';' + std::to_string(token.type) + ' ' +
+               std::to_string(at - text.data()) + ' ' + std::to_string(line);
+        if (!more)
+            break;
+    }
+    std::ostringstream found;
+    found << static_cast<int>(skimmed.end) << " at " << skimmed.stop - text.data() << " depth " << skimmed.depth
+          << " starts " << skimmed.starts << " marks " << xSDL::MarkOf(skimmed.mark) << ' '
+          << xSDL::MarkOf(skimmed.markBefore) << " lines " << LinesBefore(skimmed.stop, skimmed) << last;
+    return found.str();
+}
+
+// Skips by the reader's own function, which uses the widest masks that the processor has.
 inline eSkipOutcome SkipAtOnce(const std::string& text) {
     eOpenReader reader(text);
     const char* const begin = reader.Parser().Cptr();
@@ -80,5 +107,7 @@ inline eSkipOutcome SkipAtOnce(const std::string& text) {
     } catch (const xError::eException&) {
         failed = true;
     }
-    return OutcomeAt(reader.Parser(), begin, failed);
+    eSkipOutcome outcome = OutcomeAt(reader.Parser(), begin, failed);
+    outcome.masksAgree = !HasAvx2() || Skim(text, xSDL::PassBySse2) == Skim(text, xSDL::PassByAvx2);
+    return outcome;
 }

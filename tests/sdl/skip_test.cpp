@@ -67,7 +67,7 @@ eMarks MarksByTokens(const std::string& text) {
 }
 
 eMarks MarksAtOnce(const std::string& text) {
-    const xSDL::eSkimmed skimmed = xSDL::eSkim(text.data(), 0).Run();
+    const xSDL::eSkimmed skimmed = xSDL::eSkim(text.data(), 0).Run(xSDL::PassBySse2);
     return {skimmed.starts, std::string(xSDL::MarkOf(skimmed.mark)), std::string(xSDL::MarkOf(skimmed.markBefore))};
 }
 

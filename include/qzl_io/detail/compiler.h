@@ -20,3 +20,11 @@
 #else
 #define QZL_IO_NOINLINE
 #endif
+
+// For a function that may use the instructions of AVX2, BMI1, PCLMUL and POPCNT. Only processors that have these can
+// call it. Functions that are always inlined, and so not called, become part of it.
+#if defined(__GNUC__)
+#define QZL_IO_AVX2 __attribute__((target("avx2,bmi,pclmul,popcnt")))
+#else
+#define QZL_IO_AVX2
+#endif

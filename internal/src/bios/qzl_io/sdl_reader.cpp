@@ -16,6 +16,7 @@
 #include <qzl_io/detail/compiler.h>
 #include <qzl_io/streams.h>
 
+#include "platform/processor.h"
 #include "qzl_base/shared/ascii.h"
 #include "sdl/calculation.h"
 #include "sdl/cutter.h"
@@ -43,6 +44,12 @@ public:
 
     static eBefore Take() { return std::exchange(stateBeforeControlBlock.Get(), {}); }
 };
+
+// What skips by masks of as many characters as the processor compares at once.
+xSDL::eMaskPasser WidestMasks() {
+    static const xSDL::eMaskPasser widest = IO::Platform::HasAvx2() ? xSDL::PassByAvx2 : xSDL::PassBySse2;
+    return widest;
+}
 
 void LowerCase(std::string* text) {
     for (char& c : *text)
@@ -614,7 +621,7 @@ void eSDLReader::SkipBlock(bool keepTerminator) {
 // that the parser and its Back are in the state after cutting every token.
 bool eSDLReader::SkipInSource(long long* depth) {
     eSDLParser& parser = Parser();
-    const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run();
+    const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run(WidestMasks());
     *depth = skimmed.depth;
     // Two marks are kept, so those of the last two starts are all that reading every token would have left.
     if (skimmed.starts > 1)

@@ -154,6 +154,13 @@ inline const char* PassBlanks(const char* at, int* line) {
     return at;
 }
 
+// The sum of 16 bytes.
+inline std::size_t SumOfBytes(__m128i bytes) {
+    const __m128i halves = _mm_sad_epu8(bytes, _mm_setzero_si128());
+    return static_cast<std::size_t>(_mm_cvtsi128_si64(halves)) +
+           static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(halves, halves)));
+}
+
 inline std::size_t CountLineFeeds(const char* begin, const char* end) {
     std::size_t count = 0;
     while (end - begin >= 16) {
@@ -161,9 +168,7 @@ inline std::size_t CountLineFeeds(const char* begin, const char* end) {
         __m128i sums = _mm_setzero_si128();
         for (std::ptrdiff_t block = 0; block < blocks; ++block, begin += 16)
             sums = _mm_sub_epi8(sums, Is(Load16(begin), '\n'));
-        const __m128i halves = _mm_sad_epu8(sums, _mm_setzero_si128());
-        count += static_cast<std::size_t>(_mm_cvtsi128_si64(halves)) +
-                 static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(halves, halves)));
+        count += SumOfBytes(sums);
     }
     if (begin < end) {
         const unsigned left = (1u << (end - begin)) - 1;

@@ -9,7 +9,7 @@
 #include <qzl_io/detail/compiler.h>
 
 #include "sdl/lexer.h"
-#include "sdl/masks.h"
+#include "sdl/mask_pass.h"
 
 // Passes a block without cutting its tokens.
 
@@ -49,157 +49,86 @@ inline std::size_t LinesBefore(const char* place, const eSkimmed& skimmed) {
 }
 
 // One pass over a block. 64 characters at a time are passed by their masks while these contain only words, numbers,
-// braces and short plain strings; any other character is examined separately.
-class eSkim {
+// braces and plain strings; any other character is examined separately.
+class eSkim : eMaskPass {
 public:
-    // Begins at the position, which is a boundary between tokens, with `depth` blocks open.
-    eSkim(const char* position, long long depth) : at(position), boundary(position) {
+    // Begins at the position, which is a boundary between tokens, with that many open blocks.
+    eSkim(const char* position, long long openBlocks) : eMaskPass{position, openBlocks}, boundary(position) {
         skimmed.anchor = position;
-        skimmed.depth = depth;
     }
 
-    eSkimmed Run() {
-        while (PassBlock()) {
-        }
-        KeepPlainStarts();
-        skimmed.lines = static_cast<std::size_t>(_mm_cvtsi128_si64(lineFeeds)) +
-                        static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(lineFeeds, lineFeeds)));
+    eSkimmed Run(eMaskPasser passByMasks) {
+        do {
+            passByMasks(this);
+            skimmed.counted = at + 64;
+        } while (PassByOne());
+        KeepStarts(starts);
+        skimmed.depth = depth;
+        skimmed.lines = lines;
         return skimmed;
     }
 
 private:
-    // The effect of the characters before a place on the one at the place, as bits for that place.
-    struct eCarry {
-        std::uint64_t inside = 0; // it is in a string: this bit and all above
-        std::uint64_t begin = 0;  // a token begins there, unless the character is a blank
-        std::uint64_t number = 0; // digits and operators that begin with a token reach to there
-        std::uint64_t digit = 0;  // it follows a digit
-    };
-
-    // Passes 64 characters, and more if something among them is longer. False at the end of the skimming.
-    QZL_IO_ALWAYS_INLINE bool PassBlock() {
-        const eMasks masks(at);
-        const std::uint64_t inside = InsideQuotes(masks.Quotes()) ^ carry.inside;
-        const std::uint64_t points = masks.Points() & ~AfterIntegers(masks);
-        carry.inside = AllIf(inside >> 63 != 0);
-        lineFeeds = _mm_add_epi64(lineFeeds, masks.LineFeeds());
-        skimmed.counted = at + 64;
-        if (FindStops(masks, inside, points)) [[unlikely]]
-            return PassByOne(masks, inside, points);
-        if (!PassBraces(at, masks.Starts() & ~inside, masks.Ends() & ~inside))
-            return false;
-        at += 64;
-        return true;
-    }
-
     // Passes 64 characters of which some must be examined separately.
-    QZL_IO_NOINLINE bool PassByOne(eMasks masks, std::uint64_t inside, std::uint64_t points) {
+    bool PassByOne() {
         const char* const block = at;
-        const std::uint64_t marks = FindMarks(masks);
-        std::uint64_t left = ~std::uint64_t{0};
-        while (const std::uint64_t stops = FindStops(masks, inside, points) & left & ~marks) {
+        const std::uint64_t marks = FindMarks();
+        std::uint64_t left = AllIf(true);
+        while (const std::uint64_t stops = (Stops() | LongString()) & left & ~marks) {
             const std::uint64_t stop = stops & (0 - stops);
-            const std::uint64_t passed = left & (stop - 1) & ~inside;
-            if (!PassEachBrace(block, masks.Starts() & passed, masks.Ends() & passed, marks))
+            const std::uint64_t passed = left & (stop - 1);
+            if (!PassEachBrace(block, passed, marks))
                 return false;
             at = block + std::countr_zero(stop);
             if (*at == ';' && !(inside & stop))
                 PassComments(block, masks.Stops(AllIf(true)) & ~(stop - 1));
-            else if (!((inside & stop) ? PassRestOfString(block, masks.Quotes() & left & (stop - 1)) : Pass(*at)))
+            else if (!((inside & stop) ? PassRestOfString(block, masks.Quotes() & passed) : Pass(*at)))
                 return false;
             if (at - block >= 64) {
                 CountLines();
-                carry = {0, at == boundary ? 1u : 0u, 0, 0};
+                carry = {0, AllIf(at == boundary), 0, 0};
                 return true;
             }
-            left = ~std::uint64_t{0} << (at - block);
+            left = AllIf(true) << (at - block);
             if (((inside ^ masks.Quotes()) >> (at - block)) & 1)
                 inside = ~inside;
         }
         carry.inside = AllIf(inside >> 63 != 0);
-        if (!PassEachBrace(block, masks.Starts() & left & ~inside, masks.Ends() & left & ~inside, marks))
+        if (!PassEachBrace(block, left, marks))
             return false;
         at = block + 64;
         return true;
     }
 
     // Each # after a {, and those that follow it directly.
-    std::uint64_t FindMarks(const eMasks& masks) const {
+    std::uint64_t FindMarks() const {
         std::uint64_t marks = 0;
-        for (std::uint64_t starts = masks.Starts(); starts; starts &= starts - 1)
-            for (std::uint64_t hash = (starts & (0 - starts)) << 1; hash && at[std::countr_zero(hash)] == '#';
-                 hash <<= 1)
+        for (std::uint64_t begun = masks.Starts(); begun; begun &= begun - 1)
+            for (std::uint64_t hash = (begun & (0 - begun)) << 1; hash && at[std::countr_zero(hash)] == '#'; hash <<= 1)
                 marks |= hash;
         return marks;
     }
 
-    // The characters that must be examined separately.
-    static std::uint64_t FindStops(const eMasks& masks, std::uint64_t inside, std::uint64_t points) {
-        return masks.Stops(inside) | (points & ~inside) | LongString(inside);
-    }
-
     void CountLines() {
-        lineFeeds =
-            _mm_add_epi64(lineFeeds, _mm_cvtsi64_si128(static_cast<long long>(CountLineFeeds(skimmed.counted, at))));
+        lines += CountLineFeeds(skimmed.counted, at);
         skimmed.counted = at;
     }
 
-    // The places after integers, where a point is part of a number. Digits and operators that begin with a token are
-    // only integers and operators.
-    QZL_IO_ALWAYS_INLINE std::uint64_t AfterIntegers(const eMasks& masks) {
-        const std::uint64_t between = masks.Between();
-        const std::uint64_t numbers = masks.Numbers();
-        const std::uint64_t digits = masks.Digits();
-        const std::uint64_t begun = (numbers & ((between << 1) | carry.begin)) + carry.number;
-        const std::uint64_t passed = numbers + begun;
-        const std::uint64_t after = passed & ~numbers & ((digits << 1) | carry.digit);
-        carry.begin = between >> 63;
-        carry.number = passed < numbers ? 1 : 0;
-        carry.digit = digits >> 63;
-        return after;
-    }
-
-    // The last place, if a string of some length continues there: its rest is passed faster separately.
-    static std::uint64_t LongString(std::uint64_t inside) {
-        return static_cast<std::uint64_t>(inside >> 48 == 0xFFFF) << 63;
-    }
-
-    // Passes the braces among 64 characters. False if one of them is the terminator.
-    QZL_IO_ALWAYS_INLINE bool PassBraces(const char* block, std::uint64_t starts, std::uint64_t ends) {
-        if (MayTerminate(starts, ends))
-            return PassEachBrace(block, starts, ends, 0);
-        const eBitCounts counts = CountBits(starts, ends);
-        skimmed.depth += counts.ofFirst - counts.ofSecond;
-        plainStarts += static_cast<unsigned>(counts.ofFirst);
-        return true;
-    }
-
-    // Whether there are more block ends than open blocks, not counting ends whose start is the brace before them. Three
-    // such ends always suffice. There are no branches, as nothing could predict them.
-    bool MayTerminate(std::uint64_t starts, std::uint64_t ends) const {
-        const std::uint64_t others = ~(starts | ends);
-        const std::uint64_t behindStart = starts << 1;
-        const std::uint64_t one = ends & ~(behindStart | ((behindStart & others) + others));
-        const std::uint64_t two = one & (one - 1);
-        const std::uint64_t three = two & (two - 1);
-        return (three | (two & AllIf(skimmed.depth < 2)) | (one & AllIf(skimmed.depth < 1))) != 0;
-    }
-
-    static std::uint64_t AllIf(bool condition) { return 0 - static_cast<std::uint64_t>(condition); }
-
-    bool PassEachBrace(const char* block, std::uint64_t starts, std::uint64_t ends, std::uint64_t marks) {
-        for (std::uint64_t braces = starts | ends; braces; braces &= braces - 1) {
+    // Passes the braces of the block in these places. False if one of them is the terminator.
+    bool PassEachBrace(const char* block, std::uint64_t places, std::uint64_t marks) {
+        const std::uint64_t begun = Starts();
+        for (std::uint64_t braces = (begun | Ends()) & places; braces; braces &= braces - 1) {
             const std::uint64_t brace = braces & (0 - braces);
-            if (starts & brace) {
-                ++skimmed.depth;
-                ++plainStarts;
+            if (begun & brace) {
+                ++depth;
+                ++starts;
                 if (marks & (brace << 1))
                     MarkStart(block + std::countr_zero(brace));
-            } else if (skimmed.depth == 0) {
+            } else if (depth == 0) {
                 at = block + std::countr_zero(brace);
                 return Stop(eSkimEnd::Terminator, at);
             } else {
-                --skimmed.depth;
+                --depth;
             }
         }
         return true;
@@ -211,12 +140,12 @@ private:
         case '#':
             return PassMark();
         case '(':
-            ++skimmed.depth;
+            ++depth;
             return PassToken(at, at + 1);
         case ')':
-            if (skimmed.depth == 0)
+            if (depth == 0)
                 return Stop(eSkimEnd::Terminator, at);
-            --skimmed.depth;
+            --depth;
             return PassToken(at, at + 1);
         case '.':
             return PassPoint();
@@ -265,20 +194,19 @@ private:
 
     // Notes that the last start, which has been passed, has a mark.
     void MarkStart(const char* brace) {
-        --plainStarts;
-        KeepPlainStarts();
+        KeepStarts(starts - 1);
         skimmed.markBefore = skimmed.mark;
         skimmed.mark = brace;
-        ++skimmed.starts;
+        skimmed.starts = starts;
     }
 
-    void KeepPlainStarts() {
-        if (plainStarts > 0) {
-            skimmed.markBefore = plainStarts > 1 ? nullptr : skimmed.mark;
+    // Notes that the starts since the last one noted, up to that many in all, have no marks.
+    void KeepStarts(std::size_t count) {
+        if (count > skimmed.starts) {
+            skimmed.markBefore = count > skimmed.starts + 1 ? nullptr : skimmed.mark;
             skimmed.mark = nullptr;
         }
-        skimmed.starts += plainStarts;
-        plainStarts = 0;
+        skimmed.starts = count;
     }
 
     // Passes the rest of a string, from a place in it; `quotes` are the quotes before that in the block. More strings
@@ -364,13 +292,9 @@ private:
         return false;
     }
 
-    const char* at;
-    const char* boundary;                    // end of what was last examined separately: a boundary between tokens
-    const char* lastEnd = nullptr;           // of the last token before it, if the anchor is not there yet
-    const char* lastFloor = nullptr;         // a boundary between tokens before that token
-    std::size_t plainStarts = 0;             // the last block starts, without marks, that `skimmed` does not count yet
-    __m128i lineFeeds = _mm_setzero_si128(); // before skimmed.counted, in two parts
-    eCarry carry{0, 1, 0, 0};
+    const char* boundary;            // end of what was last examined separately: a boundary between tokens
+    const char* lastEnd = nullptr;   // of the last token before it, if the anchor is not there yet
+    const char* lastFloor = nullptr; // a boundary between tokens before that token
     eSkimmed skimmed;
 };
 
