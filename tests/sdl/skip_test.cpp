@@ -193,10 +193,11 @@ TEST(SdlSkip, TakesStringsAndNumbersOfEveryLengthAsTheTokensDo) {
     for (std::size_t place = 0; place < 64; place += LongTests() ? 1u : 21u)
         for (std::size_t length = 0; length < 200; ++length)
             for (const std::string& run :
-                 {'"' + std::string(length, '}') + '"', '"' + std::string(length, ' '),
-                  std::string(length, '1') + ".5.", "-" + std::string(length, '1') + ".5",
-                  'e' + std::string(length, '1') + ".5", std::string(length, '-') + "1.5",
-                  std::string(length, '{') + std::string(length, '}'), "{#" + std::string(length, '#') + "5.5"})
+                 {'"' + std::string(length, '}') + '"', '"' + std::string(length, ';') + '"',
+                  '"' + std::string(length, ' '), std::string(length, '1') + ".5.",
+                  "-" + std::string(length, '1') + ".5", 'e' + std::string(length, '1') + ".5",
+                  std::string(length, '-') + "1.5", std::string(length, '{') + std::string(length, '}'),
+                  "{#" + std::string(length, '#') + "5.5"})
                 for (const char* end : {"}", "\n}", "\\\"\"}"}) {
                     const std::string text = std::string(place, ' ') + run + end;
                     ASSERT_EQ(SkipAtOnce(text), SkipPlainly(text)) << text;

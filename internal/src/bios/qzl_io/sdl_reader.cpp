@@ -16,7 +16,6 @@
 #include <qzl_io/detail/compiler.h>
 #include <qzl_io/streams.h>
 
-#include "platform/processor.h"
 #include "qzl_base/shared/ascii.h"
 #include "sdl/calculation.h"
 #include "sdl/cutter.h"
@@ -44,12 +43,6 @@ public:
 
     static eBefore Take() { return std::exchange(stateBeforeControlBlock.Get(), {}); }
 };
-
-// What skips by masks of as many characters as the processor compares at once.
-xSDL::eMaskPasser WidestMasks() {
-    static const xSDL::eMaskPasser widest = IO::Platform::HasAvx2() ? xSDL::PassByAvx2 : xSDL::PassBySse2;
-    return widest;
-}
 
 void LowerCase(std::string* text) {
     for (char& c : *text)
@@ -621,7 +614,8 @@ void eSDLReader::SkipBlock(bool keepTerminator) {
 // that the parser and its Back are in the state after cutting every token.
 bool eSDLReader::SkipInSource(long long* depth) {
     eSDLParser& parser = Parser();
-    const xSDL::eSkimmed skimmed = xSDL::eSkim(parser.Cptr(), *depth).Run(WidestMasks());
+    const xSDL::eSkimmed skimmed =
+        xSDL::eSkim(parser.Cptr(), *depth).Run(xSDL::Widest(xSDL::PassBySse2, xSDL::PassByAvx2));
     *depth = skimmed.depth;
     // Two marks are kept, so those of the last two starts are all that reading every token would have left.
     if (skimmed.starts > 1)

@@ -2,15 +2,19 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <string_view>
 
+#include <qzl_io/sdl/limits.h>
 #include <qzl_io/sdl/names.h>
 #include <qzl_io/sdl/token.h>
 
 #include "sdl/lexer.h"
+#include "sdl/mask_pass.h"
 
 // What the tokens of a text are to each other: which brackets belong together and what is wrong, as a reader judges it.
 
@@ -73,29 +77,71 @@ public:
     // The longest text of a token that is no mistake.
     eStructure(eSink& itsSink, unsigned long long mostBytes) : sink(itsSink), longest(mostBytes) {}
 
+    // Words, numbers and plain strings matter only where something is expected or a token has a limit. So text that
+    // holds nothing else but braces is passed by its masks, and the rest token by token.
     void Read(const char* at) {
-        for (;;) {
-            int line = 0;
-            const char* const begin = FindToken(at, line).at;
-            eLexeme token;
-            token.begin = begin;
-            at = CutAt(begin, &line, &token);
-            if (token.type == sdlNone) {
-                if (*begin == '"')
-                    sink.Mistake(eMistake::UnendedString, begin, at);
-                if (depth != 0)
-                    sink.Mistake(eMistake::Unclosed, at, at);
-                return;
-            }
-            if (token.type == sdlError)
-                at = PassError(begin, at);
-            else
-                Take(token, begin, at);
+        std::ptrdiff_t apart = kLeastApart;
+        for (bool more = true; more;) {
+            const char* const begin = at;
+            if (longest == eSDLLimits::kNone && expects == eExpects::Anything)
+                at = PassByMasks(begin);
+            apart = at == begin ? std::min(2 * apart, kMostApart) : kLeastApart;
+            for (const char* const end = at + apart; more && at < end;)
+                more = ReadToken(&at);
         }
     }
 
 private:
     static constexpr std::uint64_t kNotSkipping = ~std::uint64_t{0};
+    // The number of bytes that are read token by token at once: more where the masks show something else again and
+    // again.
+    static constexpr std::ptrdiff_t kLeastApart = 64;
+    static constexpr std::ptrdiff_t kMostApart = 1024;
+
+    // From a boundary between tokens to a later one, or the same.
+    const char* PassByMasks(const char* at) {
+        constexpr std::size_t kRoom = 32;
+        std::array<eBraces, kRoom> found;
+        eMaskScan scan{at};
+        for (std::size_t count = kRoom; count == kRoom;) {
+            const char* block = scan.at;
+            count = findBraces(&scan, found.data(), kRoom);
+            for (std::size_t i = 0; i < count; ++i, block += 64)
+                TakeBraces(block, found[i]);
+        }
+        return scan.BoundaryAfter(at);
+    }
+
+    void TakeBraces(const char* block, const eBraces& braces) {
+        for (std::uint64_t left = braces.starts | braces.ends; left != 0; left &= left - 1) {
+            const char* const brace = block + std::countr_zero(left);
+            if (*brace == '{')
+                Enter(brace);
+            else
+                TakeBlockEnd(brace, brace + 1);
+        }
+    }
+
+    // False at the end of the text.
+    bool ReadToken(const char** at) {
+        int line = 0;
+        const char* const begin = FindToken(*at, line).at;
+        eLexeme token;
+        token.begin = begin;
+        *at = CutAt(begin, &line, &token);
+        if (token.type == sdlNone) {
+            if (*begin == '"')
+                sink.Mistake(eMistake::UnendedString, begin, *at);
+            if (depth != 0)
+                sink.Mistake(eMistake::Unclosed, *at, *at);
+            return false;
+        }
+        if (token.type == sdlError)
+            *at = PassError(begin, *at);
+        else
+            Take(token, begin, *at);
+        return true;
+    }
 
     const char* PassError(const char* begin, const char* end) {
         const bool string = *begin == '"';
@@ -194,6 +240,7 @@ private:
 
     eSink& sink;
     unsigned long long longest;
+    eBraceFinder findBraces = Widest(FindBracesBySse2, FindBracesByAvx2);
     std::uint64_t depth = 0;
     std::uint64_t skipped = kNotSkipping; // the depth at which a hidden block or a control block began
     bool control = false;                 // it is a control block

@@ -6,20 +6,47 @@
 
 #include <qzl_io/detail/compiler.h>
 
+#include "platform/processor.h"
+#include "sdl/lexer.h"
 #include "sdl/masks.h"
 #include "sdl/masks_avx2.h"
 #include "sdl/masks_sse2.h"
 
-// Passes a text 64 characters at a time, by their masks.
+// Goes through a text 64 characters at a time, by their masks. There are two of each function, for both widths.
 
 namespace xSDL {
+
+// Of two functions that do the same, the faster one that the processor can run.
+template <class Function>
+Function Widest(Function bySse2, Function byAvx2) {
+    return IO::Platform::HasAvx2() ? byAvx2 : bySse2;
+}
 
 // All bits, or none.
 constexpr std::uint64_t AllIf(bool condition) {
     return 0 - static_cast<std::uint64_t>(condition);
 }
 
-struct eMaskPass {
+inline bool EndsToken(char c) {
+    return Has(stBetween, c) || c == '{' || c == '}' || c == '"';
+}
+
+// The beginning of the adjacent words and numbers before the place.
+inline const char* RunBefore(const char* end, const char* floor) {
+    while (end > floor && !EndsToken(end[-1]))
+        --end;
+    return end;
+}
+
+inline const char* QuoteBefore(const char* end) {
+    do
+        --end;
+    while (*end != '"');
+    return end;
+}
+
+// What the masks tell of a text, from a boundary between tokens on.
+struct eMaskScan {
     // The effect of the characters before a place on those from there on.
     struct eCarry {
         std::uint64_t inside = 0;            // all bits: the first one is in a string
@@ -28,13 +55,10 @@ struct eMaskPass {
         std::uint64_t digits = 0; // the highest bit: the first one follows a digit
     };
 
-    const char* at;         // the next characters
-    long long depth;        // blocks open there
-    std::size_t starts = 0; // block starts passed
-    std::size_t lines = 0;  // line feeds among all characters whose masks were found
-    eCarry carry{};         // to behind those
+    const char* at; // the next characters
+    eCarry carry{}; // to behind those that were taken up
 
-    // Of the 64 characters at `at`, when they must be examined separately.
+    // Of the 64 characters at `at`, once they are taken up.
     eMasks masks{};
     std::uint64_t inside = 0; // in a string
     std::uint64_t points = 0; // where a point does not belong to a number, unless it is in a string
@@ -45,10 +69,10 @@ struct eMaskPass {
         inside = withinQuotes ^ carry.inside;
         points = masks.Points() & ~AfterIntegers();
         carry.inside = AllIf(inside >> 63 != 0);
-        lines += masks.lineFeeds;
     }
 
-    // The characters that must be examined separately.
+    // The characters that must be examined separately: they are neither in words, numbers and plain strings, nor
+    // braces.
     std::uint64_t Stops() const { return masks.Stops(inside) | (points & ~inside); }
 
     std::uint64_t Starts() const { return masks.Starts() & ~inside; }
@@ -58,20 +82,11 @@ struct eMaskPass {
     // characters.
     std::uint64_t LongString() const { return static_cast<std::uint64_t>(inside >> 48 == 0xFFFF) << 63; }
 
-    // Passes the characters that were taken up, by the number of their braces. False if a brace among them may end more
-    // than began: if those that do not follow a start, but for what is no brace, are more than the open blocks.
-    QZL_IO_ALWAYS_INLINE bool PassBraces(int (*count)(std::uint64_t)) {
-        const std::uint64_t begun = Starts();
-        const std::uint64_t ended = Ends();
-        const std::uint64_t others = ~(begun | ended);
-        const std::uint64_t behindStart = begun << 1;
-        if (count(ended & ~(behindStart | ((behindStart & others) + others))) > depth) [[unlikely]]
-            return false;
-        const int blocks = count(begun);
-        depth += blocks - count(ended);
-        starts += static_cast<unsigned>(blocks);
-        at += 64;
-        return true;
+    // The boundary between tokens to cut from, so that the one that reaches to `at` is cut. The other boundary is one
+    // before that, from which the masks are.
+    const char* BoundaryAfter(const char* earlier) const {
+        const bool continuesString = ((inside ^ masks.Quotes()) & 1) != 0;
+        return continuesString ? QuoteBefore(at) : RunBefore(at, earlier);
     }
 
 private:
@@ -91,7 +106,30 @@ private:
     }
 };
 
-// Passes characters until some must be examined separately.
+// A pass over text of which only the number of braces and lines matters.
+struct eMaskPass : eMaskScan {
+    long long depth = 0;    // blocks open at `at`
+    std::size_t starts = 0; // block starts passed
+    std::size_t lines = 0;  // line feeds among all characters that were taken up
+
+    // Passes the characters that were taken up, by the number of their braces. False if a brace among them may end more
+    // than began: if those that do not follow a start, but for what is no brace, are more than the open blocks.
+    QZL_IO_ALWAYS_INLINE bool PassBraces(int (*count)(std::uint64_t)) {
+        const std::uint64_t begun = Starts();
+        const std::uint64_t ended = Ends();
+        const std::uint64_t others = ~(begun | ended);
+        const std::uint64_t behindStart = begun << 1;
+        if (count(ended & ~(behindStart | ((behindStart & others) + others))) > depth) [[unlikely]]
+            return false;
+        const int blocks = count(begun);
+        depth += blocks - count(ended);
+        starts += static_cast<unsigned>(blocks);
+        at += 64;
+        return true;
+    }
+};
+
+// Passes characters until some must be examined separately, which are then taken up.
 using eMaskPasser = void (*)(eMaskPass*);
 
 inline void PassBySse2(eMaskPass* pass) {
@@ -99,6 +137,7 @@ inline void PassBySse2(eMaskPass* pass) {
     do {
         const eMasks masks = sse2::FindMasks(now.at);
         now.Take(masks, sse2::InsideQuotes(masks.Quotes()));
+        now.lines += masks.lineFeeds;
     } while ((now.Stops() | now.LongString()) == 0 && now.PassBraces(sse2::CountBits));
     *pass = now;
 }
@@ -108,8 +147,49 @@ QZL_IO_AVX2 inline void PassByAvx2(eMaskPass* pass) {
     do {
         const eMasks masks = avx2::FindMasks(now.at);
         now.Take(masks, avx2::InsideQuotes(masks.Quotes()));
+        now.lines += masks.lineFeeds;
     } while (now.Stops() == 0 && now.PassBraces(avx2::CountBits));
     *pass = now;
+}
+
+// The braces among 64 characters.
+struct eBraces {
+    std::uint64_t starts = 0;
+    std::uint64_t ends = 0;
+};
+
+// Tells of the braces among the next characters, 64 at a time, until some must be examined separately, which are then
+// taken up, or there is no room for more. Returns the number of times.
+using eBraceFinder = std::size_t (*)(eMaskScan*, eBraces* found, std::size_t room);
+
+inline std::size_t FindBracesBySse2(eMaskScan* scan, eBraces* found, std::size_t room) {
+    eMaskScan now = *scan;
+    std::size_t count = 0;
+    for (; count < room; ++count) {
+        const eMasks masks = sse2::FindMasks(now.at);
+        now.Take(masks, sse2::InsideQuotes(masks.Quotes()));
+        if ((now.Stops() | now.LongString()) != 0)
+            break;
+        found[count] = {now.Starts(), now.Ends()};
+        now.at += 64;
+    }
+    *scan = now;
+    return count;
+}
+
+QZL_IO_AVX2 inline std::size_t FindBracesByAvx2(eMaskScan* scan, eBraces* found, std::size_t room) {
+    eMaskScan now = *scan;
+    std::size_t count = 0;
+    for (; count < room; ++count) {
+        const eMasks masks = avx2::FindMasks(now.at);
+        now.Take(masks, avx2::InsideQuotes(masks.Quotes()));
+        if (now.Stops() != 0)
+            break;
+        found[count] = {now.Starts(), now.Ends()};
+        now.at += 64;
+    }
+    *scan = now;
+    return count;
 }
 
 } // namespace xSDL

@@ -53,7 +53,7 @@ inline std::size_t LinesBefore(const char* place, const eSkimmed& skimmed) {
 class eSkim : eMaskPass {
 public:
     // Begins at the position, which is a boundary between tokens, with that many open blocks.
-    eSkim(const char* position, long long openBlocks) : eMaskPass{position, openBlocks}, boundary(position) {
+    eSkim(const char* position, long long openBlocks) : eMaskPass{{position}, openBlocks}, boundary(position) {
         skimmed.anchor = position;
     }
 
@@ -182,7 +182,7 @@ private:
 
     // What directly follows a brace is known to be a mark, except at the beginning of a block.
     bool PassMark() {
-        const char* const brace = RunBefore(at, boundary);
+        const char* const brace = MarkedRunBefore(at, boundary);
         eLexeme mark;
         const char* const end = *brace == '{' ? CutMark(brace + 1, &mark) : at;
         if (end <= at)
@@ -229,16 +229,9 @@ private:
         }
     }
 
-    static const char* QuoteBefore(const char* end) {
-        do
-            --end;
-        while (*end != '"');
-        return end;
-    }
-
     // If the masks do not show whether the point belongs to a number, the lexer decides.
     bool PassPoint() {
-        const char* position = RunBefore(at, boundary);
+        const char* position = MarkedRunBefore(at, boundary);
         const char* begin = position;
         for (int line = 0; position <= at;) {
             eLexeme token;
@@ -250,13 +243,10 @@ private:
         return PassToken(begin, position);
     }
 
-    static bool EndsToken(char c) { return Has(stBetween, c) || c == '{' || c == '}' || c == '"'; }
-
-    // The beginning of the adjacent words and numbers before `end`, or the brace of a mark.
-    static const char* RunBefore(const char* end, const char* floor) {
-        while (end > floor && !EndsToken(end[-1]))
-            --end;
-        return end - (end > floor && *end == '#');
+    // Likewise; the brace of a mark if the run is one.
+    static const char* MarkedRunBefore(const char* end, const char* floor) {
+        const char* const run = RunBefore(end, floor);
+        return run - (run > floor && *run == '#');
     }
 
     // The end of the last token before the place; the boundary if there is no token after that.
@@ -282,7 +272,7 @@ private:
         if (lastEnd[-1] == '"')
             skimmed.anchor = QuoteBefore(lastEnd - 1);
         else
-            skimmed.anchor = EndsToken(lastEnd[-1]) ? lastEnd - 1 : RunBefore(lastEnd, lastFloor);
+            skimmed.anchor = EndsToken(lastEnd[-1]) ? lastEnd - 1 : MarkedRunBefore(lastEnd, lastFloor);
     }
 
     bool Stop(eSkimEnd end, const char* stop) {

@@ -13,6 +13,14 @@
 
 namespace IO::Platform {
 
+#if defined(QZL_IO_WITHOUT_AVX2)
+
+bool HasAvx2() {
+    return false;
+}
+
+#else
+
 namespace {
 
 // The registers EAX, EBX, ECX and EDX of an answer of the processor.
@@ -32,14 +40,9 @@ constexpr bool HasBits(unsigned long long word, unsigned long long bits) {
     return (word & bits) == bits;
 }
 
-} // namespace
-
 // The answers are those of the processor; whether registers of 32 bytes outlive a change of threads is up to the
 // system.
-bool HasAvx2() {
-#if defined(QZL_IO_WITHOUT_AVX2)
-    return false;
-#else
+bool FindAvx2() {
     constexpr int kBasic = 1;
     constexpr int kExtended = 7;
     constexpr unsigned kPclmul = 1u << 1;
@@ -50,7 +53,16 @@ bool HasAvx2() {
            HasBits(static_cast<unsigned>(AskProcessor(kBasic)[2]), kPclmul | kPopcnt) &&
            HasBits(static_cast<unsigned>(AskProcessor(kExtended)[1]), kBmi | kAvx2) &&
            HasBits(::GetEnabledXStateFeatures(), XSTATE_MASK_AVX);
-#endif
 }
+
+} // namespace
+
+// The processor takes a while to answer, a virtual one a long while.
+bool HasAvx2() {
+    static const bool found = FindAvx2();
+    return found;
+}
+
+#endif
 
 } // namespace IO::Platform
