@@ -11,6 +11,8 @@
 #include <cpuid.h>
 #endif
 
+#include "platform/pure/processor_answers.h"
+
 namespace IO::Platform {
 
 #if defined(QZL_IO_WITHOUT_AVX2)
@@ -36,31 +38,22 @@ eAnswer AskProcessor(int leaf) {
     return answer;
 }
 
-constexpr bool HasBits(unsigned long long word, unsigned long long bits) {
-    return (word & bits) == bits;
-}
-
-// The answers are those of the processor; whether registers of 32 bytes outlive a change of threads is up to the
-// system.
-bool FindAvx2() {
-    constexpr int kBasic = 1;
-    constexpr int kExtended = 7;
-    constexpr unsigned kPclmul = 1u << 1;
-    constexpr unsigned kPopcnt = 1u << 23;
-    constexpr unsigned kBmi = 1u << 3;
-    constexpr unsigned kAvx2 = 1u << 5;
-    return AskProcessor(0)[0] >= kExtended &&
-           HasBits(static_cast<unsigned>(AskProcessor(kBasic)[2]), kPclmul | kPopcnt) &&
-           HasBits(static_cast<unsigned>(AskProcessor(kExtended)[1]), kBmi | kAvx2) &&
-           HasBits(::GetEnabledXStateFeatures(), XSTATE_MASK_AVX);
+eProcessorAnswers Answers() {
+    eProcessorAnswers answers;
+    const int last = AskProcessor(0)[0];
+    answers.leaf1c = static_cast<unsigned>(AskProcessor(1)[2]);
+    if (last >= 7)
+        answers.leaf7b = static_cast<unsigned>(AskProcessor(7)[1]);
+    answers.statesKept = ::GetEnabledXStateFeatures();
+    return answers;
 }
 
 } // namespace
 
 // The processor takes a while to answer, a virtual one a long while.
 bool HasAvx2() {
-    static const bool found = FindAvx2();
-    return found;
+    static const bool told = TellAvx2(Answers());
+    return told;
 }
 
 #endif
