@@ -69,7 +69,7 @@ TEST_P(MaskPass, FindsTheBracesOfTheTokens) {
     for (int round = 0; round < (LongTests() ? 200'000 : 5'000); ++round) {
         const std::string text = RandomText(random);
         const eTokenPlaces places = PlacesByTokens(text);
-        eMaskScan scan{text.data()};
+        eMaskScan scan(text.data());
         std::array<eBraces, 3> found;
         std::set<std::ptrdiff_t> braces;
         for (std::size_t count = found.size(); count == found.size();) {

@@ -102,7 +102,7 @@ private:
     const char* PassByMasks(const char* at) {
         constexpr std::size_t kRoom = 32;
         std::array<eBraces, kRoom> found;
-        eMaskScan scan{at};
+        eMaskScan scan(at);
         for (std::size_t count = kRoom; count == kRoom;) {
             const char* block = scan.at;
             count = findBraces(&scan, found.data(), kRoom);

@@ -47,6 +47,8 @@ inline const char* QuoteBefore(const char* end) {
 
 // What the masks tell of a text, from a boundary between tokens on.
 struct eMaskScan {
+    explicit eMaskScan(const char* begin) : at(begin) {}
+
     // The effect of the characters before a place on those from there on.
     struct eCarry {
         std::uint64_t inside = 0;            // all bits: the first one is in a string
@@ -56,10 +58,10 @@ struct eMaskScan {
     };
 
     const char* at; // the next characters
-    eCarry carry{}; // to behind those that were taken up
+    eCarry carry;   // to behind those that were taken up
 
     // Of the 64 characters at `at`, once they are taken up.
-    eMasks masks{};
+    eMasks masks;
     std::uint64_t inside = 0; // in a string
     std::uint64_t points = 0; // where a point does not belong to a number, unless it is in a string
 
@@ -108,7 +110,9 @@ private:
 
 // A pass over text of which only the number of braces and lines matters.
 struct eMaskPass : eMaskScan {
-    long long depth = 0;    // blocks open at `at`
+    eMaskPass(const char* begin, long long openBlocks) : eMaskScan(begin), depth(openBlocks) {}
+
+    long long depth;        // blocks open at `at`
     std::size_t starts = 0; // block starts passed
     std::size_t lines = 0;  // line feeds among all characters that were taken up
 

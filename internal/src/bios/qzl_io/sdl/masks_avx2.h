@@ -20,20 +20,20 @@ namespace xSDL::avx2 {
 struct alignas(32) eTable {
     std::array<unsigned char, 32> bytes{};
 
-    constexpr void AddBits(int index, unsigned bits) {
-        for (const int half : {0, 16})
-            bytes[static_cast<std::size_t>(half + index)] |= static_cast<unsigned char>(bits);
+    constexpr void AddBits(std::size_t index, unsigned bits) {
+        for (const std::size_t half : {0u, 16u})
+            bytes[half + index] |= static_cast<unsigned char>(bits);
     }
 };
 
 // The bit that stands for the upper half of a character below 128.
-constexpr unsigned BitOf(int upperHalf) {
+constexpr unsigned BitOf(unsigned upperHalf) {
     return 1u << upperHalf;
 }
 
 inline constexpr eTable kUpperHalves = [] {
     eTable table;
-    for (int upperHalf = 0; upperHalf < 8; ++upperHalf)
+    for (unsigned upperHalf = 0; upperHalf < 8; ++upperHalf)
         table.AddBits(upperHalf, BitOf(upperHalf));
     return table;
 }();
@@ -41,8 +41,8 @@ inline constexpr eTable kUpperHalves = [] {
 // Characters below 128: for each lower half, the bits of the upper halves.
 constexpr eTable SetOf(std::string_view characters) {
     eTable table;
-    for (const char c : characters)
-        table.AddBits(c & 15, BitOf(c >> 4));
+    for (const unsigned char c : characters)
+        table.AddBits(c & 15u, BitOf(c >> 4u));
     return table;
 }
 

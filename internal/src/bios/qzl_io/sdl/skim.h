@@ -53,7 +53,7 @@ inline std::size_t LinesBefore(const char* place, const eSkimmed& skimmed) {
 class eSkim : eMaskPass {
 public:
     // Begins at the position, which is a boundary between tokens, with that many open blocks.
-    eSkim(const char* position, long long openBlocks) : eMaskPass{{position}, openBlocks}, boundary(position) {
+    eSkim(const char* position, long long openBlocks) : eMaskPass(position, openBlocks), boundary(position) {
         skimmed.anchor = position;
     }
 
