@@ -41,8 +41,10 @@ inline constexpr eTable kUpperHalves = [] {
 // Characters below 128: for each lower half, the bits of the upper halves.
 constexpr eTable SetOf(std::string_view characters) {
     eTable table;
-    for (const unsigned char c : characters)
-        table.AddBits(c & 15u, BitOf(c >> 4u));
+    for (const char c : characters) {
+        const auto code = static_cast<unsigned char>(c);
+        table.AddBits(code & 15u, BitOf(code >> 4u));
+    }
     return table;
 }
 
