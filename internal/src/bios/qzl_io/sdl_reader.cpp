@@ -235,7 +235,7 @@ void eSDLReader::Init() {
 void eSDLReader::CheckSignature(const char* signature, const eCheck& notSDL) {
     const std::string expected(signature ? signature : "");
     const std::string& read = ReadSignature(notSDL);
-    if (read.size() != expected.size() || LowerCased(read) != LowerCased(expected))
+    if (!xSDL::IsSameWord(read, expected))
         FailSignature(LowerCased(read), expected);
 }
 

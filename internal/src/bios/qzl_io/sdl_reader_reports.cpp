@@ -35,7 +35,10 @@ using eNote = xError::eDiagnostic::eNote;
 // Of a text that may be a whole source, what a message shows.
 std::string BeginningOf(std::string_view text) {
     constexpr std::size_t kMostShown = 100;
-    return text.size() <= kMostShown ? std::string(text) : std::string(text.substr(0, kMostShown)) + "...";
+    std::string shown(text.substr(0, kMostShown));
+    if (text.size() > kMostShown)
+        shown += "...";
+    return shown;
 }
 
 const char* NameOf(eSDLParserLexType type) {
@@ -93,7 +96,9 @@ std::string Listed(const std::vector<std::string_view>& names) {
     std::string list;
     for (std::size_t i = 0; i < std::min(names.size(), kMostListed); ++i)
         list += (i == 0 ? "'" : ", '") + xSDL::Abridged(names[i]) + "'";
-    return names.size() > kMostListed ? list + " or another name" : list;
+    if (names.size() > kMostListed)
+        list += " or another name";
+    return list;
 }
 
 bool IsWord(eSDLParserLexType type) {
@@ -239,8 +244,10 @@ void eSDLReader::FailSignature(const std::string& read, const std::string& expec
 
 void eSDLReader::FailBlock(int id) {
     const char* const name = id != 0 && Keywords() ? eSDLKeyword::FindIn(Keywords(), id) : nullptr;
-    xError::eDiagnostic diagnostic =
-        Diagnose("Invalid block identifier!", name ? "the word '" + xSDL::WellFormed(name) + "'" : "a block's keyword");
+    std::string expected = "a block's keyword";
+    if (name)
+        expected = "the word '" + xSDL::WellFormed(name) + "'";
+    xError::eDiagnostic diagnostic = Diagnose("Invalid block identifier!", std::move(expected));
     diagnostic.suggestion = NearestKeyword();
     Fail(kBlockIdentifierLine, std::move(diagnostic));
 }

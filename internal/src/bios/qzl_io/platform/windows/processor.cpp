@@ -25,11 +25,11 @@ bool HasAvx2() {
 
 namespace {
 
-// The registers EAX, EBX, ECX and EDX of an answer of the processor.
-using eAnswer = std::array<int, 4>;
+// EAX, EBX, ECX and EDX with an answer of the processor.
+using eRegisters = std::array<int, 4>;
 
-eAnswer AskProcessor(int leaf) {
-    eAnswer answer{};
+eRegisters AskProcessor(int leaf) {
+    eRegisters answer{};
 #if defined(_MSC_VER) && !defined(__clang__)
     __cpuidex(answer.data(), leaf, 0);
 #else
