@@ -12,7 +12,8 @@
 #include "sdl/masks_avx2.h"
 #include "sdl/masks_sse2.h"
 
-// Goes through a text 64 characters at a time, by their masks. There are two of each function, for both widths.
+// Goes through a text 64 characters at a time, by their masks. There are two of each loop, one for each width: what is
+// marked QZL_IO_AVX2 can be inlined only in a function that is marked so itself. All they share is in the structures.
 
 namespace xSDL {
 
