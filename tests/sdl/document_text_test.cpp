@@ -6,7 +6,9 @@
 
 #include <qzl_io/sdl/document.h>
 
+#include "sdl/document_edits.h"
 #include "sdl/document_model.h"
+#include "sdl/hard_pieces.h"
 #include "sdl/random_source.h"
 #include "support/rounds.h"
 
@@ -48,6 +50,18 @@ TEST(DocumentText, AnyBytesComeBackAndAreErrorsWhereAReaderRefusesThem) {
         if (HasFatalFailure())
             return;
     }
+}
+
+TEST(DocumentText, EveryPieceAtEveryPlaceHasItsParts) {
+    for (const std::string& piece : kHardPieces)
+        for (const char* tail : {"", "{#m b \"}\" 1.5}", "\" 1 ({}) {##h (}}\n} x"}) {
+            ExpectAsReader(piece + tail);
+            const eModelParts parts = PartsOf(eSDLDocument(piece + tail));
+            for (std::size_t place = 1; place < 130; ++place) {
+                const std::string text = std::string(place, ' ') + piece + tail;
+                ASSERT_EQ(PartsOf(eSDLDocument(text)), parts) << text;
+            }
+        }
 }
 
 TEST(DocumentParts, TellTheNumberOfBlocksAroundThem) {

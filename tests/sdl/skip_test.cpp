@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sdl/hard_pieces.h"
 #include "sdl/skim.h"
 #include "support/long_tests.h"
 #include "support/seconds_of.h"
@@ -114,70 +115,11 @@ TEST(SdlSkip, TakesEveryShortTextAsTheTokensDo) {
 }
 
 TEST(SdlSkip, TakesEveryPieceAtEveryPlaceAsTheTokensDo) {
-    const std::vector<std::string> pieces = {"-12.5",
-                                             "+3.25-1.5e7",
-                                             "12.5.5",
-                                             "a12.5",
-                                             "-.5",
-                                             "12-.5",
-                                             "1e-5.5",
-                                             "1e+07",
-                                             "%5.5",
-                                             "(5.5)",
-                                             "((a)",
-                                             "){5.5}",
-                                             "}5.5",
-                                             "\"s\"5.5",
-                                             "=5.5",
-                                             "5/2.5",
-                                             "5*2.5",
-                                             "5/.5",
-                                             "*-5.5",
-                                             "0x5.5",
-                                             "0x1F}",
-                                             "1234567890123456789012345678901234567890.5",
-                                             "a2345678901234567890123456789012345678901.5",
-                                             "{{}{{}}}",
-                                             "}}",
-                                             "{}}",
-                                             "}{",
-                                             "{#m}",
-                                             "{##m",
-                                             "{#a#b+1 x}",
-                                             "{#5.5}",
-                                             "{#a*1.5}",
-                                             "{#a*#",
-                                             "{ #",
-                                             "{}#",
-                                             "\"{#\"#",
-                                             "{\"\"{#m\"\"}}",
-                                             "\"\"",
-                                             "\"} { ; ( ) # . , \xE4\"",
-                                             "\"\t\"",
-                                             "\"a\nb\"",
-                                             "\"a\rb\"",
-                                             "\"a\\\"b\\\\\"",
-                                             "\"a\\\nb\"}",
-                                             "\"open",
-                                             std::string("\"a\0b\"", 5),
-                                             std::string("\0}", 2),
-                                             ";",
-                                             "; it's \"so\" {\n",
-                                             "; one \"\r\n\t; two }\n",
-                                             ";\"\n\"}\";\"\n}",
-                                             "; {\n#",
-                                             "; \t a \\ } \"\r}",
-                                             std::string("; a\0\n}", 6),
-                                             "a;" + std::string(70, '"') + "\n ;}\n} 5",
-                                             "\\",
-                                             ",",
-                                             "\x0B",
-                                             "\xC3\xA4"};
     const std::vector<std::string> tails = {"", "}", " b 1.5 {#c \"}\"} ; \"\n } {#d e}",
                                             std::string(70, ' ') + "} 5 \"" + std::string(70, 'z') + "\"}"};
     const std::size_t tailsAtOnce = LongTests() ? tails.size() : 1;
     std::size_t turn = 0;
-    for (const std::string& piece : pieces)
+    for (const std::string& piece : kHardPieces)
         for (std::size_t place = 0; place < 130; ++place)
             for (const std::string& before :
                  {std::string(place, ' '), std::string(place, 'a'), "{" + std::string(place, '7'),

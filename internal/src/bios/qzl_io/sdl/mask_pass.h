@@ -81,6 +81,9 @@ struct eMaskScan {
     std::uint64_t Starts() const { return masks.Starts() & ~inside; }
     std::uint64_t Ends() const { return masks.Ends() & ~inside; }
 
+    // The last place, if a block starts there whose mark is behind the 64 characters.
+    std::uint64_t StartOfMark() const { return Starts() & (static_cast<std::uint64_t>(at[64] == '#') << 63); }
+
     // The last place, if a string of some length continues there: its rest is passed faster without masks of 16
     // characters.
     std::uint64_t LongString() const { return static_cast<std::uint64_t>(inside >> 48 == 0xFFFF) << 63; }
@@ -164,7 +167,7 @@ struct eBraces {
 };
 
 // Tells of the braces among the next characters, 64 at a time, until some must be examined separately, which are then
-// taken up, or there is no room for more. Returns the number of times.
+// taken up, or there is no room for more. A brace is told of only if no mark follows it. Returns the number of times.
 using eBraceFinder = std::size_t (*)(eMaskScan*, eBraces* found, std::size_t room);
 
 inline std::size_t FindBracesBySse2(eMaskScan* scan, eBraces* found, std::size_t room) {
@@ -173,7 +176,7 @@ inline std::size_t FindBracesBySse2(eMaskScan* scan, eBraces* found, std::size_t
     for (; count < room; ++count) {
         const eMasks masks = sse2::FindMasks(now.at);
         now.Take(masks, sse2::InsideQuotes(masks.Quotes()));
-        if ((now.Stops() | now.LongString()) != 0)
+        if ((now.Stops() | now.StartOfMark() | now.LongString()) != 0)
             break;
         found[count] = {now.Starts(), now.Ends()};
         now.at += 64;
@@ -188,7 +191,7 @@ QZL_IO_AVX2 inline std::size_t FindBracesByAvx2(eMaskScan* scan, eBraces* found,
     for (; count < room; ++count) {
         const eMasks masks = avx2::FindMasks(now.at);
         now.Take(masks, avx2::InsideQuotes(masks.Quotes()));
-        if (now.Stops() != 0)
+        if ((now.Stops() | now.StartOfMark()) != 0)
             break;
         found[count] = {now.Starts(), now.Ends()};
         now.at += 64;
