@@ -157,6 +157,22 @@ TEST(WriterText, IsTheWorkedExampleByteForByte) {
     EXPECT_EQ(text, "{item a}\r\n{item\r\n\t{size 3 0.5}\r\n\t\"x y\"\r\n}\r\n");
 }
 
+TEST(WriterText, EveryDepthIsIndentedByAsManyTabs) {
+    constexpr int kDepth = 100;
+    std::string expected = "{";
+    for (int depth = 1; depth < kDepth; ++depth)
+        expected += "\r\n" + std::string(static_cast<std::size_t>(depth), '\t') + '{';
+    for (int depth = kDepth - 1; depth >= 0; --depth)
+        expected += "\r\n" + std::string(static_cast<std::size_t>(depth), '\t') + '}';
+    const std::string text = WrittenText(words, [](eSDLWriter& writer) {
+        for (int depth = 0; depth < kDepth; ++depth)
+            writer << opening << endl;
+        for (int depth = 0; depth < kDepth; ++depth)
+            writer << endb << endl;
+    });
+    EXPECT_EQ(text, expected + "\r\n");
+}
+
 struct eValueCase {
     const char* name;
     void (*write)(eSDLWriter&);

@@ -33,7 +33,8 @@ constexpr int kInvalidFloatLine = 80;
 constexpr int kNotSavedLine = 100;
 } // namespace WriterReport
 
-constexpr unsigned kTabsAtOnce = 8;
+constexpr unsigned kTabsAtOnce = 32;
+constexpr char kTabs[kTabsAtOnce + 1] = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
 constexpr unsigned long long kTextCapacity = 1024;
 // The heap never keeps a larger block for the next one, so the block may as well be released while it is written.
 constexpr unsigned long long kKeptByHeap = 32ULL << 20;
@@ -150,7 +151,7 @@ inline char* eSDLTextStream::BreakLine(char* to) {
     *to++ = '\n';
     const unsigned tabs = layout & kDepthMask;
     for (unsigned put = 0; put < tabs; put += kTabsAtOnce)
-        std::memcpy(to + put, "\t\t\t\t\t\t\t\t", kTabsAtOnce);
+        std::memcpy(to + put, kTabs, kTabsAtOnce);
     newlinePending = false;
     layout &= ~kSpacePending;
     return to + tabs;
