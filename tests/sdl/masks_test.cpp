@@ -30,7 +30,7 @@ eStep StepFrom(eLexerState state, char c) {
 struct eSse2 {
     static eMasks FindMasks(const char* at) { return sse2::FindMasks(at); }
     static std::uint64_t InsideQuotes(std::uint64_t quotes) { return sse2::InsideQuotes(quotes); }
-    static int CountBits(std::uint64_t word) { return sse2::CountBits(word); }
+    static int CountBits(std::uint64_t word) { return xSDL::CountBits(word); }
 };
 
 struct eAvx2 {

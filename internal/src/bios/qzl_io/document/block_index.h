@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "sdl/count_bits.h"
+
 namespace xSDL {
 
 // A list that grows without copying more than its first part, and takes nothing while it is empty.
@@ -141,7 +143,7 @@ private:
     static constexpr std::size_t kCounted = 8; // words
     static constexpr std::size_t kGroup = 64;
 
-    static std::size_t Count(std::uint64_t bits) { return static_cast<std::size_t>(std::popcount(bits)); }
+    static std::size_t Count(std::uint64_t bits) { return static_cast<std::size_t>(CountBits(bits)); }
 
     std::uint64_t EndAt(std::size_t level, std::size_t index) const {
         return level == 0 ? ends[index] : maxima[level - 1][index];
@@ -158,6 +160,7 @@ private:
     }
 
     void CountBegins() {
+        counts.reserve((begins.size() + kCounted - 1) / kCounted);
         std::size_t count = 0;
         for (std::size_t word = 0; word < begins.size(); ++word) {
             if (word % kCounted == 0)

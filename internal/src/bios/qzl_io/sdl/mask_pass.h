@@ -7,6 +7,7 @@
 #include <qzl_io/detail/compiler.h>
 
 #include "platform/processor.h"
+#include "sdl/count_bits.h"
 #include "sdl/lexer.h"
 #include "sdl/masks.h"
 #include "sdl/masks_avx2.h"
@@ -146,7 +147,7 @@ inline void PassBySse2(eMaskPass* pass) {
         const eMasks masks = sse2::FindMasks(now.at);
         now.Take(masks, sse2::InsideQuotes(masks.Quotes()));
         now.lines += masks.lineFeeds;
-    } while ((now.Stops() | now.LongString()) == 0 && now.PassBraces(sse2::CountBits));
+    } while ((now.Stops() | now.LongString()) == 0 && now.PassBraces(CountBits));
     *pass = now;
 }
 

@@ -56,11 +56,4 @@ inline std::uint64_t InsideQuotes(std::uint64_t quotes) {
     return quotes ^ (quotes << 32);
 }
 
-inline int CountBits(std::uint64_t word) {
-    word -= (word >> 1) & 0x5555555555555555u;
-    word = (word & 0x3333333333333333u) + ((word >> 2) & 0x3333333333333333u);
-    word = (word + (word >> 4)) & 0x0F0F0F0F0F0F0F0Fu;
-    return static_cast<int>((word * 0x0101010101010101u) >> 56);
-}
-
 } // namespace xSDL::sse2

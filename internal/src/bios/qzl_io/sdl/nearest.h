@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <utility>
 
 #include "qzl_base/shared/ascii.h"
+#include "sdl/count_bits.h"
 
 // Finds what a misspelt word may stand for.
 
@@ -78,7 +78,7 @@ private:
     bool MayBeNearer(std::string_view candidate) const {
         return least > 0 && candidate.size() <= kLongestCompared && candidate.size() < word.size() + least &&
                word.size() < candidate.size() + least &&
-               static_cast<std::size_t>(std::popcount(letters ^ LettersOf(candidate))) <= 2 * (least - 1);
+               static_cast<std::size_t>(CountBits(letters ^ LettersOf(candidate))) <= 2 * (least - 1);
     }
 
     std::string_view word;
