@@ -328,7 +328,6 @@ public:
     eSDLDocument();
     // A document of the text; the name is for places. If the text exceeds the limit, it is not taken, and Failure says
     // "Source limit exceeded!". Tokens that exceed the limit are errors ("Token limit exceeded!").
-    explicit eSDLDocument(std::string text, std::string name = {}, const eSDLLimits& limits = {});
     explicit eSDLDocument(std::string_view text, std::string name = {}, const eSDLLimits& limits = {});
     explicit eSDLDocument(const char* text, std::string name = {}, const eSDLLimits& limits = {});
     eSDLDocument(const eSDLDocument&) = delete;

@@ -98,6 +98,14 @@ bool IsMark(std::string_view mark) {
     return xSDL::PassMark(text.data()) == text.data() + mark.size();
 }
 
+// With room for what a source needs behind it.
+std::string CopyOf(std::string_view text) {
+    std::string copy;
+    copy.reserve(text.size() + xSDL::kTextEnd);
+    copy = text;
+    return copy;
+}
+
 std::string ReadAll(IO::eStream& stream, std::size_t size) {
     constexpr std::size_t kPiece = std::size_t{64} * 1024;
     std::string text;
@@ -399,16 +407,13 @@ void eSDLParts::eIterator::TakeAt() {
 // Bound to a reference, a constant of an exported class is imported from here on Windows.
 constexpr std::size_t eSDLDocument::kAll; // NOLINT(readability-redundant-declaration): it makes the place
 
-eSDLDocument::eSDLDocument() : eSDLDocument(std::string()) {}
-
-eSDLDocument::eSDLDocument(std::string text, std::string name, const eSDLLimits& limits)
-    : body(std::make_unique<eDocumentBody>(std::move(text), std::move(name), limits)) {}
+eSDLDocument::eSDLDocument() : eSDLDocument(std::string_view()) {}
 
 eSDLDocument::eSDLDocument(std::string_view text, std::string name, const eSDLLimits& limits)
-    : eSDLDocument(std::string(text), std::move(name), limits) {}
+    : body(std::make_unique<eDocumentBody>(CopyOf(text), std::move(name), limits)) {}
 
 eSDLDocument::eSDLDocument(const char* text, std::string name, const eSDLLimits& limits)
-    : eSDLDocument(std::string(text ? text : ""), std::move(name), limits) {}
+    : eSDLDocument(std::string_view(text ? text : ""), std::move(name), limits) {}
 
 // NOLINTBEGIN(performance-noexcept-move-constructor): both make an empty body, which takes memory
 eSDLDocument::eSDLDocument(eSDLDocument&& other) : eSDLDocument() {
