@@ -13,6 +13,7 @@
 #include "document/mistakes.h"
 #include "document/numbers.h"
 #include "document/path.h"
+#include "platform/memory.h"
 #include "sdl/calculation.h"
 #include "sdl/number.h"
 
@@ -98,18 +99,23 @@ bool IsMark(std::string_view mark) {
     return xSDL::PassMark(text.data()) == text.data() + mark.size();
 }
 
-// With room for what a source needs behind it.
+// A text for that many bytes and what a source needs behind them.
+std::string Reserved(std::size_t size) {
+    std::string text;
+    text.reserve(size + xSDL::kTextEnd);
+    IO::Platform::PreferLargePages(text.data(), size);
+    return text;
+}
+
 std::string CopyOf(std::string_view text) {
-    std::string copy;
-    copy.reserve(text.size() + xSDL::kTextEnd);
+    std::string copy = Reserved(text.size());
     copy = text;
     return copy;
 }
 
 std::string ReadAll(IO::eStream& stream, std::size_t size) {
     constexpr std::size_t kPiece = std::size_t{64} * 1024;
-    std::string text;
-    text.reserve(size + xSDL::kTextEnd);
+    std::string text = Reserved(size);
     auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
     while (done < size && stream.Disabled(IO::StreamMode::Bad)) {
         const std::size_t piece = std::min(size - done, kPiece);
