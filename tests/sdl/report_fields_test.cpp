@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,8 @@ eSDLKeyword colorWord(words, "color", 2);
 eSDLKeyword sphereWord(words, "sphere", 3);
 
 constexpr eSDLName<int> kShadings[] = {{"flat", 1}, {"smooth", 2}};
+constexpr eSDLName<int> kMonths[] = {{"may", 5},    {"june", 6},     {"july", 7},    {"march", 3},   {"april", 4},
+                                     {"august", 8}, {"october", 10}, {"january", 1}, {"february", 2}};
 
 xError::eReport ReportOf(const std::function<void()>& action) {
     try {
@@ -161,6 +164,10 @@ std::vector<eReported> ReportedByReaders() {
          "an integer from -2147483648 to 2147483647", "the number '99999999999'"},
         {"Unknown name 'flta'! Did you mean 'flat'?", "|flta| ", [](eSDLReader& reader) { reader.GetName(kShadings); },
          "'flat', 'smooth'", "the word 'flta'", "flat"},
+        {"Unknown name 'x'!", "|x| ", [](eSDLReader& reader) { reader.GetName(std::span(kMonths).first(8)); },
+         "'may', 'june', 'july', 'march', 'april', 'august', 'october', 'january'", "the word 'x'"},
+        {"Unknown name 'x'!", "|x| ", [](eSDLReader& reader) { reader.GetName(kMonths); },
+         "'may', 'june', 'july', 'march', 'april', 'august', 'october', 'january' or another name", "the word 'x'"},
         {"String expected!", "|0x1F| ", [](eSDLReader& reader) { reader.GetString(); }, "a text in quotes",
          "the number '0x1F'"},
         {"String expected!", "|/| ", [](eSDLReader& reader) { reader.GetStringW(); }, "a text in quotes",
