@@ -23,6 +23,7 @@
 
 #include "qzl_base/shared/ascii.h"
 #include "sdl/automaton.h"
+#include "streams/read_text.h"
 #include "json/sink.h"
 #include "json/text.h"
 #include "json/text_pieces.h"
@@ -122,10 +123,7 @@ constexpr char kOpenError[] = "%1% - open error!";
 std::string ReadStream(eFileAtWork* file, IO::eStream& stream, const eJsonLimits& limits) {
     if (stream.Remaining() > limits.bytes)
         throw std::length_error("Json size limit exceeded!");
-    std::string text;
-    text.reserve(stream.Remaining() + kRoomAfterJson);
-    text.resize(stream.Remaining());
-    stream.Read(text.data(), text.size());
+    std::string text = IO::ReadText(stream, static_cast<std::size_t>(stream.Remaining()), kRoomAfterJson);
     if (stream.Enabled(IO::StreamMode::Bad))
         file->Fail("%1% - read error!", stream.Failure().text);
     if (json_text::IsDeeper(text, limits.depth))

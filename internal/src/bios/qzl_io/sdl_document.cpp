@@ -13,9 +13,9 @@
 #include "document/mistakes.h"
 #include "document/numbers.h"
 #include "document/path.h"
-#include "platform/memory.h"
 #include "sdl/calculation.h"
 #include "sdl/number.h"
+#include "streams/read_text.h"
 
 using xSDL::eDocumentBody;
 using xSDL::eFound;
@@ -99,31 +99,11 @@ bool IsMark(std::string_view mark) {
     return xSDL::PassMark(text.data()) == text.data() + mark.size();
 }
 
-// A text for that many bytes and what a source needs behind them.
-std::string Reserved(std::size_t size) {
-    std::string text;
-    text.reserve(size + xSDL::kTextEnd);
-    IO::Platform::PreferLargePages(text.data(), size);
-    return text;
-}
-
+// With room for what a source needs behind it.
 std::string CopyOf(std::string_view text) {
-    std::string copy = Reserved(text.size());
+    std::string copy = IO::EmptyText(text.size() + xSDL::kTextEnd);
     copy = text;
     return copy;
-}
-
-std::string ReadAll(IO::eStream& stream, std::size_t size) {
-    constexpr std::size_t kPiece = std::size_t{64} * 1024;
-    std::string text = Reserved(size);
-    auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
-    while (done < size && stream.Disabled(IO::StreamMode::Bad)) {
-        const std::size_t piece = std::min(size - done, kPiece);
-        text.resize(done + piece);
-        stream.Read(text.data() + done, piece);
-        done += piece;
-    }
-    return text;
 }
 
 } // namespace
@@ -443,7 +423,7 @@ bool eSDLDocument::Take(IO::eStream& stream, std::string name, const eSDLLimits&
     else if (stream.Remaining() > limits.sourceBytes)
         failure = {0, eDocumentBody::kSourceLimit};
     else
-        text = ReadAll(stream, static_cast<std::size_t>(stream.Remaining()));
+        text = IO::ReadText(stream, static_cast<std::size_t>(stream.Remaining()), xSDL::kTextEnd);
     if (const IO::eFailure told = stream.Failure())
         failure = told;
     if (stream.Enabled(IO::StreamMode::Bad) && !failure)

@@ -12,13 +12,13 @@
 #include <qzl_io/detail/compiler.h>
 #include <qzl_io/streams.h>
 
-#include "platform/memory.h"
 #include "qzl_base/shared/decimal_float.h"
 #include "qzl_base/shared/unicode.h"
 #include "sdl/cutter.h"
 #include "sdl/lexer.h"
 #include "sdl/number.h"
 #include "sdl/source_places.h"
+#include "streams/read_text.h"
 
 namespace {
 
@@ -30,9 +30,6 @@ constexpr int kOpenRequiredLine = 301;
 constexpr int kCloseRequiredLine = 306;
 constexpr int kParameterLimitLine = 311;
 } // namespace ParserReport
-
-// The text is read in pieces, so that the zeros of the next piece are still in the cache when the bytes arrive.
-constexpr std::size_t kPiece = std::size_t{64} * 1024;
 
 constexpr std::size_t kContextLines = 5;
 constexpr char kContextMark = '\xAB';
@@ -210,15 +207,7 @@ eSDLParser::~eSDLParser() {
 // Reserves room for all of it at once, so that nothing is copied twice and the advice on pages is given before they are
 // first touched.
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport) {
-    text.reserve(size + xSDL::kTextEnd);
-    IO::Platform::PreferLargePages(text.data(), size);
-    auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
-    while (done < size) {
-        const std::size_t piece = std::min(size - done, kPiece);
-        text.resize(done + piece);
-        stream.Read(text.data() + done, piece);
-        done += piece;
-    }
+    text = IO::ReadText(stream, size, xSDL::kTextEnd);
     CheckRead(stream, beforeReport);
     EndText();
 }

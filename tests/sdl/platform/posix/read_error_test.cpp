@@ -90,6 +90,20 @@ TEST_F(ReadErrors, AreReportedByEveryWayToLoadASource) {
         "Stream");
 }
 
+// A broken disk takes seconds to refuse.
+TEST_F(ReadErrors, EndTheReading) {
+    const eFileName file(folder.Write("list.sdl", Integers()));
+    const std::function<void()> loads[] = {
+        [&] { EXPECT_THROW(eSDLReader(file, nullptr), xError::eException); },
+        [&] { EXPECT_FALSE(eSDLDocument().Open(file)); },
+    };
+    for (const auto& load : loads) {
+        const eFault fault("pread", EIO, 1, eFault::kAlways);
+        load();
+        EXPECT_EQ(fault.Calls(), 1);
+    }
+}
+
 TEST_F(ReadErrors, OfAnIncludedFileLeaveTheReaderWhereItWas) {
     const eFileName file(folder.Write("list.sdl", Integers()));
     eSDLReader reader = ReaderOf("1 2");
