@@ -247,6 +247,16 @@ TEST_F(NarrowSearch, IsNotWhatTreesAreWalkedBy) {
     EXPECT_FALSE(Stands(L"to"));
 }
 
+TEST_F(NarrowSearch, ShowsWhatADeletionLeavesAsWellAsTheCodePageCan) {
+    this->Make(L"tree/" + kSun + L".txt", "1");
+    const std::wstring kept = OnDisk(L"tree/" + kSun + L".txt");
+    ASSERT_TRUE(::SetFileAttributesW(kept.c_str(), FILE_ATTRIBUTE_READONLY));
+    const auto result = IO::System::Path::DeleteTree(Below("tree"));
+    ::SetFileAttributesW(kept.c_str(), FILE_ATTRIBUTE_NORMAL);
+    ASSERT_EQ(1u, result.failures.size());
+    EXPECT_TRUE(result.failures[0].name.str().ends_with("/tree/?.txt")) << result.failures[0].name.str();
+}
+
 // Sets another code page for narrow names.
 UINT namesPage;
 decltype(&::MultiByteToWideChar) systemsWiden;

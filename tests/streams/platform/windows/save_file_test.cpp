@@ -8,6 +8,7 @@
 #include <random>
 #include <set>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include <windows.h>
@@ -278,6 +279,60 @@ TEST_F(SavedFile, WhatCannotBeKeptUnderALastingNameIsNotWrittenInPlace) {
     EXPECT_EQ("old", folder.Read("other"));
     EXPECT_EQ("new", folder.Read(".file.saving"));
     EXPECT_NE(std::string::npos, failure.find("/.file.saving\".")) << failure;
+}
+
+namespace {
+
+decltype(&::CreateFileW) systemsCreate;
+std::wstring theTarget;
+int exchanges = 0;
+
+// Another program that puts a file in the target's place after that was opened and before its folder is held.
+HANDLE WINAPI ExchangeBeforeTheFolderIsHeld(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                                            DWORD creation, DWORD flags, HANDLE model) {
+    if (std::wstring_view(name).ends_with(L'\\') && exchanges > 0) {
+        const std::wstring older = theTarget + L".older" + std::to_wstring(exchanges--);
+        EXPECT_TRUE(::MoveFileExW(theTarget.c_str(), older.c_str(), 0));
+        ::CloseHandle(systemsCreate(theTarget.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    }
+    return systemsCreate(name, access, share, security, creation, flags, model);
+}
+
+decltype(&::WriteFile) systemsWrite;
+BOOL WINAPI WriteNothing(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPED) {
+    *written = 0;
+    ::SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+} // namespace
+
+TEST_F(SavedFile, WhichAnotherFileHasReplacedSinceItWasOpenedIsOpenedAgain) {
+    const eReplacedCall creating("qzl_io.dll", "CreateFileW", &ExchangeBeforeTheFolderIsHeld, &systemsCreate);
+    for (const int times : {1, 3}) {
+        folder.Write("file", "old");
+        theTarget = NameW("file");
+        exchanges = times;
+        std::string failure;
+        EXPECT_TRUE(Save("file", "new", &failure)) << failure;
+        EXPECT_EQ(0, exchanges);
+        EXPECT_EQ("new", folder.Read("file"));
+        for (int number = 1; number <= times; ++number) {
+            EXPECT_EQ(number == times ? "old" : "", folder.Read("file.older" + std::to_string(number)));
+            fs::remove(folder.Path() / ("file.older" + std::to_string(number)));
+        }
+        EXPECT_EQ((std::set<std::string>{"file"}), Entries());
+    }
+}
+
+TEST_F(SavedFile, WithTwoNamesIsKeptBesideWhereTheDiskTakesNoMore) {
+    folder.Write("file", "old");
+    fs::create_hard_link(folder.Path() / "file", folder.Path() / "other");
+    const eReplacedCall writing("qzl_io.dll", "WriteFile", &WriteNothing, &systemsWrite);
+    std::string failure;
+    EXPECT_FALSE(Save("file", "new", &failure));
+    EXPECT_EQ("new", folder.Read("file.unsaved"));
+    EXPECT_NE(std::string::npos, failure.find("/file.unsaved\".")) << failure;
 }
 
 // --- Programs that end in the middle ---
