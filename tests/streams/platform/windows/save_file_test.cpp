@@ -298,6 +298,11 @@ HANDLE WINAPI ExchangeBeforeTheFolderIsHeld(LPCWSTR name, DWORD access, DWORD sh
     return systemsCreate(name, access, share, security, creation, flags, model);
 }
 
+BOOL WINAPI RefuseToMove(LPCWSTR, LPCWSTR, DWORD) {
+    ADD_FAILURE() << "a file is moved";
+    return FALSE;
+}
+
 decltype(&::WriteFile) systemsWrite;
 BOOL WINAPI WriteNothing(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPED) {
     *written = 0;
@@ -323,6 +328,14 @@ TEST_F(SavedFile, WhichAnotherFileHasReplacedSinceItWasOpenedIsOpenedAgain) {
         }
         EXPECT_EQ((std::set<std::string>{"file"}), Entries());
     }
+}
+
+TEST_F(SavedFile, ADeviceIsWrittenDirectly) {
+    const eReplacedCall moving("qzl_io.dll", "MoveFileExW", &RefuseToMove, &systemsMove);
+    IO::eSaveFile device(eFileName("//./NUL"));
+    ASSERT_TRUE(device.IsOpen()) << device.Failure().text;
+    device.Write("new", 3);
+    EXPECT_TRUE(device.Commit()) << device.Failure().text;
 }
 
 TEST_F(SavedFile, WithTwoNamesIsKeptBesideWhereTheDiskTakesNoMore) {
