@@ -102,7 +102,7 @@ bool IsMark(std::string_view mark) {
 // With room for what a source needs behind it.
 std::string CopyOf(std::string_view text) {
     std::string copy = IO::EmptyText(text.size() + xSDL::kTextEnd);
-    copy = text;
+    copy += text;
     return copy;
 }
 
