@@ -298,6 +298,12 @@ HANDLE WINAPI ExchangeBeforeTheFolderIsHeld(LPCWSTR name, DWORD access, DWORD sh
     return systemsCreate(name, access, share, security, creation, flags, model);
 }
 
+decltype(&::GetFileInformationByHandle) systemsFacts;
+BOOL WINAPI TellNothing(HANDLE, LPBY_HANDLE_FILE_INFORMATION) {
+    ::SetLastError(ERROR_NOT_SUPPORTED);
+    return FALSE;
+}
+
 BOOL WINAPI RefuseToMove(LPCWSTR, LPCWSTR, DWORD) {
     ADD_FAILURE() << "a file is moved";
     return FALSE;
@@ -328,6 +334,19 @@ TEST_F(SavedFile, WhichAnotherFileHasReplacedSinceItWasOpenedIsOpenedAgain) {
         }
         EXPECT_EQ((std::set<std::string>{"file"}), Entries());
     }
+}
+
+TEST_F(SavedFile, WhoseFactsTheSystemDoesNotTellIsLeftAlone) {
+    folder.Write("file", "old");
+    {
+        const eReplacedCall asking("qzl_io.dll", "GetFileInformationByHandle", &TellNothing, &systemsFacts);
+        IO::eSaveFile file(Name("file"));
+        EXPECT_FALSE(file.IsOpen());
+        EXPECT_FALSE(file.Commit());
+        EXPECT_EQ(ERROR_NOT_SUPPORTED, file.Failure().number);
+    }
+    EXPECT_EQ("old", folder.Read("file"));
+    EXPECT_EQ((std::set<std::string>{"file"}), Entries());
 }
 
 TEST_F(SavedFile, ADeviceIsWrittenDirectly) {
