@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSL-1.0
-#include "read_text.h"
+#include "streams/read_text.h"
 
 #include <algorithm>
 
