@@ -17,8 +17,8 @@
 #include "hook_calls.h"
 #include "plain_stream.h"
 #include "probe.h"
-#include "support/long_tests.h"
 #include "support/reports.h"
+#include "support/rounds.h"
 #include "support/temp_folder.h"
 
 using IO::eSeekDir;
@@ -500,9 +500,7 @@ std::string StateOf(const IO::eFileStream& stream) {
     return dump.substr(dump.find("'(")) + (stream.Enabled(Mode::Bad) ? "bad" : "good");
 }
 
-int Rounds(int usual) {
-    return LongTests() ? usual * 20 : usual;
-}
+constexpr unsigned kSeconds = 5; // for each test
 
 template <class Stream>
 eHookCalls* CallsOf(Stream& stream) {
@@ -514,10 +512,11 @@ eHookCalls* CallsOf(Stream& stream) {
 
 template <class Stream>
 void CompareMemoryStreams() {
-    for (int round = 0; round < Rounds(300) && !testing::Test::HasFailure(); ++round) {
-        eRandom random(static_cast<unsigned>(round));
-        const unsigned long long size = 1 + static_cast<unsigned long long>(round) % 41;
-        const unsigned long long growBy = round % 3 == 0 ? 1 + static_cast<unsigned>(round) % 50 : 0;
+    for (eRounds rounds(300, 6000, kSeconds); rounds.Next() && !testing::Test::HasFailure();) {
+        const unsigned round = rounds.Current();
+        eRandom random(round);
+        const unsigned long long size = 1 + round % 41;
+        const unsigned long long growBy = round % 3 == 0 ? 1 + round % 50 : 0;
         Stream stream(size, growBy);
         ePlainMemory plain(size, growBy);
         eComparison comparison(stream, plain, random, 2000);
@@ -532,8 +531,9 @@ void CompareMemoryStreams() {
 
 template <class Stream>
 void CompareViews() {
-    for (int round = 0; round < Rounds(1000) && !testing::Test::HasFailure(); ++round) {
-        eRandom random(static_cast<unsigned>(round));
+    for (eRounds rounds(1000, 20000, kSeconds); rounds.Next() && !testing::Test::HasFailure();) {
+        const unsigned round = rounds.Current();
+        eRandom random(round);
         std::string bytes(1 + Upto(random, 40), 'v');
         const unsigned long long used = Upto(random, bytes.size());
         ePlainView plain(bytes, used);
@@ -560,8 +560,9 @@ std::string RandomContent(eRandom& random, std::size_t n) {
 template <class Stream>
 void CompareFileStreams() {
     const eTempFolder folder;
-    for (int round = 0; round < Rounds(60) && !testing::Test::HasFailure(); ++round) {
-        eRandom random(static_cast<unsigned>(round));
+    for (eRounds rounds(60, 1200, kSeconds); rounds.Next() && !testing::Test::HasFailure();) {
+        const unsigned round = rounds.Current();
+        eRandom random(round);
         const unsigned short mode = AnyMode(random);
         const std::string bytes = RandomContent(random, Upto(random, round % 2 == 0 ? 300 : 100000));
         const std::string name = folder.Write("file", bytes);
@@ -577,9 +578,9 @@ void CompareFileStreams() {
 
 // The state in which a random copy leaves its two streams and their files, which are one file in every fourth round.
 template <class Stream>
-std::string CopiedBetweenFiles(int round) {
+std::string CopiedBetweenFiles(unsigned round) {
     const eTempFolder folder;
-    eRandom random(static_cast<unsigned>(round));
+    eRandom random(round);
     std::string bytes(Upto(random, 400000), ' ');
     for (char& byte : bytes)
         byte = static_cast<char>(random());
@@ -619,8 +620,9 @@ TEST(RandomModel, FileStreamsInAnyModeDoWhatThePlainStepsDo) {
 }
 
 TEST(RandomModel, AnApplicationsStreamsHaveTheirHooksCalledAsThePlainStepsCallThem) {
-    for (int round = 0; round < Rounds(2000) && !HasFailure(); ++round) {
-        eRandom random(static_cast<unsigned>(round));
+    for (eRounds rounds(2000, 40000, kSeconds); rounds.Next() && !HasFailure();) {
+        const unsigned round = rounds.Current();
+        eRandom random(round);
         const unsigned short mode = round % 9 == 0 ? Mode::Errors : AnyMode(random);
         const std::string bytes = RandomContent(random, Upto(random, 90));
         const std::size_t capacity = 12 + Upto(random, 30);
@@ -634,17 +636,20 @@ TEST(RandomModel, AnApplicationsStreamsHaveTheirHooksCalledAsThePlainStepsCallTh
 }
 
 TEST(RandomModel, CopiesBetweenFileStreamsEndAsThoseOfDerivedOnesDo) {
-    for (int round = 0; round < Rounds(60); ++round)
+    for (eRounds rounds(60, 1200, kSeconds); rounds.Next();) {
+        const unsigned round = rounds.Current();
         ASSERT_TRUE(CopiedBetweenFiles<IO::eFileStream>(round) == CopiedBetweenFiles<eFile>(round)) << round;
+    }
 }
 
 TEST(RandomModel, AnyCallsStayWithinMemoryWhenReportsReturn) {
     const eTempFolder folder;
     const eReports reports;
     std::vector<unsigned char> block(70000, 0x5A);
-    for (int round = 0; round < Rounds(400); ++round) {
-        eRandom random(static_cast<unsigned>(round));
-        const unsigned long long size = static_cast<unsigned long long>(round / 8) % 5;
+    for (eRounds rounds(400, 8000, kSeconds); rounds.Next();) {
+        const unsigned round = rounds.Current();
+        eRandom random(round);
+        const unsigned long long size = round / 8 % 5;
         std::vector<unsigned char> bytes(size);
         std::unique_ptr<IO::eStream> stream;
         const std::string name = folder.Name("file");
@@ -686,9 +691,10 @@ TEST(RandomModel, AnyCallsStayWithinMemoryWhenReportsThrow) {
     const eReports reports(eReports::Throws);
     std::vector<unsigned char> block(3000, 0x5A);
     int thrown = 0;
-    for (int round = 0; round < Rounds(400); ++round) {
-        eRandom random(static_cast<unsigned>(round));
-        const unsigned long long size = static_cast<unsigned long long>(round / 2) % 5;
+    for (eRounds rounds(400, 8000, kSeconds); rounds.Next();) {
+        const unsigned round = rounds.Current();
+        eRandom random(round);
+        const unsigned long long size = round / 2 % 5;
         std::vector<unsigned char> bytes(size);
         eMemory memory(size, round % 3 == 0 ? 3 : 0);
         eView view(bytes.data(), size, size);
@@ -707,14 +713,15 @@ TEST(RandomModel, AnyCallsStayWithinMemoryWhenReportsThrow) {
 TEST(RandomModel, ReportsThatThrowLeaveAStreamAsThoseThatReturnDo) {
     std::vector<unsigned char> block(3000, 0x5A);
     int thrown = 0;
-    for (int round = 0; round < Rounds(400); ++round) {
-        const unsigned long long size = static_cast<unsigned long long>(round / 2) % 7;
+    for (eRounds rounds(400, 8000, kSeconds); rounds.Next();) {
+        const unsigned round = rounds.Current();
+        const unsigned long long size = round / 2 % 7;
         std::vector<unsigned char> bytes(size, 1), sameBytes(size, 1);
         eMemory memory(size, round % 3 == 0 ? 3 : 0), sameMemory(size, round % 3 == 0 ? 3 : 0);
         eView view(bytes.data(), size, size / 2), sameView(sameBytes.data(), size, size / 2);
         IO::eStream& stream = round % 2 == 0 ? static_cast<IO::eStream&>(memory) : view;
         IO::eStream& same = round % 2 == 0 ? static_cast<IO::eStream&>(sameMemory) : sameView;
-        eRandom random(static_cast<unsigned>(round)), sameRandom(static_cast<unsigned>(round));
+        eRandom random(round), sameRandom(round);
         for (int step = 0; step < 60 && memory.BufferSize() < (1ull << 20); ++step) {
             {
                 const eReports reports;

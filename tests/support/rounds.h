@@ -5,11 +5,12 @@
 
 #include "long_tests.h"
 
-// The rounds of a random test, counted from 0: up to `most` of them within a second of processor time, or all
+// The rounds of a random test, counted from 0: up to `most` of them within the seconds of processor time, or all
 // `mostInFull` if long tests are wanted. A slow machine runs the first of the same rounds.
 class eRounds {
 public:
-    eRounds(unsigned most, unsigned mostInFull) : end(LongTests() ? mostInFull : most) {}
+    eRounds(unsigned most, unsigned mostInFull, unsigned seconds = 1)
+        : end(LongTests() ? mostInFull : most), until(std::clock() + std::clock_t(seconds) * CLOCKS_PER_SEC) {}
 
     bool Next() {
         ++current;
@@ -20,5 +21,5 @@ public:
 private:
     unsigned current = ~0u;
     unsigned end;
-    std::clock_t until = std::clock() + CLOCKS_PER_SEC;
+    std::clock_t until;
 };

@@ -29,6 +29,7 @@
 #include "support/platform/posix/closed_input.h"
 #include "support/platform/posix/fault.h"
 #include "support/platform/posix/open_descriptors.h"
+#include "support/rounds.h"
 
 namespace fs = std::filesystem;
 
@@ -352,7 +353,7 @@ TEST_F(SavedFile, TwoProgramsThatSaveAtOnceDoNotMix) {
         if (children[number] == 0)
             SaveForever(Name("file"), number * 1000);
     }
-    for (int look = 0; look < 300; ++look) {
+    for (eRounds looks(300, 300, 5); looks.Next();) {
         ASSERT_TRUE(IsWhole(folder.Read("file")));
         ::usleep(2000);
     }
