@@ -117,7 +117,7 @@ TEST_F(ReaderBounds, AWordOfAWholeFileInPlaceOfTheSignatureIsShownInPart) {
         ADD_FAILURE() << "no report";
     } catch (const xError::eException& failure) {
         EXPECT_EQ(failure.Report().message,
-                  "File signature mismatch (read '" + std::string(100, 'a') + "...' instead of 'scene')");
+                  "File signature mismatch (read '" + std::string(1000, 'a') + "...' instead of 'scene')");
     }
 }
 

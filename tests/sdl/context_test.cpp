@@ -220,20 +220,20 @@ TEST_F(Context, TakesTimeThatGrowsNoFasterThanTheSources) {
 }
 
 TEST_F(Context, ShowsTheNeighbourhoodOfThePlaceInALongLine) {
-    const std::string before(500, 'b');
-    const std::string behind(500, 'e');
+    const std::string before(5000, 'b');
+    const std::string behind(5000, 'e');
     const struct {
         std::string text;
         std::string shown;
     } rows[] = {
-        {std::string(97, 'b') + " 12 ", "1: " + std::string(97, 'b') + " 12\xAB "},
-        {std::string(98, 'b') + " 12 " + behind,
-         "1: ..." + std::string(97, 'b') + " 12\xAB " + std::string(99, 'e') + "..."},
-        {before + " 12\n3", "1: ..." + std::string(97, 'b') + " 12\xAB\n2: 3"},
-        {"12 " + std::string(99, 'e') + "\n3", "1: 12\xAB " + std::string(99, 'e') + "\n2: 3"},
-        {"12\n" + std::string(100, 'e'), "1: 12\xAB\n2: " + std::string(100, 'e')},
-        {"12\n" + std::string(101, 'e'), "1: 12\xAB\n2: " + std::string(100, 'e') + "..."},
-        {"1\n" + before + " 12 }", "2: ..." + std::string(97, 'b') + " 12\xAB }"},
+        {std::string(997, 'b') + " 12 ", "1: " + std::string(997, 'b') + " 12\xAB "},
+        {std::string(998, 'b') + " 12 " + behind,
+         "1: ..." + std::string(997, 'b') + " 12\xAB " + std::string(999, 'e') + "..."},
+        {before + " 12\n3", "1: ..." + std::string(997, 'b') + " 12\xAB\n2: 3"},
+        {"12 " + std::string(999, 'e') + "\n3", "1: 12\xAB " + std::string(999, 'e') + "\n2: 3"},
+        {"12\n" + std::string(1000, 'e'), "1: 12\xAB\n2: " + std::string(1000, 'e')},
+        {"12\n" + std::string(1001, 'e'), "1: 12\xAB\n2: " + std::string(1000, 'e') + "..."},
+        {"1\n" + before + " 12 }", "2: ..." + std::string(997, 'b') + " 12\xAB }"},
     };
     for (const auto& row : rows) {
         eSDLReader reader(File("a.sdl", row.text), nullptr);
@@ -251,17 +251,17 @@ TEST_F(Context, IsAsShortOnALineOfAnyLength) {
         text += "word ";
     eSDLReader reader(File("a.sdl", text), nullptr);
     for (int word = 0; word < 20'000; ++word)
-        EXPECT_LT(ContextOf([&] { reader.GetInt(); }).size(), 500u);
+        EXPECT_LT(ContextOf([&] { reader.GetInt(); }).size(), 2500u);
 }
 
 TEST_F(Context, LeavesGetContextWhole) {
-    const std::string text = "a " + std::string(1000, 'b') + "\n" + std::string(1000, 'c') + "\nd";
+    const std::string text = "a " + std::string(5000, 'b') + "\n" + std::string(5000, 'c') + "\nd";
     IO::eBufferStream stream(text);
     const std::vector<eSDLKeyword*> tables;
     eSDLParser parser("a.sdl", stream, tables, {}, nullptr);
     parser.Get();
-    EXPECT_EQ(parser.GetContext(), "1: a\xAB" + text.substr(1, 1002) + "2: " + text.substr(1003, 1001) + "3: d");
-    EXPECT_LT(parser.DSE_Full().size(), 300u);
+    EXPECT_EQ(parser.GetContext(), "1: a\xAB" + text.substr(1, 5002) + "2: " + text.substr(5003, 5001) + "3: d");
+    EXPECT_LT(parser.DSE_Full().size(), 2500u);
 }
 
 } // namespace

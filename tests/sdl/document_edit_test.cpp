@@ -313,6 +313,16 @@ TEST(DocumentEdit, WhatIsSavedIsTheText) {
     EXPECT_EQ(document.Text(), again.Text());
 }
 
+TEST(DocumentEdit, IsTakenFromAStreamThatWasBadAlready) {
+    const std::string text = "{a 1}";
+    IO::eBufferStream stream(text);
+    stream.Enable(IO::StreamMode::Bad);
+    eSDLDocument document;
+    EXPECT_TRUE(document.Open(stream));
+    EXPECT_FALSE(document.Failure());
+    EXPECT_EQ(document.Text(), text);
+}
+
 TEST(DocumentEdit, WhatCannotBeReadOrSavedIsAFailure) {
     const eTempFolder folder;
     const eFileName missing(folder.Name("missing/a.sdl"));

@@ -46,6 +46,14 @@ TEST(JsonStreams, ADocumentIsTakenFromTheInputsPositionAndWrittenAtTheOutputs) {
     EXPECT_EQ(TextOf(output), "; made\r\n{a\r\n\t1\r\n\t\"x\"\r\n}\r\n");
 }
 
+TEST(JsonStreams, ADocumentIsTakenFromAStreamThatWasBadAlready) {
+    IO::eMemoryStream input = StreamOf("{\"a\": 1}");
+    input.Enable(IO::StreamMode::Bad);
+    IO::eMemoryStream output;
+    EXPECT_TRUE(JsonStreamToSdl(input, output));
+    EXPECT_EQ(TextOf(output), "{a 1}\r\n");
+}
+
 TEST(JsonStreams, ARefusedDocumentIsAWarningAndWritesNothing) {
     const eReports reports;
     IO::eMemoryStream input = StreamOf("{\"a\": }");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <qzl_io/sdl/parser.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstddef>
@@ -630,21 +631,44 @@ TEST(SdlParser, HasNoPlaceToShowWhileItsTextIsStillBeingRead) {
     EXPECT_EQ(reports.errors()[1].message, "cut.sdl - read error!");
 }
 
-TEST(SdlParser, DoesNotTakeABadStreamForAWholeText) {
+// An earlier call has asked for too much.
+TEST(SdlParser, ReadsAStreamThatWasBadAlready) {
     eTurningCipher cipher;
     const auto notOwned = [](eSDLCipher*) {};
-    for (const char* name : {"bad.sdl", ""})
-        for (const bool enciphered : {false, true}) {
-            const std::string text = "1 2 3";
-            IO::eBufferStream stream(text);
-            stream.Enable(IO::StreamMode::Bad);
-            const std::vector<eSDLKeyword*> tables;
-            const std::shared_ptr<eSDLCipher> used(enciphered ? &cipher : nullptr, notOwned);
-            const auto load = [&] { eSDLParser parser(name, stream, tables, {}, used); };
-            EXPECT_EQ(FailureOf(load), (eFailure{"internal/src/bios/qzl_io/sdl_parser", 120,
-                                                 (*name ? name : std::string("Stream")) + " - read error!"}));
-            EXPECT_NE(ContextOf(load).find("The source could not be read to its end."), std::string::npos);
-        }
+    for (const bool enciphered : {false, true}) {
+        std::string text = "1 2 3";
+        if (enciphered)
+            std::transform(text.begin(), text.end(), text.begin(), [](char byte) { return static_cast<char>(~byte); });
+        IO::eBufferStream stream(text);
+        stream.Enable(IO::StreamMode::Bad);
+        const std::vector<eSDLKeyword*> tables;
+        const std::shared_ptr<eSDLCipher> used(enciphered ? &cipher : nullptr, notOwned);
+        eSDLParser parser("n", stream, tables, {}, used);
+        eTextParser plain("1 2 3");
+        EXPECT_EQ(DumpAll(parser), DumpAll(plain));
+        EXPECT_TRUE(stream.Enabled(IO::StreamMode::Bad));
+    }
+}
+
+TEST(SdlParser, DoesNotTakeAStreamForAWholeTextThatEndsEarly) {
+    eTurningCipher cipher;
+    const auto notOwned = [](eSDLCipher*) {};
+    const unsigned char bytes[] = {'1', ' ', '2', ' '};
+    for (const bool wasBad : {false, true})
+        for (const char* name : {"bad.sdl", ""})
+            for (const bool enciphered : {false, true}) {
+                IO::eBufferStream stream(bytes, sizeof bytes, sizeof bytes + 5);
+                stream.Disable(IO::StreamMode::Errors);
+                if (wasBad)
+                    stream.Enable(IO::StreamMode::Bad);
+                const std::vector<eSDLKeyword*> tables;
+                const std::shared_ptr<eSDLCipher> used(enciphered ? &cipher : nullptr, notOwned);
+                const auto load = [&] { eSDLParser parser(name, stream, tables, {}, used); };
+                EXPECT_EQ(FailureOf(load), (eFailure{"internal/src/bios/qzl_io/sdl_parser", 120,
+                                                     (*name ? name : std::string("Stream")) + " - read error!"}));
+                stream.Seek(0, IO::eSeekDir::Begin);
+                EXPECT_NE(ContextOf(load).find("The source could not be read to its end."), std::string::npos);
+            }
 }
 
 TEST(SdlParser, ShowsItsPlaceAtTheEdgesOfTheText) {

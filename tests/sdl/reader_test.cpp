@@ -792,6 +792,18 @@ TEST(SdlReader, ArgumentListsGiveTheseParameters) {
     }
 }
 
+// Only an identifier begins the list by place; a keyword is a name like others.
+TEST(SdlReader, AnArgumentListMayBeginWithTheKeywordArgs) {
+    static eSDLKeyword* table = nullptr;
+    static const eSDLKeyword args(table, "args", 1);
+    eOpenReader reader("args(1) size(2)) 9");
+    reader.PushKeywords(table);
+    std::map<eStringKey, eStringKey> parameters;
+    reader.GetParameters(&parameters);
+    EXPECT_EQ(parameters, (std::map<eStringKey, eStringKey>{{"args", "1"}, {"size", "2"}}));
+    EXPECT_EQ(reader.GetInt(), 9);
+}
+
 TEST(SdlReader, AnArgumentListMustEnd) {
     const eFailure unclosed = ReaderFailure(510, "')' required");
     for (const char* text : {"args 1 2", "args 1 $)", "args \"x\n)", "size(1) 5)", "5)", "", "size(1)", "}"}) {

@@ -72,7 +72,7 @@ public:
     std::string DSE_Title() const override;
     // ", " and the line number.
     std::string DSE_Brief() const override;
-    // GetContext, with at most 100 characters of a line on either side of the place ("..." stands for the rest); or
+    // GetContext, with at most 1000 characters of a line on either side of the place ("..." stands for the rest); or
     // that the file could not be opened or read, and why.
     std::string DSE_Full() const override;
 
@@ -139,7 +139,7 @@ private:
 
     void ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport);
     void DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher, const eBeforeReport& beforeReport);
-    void CheckRead(const IO::eStream& stream, const eBeforeReport& beforeReport);
+    void FailToRead(const IO::eStream& stream, const eBeforeReport& beforeReport);
     void EndText();
     void Rewind();
     void PlacePlainNumbers();

@@ -123,8 +123,8 @@ constexpr char kOpenError[] = "%1% - open error!";
 std::string ReadStream(eFileAtWork* file, IO::eStream& stream, const eJsonLimits& limits) {
     if (stream.Remaining() > limits.bytes)
         throw std::length_error("Json size limit exceeded!");
-    std::string text = IO::ReadText(stream, static_cast<std::size_t>(stream.Remaining()), kRoomAfterJson);
-    if (stream.Enabled(IO::StreamMode::Bad))
+    std::string text;
+    if (!IO::ReadText(stream, static_cast<std::size_t>(stream.Remaining()), kRoomAfterJson, &text))
         file->Fail("%1% - read error!", stream.Failure().text);
     if (json_text::IsDeeper(text, limits.depth))
         throw std::length_error("Json depth limit exceeded!");

@@ -419,15 +419,11 @@ bool eSDLDocument::Take(IO::eStream& stream, std::string name, const eSDLLimits&
     IO::eFailure failure;
     std::string text;
     if (!stream.IsOpen())
-        failure = {0, "The file could not be opened."};
+        failure = IO::FailureOf(stream, "The file could not be opened.");
     else if (stream.Remaining() > limits.sourceBytes)
         failure = {0, eDocumentBody::kSourceLimit};
-    else
-        text = IO::ReadText(stream, static_cast<std::size_t>(stream.Remaining()), xSDL::kTextEnd);
-    if (const IO::eFailure told = stream.Failure())
-        failure = told;
-    if (stream.Enabled(IO::StreamMode::Bad) && !failure)
-        failure = {0, "The source could not be read to its end."};
+    else if (!IO::ReadText(stream, static_cast<std::size_t>(stream.Remaining()), xSDL::kTextEnd, &text))
+        failure = IO::FailureOf(stream, "The source could not be read to its end.");
     if (failure)
         text.clear();
     body = std::make_unique<eDocumentBody>(std::move(text), std::move(name), limits);

@@ -35,7 +35,7 @@ constexpr std::size_t kContextLines = 5;
 constexpr char kContextMark = '\xAB';
 
 // Characters of a line that a report shows on either side of the place, as a whole text may be one line.
-constexpr std::size_t kShown = 100;
+constexpr std::size_t kShown = 1000;
 
 std::size_t CountOf(std::string_view pattern, std::string_view source) {
     std::size_t count = 0;
@@ -50,12 +50,6 @@ void AppendReplaced(std::string_view source, std::string_view pattern, std::stri
     for (std::size_t at; (at = source.find(pattern, from)) != std::string_view::npos; from = at + pattern.size())
         text->append(source, from, at - from).append(value);
     text->append(source, from);
-}
-
-// Why the stream did not give its bytes; that of an application may not tell.
-std::string ReasonOf(const IO::eStream& stream, const char* otherwise) {
-    const IO::eFailure failure = stream.Failure();
-    return failure ? failure.text : otherwise;
 }
 
 // The text of a block start is its mark without the first #.
@@ -123,7 +117,7 @@ eSDLParser::eSDLParser(const std::string& parserName, IO::eStream& stream, const
       sourceLimit(limits.sourceBytes) {
     // The source is empty instead of an error: the reader reports if it misses something, and the reason is shown then.
     if (!stream.IsOpen())
-        failure = ReasonOf(stream, "The file could not be opened.");
+        failure = IO::FailureOf(stream, "The file could not be opened.").text;
     const auto size = static_cast<std::size_t>(stream.Remaining());
     RequireSourceOf(size, beforeReport);
     if (cipher)
@@ -154,10 +148,8 @@ void eSDLParser::LimitTokens(unsigned long long bytes) {
         current.Limit(static_cast<std::size_t>(bytes));
 }
 
-void eSDLParser::CheckRead(const IO::eStream& stream, const eBeforeReport& beforeReport) {
-    if (stream.Disabled(IO::StreamMode::Bad))
-        return;
-    failure = ReasonOf(stream, "The source could not be read to its end.");
+void eSDLParser::FailToRead(const IO::eStream& stream, const eBeforeReport& beforeReport) {
+    failure = IO::FailureOf(stream, "The source could not be read to its end.").text;
     xError::eDiagnostic diagnostic = Diagnose((format("%1% - read error!") % (isFile ? name : "Stream")).str(), {});
     diagnostic.notes.push_back({failure, {}});
     Fail(ParserReport::kReadErrorLine, std::move(diagnostic), beforeReport);
@@ -207,20 +199,21 @@ eSDLParser::~eSDLParser() {
 // Reserves room for all of it at once, so that nothing is copied twice and the advice on pages is given before they are
 // first touched.
 void eSDLParser::ReadText(IO::eStream& stream, std::size_t size, const eBeforeReport& beforeReport) {
-    text = IO::ReadText(stream, size, xSDL::kTextEnd);
-    CheckRead(stream, beforeReport);
+    if (!IO::ReadText(stream, size, xSDL::kTextEnd, &text))
+        FailToRead(stream, beforeReport);
     EndText();
 }
 
 // A cipher may claim to have written more than there was room for; the excess is ignored.
 void eSDLParser::DecodeText(IO::eStream& stream, std::size_t size, eSDLCipher& cipher,
                             const eBeforeReport& beforeReport) {
-    const auto encoded = std::make_unique<char[]>(size);
-    stream.Read(encoded.get(), size);
-    CheckRead(stream, beforeReport);
+    std::string encoded;
+    if (!IO::ReadText(stream, size, 0, &encoded))
+        FailToRead(stream, beforeReport);
+    encoded.resize(size);
     text.reserve(size + xSDL::kTextEnd);
     text.resize(size);
-    text.resize(std::min(cipher.Encode(text.data(), size, encoded.get(), size), size));
+    text.resize(std::min(cipher.Encode(text.data(), size, encoded.data(), size), size));
     EndText();
 }
 

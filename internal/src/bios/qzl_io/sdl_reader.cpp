@@ -814,8 +814,7 @@ eSDLParser& eSDLReader::Parser() const {
 void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
     Cut();
     const eSDLParser& parser = *parsers.back();
-    if (const eSDLParserLexType type = parser.current.Type();
-        (type == sdlIdent || type == sdlKeyword) && parser.current.Text() == "args")
+    if (parser.current.Type() == sdlIdent && parser.current.Text() == "args")
         TakePositional(parameters);
     else
         TakeNamed(parameters);

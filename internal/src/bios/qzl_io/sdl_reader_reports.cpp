@@ -33,10 +33,9 @@ constexpr int kComplaintLine = 640;
 using eNote = xError::eDiagnostic::eNote;
 
 // Of a text that may be a whole source, what a message shows.
-std::string BeginningOf(std::string_view text) {
-    constexpr std::size_t kMostShown = 100;
-    std::string shown(text.substr(0, kMostShown));
-    if (text.size() > kMostShown)
+std::string BeginningOf(std::string_view text, std::size_t most = 100) {
+    std::string shown(text.substr(0, most));
+    if (text.size() > most)
         shown += "...";
     return shown;
 }
@@ -236,7 +235,7 @@ void eSDLReader::Fail(const xSDL::eCheck& check) {
 
 void eSDLReader::FailSignature(const std::string& read, const std::string& expected) {
     xError::eDiagnostic diagnostic =
-        Diagnose("File signature mismatch (read '" + BeginningOf(read) + "' instead of '" + expected + "')",
+        Diagnose("File signature mismatch (read '" + BeginningOf(read, 1000) + "' instead of '" + expected + "')",
                  "the word '" + xSDL::WellFormed(expected) + "'");
     diagnostic.suggestion = NearestOf({expected}, read);
     Fail(kSignatureMismatchLine, std::move(diagnostic));

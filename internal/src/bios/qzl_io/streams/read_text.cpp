@@ -21,16 +21,28 @@ std::string EmptyText(std::size_t capacity) {
     return text;
 }
 
-std::string ReadText(eStream& stream, std::size_t size, std::size_t room) {
-    std::string text = EmptyText(size + room);
-    auto done = static_cast<std::size_t>(stream.AppendTo(&text, size));
-    while (done < size && stream.Disabled(StreamMode::Bad)) {
+bool ReadText(eStream& stream, std::size_t size, std::size_t room, std::string* text) {
+    const unsigned long long start = stream.Position();
+    const bool wasBad = stream.Enabled(StreamMode::Bad);
+    std::size_t done = 0;
+    const auto isWhole = [&] {
+        const bool failed = stream.Enabled(StreamMode::Bad) && (!wasBad || stream.Failure());
+        return !failed && stream.Position() - start == done;
+    };
+    *text = EmptyText(size + room);
+    done = static_cast<std::size_t>(stream.AppendTo(text, size));
+    while (done < size && isWhole()) {
         const std::size_t piece = std::min(size - done, kPiece);
-        text.resize(done + piece);
-        stream.Read(text.data() + done, piece);
+        text->resize(done + piece);
+        stream.Read(text->data() + done, piece);
         done += piece;
     }
-    return text;
+    return isWhole();
+}
+
+eFailure FailureOf(const eStream& stream, const char* otherwise) {
+    const eFailure failure = stream.Failure();
+    return failure ? failure : eFailure{0, otherwise};
 }
 
 } // namespace IO

@@ -11,8 +11,12 @@ namespace IO {
 // An empty text with memory for `capacity` bytes.
 std::string EmptyText(std::size_t capacity);
 
-// The next `size` bytes of the stream, in a text with memory for `room` more. If the stream is or becomes bad, the text
-// may be shorter, or end with bytes that were not read.
-std::string ReadText(eStream& stream, std::size_t size, std::size_t room);
+// Makes the text the next `size` bytes of the stream, with memory for `room` more. False if they cannot be read, or the
+// stream has lost bytes before; the text may then be shorter, or end with bytes that were not read. That an earlier
+// call asked for too much does not matter.
+bool ReadText(eStream& stream, std::size_t size, std::size_t room, std::string* text);
+
+// Why the stream did not give its bytes; one of an application may not tell.
+eFailure FailureOf(const eStream& stream, const char* otherwise);
 
 } // namespace IO
