@@ -59,7 +59,9 @@ public:
     bool IsRoot() const noexcept; // begins with "/"
 
     // Assigns the piece to the target, which may be this name. A number that is not an eFileNameItem changes nothing.
-    void GetItemTo(eFileNameBase* target, eFileNameItem item) const { GetItem(&target->text, item); }
+    const eFileNameBase& GetItemTo(eFileNameBase* target, eFileNameItem item) const {
+        return GetItem(&target->text, item), *this;
+    }
 
     // Comparisons are exact, character by character.
     bool operator==(const eFileNameBase& other) const noexcept { return text == other.text; }
@@ -81,7 +83,7 @@ public:
     bool empty() const noexcept { return text.empty(); }
     unsigned long long length() const noexcept { return text.size(); } // in characters
     unsigned long long size() const noexcept { return text.size(); }
-    void clear() noexcept { text.clear(); }
+    eFileNameBase& clear() noexcept { return text.clear(), *this; }
 
 protected:
     eFileNameBase() = default;
@@ -115,7 +117,7 @@ class QZL_IO_API eFileName : public eFileNameBase<char> {
 public:
     eFileName() = default;
     eFileName(const eFileName& other) : eFileNameBase(other) { Validate(); }
-    eFileName(eFileName&& other) noexcept = default; // the text unchanged
+    eFileName(eFileName&& other) noexcept : eFileNameBase(std::move(other)) { Validate(); }
     eFileName(const eText& other) { Set(other); }
     eFileName(const char* other) { Set(other); }
     eFileName(std::same_as<std::string_view> auto other) { Set(eText(other)); }
@@ -128,6 +130,8 @@ public:
 
     // Valid are the ASCII letters and digits, the characters [](){}@$%^-+._ ! and the blank; no byte from 128 up.
     bool IsCharValidForName(char character) const override;
+
+    eFileName& clear() noexcept { return eFileNameBase::clear(), *this; }
 
     // Makes the name a folder: appends "/" unless the text ends in one. The empty text becomes "/".
     eFileName& Path() { return eFileNameBase::Path(), *this; }
@@ -178,7 +182,7 @@ class QZL_IO_API eFileNameW : public eFileNameBase<wchar_t> {
 public:
     eFileNameW() = default;
     eFileNameW(const eFileNameW& other) : eFileNameBase(other) { Validate(); }
-    eFileNameW(eFileNameW&& other) noexcept = default; // the text unchanged
+    eFileNameW(eFileNameW&& other) noexcept : eFileNameBase(std::move(other)) { Validate(); }
     eFileNameW(const eText& other) { Set(other); }
     eFileNameW(const wchar_t* other) { Set(other); }
     eFileNameW(std::same_as<std::wstring_view> auto other) { Set(eText(other)); }
@@ -191,6 +195,8 @@ public:
 
     // Valid is every character except \ / : * ? " < > and |.
     bool IsCharValidForName(wchar_t character) const override;
+
+    eFileNameW& clear() noexcept { return eFileNameBase::clear(), *this; }
 
     // Makes the name a folder: appends "/" unless the text ends in one. The empty text becomes "/".
     eFileNameW& Path() { return eFileNameBase::Path(), *this; }

@@ -188,6 +188,18 @@ TEST(FileStream, AnOpenErrorThatThrowsLeavesTheStreamFailed) {
     EXPECT_NE(reports.errors()[0].line, reports.errors()[1].line) << "each check has its own line";
 }
 
+TEST(FileStream, AFlagThatAHandlerClearsStaysClearWhenOpeningSucceeds) {
+    const eTempFolder folder;
+    eFile stream;
+    const xError::eErrorHandlerGuard handler([&](const xError::eReport&) {
+        stream.Disable(Mode::Errors);
+        folder.Write("file", "abc");
+    });
+    stream.Open(folder.Name("file"), Mode::Read | Mode::Errors);
+    EXPECT_TRUE(stream.IsOpen());
+    EXPECT_EQ(stream.Flags(), Mode::Read);
+}
+
 TEST(FileStream, TheBufferHas32768BytesOrAShortReadOnlyFilesLength) {
     const eTempFolder folder;
     struct eRow {

@@ -185,7 +185,7 @@ constexpr bool IsName() {
     static_assert(Is<Name (Name::*)(const Name&) const>(&Name::GetAdd));
     static_assert(Is<Name& (Name::*)(eFileNameItem)>(&Name::Item));
     static_assert(Is<Name (Name::*)(eFileNameItem) const>(&Name::GetItem));
-    static_assert(Is<void (eBase::*)(eBase*, eFileNameItem) const>(&Name::GetItemTo));
+    static_assert(Is<const eBase& (eBase::*)(eBase*, eFileNameItem) const>(&Name::GetItemTo));
     static_assert(Is<bool (eBase::*)() const>(&Name::IsPath) && Is<bool (eBase::*)() const>(&Name::IsRoot));
     static_assert(Is<bool (eBase::*)() const>(&Name::IsValidName));
     static_assert(Is<bool (Name::*)(T) const>(&Name::IsCharValidForName));
@@ -193,7 +193,7 @@ constexpr bool IsName() {
     static_assert(Is<bool (eBase::*)(const eBase&) const>(&Name::operator!=));
     static_assert(Is<bool (eBase::*)(const eBase&) const>(&Name::operator<));
     static_assert(Is<const T* (eBase::*)() const>(&Name::c_str) && Is<const eText& (eBase::*)() const>(&Name::str));
-    static_assert(Is<bool (eBase::*)() const>(&Name::empty) && Is<void (eBase::*)()>(&Name::clear));
+    static_assert(Is<bool (eBase::*)() const>(&Name::empty) && Is<Name& (Name::*)()>(&Name::clear));
     static_assert(Is<u64 (eBase::*)() const>(&Name::length) && Is<u64 (eBase::*)() const>(&Name::size));
     return true;
 }

@@ -166,7 +166,8 @@ void eFileStreamBase::Open(int mode) {
         const eReportedStream context(*this);
         CreateHandleError();
     }
-    flags = static_cast<unsigned short>(mode);
+    if (!(mode & StreamMode::Failed))
+        Disable(StreamMode::Failed);
     means = &eDirectWays::kMeans;
     CreateBuffer(writes ? kLargestBuffer : std::min(length, kLargestBuffer), length);
     Underflow();
@@ -220,8 +221,10 @@ void eFileStreamBase::Detach() {
     const long long length = Distance(buffer, eos);
     const long long position = Distance(buffer, ptr);
     unsigned char* const block = NewBlock(bufferSize);
-    if (block)
+    if (block) {
         std::memcpy(block, buffer, held);
+        std::memset(block + held, 0, bufferSize - held);
+    }
     UseBlock(block, bufferSize, static_cast<unsigned long long>(length));
     SetCapacity(held);
     MoveTo(Shifted(buffer, static_cast<unsigned long long>(position)));

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <functional>
+#include <new>
 #include <random>
 #include <string>
 
@@ -269,6 +271,26 @@ TEST_F(LostBytes, AFileThatWasShortForAMomentKeepsWhatAnotherProgramWroteMeanwhi
     stream << 0x64636261;
     stream.Close();
     EXPECT_TRUE(folder.Read("file") == news.substr(0, 60'004) + "abcd" + news.substr(60'008));
+}
+
+// The stream's new buffer stands where the heap has just had other data.
+TEST_F(LostBytes, AStreamThatLeavesASharedBufferWritesNothingElseOfTheHeap) {
+    IO::eFileStream stream(folder.Write("file", Letters(100, 'f')), Mode::Read | Mode::Write);
+    folder.Write("file", "short");
+    stream.Fresh();
+    IO::eFileStream copy(stream);
+    constexpr std::align_val_t kAlignment{64};
+    constexpr std::size_t kBuffer = 32'768;
+    void* const other = ::operator new(kBuffer, kAlignment);
+    std::memset(other, 'S', kBuffer);
+    ::operator delete(other, kAlignment);
+    stream.Seek(0, IO::eSeekDir::End);
+    stream.Seek(5100, IO::eSeekDir::Begin);
+    stream << '!';
+    stream.Close();
+    const std::string content = folder.Read("file");
+    EXPECT_EQ(content.size(), 5101u);
+    EXPECT_EQ(content.find('S'), content.npos);
 }
 
 TEST_F(LostBytes, ACopyOfAFileThatCannotBeReadEndsWithWhatArrived) {
