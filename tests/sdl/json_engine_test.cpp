@@ -21,6 +21,12 @@ using testing::HasSubstr;
 
 constexpr const char* kRefused = "refused";
 
+#ifdef _WIN32
+constexpr bool kOnWindows = true;
+#else
+constexpr bool kOnWindows = false;
+#endif
+
 std::string Converted(std::string_view json) {
     IO::eBufferStream input(json);
     IO::eMemoryStream output;
@@ -55,6 +61,9 @@ TEST(JsonEngine, DecidesWhatIsAcceptedBeyondJson) {
         {"a leading zero below zero", "[-01]", true, false},
         {"a comment to the line's end", "[1] // one", true, false},
         {"a comment", "[/* one */ 1]", true, false},
+        {"a vertical tab between values", "[\v1]", true, false},
+        {"a form feed between values", "[1\f]", true, false},
+        {"a blank of Unicode between values", "[1\xC2\xA0]", kOnWindows, false},
         {"a control character in a string", "[\"a\tb\"]", false, false},
         {"a comma at the end", "[1,]", false, false},
         {"single quotes", "['a']", false, false},

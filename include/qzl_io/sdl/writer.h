@@ -72,7 +72,8 @@ public:
         virtual void WriteIdent(const char* name, int id) = 0;
         // Writes "#" and the text: directly after a block's opening, the block's mark. An empty text writes nothing.
         virtual void WriteHashed(const char* text) = 0;
-        // Writes the text to `target`, through `cipher` if there is one, and empties it.
+        // Writes the text to `target`, through `cipher` if there is one, and empties it. Until it returns, neither the
+        // cipher nor a handler of what the target reports may write to this text.
         virtual void Flush(IO::eStream* target, std::shared_ptr<eSDLCipher> cipher) = 0;
         // Called directly after a block's header: the block is removed if nothing else is written before it closes. In
         // this class, does nothing.
@@ -120,7 +121,8 @@ public:
     IO::eFailure Failure() const { return document->failure; }
 
     // Writes the text to the target. A file that cannot be saved is reported as a warning with the system's reason; it
-    // then has its old content. May be called again.
+    // then has its old content. (On Windows, a file that is still open elsewhere after half a second cannot be saved
+    // unless it was opened to be deleted meanwhile.) May be called again.
     void Close();
 
     // What is certain when `Close` has saved a file that was opened by name; OnDisk unless told otherwise.
@@ -194,7 +196,7 @@ private:
         ~eDocument();
 
         std::unique_ptr<eTarget> target;
-        std::unique_ptr<eWriteStream> text;
+        std::shared_ptr<eWriteStream> text;
         IO::eFailure failure;
     };
 
@@ -223,7 +225,7 @@ eSDLWriter& operator<<(eSDLWriter& writer, const T& path) {
 
 // The text of a writer. Every item passes one separator step, which writes a pending line break with its indentation,
 // or a pending blank.
-class QZL_IO_API eSDLTextStream : public eSDLWriter::eWriteStream {
+class QZL_IO_API eSDLTextStream : public eSDLWriter::eWriteStream, public std::enable_shared_from_this<eSDLTextStream> {
 public:
     eSDLTextStream();
     ~eSDLTextStream() override;
@@ -252,6 +254,7 @@ private:
     char* MakeRoom(unsigned long long room);
     void Resize(unsigned long long capacity);
     char* PutEscapedAt(char* to, std::string_view characters);
+    void WriteInvalid(float value);
     void PutStructure(char character);
     void OpenBlock();
     void CloseBlock();

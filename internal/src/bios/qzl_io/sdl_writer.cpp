@@ -181,11 +181,18 @@ QZL_IO_NOINLINE char* eSDLTextStream::PutEscapedAt(char* to, std::string_view ch
 void eSDLTextStream::WriteFloat(float value) {
     end = Separate(kNumberTextRoom);
     if (!std::isfinite(value)) {
-        WarnOfInvalid(value);
-        value = 0;
+        WriteInvalid(value);
+        return;
     }
     end = PutFloat(end, value);
     layout |= kSpacePending;
+}
+
+// The warning's handler may write to this text, flush it, or close its writer, who then leaves it.
+QZL_IO_NOINLINE void eSDLTextStream::WriteInvalid(float value) {
+    const std::shared_ptr<eSDLTextStream> kept = weak_from_this().lock();
+    WarnOfInvalid(value);
+    eSDLTextStream::WriteFloat(0);
 }
 
 void eSDLTextStream::WriteInt(int value) {
@@ -371,7 +378,7 @@ private:
     eName name;
 };
 
-eSDLWriter::eDocument::eDocument() : text(std::make_unique<eRefusingText>()) {}
+eSDLWriter::eDocument::eDocument() : text(std::make_shared<eRefusingText>()) {}
 eSDLWriter::eDocument::eDocument(eDocument&&) noexcept = default;
 eSDLWriter::eDocument& eSDLWriter::eDocument::operator=(eDocument&&) noexcept = default;
 eSDLWriter::eDocument::~eDocument() = default;
@@ -439,7 +446,7 @@ void eSDLWriter::Start(std::unique_ptr<eTarget> target, IO::eFailure failure) {
     auto started = std::make_shared<eDocument>();
     started->target = std::move(target);
     started->failure = std::move(failure);
-    started->text = std::make_unique<eSDLTextStream>();
+    started->text = std::make_shared<eSDLTextStream>();
     document = std::move(started);
 }
 
@@ -460,10 +467,12 @@ bool eSDLWriter::Open(const eFileNameW& path) {
     return Opened();
 }
 
-// The document counts as closed from the start: if writing it throws, nothing is written twice.
+// The document counts as closed from the start: if writing it throws, nothing is written twice, and a handler of what
+// it reports may open the writer again.
 void eSDLWriter::Close() {
-    eDocument closing = std::exchange(*document, eDocument());
-    IO::eFailure& failure = document->failure;
+    const std::shared_ptr<eDocument> closed = document;
+    eDocument closing = std::exchange(*closed, eDocument());
+    IO::eFailure& failure = closed->failure;
     if (!closing.target) {
         failure = std::move(closing.failure);
         return;
