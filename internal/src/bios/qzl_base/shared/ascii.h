@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
+#include <string>
+
 // ASCII characters, whatever the locale. Bytes from 128 up belong to no class.
 
 namespace ascii {
@@ -11,6 +13,16 @@ constexpr bool IsDigit(char c) {
 
 constexpr char ToLower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+inline void LowerCase(std::string* text) {
+    for (char& c : *text)
+        c = ToLower(c);
+}
+
+inline std::string LowerCased(std::string text) {
+    LowerCase(&text);
+    return text;
 }
 
 // The value of a hexadecimal digit of either case; -1 for any other character.

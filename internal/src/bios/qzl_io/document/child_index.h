@@ -51,9 +51,7 @@ public:
 
     // Good until the next call.
     ePlaces& Of(const eSpot& block, eCounted what, std::string_view name) {
-        eKey key{block, what, std::string(name)};
-        for (char& character : std::get<std::string>(key))
-            character = ascii::ToLower(character);
+        eKey key{block, what, ascii::LowerCased(std::string(name))};
         const auto known = blocks.find(key);
         if (known != blocks.end())
             return known->second;

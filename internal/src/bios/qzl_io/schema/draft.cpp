@@ -128,20 +128,15 @@ private:
     }
 
     std::size_t ChildOf(std::size_t index, const std::string& name) {
-        const auto found = byName.find({index, Folded(name)});
+        const auto found = byName.find({index, ascii::LowerCased(name)});
         if (found != byName.end())
             return found->second;
         const std::size_t child = seen.size();
         seen.emplace_back().name = name;
         seen[child].depth = seen[index].depth + 1;
         seen[index].children.push_back(child);
-        byName.emplace(std::pair(index, Folded(name)), child);
+        byName.emplace(std::pair(index, ascii::LowerCased(name)), child);
         return child;
-    }
-
-    static std::string Folded(std::string name) {
-        std::transform(name.begin(), name.end(), name.begin(), ascii::ToLower);
-        return name;
     }
 
     static eSDLWriter& Open(eSDLWriter& writer, const char* name) {
