@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <qzl_io/sdl/reader.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <new>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -14,10 +12,8 @@
 #include <qzl_base/format.h>
 #include <qzl_base/thread_storage.h>
 #include <qzl_io/detail/compiler.h>
-#include <qzl_io/streams.h>
 
 #include "qzl_base/shared/ascii.h"
-#include "sdl/calculation.h"
 #include "sdl/cutter.h"
 #include "sdl/number.h"
 #include "sdl/skim.h"
@@ -27,32 +23,6 @@ namespace {
 
 using xSDL::eCheck;
 namespace Checks = xSDL::Checks;
-
-using eBefore = xSDL::eCurrentToken::eBefore;
-
-// Each thread's state from before the control block that is being calculated.
-eCriticalResource<eBefore> stateBeforeControlBlock;
-
-// Keeps a state there during its lifetime; its text may be a large one.
-class eKeptState {
-public:
-    explicit eKeptState(eBefore state) { stateBeforeControlBlock.Get() = std::move(state); }
-    ~eKeptState() { Take(); }
-    eKeptState(const eKeptState&) = delete;
-    eKeptState& operator=(const eKeptState&) = delete;
-
-    static eBefore Take() { return std::exchange(stateBeforeControlBlock.Get(), {}); }
-};
-
-void LowerCase(std::string* text) {
-    for (char& c : *text)
-        c = ascii::ToLower(c);
-}
-
-std::string LowerCased(std::string text) {
-    LowerCase(&text);
-    return text;
-}
 
 // What a report of a number out of range expects.
 template <class T>
@@ -70,14 +40,6 @@ std::string RangeOf() {
 std::string_view NumberText(const xSDL::eCurrentToken& token) {
     const bool calculated = token.Type() == sdlFloat && token.Place() == xSDL::eCurrentToken::ePlace::Own;
     return calculated ? token.Text() : token.SourceText();
-}
-
-template <class Name>
-std::unique_ptr<IO::eStream> OpenSource(const Name& file) {
-    std::unique_ptr<IO::eStream> stream(IO::GetStream(file, IO::StreamMode::Read));
-    if (!stream)
-        throw std::bad_alloc();
-    return stream;
 }
 
 } // namespace
@@ -128,72 +90,6 @@ private:
     std::vector<std::shared_ptr<eUnopened>> unopened;
 };
 
-eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
-    : eSDLReader(file, signature, std::move(sourceCipher), eSDLLimits()) {}
-
-eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher)
-    : eSDLReader(file, signature, std::move(sourceCipher), eSDLLimits()) {}
-
-eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher)
-    : eSDLReader(file, table, std::move(sourceCipher), eSDLLimits()) {}
-
-eSDLReader::eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> sourceCipher)
-    : eSDLReader(file, std::move(sourceCipher), eSDLLimits()) {}
-
-eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourceCipher)
-    : eSDLReader(file, std::move(sourceCipher), eSDLLimits()) {}
-
-eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher)
-    : eSDLReader(stream, std::move(sourceCipher), eSDLLimits()) {}
-
-eSDLReader::eSDLReader(const eFileName& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher,
-                       const eSDLLimits& most)
-    : cipher(std::move(sourceCipher)), sourceLimits(most) {
-    Init();
-    PushParser(NewParser(file, {}));
-    signatureBlock = true;
-    CheckSignature(signature, Checks::kFileNotSDL);
-}
-
-eSDLReader::eSDLReader(const eFileNameW& file, const char* signature, std::shared_ptr<eSDLCipher> sourceCipher,
-                       const eSDLLimits& most)
-    : cipher(std::move(sourceCipher)), sourceLimits(most) {
-    Init();
-    PushParser(NewParser(file));
-    signatureBlock = true;
-    CheckSignature(signature, Checks::kWideFileNotSDL);
-}
-
-eSDLReader::eSDLReader(const eFileName& file, eSDLKeyword* table, std::shared_ptr<eSDLCipher> sourceCipher,
-                       const eSDLLimits& most)
-    : cipher(std::move(sourceCipher)), sourceLimits(most) {
-    Init();
-    PushParser(NewParser(file, {}));
-    PushKeywords(table);
-}
-
-eSDLReader::eSDLReader(const eFileName& file, std::shared_ptr<eSDLCipher> sourceCipher, const eSDLLimits& most)
-    : cipher(std::move(sourceCipher)), sourceLimits(most) {
-    Init();
-    PushParser(NewParser(file, {}));
-}
-
-eSDLReader::eSDLReader(const eFileNameW& file, std::shared_ptr<eSDLCipher> sourceCipher, const eSDLLimits& most)
-    : cipher(std::move(sourceCipher)), sourceLimits(most) {
-    Init();
-    PushParser(NewParser(file));
-}
-
-eSDLReader::eSDLReader(IO::eStream* stream, std::shared_ptr<eSDLCipher> sourceCipher, const eSDLLimits& most)
-    : cipher(std::move(sourceCipher)), sourceLimits(most) {
-    Init();
-    PushParser(new eSDLParser({}, *stream, keywords, {}, cipher.get(), sourceLimits, EnteringSources(parsers.size())));
-}
-
-eSDLReader::eSDLReader(const eSDLReader& other) = default;
-
-eSDLReader& eSDLReader::operator=(const eSDLReader& other) = default;
-
 // Only the last of several copies expects the end. Whatever the report does, the sources close, the innermost first.
 eSDLReader::~eSDLReader() noexcept(false) {
     struct eParsersCloser {
@@ -226,17 +122,11 @@ void eSDLReader::ReportOnce() {
     parsers.front()->reportsOnce = true;
 }
 
-void eSDLReader::Init() {
-    signatureBlock = false;
-    checkAtEnd = true;
-    controlFlag = false;
-}
-
 void eSDLReader::CheckSignature(const char* signature, const eCheck& notSDL) {
     const std::string expected(signature ? signature : "");
     const std::string& read = ReadSignature(notSDL);
     if (!xSDL::IsSameWord(read, expected))
-        FailSignature(LowerCased(read), expected);
+        FailSignature(ascii::LowerCased(read), expected);
 }
 
 const std::string& eSDLReader::ReadSignature(const eCheck& notSDL) {
@@ -373,7 +263,7 @@ const std::string& eSDLReader::GetIdent(bool lower) {
     if (const eSDLParserLexType type = NextWord(); type != sdlIdent && type != sdlKeyword)
         Fail(Checks::kIdentifier);
     if (lower)
-        LowerCase(&parsers.back()->current.OwnString());
+        ascii::LowerCase(&parsers.back()->current.OwnString());
     return parsers.back()->current.String();
 }
 
@@ -649,10 +539,6 @@ void eSDLReader::PopKeywords() {
         keywords.pop_back();
 }
 
-void eSDLReader::Include(const eFileName& file) {
-    PushParser(NewParser(file, {}));
-}
-
 eStrings& eSDLReader::LoadingModes() {
     static eCriticalResource<eStrings> modes;
     return modes.Get();
@@ -741,7 +627,7 @@ eSDLParserLexType eSDLReader::NextFarWord() {
 }
 
 // Takes the mark of the block that has just started. False if the block is hidden.
-bool eSDLReader::EnterBlock() {
+QZL_IO_ALWAYS_INLINE bool eSDLReader::EnterBlock() {
     const std::string_view mark = parsers.back()->current.Text();
     // Two empty marks would only be exchanged.
     if (AreMarksKept() || !mark.empty()) {
@@ -767,151 +653,11 @@ void eSDLReader::NextBlockEnd() {
         Require(sdlBlockEnd, Checks::kBlockEnd);
 }
 
-eSDLParser* eSDLReader::NewParser(const eFileName& file, const std::map<eStringKey, eStringKey>& parameters) {
-    RequireRoomForSource();
-    const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(file.str(), *stream, keywords, parameters, cipher.get(), sourceLimits,
-                          EnteringSources(parsers.size()));
-}
-
-eSDLParser* eSDLReader::NewParser(const eFileNameW& file) {
-    RequireRoomForSource();
-    const std::unique_ptr<IO::eStream> stream = OpenSource(file);
-    return new eSDLParser(ToString(file.str()), *stream, keywords, {}, cipher.get(), sourceLimits,
-                          EnteringSources(parsers.size()));
-}
-
-void eSDLReader::PushParser(eSDLParser* parser) {
-    std::shared_ptr<eSDLParser> owned(parser); // before the list grows, which may fail
-    RequireRoomForSource();
-    owned->LimitTokens(sourceLimits.tokenBytes);
-    if (checkRange)
-        owned->CheckNumbers();
-    parsers.push_back(std::move(owned));
-}
-
-// The first source is not an included one.
-void eSDLReader::RequireRoomForSource() {
-    if (parsers.size() > sourceLimits.includeDepth)
-        Fail(Checks::kIncludeLimit);
-}
-
-void eSDLReader::PopParser() {
-    if (parsers.empty())
-        return;
-    if (!parsers.back()->failure.empty())
-        NoteUnopened(*parsers.back());
-    parsers.pop_back();
-}
-
 // Copies of a reader share the parsers but have their own tables, so the parser is given the tables before each token.
 eSDLParser& eSDLReader::Parser() const {
     eSDLParser& parser = *parsers.back();
     parser.keywords = &keywords;
     return parser;
-}
-
-void eSDLReader::GetParameters(std::map<eStringKey, eStringKey>* parameters) {
-    Cut();
-    const eSDLParser& parser = *parsers.back();
-    if (parser.current.Type() == sdlIdent && parser.current.Text() == "args")
-        TakePositional(parameters);
-    else
-        TakeNamed(parameters);
-    if (parser.current.Type() != sdlClose)
-        Fail(Checks::kArgumentsEnd);
-}
-
-// Read directly from the parser: in an argument list control blocks and escapes are plain text.
-void eSDLReader::TakePositional(std::map<eStringKey, eStringKey>* parameters) {
-    eSDLParser& parser = Parser();
-    for (int index = 0; Cut(); ++index) {
-        const eSDLParserLexType type = parser.current.Type();
-        if (type == sdlClose || type == sdlError)
-            return;
-        const std::string_view text = parser.current.Text();
-        const std::string_view quote = type == sdlString ? "\"" : "";
-        std::string value;
-        value.reserve(text.size() + 2 * quote.size());
-        (*parameters)[ToString(index, false)] = std::move(value.append(quote).append(text).append(quote));
-    }
-}
-
-// The value directly follows its name, so the parser reads it as characters before the next token is cut.
-void eSDLReader::TakeNamed(std::map<eStringKey, eStringKey>* parameters) {
-    eSDLParser& parser = Parser();
-    while (parser.current.Type() == sdlIdent || parser.current.Type() == sdlKeyword) {
-        const eStringKey key = std::string(parser.current.Text());
-        (*parameters)[key] = parser.TakeParameter(EnteringSources(parsers.size() - 1));
-        Cut();
-    }
-}
-
-void eSDLReader::GetOperand(eSDLParserToken* token) {
-    Cut();
-    TakeOperand(token);
-}
-
-bool eSDLReader::GetOperandOrEnd(eSDLParserToken* token) {
-    Cut();
-    if (parsers.back()->current.Type() == sdlClose)
-        return false;
-    TakeOperand(token);
-    return true;
-}
-
-void eSDLReader::TakeOperand(eSDLParserToken* token) {
-    const eSDLParser& parser = *parsers.back();
-    if (parser.current.Type() != sdlInt && parser.current.Type() != sdlFloat)
-        Fail(Checks::kNumber);
-    RequireFloatFits();
-    token->type = sdlFloat;
-    token->floatValue = parser.current.Float();
-    token->text.assign(parser.current.Text());
-}
-
-// The state before the ( is saved at once, since the next token displaces it. It is kept per thread: only the
-// calculation uses it, and that ends before another control block can begin.
-bool eSDLReader::ProcessControlBlock() {
-    eSDLParser& parser = Parser();
-    eBefore before = parser.current.Before();
-    const char* const open = parser.current.Begin();
-    Cut();
-    const eSDLParserLexType type = parser.current.Type();
-    if (type == sdlOperator) {
-        eKeptState kept(std::move(before));
-        Calculate(open);
-        parser.current.SetBefore(eKeptState::Take());
-        return false;
-    }
-    if (type != sdlString)
-        CheckControlWord();
-    SkipBlock(true);
-    return true;
-}
-
-void eSDLReader::CheckControlWord() {
-    eSDLParser& parser = *parsers.back();
-    if (parser.current.Type() != sdlIdent && parser.current.Type() != sdlKeyword)
-        Fail(Checks::kIdentifier);
-    LowerCase(&parser.current.OwnString());
-    if (const std::string_view word = parser.current.Text(); word != "include" && word != "define" && word != "mod")
-        Fail(Checks::kControlBlockWord);
-}
-
-// The expression becomes one token, from which Back returns to before its (.
-void eSDLReader::Calculate(const char* open) {
-    eSDLParser& parser = Parser();
-    const char operation = parser.current.Text().front();
-    eSDLParserToken operand;
-    GetOperand(&operand);
-    float result = operand.floatValue;
-    while (GetOperandOrEnd(&operand))
-        result = xSDL::Combined(operation, result, operand.floatValue);
-    parser.current.SetType(sdlFloat);
-    parser.current.SetFloat(result);
-    parser.current.OwnString() = ToString(result);
-    parser.current.StandFor({open, parser.current.Position()});
 }
 
 eSDLReader& begb(eSDLReader& reader) {
