@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include <windows.h>
 
@@ -66,6 +67,16 @@ TEST_F(OtherSystem, WithoutTheFunctionForItTellsNoFolders) {
         EXPECT_TRUE(IO::System::UserFolder(IO::System::eUserFolder::Settings).empty()) << missing;
         EXPECT_TRUE(IO::System::UserFolderW(IO::System::eUserFolder::Documents).empty()) << missing;
     }
+}
+
+decltype(&::GetActiveProcessorCount) systemsCount;
+DWORD WINAPI CountNone(WORD) {
+    return 0;
+}
+
+TEST(Processors, AreThoseOfItsOwnGroupWhereTheSystemDoesNotTellItsGroups) {
+    const eReplacedCall counted(kLibrary, "GetActiveProcessorCount", &CountNone, &systemsCount);
+    EXPECT_GE(IO::System::SystemFacts("test").processors, std::thread::hardware_concurrency());
 }
 
 // --- The registry ---

@@ -161,6 +161,15 @@ USHORT NativeMachine() {
     return info.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_AMD64 ? kX64 : kX86;
 }
 
+// Where the groups of processors cannot be told, as under Wine without /sys, those of the program's own group.
+unsigned Processors() {
+    if (const DWORD count = ::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS))
+        return count;
+    SYSTEM_INFO info{};
+    ::GetNativeSystemInfo(&info);
+    return info.dwNumberOfProcessors;
+}
+
 // In lower case, as ids are compared. Empty if the registry does not hold it.
 std::string MachineGuid() {
     HKEY key = nullptr;
@@ -226,7 +235,7 @@ eMachineFacts AskMachine() {
     eMachineFacts facts;
     facts.architecture = ArchitectureOf(kOwnMachine);
     facts.machineArchitecture = ArchitectureOf(NativeMachine());
-    facts.processors = ::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS);
+    facts.processors = Processors();
     MEMORYSTATUSEX memory{};
     memory.dwLength = sizeof(memory);
     if (::GlobalMemoryStatusEx(&memory))
